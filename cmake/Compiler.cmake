@@ -1,0 +1,26 @@
+# Warnings, sanitizers and hardening that every target shares.
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Werror)
+
+option(KVT_SANITIZE "build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+if(KVT_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(WIN32)
+  # Self-contained, with address space randomisation, no executable data, and symbols that winedbg can read.
+  add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)
+  add_compile_options(-fstack-protector-strong -gdwarf-4)
+  add_link_options(-static -Wl,--dynamicbase -Wl,--nxcompat)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    add_link_options(-Wl,--high-entropy-va)
+  endif()
+endif()
+
+# kvt_library(NAME SOURCES… [DEPENDS targets…]): a static library that is included as "folder/header.h".
+function(kvt_library name)
+  cmake_parse_arguments(arg "" "" "DEPENDS" ${ARGN})
+  add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
+  target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
+  target_link_libraries(${name} PUBLIC ${arg_DEPENDS})
+endfunction()
