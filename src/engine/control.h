@@ -41,8 +41,8 @@ enum class Operation : std::int32_t {
 /// The operation's name, as records of calls and messages show it.
 StringView nameOf(Operation operation);
 
-/// The form's window, where the engine wants a parent window. A type of its own, since its value differs from run to run
-/// and a record of calls shows it as hWnd.
+/// The form's window, where the engine wants a parent window. A type of its own, since its value differs from run
+/// to run and a record of calls shows it as hWnd.
 struct WindowHandle {
     std::intptr_t value = 0;
     bool operator==(const WindowHandle&) const = default;

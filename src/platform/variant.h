@@ -1,5 +1,5 @@
-// Automation values: what a cell of the host's parameter array or a getter's result can hold, how such values compare
-// and how they turn into text and numbers.
+// Automation values: what a cell of the host's parameter array or a getter's result can hold, how such values
+// compare and how they turn into text and numbers.
 #pragma once
 
 #include "platform/locale.h"
@@ -47,7 +47,7 @@ struct ErrorValue {
 };
 
 /// The types that a value can be asked to take.
-enum class ValueType { Boolean, Integer, Long, Single, Double, Date, String, Object, Variant };
+enum class ValueType { Boolean, Integer, Long, Single, Double, Date, Text, Object, Variant };
 
 /// One Automation value. Copies are deep but for objects, which are shared.
 class Variant {
@@ -57,8 +57,9 @@ class Variant {
 
     Variant() = default;
     template <class T>
-        requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && std::is_constructible_v<Value, std::in_place_type_t<std::remove_cvref_t<T>>, T>)
-    Variant(T&& value) : value_(std::in_place_type<std::remove_cvref_t<T>>, std::forward<T>(value)) {}
+    requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> &&
+             std::is_constructible_v<Value, std::in_place_type_t<std::remove_cvref_t<T>>, T>) Variant(T&& value)
+        : value_(std::in_place_type<std::remove_cvref_t<T>>, std::forward<T>(value)) {}
     Variant(StringView text) : value_(std::in_place_type<String>, text) {}
     Variant(const char16_t* text) : value_(std::in_place_type<String>, text) {}
 
@@ -81,12 +82,12 @@ class Variant {
 /// How a comparison with an Automation value ends: with Null it is neither true nor false.
 enum class Comparison { Equal, Unequal, Undecided };
 
-/// `value = number`. A text is taken as the number in it, in the notation of `locale`; run-time error 13 where it is
-/// none. Empty equals 0; True equals -1.
+/// `value = number`. A text is taken as the number in it, in the notation of `locale`; run-time error 13 where it
+/// is none. Empty equals 0; True equals -1.
 Comparison compareWithNumber(const Variant& value, double number, const Locale& locale);
 
-/// `value = True` or `value = False`. A text is taken as the number in it or as the locale's (or the English) truth word;
-/// run-time error 13 where it is neither.
+/// `value = True` or `value = False`. A text is taken as the number in it or as the locale's (or the English) truth
+/// word; run-time error 13 where it is neither.
 Comparison compareWithBoolean(const Variant& value, bool truth, const Locale& locale);
 
 /// `value` compared as a text with `text`, letter by letter; Empty equals "".
@@ -100,7 +101,8 @@ bool equals(const Variant& value, StringView text, const Locale& locale);
 /// The general conversion to text. Empty gives ""; Null is run-time error 94; an object or an error value is 13.
 String toText(const Variant& value, const Locale& locale);
 
-/// Conversions to numbers: Null is run-time error 94, a text that is no number 13, a value out of range 6. Empty is 0.
+/// Conversions to numbers: Null is run-time error 94, a text that is no number 13, a value out of range 6. Empty is
+/// 0.
 double toDouble(const Variant& value, const Locale& locale);
 float toSingle(const Variant& value, const Locale& locale);
 std::int16_t toInteger(const Variant& value, const Locale& locale);
@@ -111,8 +113,8 @@ bool toBoolean(const Variant& value, const Locale& locale);
 std::int16_t roundToInteger(double value);
 std::int32_t roundToLong(double value);
 
-/// The foreign result `value` coerced to `type` (as `VariantChangeType` does it): what can't be coerced, Null included,
-/// is run-time error 13, a number out of range run-time error 6.
+/// The foreign result `value` coerced to `type` (as `VariantChangeType` does it): what can't be coerced, Null
+/// included, is run-time error 13, a number out of range run-time error 6.
 Variant coerced(const Variant& value, ValueType type, const Locale& locale);
 
 } // namespace kvtdruck

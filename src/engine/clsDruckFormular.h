@@ -1,0 +1,65 @@
+// The component's engine adapter: the one place through which every report talks to the reporting engine.
+#pragma once
+
+#include "dataaccess/modul.h"
+#include "engine/DruckFormular.h"
+
+#include <memory>
+
+namespace kvtdruck {
+
+/// Forwards each operation to the control on its hidden form and has `PrFehler` judge the result. Every operation
+/// but `FKT_DefiniereVariablen_AllgemeineFirmendaten`, `fkt_Starte_Form` and `FKT_Lösche_Druckerbeschreibung`
+/// suppresses run-time errors: a call that fails (a missing form among them) counts as success. The adapter keeps
+/// no state but the form, which it unloads when it is destroyed.
+class clsDruckFormular final : public DruckFormular {
+  public:
+    clsDruckFormular(Modul& modul, FormFactory& formFactory) : modul_(modul), formFactory_(formFactory) {}
+    ~clsDruckFormular() override = default; // unloads the form
+
+    bool FKT_DefiniereVariablen_AllgemeineFirmendaten(const ObjectRef& pZuDbFnrAllg,
+                                                      StringView pListenUeberschrift) override;
+    Variant fkt_Starte_Form() override;
+    void fkt_Form_Hide() override;
+    void fkt_Form_Unload() override;
+    void LlDefineVariableStart() override;
+    void LlDefineFieldStart() override;
+    bool LlDefineVariableExt(StringView pFeldname, StringView pFeldinhalt, std::int32_t pFeldtyp) override;
+    bool LlDefineLayout(const Variant& pTitel, std::int32_t pObjekttyp, StringView pObjektname) override;
+    bool LlDefineFieldExt(StringView pFeldname, StringView pFeldinhalt, std::int32_t pFeldtyp) override;
+    std::int32_t LlPrintWithBoxStart(std::int32_t pObjekttyp, StringView pObjektname, std::int32_t pPrintMode,
+                                     std::int32_t pBoxType, StringView pTitel) override;
+    std::int32_t LlPrint() override;
+    std::int32_t LlPrintFields() override;
+    std::int32_t LlPrintFieldsEnd() override;
+    std::int32_t LlPrintEnd(std::int32_t pPages) override;
+    std::int32_t LlPreviewDisplay(StringView pObjektname, StringView pPath) override;
+    std::int32_t LlPreviewDeleteFiles(StringView pObjektname, StringView pPath) override;
+    std::int32_t LlPreviewSetTempPath(StringView pPath) override;
+    bool FKT_Lösche_Druckerbeschreibung(StringView pPfad) override;
+    std::int32_t LlSetPrinterToDefault(std::int32_t pObjekttyp, StringView pObjektname) override;
+    std::int32_t LlPrintSetBoxText(StringView pText, std::int32_t pFortschrittProzent) override;
+    std::int32_t LlPrintOptionsDialog(StringView pText) override;
+    std::int32_t LlStgsysDrawPage(std::int32_t pHSTG, std::int32_t pHDC, std::int32_t pHPRNDC, std::int32_t pLeft,
+                                  std::int32_t pTop, std::int32_t pRight, std::int32_t pBottom, std::int32_t pIndex,
+                                  std::int32_t pFit) override;
+    std::int32_t LlStgsysStorageOpen(StringView pObjektname, StringView pPfad, bool pReadOnly, bool pJob) override;
+    void LlStgsysStorageClose(std::int32_t pHSTG) override;
+    void LlPrintAbort() override;
+    std::int32_t PrFehler(std::int32_t pRC, StringView pText) override;
+    void PrintEnd() override;
+
+  private:
+    /// The engine's result of `aufruf`, which is given the form; 0 where the call fails.
+    template <class Aufruf>
+    std::int32_t rufe(Aufruf&& aufruf) noexcept;
+    std::int32_t rufe(Operation operation, std::initializer_list<Argument> argumente = {}) noexcept;
+    /// `PrFehler` on `rc`; `zusatz` follows the operation's `text` in the message.
+    std::int32_t beurteile(std::int32_t rc, StringView text, StringView zusatz = {}) noexcept;
+
+    Modul& modul_;
+    FormFactory& formFactory_;
+    std::unique_ptr<Form> frmDruck_;
+};
+
+} // namespace kvtdruck
