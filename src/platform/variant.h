@@ -97,6 +97,9 @@ Comparison compareWithText(const Variant& value, StringView text, const Locale& 
 bool equals(const Variant& value, double number, const Locale& locale);
 bool equals(const Variant& value, bool truth, const Locale& locale);
 bool equals(const Variant& value, StringView text, const Locale& locale);
+inline bool equals(const Variant& value, const char16_t* text, const Locale& locale) {
+    return equals(value, StringView(text), locale);
+}
 
 /// The general conversion to text. Empty gives ""; Null is run-time error 94; an object or an error value is 13.
 String toText(const Variant& value, const Locale& locale);

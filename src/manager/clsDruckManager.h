@@ -1,0 +1,63 @@
+// The one class that the host application creates: it checks the company, registers the job and hands it to the
+// report class that the list name chooses.
+#pragma once
+
+#include "dataaccess/zugriff.h"
+#include "engine/control.h"
+#include "manager/basLL80.h"
+#include "reports/berichte.h"
+
+#include <span>
+
+namespace kvtdruck {
+
+/// A report as hosts ask for it.
+struct Launcher {
+    /// Compared letter by letter.
+    StringView listenname;
+    /// The procedure's name in error reports.
+    StringView prozedur;
+    Berichterzeuger* bericht;
+};
+
+/// All launchers, in the order of comparison.
+std::span<const Launcher> alleLauncher();
+
+/// `modul`, `basLL80` and the form factory outlive the manager.
+class clsDruckManager {
+  public:
+    clsDruckManager(Modul& modul, basLL80& basLL80, FormFactory& formFactory)
+        : modul_(modul), basLL80_(basLL80), formFactory_(formFactory) {}
+    clsDruckManager(const clsDruckManager&) = delete;
+    clsDruckManager& operator=(const clsDruckManager&) = delete;
+
+    /// Keeps the host's open connection and makes a fresh job table. The result is always False, also when all went
+    /// well; hosts ignore it.
+    bool fkt_Init(const ObjectRef& pADOCon);
+
+    /// Ends the viewers of a host window that closes, and deletes their preview files.
+    bool Terminate_Preview(std::int32_t pParentHwnd);
+
+    /// Handles one request. An unknown list name gives False without a message.
+    bool fkt_Drucken(std::int16_t pPrintMode, double pFnr, const ObjectRef& pParArray, StringView pApppath,
+                     StringView pListenname, bool pDruckmitDruckerauswahl, std::int32_t pParentHwnd,
+                     std::int16_t pSelmoraFuer);
+
+  private:
+    bool Lese_Allgemeine_Firmendaten(double pFnr);
+    bool fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname, std::int32_t pParentHwnd,
+                                      StringView pPrevPath);
+    std::int16_t WaehleZeile(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath);
+    bool Starte(const Launcher& launcher, Druckauftrag auftrag);
+
+    Modul& modul_;
+    basLL80& basLL80_;
+    FormFactory& formFactory_;
+    ObjectRef connection_;
+    ObjectRef firma_;
+    String listenPath_;
+    String prevPath_;
+    std::int16_t aktZeile_ = -1;
+};
+
+} // namespace kvtdruck

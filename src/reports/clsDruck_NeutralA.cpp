@@ -1,0 +1,24 @@
+// The neutral expenses of a financial year: overhead accounts with a sign rule.
+#include "reports/berichte.h"
+#include "reports/kontenbericht.h"
+
+namespace kvtdruck {
+namespace {
+
+class clsDruck_NeutralA final : public Kontenbericht {
+  public:
+    clsDruck_NeutralA(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
+        : Kontenbericht(umgebung, std::move(auftrag), u"clsDruck_NeutralA", u"Neutrale Aufwendungen") {}
+
+  private:
+    // Any kind of amount but 0 reverses the sign; read anew for the year's and for the month's amounts.
+    std::optional<double> Vorzeichen() override { return KtoBetrArt() != 0 ? std::optional(-1.0) : std::nullopt; }
+};
+
+} // namespace
+
+std::unique_ptr<Bericht> neu_clsDruck_NeutralA(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
+    return std::make_unique<clsDruck_NeutralA>(umgebung, std::move(auftrag));
+}
+
+} // namespace kvtdruck
