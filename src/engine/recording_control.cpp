@@ -21,6 +21,8 @@ bool isSurrogate(char16_t unit) {
     return (unit & 0xf800) == 0xd800;
 }
 
+} // namespace
+
 void appendQuoted(std::string& line, StringView text) {
     line += '"';
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -39,6 +41,8 @@ void appendQuoted(std::string& line, StringView text) {
     }
     line += '"';
 }
+
+namespace {
 
 std::string callText(StringView operation, std::span<const Argument> arguments) {
     auto line = toUtf8(operation) + "(";

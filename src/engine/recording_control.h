@@ -12,6 +12,9 @@ namespace kvtdruck {
 /// Takes one line of a record (UTF-8, without a line end).
 using RecordSink = std::function<void(std::string_view line)>;
 
+/// Appends `text` to `line` in quotes, written as JSON writes strings (UTF-8; the half of a surrogate pair as \u…).
+void appendQuoted(std::string& line, StringView text);
+
 /// The line of one call: the operation, its arguments (texts quoted as in JSON, the window as hWnd) and the result,
 /// as in
 ///   LlDefineVariableExt("FnrName1", "Musterbau GmbH", 268435456) = 0

@@ -1,0 +1,224 @@
+#include "druckwerk/data_export.h"
+
+#include "druckwerk/record_writer.h"
+#include "platform/runtime_error.h"
+
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+namespace kvtdruck::druckwerk {
+namespace {
+
+/// Variables or fields in the order of their first definition.
+class Definitions {
+  public:
+    /// Takes a definition; gives whether it changed anything.
+    bool define(StringView name, StringView text, bool numeric) {
+        auto& value = find(name);
+        if (value.text == text && value.numeric == numeric && !isNew_)
+            return false;
+        value.text = text;
+        value.numeric = numeric;
+        return true;
+    }
+    void clear() { values_.clear(); }
+    std::span<const NamedValue> values() const { return values_; }
+
+  private:
+    /// A report defines its names in the same order for every record, so the name asked for is nearly always the
+    /// one behind the last.
+    NamedValue& find(StringView name) {
+        isNew_ = false;
+        for (std::size_t tried = 0; tried < values_.size(); ++tried) {
+            next_ = (next_ + 1) % values_.size();
+            if (values_[next_].name == name)
+                return values_[next_];
+        }
+        isNew_ = true;
+        next_ = values_.size();
+        return values_.emplace_back(NamedValue{String(name), {}, false});
+    }
+
+    std::vector<NamedValue> values_;
+    std::size_t next_ = 0;
+    bool isNew_ = false;
+};
+
+/// The file of a job: written beside its place and moved there when it is complete.
+class Job {
+  public:
+    explicit Job(const DataExportOptions& options)
+        : target_(options.output), unfinished_(target_.string() + ".unfertig-" + std::to_string(::getpid())),
+          writer_(openWriter(options.format, unfinished_, options.locale, options.warn)) {}
+    Job(const Job&) = delete;
+    Job& operator=(const Job&) = delete;
+    ~Job() {
+        writer_.reset();
+        std::error_code ignored;
+        std::filesystem::remove(unfinished_, ignored);
+    }
+
+    RecordWriter& writer() { return *writer_; }
+    void finish() {
+        writer_->finish();
+        std::filesystem::rename(unfinished_, target_);
+    }
+
+  private:
+    std::filesystem::path target_;
+    std::filesystem::path unfinished_;
+    std::unique_ptr<RecordWriter> writer_;
+};
+
+class DataExport final : public Control {
+  public:
+    explicit DataExport(std::shared_ptr<const DataExportOptions> options) : options_(std::move(options)) {}
+
+    std::int32_t call(Operation operation, std::span<const Argument> arguments) override {
+        switch (operation) {
+        case Operation::LlDefineVariableStart:
+            variables_.clear();
+            variablesChanged_ = true;
+            return kEngineSuccess;
+        case Operation::LlDefineFieldStart:
+            fields_.clear();
+            return kEngineSuccess;
+        case Operation::LlDefineVariableExt:
+            variablesChanged_ |= define(variables_, arguments);
+            return kEngineSuccess;
+        case Operation::LlDefineFieldExt:
+            define(fields_, arguments);
+            return kEngineSuccess;
+        case Operation::LlSetPrinterToDefault:
+        case Operation::LlPrintOptionsDialog:
+        case Operation::LlPreviewSetTempPath:
+            return kEngineSuccess;
+        case Operation::LlPrintWithBoxStart:
+            return guarded([&] { start(); });
+        case Operation::LlPrint:
+        case Operation::LlPrintFieldsEnd:
+            return inJob([] {});
+        case Operation::LlPrintFields:
+            return inJob([&] { writeRecord(); });
+        case Operation::LlPrintSetBoxText:
+            return inJob([&] { showProgress(arguments); });
+        case Operation::LlPrintEnd:
+            return inJob([&] { finish(); });
+        case Operation::PrintEnd:
+            job_.reset();
+            return kEngineSuccess;
+        default:
+            return failed(
+                {kNotOffered, "Der Datenexport kennt diese Operation nicht: " + toUtf8(nameOf(operation))});
+        }
+    }
+
+    void put(std::int32_t, bool) override {}
+    ObjectRef member(StringView) override { throw RuntimeError(ErrorNumber::MemberNotFound); }
+
+  private:
+    static bool define(Definitions& definitions, std::span<const Argument> arguments) {
+        return definitions.define(std::get<StringView>(arguments[0]), std::get<StringView>(arguments[1]),
+                                  std::get<std::int32_t>(arguments[2]) == kTypeNumeric);
+    }
+
+    void start() {
+        job_.reset();
+        failure_ = kEngineSuccess;
+        records_ = 0;
+        variablesChanged_ = true;
+        job_.emplace(*options_);
+    }
+
+    void writeRecord() {
+        if (variablesChanged_)
+            job_->writer().variables(variables_.values());
+        variablesChanged_ = false;
+        if (!fields_.values().empty())
+            job_->writer().record(fields_.values());
+        ++records_;
+    }
+
+    void showProgress(std::span<const Argument> arguments) const {
+        if (options_->progress)
+            options_->progress(
+                {toUtf8(std::get<StringView>(arguments[0])), std::get<std::int32_t>(arguments[1]), records_});
+    }
+
+    void finish() {
+        job_->finish();
+        job_.reset();
+    }
+
+    /// The result of a step of an open job: cancelled, the job's failure, or what the step itself answers.
+    template <class Step>
+    std::int32_t inJob(Step&& step) {
+        if (options_->cancelled && *options_->cancelled)
+            return kEngineCancelled;
+        if (failure_ != kEngineSuccess)
+            return failure_;
+        if (!job_)
+            return failed({kWrongOrder, "Es ist kein Druckauftrag offen."});
+        return guarded(step);
+    }
+
+    template <class Step>
+    std::int32_t guarded(Step&& step) {
+        try {
+            step();
+            return kEngineSuccess;
+        } catch (const std::system_error& error) {
+            return outputFailed(error.code().message());
+        } catch (const std::exception& error) {
+            return outputFailed(error.what());
+        }
+    }
+
+    /// A job that could not write once writes no more; its file is dropped.
+    std::int32_t outputFailed(const std::string& reason) {
+        job_.reset();
+        failure_ = kOutputFailed;
+        return failed({kOutputFailed, options_->output.string() + " kann nicht geschrieben werden: " + reason});
+    }
+
+    std::int32_t failed(const EngineError& error) const {
+        if (options_->error)
+            options_->error(error);
+        return error.code;
+    }
+
+    std::shared_ptr<const DataExportOptions> options_;
+    Definitions variables_;
+    Definitions fields_;
+    bool variablesChanged_ = true;
+    int records_ = 0;
+    std::int32_t failure_ = kEngineSuccess;
+    std::optional<Job> job_;
+};
+
+class DataExportForm final : public Form {
+  public:
+    explicit DataExportForm(std::shared_ptr<const DataExportOptions> options) : control_(std::move(options)) {}
+    Control& ll60() override { return control_; }
+    WindowHandle hWnd() override { return {}; }
+    bool visible() override { return false; }
+    void hide() override {}
+
+  private:
+    DataExport control_;
+};
+
+} // namespace
+
+DataExportFormFactory::DataExportFormFactory(DataExportOptions options)
+    : options_(std::make_shared<const DataExportOptions>(std::move(options))) {}
+
+std::unique_ptr<Form> DataExportFormFactory::create() {
+    return std::make_unique<DataExportForm>(options_);
+}
+
+} // namespace kvtdruck::druckwerk
