@@ -21,11 +21,12 @@ class Object {
     Object& operator=(const Object&) = delete;
     virtual ~Object() = default;
 
-    /// The number of member `name` (letter case does not matter); run-time error 438 where there is none. The number
-    /// stays valid for the object's life.
+    /// The number of member `name` (letter case does not matter); run-time error 438 where there is none. The
+    /// number stays valid for the object's life.
     virtual MemberId idOf(StringView name) = 0;
 
-    /// Reads a property or calls an operation, with its arguments in order and by value; gives its result, or Empty.
+    /// Reads a property or calls an operation, with its arguments in order and by value; gives its result, or
+    /// Empty.
     virtual Variant call(MemberId member, std::span<const Variant> arguments) = 0;
 
     /// Writes a property: `arguments` address it, `value` is what it takes.

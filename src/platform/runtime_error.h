@@ -31,8 +31,8 @@ enum class ErrorNumber : long {
     ActionNotSupported = 445,
 };
 
-/// The German description that belongs to a run-time error's number; "Anwendungs- oder objektdefinierter Fehler" for
-/// numbers that have none of their own.
+/// The German description that belongs to a run-time error's number; "Anwendungs- oder objektdefinierter Fehler"
+/// for numbers that have none of their own.
 StringView describe(long number);
 
 /// A run-time error on its way to the procedure that reports it.

@@ -1,5 +1,6 @@
-// What the component asks of its surroundings: files, processes, the clock, pending messages. Paths carry "\" between
-// their parts, as the system composes them; an implementation translates where its platform writes them differently.
+// What the component asks of its surroundings: files, processes, the clock, pending messages. Paths carry "\"
+// between their parts, as the system composes them; an implementation translates where its platform writes them
+// differently.
 #pragma once
 
 #include "platform/locale.h"
@@ -27,8 +28,8 @@ class FileSystem {
 class Processes {
   public:
     virtual ~Processes() = default;
-    /// Starts a command line (program by search path, arguments in double quotes) with a normal, focused window, without
-    /// waiting; gives its process id. Run-time error 53 where the program is not found.
+    /// Starts a command line (program by search path, arguments in double quotes) with a normal, focused window,
+    /// without waiting; gives its process id. Run-time error 53 where the program is not found.
     virtual std::int32_t start(StringView commandLine) = 0;
     /// Ends the process with exit code 0. An id that no longer exists is ignored.
     virtual void terminate(std::int32_t id) = 0;

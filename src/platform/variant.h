@@ -6,6 +6,7 @@
 #include "platform/object.h"
 #include "platform/text.h"
 
+#include <concepts>
 #include <cstdint>
 #include <variant>
 
@@ -95,8 +96,12 @@ Comparison compareWithText(const Variant& value, StringView text, const Locale& 
 
 /// Shorthands: whether the comparison is decided and equal.
 bool equals(const Variant& value, double number, const Locale& locale);
-bool equals(const Variant& value, bool truth, const Locale& locale);
 bool equals(const Variant& value, StringView text, const Locale& locale);
+/// For true and false themselves: a text literal or a whole number must not come here by conversion.
+template <std::same_as<bool> Truth>
+bool equals(const Variant& value, Truth truth, const Locale& locale) {
+    return compareWithBoolean(value, truth, locale) == Comparison::Equal;
+}
 inline bool equals(const Variant& value, const char16_t* text, const Locale& locale) {
     return equals(value, StringView(text), locale);
 }
@@ -116,8 +121,8 @@ bool toBoolean(const Variant& value, const Locale& locale);
 std::int16_t roundToInteger(double value);
 std::int32_t roundToLong(double value);
 
-/// The foreign result `value` coerced to `type` (as `VariantChangeType` does it): what can't be coerced, Null
-/// included, is run-time error 13, a number out of range run-time error 6.
+/// The foreign result `value` coerced to `type` (as `VariantChangeType` does it, with truth values as the locale's
+/// words): what can't be coerced, Null included, is run-time error 13, a number out of range run-time error 6.
 Variant coerced(const Variant& value, ValueType type, const Locale& locale);
 
 } // namespace kvtdruck
