@@ -1,0 +1,54 @@
+#include "kvtzug/kvtzug.h"
+
+#include "kvtzug/odbc.h"
+#include "kvtzug/reader.h"
+#include "platform/runtime_error.h"
+#include "platform/variant.h"
+
+namespace kvtdruck {
+namespace {
+
+constexpr StringView kConnectionString = u"ConnectionString";
+constexpr Object::MemberId kConnectionStringId = 1;
+
+} // namespace
+
+Object::MemberId OdbcConnection::idOf(StringView name) {
+    if (!sameName(name, kConnectionString))
+        throw RuntimeError(ErrorNumber::MemberNotFound);
+    return kConnectionStringId;
+}
+
+Variant OdbcConnection::call(MemberId member, std::span<const Variant>) {
+    if (member != kConnectionStringId)
+        throw RuntimeError(ErrorNumber::MemberNotFound);
+    return connectionString_;
+}
+
+void OdbcConnection::put(MemberId, std::span<const Variant>, const Variant&) {
+    throw RuntimeError(ErrorNumber::MemberNotFound);
+}
+
+String sqliteConnection(StringView file) {
+    return u"Driver=SQLite3;Database=" + String(file);
+}
+
+std::shared_ptr<Connection> Connections::open(Object& host) {
+    const auto text = toText(host.call(host.idOf(kConnectionString), {}), germanLocale());
+    auto& known = open_[text];
+    auto connection = known.lock();
+    if (!connection || !connection->alive()) {
+        connection = std::make_shared<Connection>(text);
+        known = connection;
+    }
+    return connection;
+}
+
+ObjectRef OdbcKvtzug::create(StringView className) {
+    const auto* readerClass = findReaderClass(className);
+    if (!readerClass)
+        throw RuntimeError(ErrorNumber::CannotCreateObject);
+    return std::make_shared<Reader>(*readerClass, connections_, trace_);
+}
+
+} // namespace kvtdruck

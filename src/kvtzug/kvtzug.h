@@ -1,0 +1,58 @@
+// The reference data access: the reader classes that the reports expect, over any ODBC database with the schema of
+// demo/schema.sql.
+#pragma once
+
+#include "dataaccess/library.h"
+#include "platform/object.h"
+#include "platform/text.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+
+namespace kvtdruck {
+
+class Connection;
+
+/// A connection as a host hands it to the component: an object with the property `ConnectionString`.
+class OdbcConnection : public Object {
+  public:
+    explicit OdbcConnection(String connectionString) : connectionString_(std::move(connectionString)) {}
+
+    MemberId idOf(StringView name) override;
+    Variant call(MemberId member, std::span<const Variant> arguments) override;
+    void put(MemberId member, std::span<const Variant> arguments, const Variant& value) override;
+
+  private:
+    String connectionString_;
+};
+
+/// The connection string of an SQLite database file, which needs no data source to be configured.
+String sqliteConnection(StringView file);
+
+/// The open ODBC connections by their connection strings. A connection is open as long as a reader uses it.
+class Connections {
+  public:
+    /// The connection that `host` names with its property `ConnectionString`: the open one, or a new one.
+    std::shared_ptr<Connection> open(Object& host);
+
+  private:
+    std::map<String, std::weak_ptr<Connection>> open_;
+};
+
+/// The library. Its objects may outlive it.
+class OdbcKvtzug : public Kvtzug {
+  public:
+    /// Is told every SQL statement that is executed.
+    using Trace = std::function<void(StringView sql)>;
+
+    explicit OdbcKvtzug(Trace trace = {}) : trace_(std::move(trace)) {}
+
+    ObjectRef create(StringView className) override;
+
+  private:
+    Trace trace_;
+    std::shared_ptr<Connections> connections_ = std::make_shared<Connections>();
+};
+
+} // namespace kvtdruck

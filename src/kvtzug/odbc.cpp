@@ -1,0 +1,216 @@
+#include "kvtzug/odbc.h"
+
+#include "platform/runtime_error.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kvtdruck {
+namespace {
+
+char16_t lower(char16_t letter) {
+    return letter >= u'A' && letter <= u'Z' ? char16_t(letter - u'A' + u'a') : letter;
+}
+
+String lower(StringView text) {
+    String result(text);
+    std::transform(result.begin(), result.end(), result.begin(), [](char16_t letter) { return lower(letter); });
+    return result;
+}
+
+SQLWCHAR* wide(StringView text) {
+    return reinterpret_cast<SQLWCHAR*>(const_cast<char16_t*>(text.data()));
+}
+
+SQLPOINTER attributeValue(std::uintptr_t value) {
+    return reinterpret_cast<SQLPOINTER>(value);
+}
+
+struct Diagnosis {
+    String state;
+    String text;
+};
+
+/// The first diagnostic record, which is the cause; the records behind it repeat it in other words.
+Diagnosis diagnose(SQLSMALLINT type, SQLHANDLE handle) {
+    char16_t state[6] = {};
+    String text(SQL_MAX_MESSAGE_LENGTH, u'\0');
+    SQLSMALLINT length = 0;
+    const auto result = SQLGetDiagRecW(type, handle, 1, reinterpret_cast<SQLWCHAR*>(state), nullptr, wide(text),
+                                       SQLSMALLINT(text.size()), &length);
+    if (!SQL_SUCCEEDED(result))
+        return {u"", u"ODBC nennt keine Ursache."};
+    text.resize(std::min<std::size_t>(text.size() - 1, std::size_t(length)));
+    return {state, text};
+}
+
+[[noreturn]] void raise(StringView sentence, StringView cause) {
+    throw RuntimeError(kDataSourceError, String(sentence) + u" " + String(cause));
+}
+
+String openingFailure(StringView connectionString, const Diagnosis& diagnosis) {
+    const auto driver = connectionAttribute(connectionString, u"Driver");
+    const bool missing = diagnosis.state == u"IM002" || diagnosis.state == u"IM003" ||
+                         diagnosis.text.find(u"Can't open lib") != String::npos;
+    if (missing && !driver.empty())
+        return u"Der ODBC-Treiber „" + driver +
+               u"“ ist nicht eingerichtet („odbcinst -q -d“ nennt die vorhandenen; SQLite3 bringt das Paket "
+               u"libsqliteodbc mit).";
+    if (missing)
+        return u"Die ODBC-Datenquelle ist nicht eingerichtet.";
+    const auto database = connectionAttribute(connectionString, u"Database");
+    return database.empty() ? String(u"Die Datenbank konnte nicht geöffnet werden.")
+                            : u"Die Datenbank „" + database + u"“ konnte nicht geöffnet werden.";
+}
+
+/// Settings that a driver needs to be a good source for reports.
+struct DriverSetting {
+    StringView driver;
+    StringView name;
+    StringView value;
+};
+
+constexpr DriverSetting kDriverSettings[] = {
+    // Rows one by one instead of the whole result in memory.
+    {u"sqlite", u"StepAPI", u"1"},
+    // A misspelled file name is an error, not a new empty database.
+    {u"sqlite", u"NoCreat", u"1"},
+    // The same for PostgreSQL's driver, which otherwise reads a whole result ahead.
+    {u"postgresql", u"UseDeclareFetch", u"1"},
+    {u"psqlodbc", u"UseDeclareFetch", u"1"},
+};
+
+String withDriverSettings(StringView connectionString) {
+    String result(connectionString);
+    const auto driver = lower(connectionAttribute(connectionString, u"Driver"));
+    for (const auto& setting : kDriverSettings)
+        if (driver.find(setting.driver) != String::npos &&
+            connectionAttribute(connectionString, setting.name).empty())
+            result.append(u";").append(setting.name).append(u"=").append(setting.value);
+    return result;
+}
+
+} // namespace
+
+String connectionAttribute(StringView connectionString, StringView name) {
+    for (StringView rest = connectionString; !rest.empty();) {
+        const auto braced = rest.find(u"={");
+        auto end = rest.find(u';');
+        if (braced < end)
+            end = rest.find(u';', std::min(rest.size(), rest.find(u'}', braced)));
+        const auto part = rest.substr(0, end);
+        const auto equals = part.find(u'=');
+        if (equals != StringView::npos && lower(trimmed(part.substr(0, equals))) == lower(name)) {
+            auto value = trimmed(part.substr(equals + 1));
+            if (value.size() >= 2 && value.front() == u'{' && value.back() == u'}')
+                value = value.substr(1, value.size() - 2);
+            return String(value);
+        }
+        rest = end == StringView::npos ? StringView() : rest.substr(end + 1);
+    }
+    return {};
+}
+
+Connection::Connection(StringView connectionString) {
+    const bool ready =
+        SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, nullptr, &environment_)) &&
+        SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, attributeValue(SQL_OV_ODBC3), 0)) &&
+        SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_));
+    if (!ready) {
+        release();
+        raise(u"Die Datenbank konnte nicht geöffnet werden.", u"ODBC steht nicht zur Verfügung.");
+    }
+    const auto complete = withDriverSettings(connectionString);
+    if (SQL_SUCCEEDED(SQLDriverConnectW(connection_, nullptr, wide(complete), SQLSMALLINT(complete.size()), nullptr,
+                                        0, nullptr, SQL_DRIVER_NOPROMPT)))
+        return;
+    auto diagnosis = diagnose(SQL_HANDLE_DBC, connection_);
+    release();
+    for (const auto& secret : {connectionAttribute(complete, u"PWD"), connectionAttribute(complete, u"Password")})
+        if (!secret.empty())
+            diagnosis.text = without(diagnosis.text, secret);
+    raise(openingFailure(complete, diagnosis), diagnosis.text);
+}
+
+Connection::~Connection() {
+    SQLDisconnect(connection_);
+    release();
+}
+
+void Connection::release() noexcept {
+    if (connection_)
+        SQLFreeHandle(SQL_HANDLE_DBC, connection_);
+    if (environment_)
+        SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+}
+
+bool Connection::alive() const {
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    const auto result = SQLGetConnectAttrW(connection_, SQL_ATTR_CONNECTION_DEAD, &dead, sizeof dead, nullptr);
+    return !SQL_SUCCEEDED(result) || dead == SQL_CD_FALSE;
+}
+
+Statement::Statement(std::shared_ptr<Connection> connection, String sentence, StringView sql,
+                     std::vector<Variant> parameters)
+    : connection_(std::move(connection)), sentence_(std::move(sentence)), parameters_(std::move(parameters)),
+      lengths_(parameters_.size()) {
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection_->handle(), &statement_)))
+        raise(sentence_, diagnose(SQL_HANDLE_DBC, connection_->handle()).text);
+    try {
+        set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched_);
+        check(SQLPrepareW(statement_, wide(sql), SQLINTEGER(sql.size())));
+        for (std::size_t i = 0; i < parameters_.size(); ++i)
+            bind(SQLUSMALLINT(i + 1), parameters_[i]);
+    } catch (...) {
+        SQLFreeHandle(SQL_HANDLE_STMT, statement_);
+        throw;
+    }
+}
+
+Statement::~Statement() {
+    SQLFreeHandle(SQL_HANDLE_STMT, statement_);
+}
+
+void Statement::bind(SQLUSMALLINT number, const Variant& parameter) {
+    auto& length = lengths_[number - 1U];
+    if (const auto* text = parameter.as<String>()) {
+        length = SQLLEN(text->size() * sizeof(char16_t));
+        check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR,
+                               std::max<SQLULEN>(1, text->size()), 0, wide(*text), length, &length));
+    } else {
+        auto* value = const_cast<double*>(parameter.as<double>());
+        check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, SQL_C_DOUBLE, SQL_DOUBLE, 0, 0, value, 0,
+                               &length));
+    }
+}
+
+void Statement::execute() {
+    close();
+    const auto result = SQLExecute(statement_);
+    if (result != SQL_NO_DATA)
+        check(result);
+}
+
+std::size_t Statement::fetch() {
+    fetched_ = 0;
+    const auto result = SQLFetch(statement_);
+    if (result == SQL_NO_DATA)
+        return 0;
+    check(result);
+    return std::size_t(fetched_);
+}
+
+void Statement::close() noexcept {
+    SQLFreeStmt(statement_, SQL_CLOSE);
+}
+
+void Statement::check(SQLRETURN result) const {
+    if (!SQL_SUCCEEDED(result))
+        raise(sentence_, diagnose(SQL_HANDLE_STMT, statement_).text);
+}
+
+void Statement::set(SQLINTEGER attribute, SQLPOINTER value) {
+    check(SQLSetStmtAttrW(statement_, attribute, value, SQL_IS_POINTER));
+}
+
+} // namespace kvtdruck

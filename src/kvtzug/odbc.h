@@ -1,0 +1,84 @@
+// ODBC as the readers need it: one connection that its readers share, and statements on it. Only the wide functions
+// are used, so text stays UTF-16 as everywhere in the component, on unixODBC as on Windows.
+#pragma once
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+#include <sql.h>
+#include <sqlext.h>
+
+#include "platform/text.h"
+#include "platform/variant.h"
+
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace kvtdruck {
+
+static_assert(sizeof(SQLWCHAR) == sizeof(char16_t), "ODBC text must be UTF-16");
+
+/// The error number that ADO shows for an error of the data source (E_FAIL).
+inline constexpr long kDataSourceError = -2147467259;
+
+/// The value of `name` in an ODBC connection string (letter case of the name does not matter), or "".
+String connectionAttribute(StringView connectionString, StringView name);
+
+/// One open connection. All calls on it come on one thread.
+class Connection {
+  public:
+    /// Opens the data source. Settings that keep a driver's memory flat, or that keep it from creating a missing
+    /// database, are added where the string does not set them itself. Run-time error -2147467259 with a German
+    /// sentence and the driver's message on failure; a password never shows up in it.
+    explicit Connection(StringView connectionString);
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection();
+
+    SQLHDBC handle() const { return connection_; }
+    /// Whether the driver still holds the data source for reachable.
+    bool alive() const;
+
+  private:
+    void release() noexcept;
+
+    SQLHENV environment_ = nullptr;
+    SQLHDBC connection_ = nullptr;
+};
+
+/// One statement with bound parameters, executed as often as needed. Errors are raised with the sentence that the
+/// statement was given, followed by the driver's message.
+class Statement {
+  public:
+    /// Prepares `sql` for `parameters` (texts and doubles).
+    Statement(std::shared_ptr<Connection> connection, String sentence, StringView sql,
+              std::vector<Variant> parameters);
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+    ~Statement();
+
+    SQLHSTMT handle() const { return statement_; }
+    /// Executes the statement; a result still open is closed before.
+    void execute();
+    /// Fetches the next block of rows; gives their count, 0 at the end.
+    std::size_t fetch();
+    /// Closes the result, which frees the data source's locks.
+    void close() noexcept;
+    /// Raises the statement's error unless `result` says success.
+    void check(SQLRETURN result) const;
+    /// Sets an attribute of the statement.
+    void set(SQLINTEGER attribute, SQLPOINTER value);
+
+  private:
+    void bind(SQLUSMALLINT number, const Variant& parameter);
+
+    std::shared_ptr<Connection> connection_;
+    String sentence_;
+    std::vector<Variant> parameters_;
+    std::vector<SQLLEN> lengths_;
+    SQLHSTMT statement_ = nullptr;
+    SQLULEN fetched_ = 0;
+};
+
+} // namespace kvtdruck

@@ -1,0 +1,54 @@
+// An object of a reader class: connected, filled by a read operation, walked with its cursor, read through its
+// getters.
+#pragma once
+
+#include "kvtzug/kvtzug.h"
+#include "kvtzug/odbc.h"
+#include "kvtzug/reader_class.h"
+#include "kvtzug/rowset.h"
+#include "platform/variant.h"
+
+#include <memory>
+
+namespace kvtdruck {
+
+/// Whether two member names are the same: letter case does not matter.
+bool sameName(StringView left, StringView right);
+
+/// A reader answers the members of its class. Rows are fetched in blocks, so memory stays flat however many there
+/// are; a return to the first record asks the database only when its block is no longer in hand.
+class Reader : public Object {
+  public:
+    Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections, OdbcKvtzug::Trace trace);
+
+    MemberId idOf(StringView name) override;
+    Variant call(MemberId member, std::span<const Variant> arguments) override;
+    void put(MemberId member, std::span<const Variant> arguments, const Variant& value) override;
+
+  private:
+    Variant operate(std::size_t operation, std::span<const Variant> arguments);
+    bool connect(std::span<const Variant> arguments);
+    bool read(const ReadOperation& operation, std::span<const Variant> arguments);
+    bool atEnd() const { return row_ >= fetched_; }
+    bool moveFirst();
+    bool moveNext();
+
+    void execute();
+    void fetchBlock();
+    void fetchAgainWidened();
+
+    const ReaderClass& class_;
+    std::shared_ptr<Connections> connections_;
+    OdbcKvtzug::Trace trace_;
+    std::shared_ptr<Connection> connection_;
+    Variant productMode_;
+    String sql_;
+    Rowset rowset_;
+    // Declared after the buffers that it is bound to, so that it goes before them.
+    std::unique_ptr<Statement> statement_;
+    std::size_t blockStart_ = 0;
+    std::size_t fetched_ = 0;
+    std::size_t row_ = 0;
+};
+
+} // namespace kvtdruck

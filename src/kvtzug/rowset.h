@@ -1,0 +1,51 @@
+// The rows in hand: one block of a result, bound column by column, so that a value is found by row and column
+// alone.
+#pragma once
+
+#include "kvtzug/odbc.h"
+#include "kvtzug/reader_class.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace kvtdruck {
+
+/// Buffers for one block of rows. The block's size follows from the width of a row, so memory stays flat.
+class Rowset {
+  public:
+    explicit Rowset(const std::vector<Column>& columns);
+
+    /// Rows that a block holds at most, a power of two.
+    std::size_t rows() const { return rows_; }
+
+    /// Binds the buffers to the columns of `statement`, whose result is not open.
+    void bind(Statement& statement);
+
+    /// Makes room for every text that did not fit into its buffer; gives whether there was one. The block is lost
+    /// then, and must be bound and fetched again.
+    bool widen(std::size_t fetchedRows);
+
+    /// The value of a column in a row of the block. A NULL is the type's zero, or Null for an optional date.
+    Variant value(std::size_t column, std::size_t row) const;
+
+    /// What a column gives where there is no record.
+    Variant nothing(std::size_t column) const;
+
+  private:
+    struct Buffer {
+        ColumnType type;
+        std::size_t width;
+        std::vector<std::byte> values;
+        std::vector<SQLLEN> lengths;
+    };
+
+    void allocate();
+    const std::byte* at(const Buffer& buffer, std::size_t row) const {
+        return buffer.values.data() + row * buffer.width;
+    }
+
+    std::vector<Buffer> buffers_;
+    std::size_t rows_ = 0;
+};
+
+} // namespace kvtdruck
