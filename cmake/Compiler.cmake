@@ -16,6 +16,9 @@ if(WIN32)
   add_link_options(-static -Wl,--dynamicbase -Wl,--nxcompat)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     add_link_options(-Wl,--high-entropy-va)
+  else()
+    # Numbers are rounded as on every other machine, not kept in 80 bits along the way.
+    add_compile_options(-msse2 -mfpmath=sse)
   endif()
 endif()
 

@@ -28,10 +28,12 @@ double finite(double value) {
     return value;
 }
 
-/// 96 bits and a power of ten, rounded once: through the digits, which is where a double's nearest value is known.
-double toDouble(const Decimal& number) {
+/// The double nearest to a Currency or Decimal value: found through its digits, which is where rounding happens
+/// once.
+template <class FixedPoint>
+double nearestDouble(const FixedPoint& value) {
     const Locale& anyLocale = germanLocale();
-    return numberIn(textOf(number, anyLocale), anyLocale).value_or(0);
+    return numberIn(textOf(value, anyLocale), anyLocale).value_or(0);
 }
 
 char16_t lowerCase(char16_t letter) {
@@ -127,8 +129,8 @@ double toDouble(const Variant& value, const Locale& locale) {
     return std::visit(
         Overloaded{[](Empty) { return 0.0; }, [](Null) -> double { fail(ErrorNumber::InvalidUseOfNull); },
                    [](bool truth) { return numberOf(truth); },
-                   [](Currency amount) { return static_cast<double>(amount.tenThousandths) / 10000; },
-                   [](const Decimal& number) { return toDouble(number); }, [](Date date) { return date.days; },
+                   [](Currency amount) { return nearestDouble(amount); },
+                   [](const Decimal& number) { return nearestDouble(number); }, [](Date date) { return date.days; },
                    [&](const String& text) {
                        const auto number = numberIn(text, locale);
                        if (!number)
