@@ -1,0 +1,84 @@
+#!/usr/bin/env python3
+"""lint.py BUILD…: clang-tidy over every source of the build trees, with a memory of what was clean.
+
+A source is checked again when it, a header that it includes, its compile command, the rules or clang-tidy itself has
+changed. The memory outlives a clone; it lies beside the compiler's cache.
+"""
+import concurrent.futures
+import functools
+import hashlib
+import json
+import os
+import pathlib
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+TIDY = "clang-tidy-14"
+CHECKED = tuple(str(ROOT / folder) + os.sep for folder in ("src", "tests", "bench"))
+
+
+def cache_folder():
+    base = os.environ.get("XDG_CACHE_HOME") or os.path.join(os.environ.get("HOME", "/tmp"), ".cache")
+    return pathlib.Path(base) / "kvtdruck" / "lint"
+
+
+@functools.lru_cache(maxsize=None)
+def content_hash(path):
+    return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
+
+
+def dependencies(build):
+    """The files that each object was made of, by the object's path, as Ninja has recorded them."""
+    lines = subprocess.run(["ninja", "-C", build, "-t", "deps"], check=True, capture_output=True, text=True).stdout
+    files, current = {}, None
+    for line in lines.splitlines():
+        if line.startswith("    "):
+            current.append(os.path.normpath(os.path.join(build, line.strip())))
+        elif ":" in line:
+            current = files.setdefault(line.split(":", 1)[0], [])
+    return files
+
+
+def fingerprint(entry, files, rules):
+    """Stands for everything that a finding depends on; paths within the project count without the clone's place."""
+    parts = [rules, entry["command"].replace(str(ROOT), "")]
+    parts += [path.replace(str(ROOT), "") + content_hash(path) for path in sorted(files)]
+    return hashlib.sha256("\n".join(parts).encode()).hexdigest()
+
+
+def check(build, entry):
+    result = subprocess.run([TIDY, "--quiet", "-p", build, entry["file"]], capture_output=True, text=True)
+    return result.returncode == 0, result.stdout
+
+
+def main():
+    memory = cache_folder()
+    memory.mkdir(parents=True, exist_ok=True)
+    version = subprocess.run([TIDY, "--version"], check=True, capture_output=True, text=True).stdout
+    rules = version + (ROOT / ".clang-tidy").read_text()
+    jobs = {}
+    for build in map(os.path.abspath, sys.argv[1:]):
+        made_of = dependencies(build)
+        for entry in json.loads(pathlib.Path(build, "compile_commands.json").read_text()):
+            if entry["file"].startswith(CHECKED) and not any(entry["file"] == job[1]["file"] for job in jobs.values()):
+                files = made_of.get(os.path.relpath(os.path.join(entry["directory"], entry["output"]), build))
+                if not files:
+                    sys.exit(f"lint: {entry['file']} has not been built")
+                jobs[fingerprint(entry, files, rules)] = (build, entry)
+
+    unknown = {key: job for key, job in jobs.items() if not (memory / key).exists()}
+    print(f"{len(jobs)} sources, {len(unknown)} to check")
+    clean = True
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        for (key, (_, entry)), (good, text) in zip(unknown.items(), pool.map(lambda job: check(*job), unknown.values())):
+            if good:
+                (memory / key).touch()
+            else:
+                clean = False
+                print(f"{os.path.relpath(entry['file'], ROOT)}:\n{text}")
+    return 0 if clean else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
