@@ -16,7 +16,7 @@ CREATE TABLE firma (
 -- Turnover by year, with its months.
 CREATE TABLE umsatz (
     fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
-    jahr INTEGER NOT NULL,
+    jahr DOUBLE PRECISION NOT NULL,
     iumsatzdm DOUBLE PRECISION,
     iumsatzdm_01 DOUBLE PRECISION, iumsatzdm_02 DOUBLE PRECISION, iumsatzdm_03 DOUBLE PRECISION,
     iumsatzdm_04 DOUBLE PRECISION, iumsatzdm_05 DOUBLE PRECISION, iumsatzdm_06 DOUBLE PRECISION,
@@ -33,7 +33,7 @@ CREATE TABLE umsatz (
 -- The company's settings of a year. Rates are the full rates, employer and employee together.
 CREATE TABLE firma_jahre (
     fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
-    jahr INTEGER NOT NULL,
+    jahr DOUBLE PRECISION NOT NULL,
     anzahlfeiertage DOUBLE PRECISION, anzahlfeiertageson DOUBLE PRECISION, anzahlfeiertagesam DOUBLE PRECISION,
     jahrestage DOUBLE PRECISION, anzahlsonntage DOUBLE PRECISION, anzahlsamstage DOUBLE PRECISION,
     arbeitstage01 DOUBLE PRECISION, arbeitstage02 DOUBLE PRECISION, arbeitstage03 DOUBLE PRECISION,
@@ -62,7 +62,7 @@ CREATE TABLE firma_jahre (
 -- Public holidays by federal state.
 CREATE TABLE feiertage (
     bundesland TEXT NOT NULL,
-    jahr INTEGER NOT NULL,
+    jahr DOUBLE PRECISION NOT NULL,
     fdatum DATE NOT NULL,
     feiertag TEXT NOT NULL,
     PRIMARY KEY (bundesland, jahr, fdatum)
@@ -86,7 +86,7 @@ CREATE TABLE mitarbeiter (
 CREATE TABLE mitarbeiter_jahre (
     fnr DOUBLE PRECISION NOT NULL,
     nummer DOUBLE PRECISION NOT NULL,
-    fjahr INTEGER NOT NULL,
+    fjahr DOUBLE PRECISION NOT NULL,
     anzahlma DOUBLE PRECISION,      -- the employee as a part of a full post
     sanzahlmapr DOUBLE PRECISION, ianzahlmapr DOUBLE PRECISION, -- productive part of it, percent
     gehalt DOUBLE PRECISION,        -- per month, 0 for hourly pay
@@ -116,8 +116,8 @@ CREATE TABLE mitarbeiter_jahre (
 CREATE TABLE mitarbeiter_monate (
     fnr DOUBLE PRECISION NOT NULL,
     nummer DOUBLE PRECISION NOT NULL,
-    fjahr INTEGER NOT NULL,
-    monat INTEGER NOT NULL CHECK (monat BETWEEN 1 AND 13),
+    fjahr DOUBLE PRECISION NOT NULL,
+    monat DOUBLE PRECISION NOT NULL CHECK (monat BETWEEN 1 AND 13),
     ibrutto DOUBLE PRECISION, sbrutto DOUBLE PRECISION,       -- gross pay
     ivwl DOUBLE PRECISION, svwl DOUBLE PRECISION,             -- capital-forming benefits
     iurl DOUBLE PRECISION, surl DOUBLE PRECISION,             -- holiday pay
@@ -152,10 +152,10 @@ CREATE TABLE mitarbeiter_monate (
 -- Accounts, or ranges of accounts, of a financial year.
 CREATE TABLE konten (
     fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
-    fjahr INTEGER NOT NULL,
+    fjahr DOUBLE PRECISION NOT NULL,
     vkonto DOUBLE PRECISION NOT NULL, -- first and last account of the row
     ekonto DOUBLE PRECISION NOT NULL,
-    kontenart INTEGER NOT NULL,       -- 1 overheads, 2 neutral expenses and income
+    kontenart DOUBLE PRECISION NOT NULL,       -- 1 overheads, 2 neutral expenses and income
     bezeichnung TEXT,
     ktobetrart DOUBLE PRECISION,      -- 0 an expense, anything else an income
     jwsoll DOUBLE PRECISION, jwist DOUBLE PRECISION,
@@ -171,7 +171,7 @@ CREATE TABLE konten (
 -- Imputed costs of a year.
 CREATE TABLE kosten (
     fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
-    jahr INTEGER NOT NULL,
+    jahr DOUBLE PRECISION NOT NULL,
     dafa DOUBLE PRECISION, dsons DOUBLE PRECISION, dwag DOUBLE PRECISION, -- depreciation, others, risks
     qm DOUBLE PRECISION, qmpreis DOUBLE PRECISION,                        -- own premises: square metres, their price
     mmietemon DOUBLE PRECISION, mmietejahr DOUBLE PRECISION,              -- rent per month, per year
@@ -184,7 +184,7 @@ CREATE TABLE kosten (
 -- Material by year, with its months: amounts, and their share of the turnover in percent.
 CREATE TABLE material (
     fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
-    jahr INTEGER NOT NULL,
+    jahr DOUBLE PRECISION NOT NULL,
     smatvkpr DOUBLE PRECISION, imatvkpr DOUBLE PRECISION, -- share of the sales price
     sujmatdm DOUBLE PRECISION, iujmatdm DOUBLE PRECISION, -- amount of the year
     summatdm_su DOUBLE PRECISION, summatpr_su DOUBLE PRECISION, iummatdm_su DOUBLE PRECISION, iummatpr_su DOUBLE PRECISION,

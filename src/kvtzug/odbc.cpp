@@ -63,30 +63,12 @@ String openingFailure(StringView connectionString, const Diagnosis& diagnosis) {
                             : u"Die Datenbank „" + database + u"“ konnte nicht geöffnet werden.";
 }
 
-/// Settings that a driver needs to be a good source for reports.
-struct DriverSetting {
-    StringView driver;
-    StringView name;
-    StringView value;
-};
-
-constexpr DriverSetting kDriverSettings[] = {
-    // Rows one by one instead of the whole result in memory.
-    {u"sqlite", u"StepAPI", u"1"},
-    // A misspelled file name is an error, not a new empty database.
-    {u"sqlite", u"NoCreat", u"1"},
-    // The same for PostgreSQL's driver, which otherwise reads a whole result ahead.
-    {u"postgresql", u"UseDeclareFetch", u"1"},
-    {u"psqlodbc", u"UseDeclareFetch", u"1"},
-};
-
-String withDriverSettings(StringView connectionString) {
+/// SQLite's driver would answer a misspelled file name with a new empty database.
+String withoutCreating(StringView connectionString) {
     String result(connectionString);
-    const auto driver = lower(connectionAttribute(connectionString, u"Driver"));
-    for (const auto& setting : kDriverSettings)
-        if (driver.find(setting.driver) != String::npos &&
-            connectionAttribute(connectionString, setting.name).empty())
-            result.append(u";").append(setting.name).append(u"=").append(setting.value);
+    const bool sqlite = lower(connectionAttribute(connectionString, u"Driver")).find(u"sqlite") != String::npos;
+    if (sqlite && connectionAttribute(connectionString, u"NoCreat").empty())
+        result += u";NoCreat=1";
     return result;
 }
 
@@ -120,7 +102,7 @@ Connection::Connection(StringView connectionString) {
         release();
         raise(u"Die Datenbank konnte nicht geöffnet werden.", u"ODBC steht nicht zur Verfügung.");
     }
-    const auto complete = withDriverSettings(connectionString);
+    const auto complete = withoutCreating(connectionString);
     if (SQL_SUCCEEDED(SQLDriverConnectW(connection_, nullptr, wide(complete), SQLSMALLINT(complete.size()), nullptr,
                                         0, nullptr, SQL_DRIVER_NOPROMPT)))
         return;
@@ -150,17 +132,24 @@ bool Connection::alive() const {
     return !SQL_SUCCEEDED(result) || dead == SQL_CD_FALSE;
 }
 
+Parameter::Parameter(StringView text)
+    : Parameter(SQL_C_WCHAR, std::as_bytes(std::span(text.data(), text.size()))) {}
+
+Parameter::Parameter(double number) : Parameter(SQL_C_DOUBLE, std::as_bytes(std::span(&number, 1))) {}
+
+Parameter::Parameter(SQLSMALLINT cType, std::span<const std::byte> value)
+    : type(cType), bytes(value.begin(), value.end()) {}
+
 Statement::Statement(std::shared_ptr<Connection> connection, String sentence, StringView sql,
-                     std::vector<Variant> parameters)
+                     std::vector<Parameter> parameters)
     : connection_(std::move(connection)), sentence_(std::move(sentence)), parameters_(std::move(parameters)),
       lengths_(parameters_.size()) {
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection_->handle(), &statement_)))
         raise(sentence_, diagnose(SQL_HANDLE_DBC, connection_->handle()).text);
     try {
-        set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched_);
         check(SQLPrepareW(statement_, wide(sql), SQLINTEGER(sql.size())));
         for (std::size_t i = 0; i < parameters_.size(); ++i)
-            bind(SQLUSMALLINT(i + 1), parameters_[i]);
+            bindParameter(SQLUSMALLINT(i + 1), parameters_[i]);
     } catch (...) {
         SQLFreeHandle(SQL_HANDLE_STMT, statement_);
         throw;
@@ -171,46 +160,47 @@ Statement::~Statement() {
     SQLFreeHandle(SQL_HANDLE_STMT, statement_);
 }
 
-void Statement::bind(SQLUSMALLINT number, const Variant& parameter) {
+void Statement::bindParameter(SQLUSMALLINT number, Parameter& parameter) {
     auto& length = lengths_[number - 1U];
-    if (const auto* text = parameter.as<String>()) {
-        length = SQLLEN(text->size() * sizeof(char16_t));
-        check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR,
-                               std::max<SQLULEN>(1, text->size()), 0, wide(*text), length, &length));
-    } else {
-        auto* value = const_cast<double*>(parameter.as<double>());
-        check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, SQL_C_DOUBLE, SQL_DOUBLE, 0, 0, value, 0,
-                               &length));
+    length = SQLLEN(parameter.bytes.size());
+    SQLSMALLINT sqlType = SQL_DOUBLE;
+    SQLULEN size = 0;
+    if (parameter.type == SQL_C_WCHAR) {
+        sqlType = SQL_WVARCHAR;
+        size = std::max<SQLULEN>(1, parameter.bytes.size() / sizeof(char16_t));
+    } else if (parameter.type == SQL_C_TYPE_DATE) {
+        sqlType = SQL_TYPE_DATE;
+        size = 10; // characters of yyyy-mm-dd
     }
+    check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, parameter.type, sqlType, size, 0,
+                           parameter.bytes.data(), length, &length));
 }
 
-void Statement::execute() {
-    close();
-    const auto result = SQLExecute(statement_);
-    if (result != SQL_NO_DATA)
-        check(result);
+void Statement::bindColumn(SQLUSMALLINT number, SQLSMALLINT type, std::byte* values, std::size_t width,
+                           SQLLEN* lengths) {
+    check(SQLBindCol(statement_, number, type, values, SQLLEN(width), lengths));
 }
 
-std::size_t Statement::fetch() {
-    fetched_ = 0;
+std::size_t Statement::fetch(std::size_t rows) {
+    SQLULEN fetched = 0;
+    set(SQL_ATTR_ROW_BIND_TYPE, attributeValue(SQL_BIND_BY_COLUMN));
+    set(SQL_ATTR_ROW_ARRAY_SIZE, attributeValue(rows));
+    set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched);
+    check(SQLExecute(statement_));
     const auto result = SQLFetch(statement_);
     if (result == SQL_NO_DATA)
         return 0;
     check(result);
-    return std::size_t(fetched_);
+    return std::size_t(fetched);
 }
 
-void Statement::close() noexcept {
-    SQLFreeStmt(statement_, SQL_CLOSE);
+void Statement::set(SQLINTEGER attribute, SQLPOINTER value) {
+    check(SQLSetStmtAttrW(statement_, attribute, value, SQL_IS_POINTER));
 }
 
 void Statement::check(SQLRETURN result) const {
     if (!SQL_SUCCEEDED(result))
         raise(sentence_, diagnose(SQL_HANDLE_STMT, statement_).text);
-}
-
-void Statement::set(SQLINTEGER attribute, SQLPOINTER value) {
-    check(SQLSetStmtAttrW(statement_, attribute, value, SQL_IS_POINTER));
 }
 
 } // namespace kvtdruck

@@ -9,8 +9,8 @@
 #include <sqlext.h>
 
 #include "platform/text.h"
-#include "platform/variant.h"
 
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <vector>
@@ -24,6 +24,17 @@ inline constexpr long kDataSourceError = -2147467259;
 
 /// The value of `name` in an ODBC connection string (letter case of the name does not matter), or "".
 String connectionAttribute(StringView connectionString, StringView name);
+
+/// A value that is bound to a statement, in the form that ODBC takes it: a text, a double or a date.
+struct Parameter {
+    explicit Parameter(StringView text);
+    explicit Parameter(double number);
+    /// A value as a column's buffer holds it.
+    Parameter(SQLSMALLINT type, std::span<const std::byte> value);
+
+    SQLSMALLINT type;
+    std::vector<std::byte> bytes;
+};
 
 /// One open connection. All calls on it come on one thread.
 class Connection {
@@ -47,38 +58,31 @@ class Connection {
     SQLHDBC connection_ = nullptr;
 };
 
-/// One statement with bound parameters, executed as often as needed. Errors are raised with the sentence that the
-/// statement was given, followed by the driver's message.
+/// One statement with bound parameters. Errors are raised with the sentence that the statement was given, followed
+/// by the driver's message.
 class Statement {
   public:
-    /// Prepares `sql` for `parameters` (texts and doubles).
     Statement(std::shared_ptr<Connection> connection, String sentence, StringView sql,
-              std::vector<Variant> parameters);
+              std::vector<Parameter> parameters);
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
     ~Statement();
 
-    SQLHSTMT handle() const { return statement_; }
-    /// Executes the statement; a result still open is closed before.
-    void execute();
-    /// Fetches the next block of rows; gives their count, 0 at the end.
-    std::size_t fetch();
-    /// Closes the result, which frees the data source's locks.
-    void close() noexcept;
-    /// Raises the statement's error unless `result` says success.
-    void check(SQLRETURN result) const;
-    /// Sets an attribute of the statement.
-    void set(SQLINTEGER attribute, SQLPOINTER value);
+    /// Binds a column's buffer of `width` bytes a row.
+    void bindColumn(SQLUSMALLINT number, SQLSMALLINT type, std::byte* values, std::size_t width, SQLLEN* lengths);
+    /// Executes the statement and fetches up to `rows` rows into the columns' buffers; gives how many came.
+    std::size_t fetch(std::size_t rows);
 
   private:
-    void bind(SQLUSMALLINT number, const Variant& parameter);
+    void bindParameter(SQLUSMALLINT number, Parameter& parameter);
+    void set(SQLINTEGER attribute, SQLPOINTER value);
+    void check(SQLRETURN result) const;
 
     std::shared_ptr<Connection> connection_;
     String sentence_;
-    std::vector<Variant> parameters_;
+    std::vector<Parameter> parameters_;
     std::vector<SQLLEN> lengths_;
     SQLHSTMT statement_ = nullptr;
-    SQLULEN fetched_ = 0;
 };
 
 } // namespace kvtdruck

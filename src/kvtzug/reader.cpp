@@ -21,13 +21,14 @@ char16_t folded(char16_t letter) {
     return letter >= u'a' && letter <= u'z' ? char16_t(letter - u'a' + u'A') : letter;
 }
 
-String sqlOf(const ReaderClass& readerClass, StringView condition) {
-    String sql = u"SELECT ";
-    for (const auto& column : readerClass.columns)
-        sql.append(&column == &readerClass.columns.front() ? u"" : u", ").append(column.column);
-    sql.append(u" FROM ").append(readerClass.tables);
-    sql.append(u" WHERE ").append(condition);
-    return sql.append(u" ORDER BY ").append(readerClass.order);
+/// Rows of a block, as long as they are not wide.
+constexpr std::size_t kBlockRows = 1024;
+
+String joined(const std::vector<String>& words) {
+    String result;
+    for (const auto& word : words)
+        result.append(result.empty() ? u"" : u", ").append(word);
+    return result;
 }
 
 void checkCount(std::span<const Variant> arguments, std::size_t count) {
@@ -35,10 +36,12 @@ void checkCount(std::span<const Variant> arguments, std::size_t count) {
         throw RuntimeError(kWrongArgumentCount, String(describe(kWrongArgumentCount)));
 }
 
-/// The value that is bound for an argument: a text, or a double whatever the number's type.
-Variant parameterOf(const Variant& argument, ValueType type) {
-    auto value = coerced(argument, type, germanLocale());
-    return type == ValueType::Text ? value : coerced(value, ValueType::Double, germanLocale());
+/// What is bound for an argument: a text, or a double whatever the number's type.
+Parameter parameterOf(const Variant& argument, ValueType type) {
+    const auto value = coerced(argument, type, germanLocale());
+    if (const auto* text = value.as<String>())
+        return Parameter(*text);
+    return Parameter(toDouble(value, germanLocale()));
 }
 
 } // namespace
@@ -50,7 +53,10 @@ bool sameName(StringView left, StringView right) {
 
 Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections, OdbcKvtzug::Trace trace)
     : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)),
-      rowset_(readerClass.columns) {}
+      rowset_(readerClass.columns, readerClass.single ? 1 : kBlockRows) {
+    for (const auto getter : readerClass.key)
+        key_.push_back(std::size_t(idOf(getter)) - 1);
+}
 
 Object::MemberId Reader::idOf(StringView name) {
     MemberId id = 0;
@@ -102,7 +108,7 @@ bool Reader::connect(std::span<const Variant> arguments) {
     const auto* host = arguments[0].as<ObjectRef>();
     if (!host || !*host)
         throw RuntimeError(ErrorNumber::ObjectNotSet);
-    productMode_ = parameterOf(arguments[1], ValueType::Integer);
+    productMode_ = coerced(arguments[1], ValueType::Integer, germanLocale());
     connection_ = connections_->open(**host);
     return true;
 }
@@ -111,28 +117,21 @@ bool Reader::read(const ReadOperation& operation, std::span<const Variant> argum
     checkCount(arguments, operation.arguments.size());
     if (!connection_)
         throw RuntimeError(ErrorNumber::ObjectNotSet);
-    std::vector<Variant> parameters;
+    operation_ = &operation;
+    parameters_.clear();
     for (const auto argument : operation.parameters)
-        parameters.push_back(argument == kProductMode
-                                 ? productMode_
-                                 : parameterOf(arguments[argument], operation.arguments[argument]));
-    blockStart_ = fetched_ = row_ = 0;
-    statement_.reset();
-    sql_ = sqlOf(class_, operation.condition);
-    statement_ = std::make_unique<Statement>(
-        connection_, u"Die Daten von " + String(class_.name) + u" konnten nicht gelesen werden.", sql_,
-        std::move(parameters));
-    execute();
-    fetchBlock();
+        parameters_.push_back(argument == kProductMode
+                                  ? parameterOf(productMode_, ValueType::Integer)
+                                  : parameterOf(arguments[argument], operation.arguments[argument]));
+    fetchBlock({});
     return !class_.single || !atEnd();
 }
 
 bool Reader::moveFirst() {
-    if (statement_ && blockStart_ > 0) {
-        execute();
-        fetchBlock();
-    }
-    row_ = 0;
+    if (firstBlock_)
+        row_ = 0;
+    else
+        fetchBlock({});
     return !atEnd();
 }
 
@@ -141,41 +140,51 @@ bool Reader::moveNext() {
         return false;
     ++row_;
     // A block that is not full is the last one.
-    if (row_ == fetched_ && fetched_ == rowset_.rows()) {
-        blockStart_ += fetched_;
-        fetchBlock();
-    }
+    if (row_ == fetched_ && fetched_ == rowset_.rows())
+        fetchBlock(lastKey());
     return !atEnd();
 }
 
-void Reader::execute() {
-    rowset_.bind(*statement_);
-    if (trace_)
-        trace_(sql_);
-    statement_->execute();
-    blockStart_ = 0;
+std::vector<Parameter> Reader::lastKey() const {
+    std::vector<Parameter> key;
+    for (const auto column : key_)
+        key.push_back(rowset_.parameter(column, fetched_ - 1));
+    return key;
 }
 
-void Reader::fetchBlock() {
-    row_ = 0;
-    fetched_ = 0;
-    auto fetched = statement_->fetch();
-    while (rowset_.widen(fetched)) {
-        fetchAgainWidened();
-        fetched = statement_->fetch();
-    }
+/// Queries the rows behind the key `behind`, or the first ones without a key; again with wider buffers where a text
+/// did not fit.
+void Reader::fetchBlock(const std::vector<Parameter>& behind) {
+    firstBlock_ = behind.empty();
+    row_ = fetched_ = 0;
+    auto parameters = parameters_;
+    parameters.insert(parameters.end(), behind.begin(), behind.end());
+    std::size_t fetched = 0;
+    do {
+        const auto query = sql(!behind.empty());
+        if (trace_)
+            trace_(query);
+        Statement statement(connection_,
+                            u"Die Daten von " + String(class_.name) + u" konnten nicht gelesen werden.", query,
+                            parameters);
+        rowset_.bind(statement);
+        fetched = statement.fetch(rowset_.rows());
+    } while (rowset_.widen(fetched));
     fetched_ = fetched;
-    if (fetched_ < rowset_.rows())
-        statement_->close();
 }
 
-/// A text did not fit: the query is executed again with wider buffers, up to the block in hand. Block sizes are
-/// powers of two that only get smaller, so the block begins where a block began before.
-void Reader::fetchAgainWidened() {
-    const auto start = blockStart_;
-    execute();
-    for (; blockStart_ < start; blockStart_ += rowset_.rows())
-        statement_->fetch();
+String Reader::sql(bool goingOn) const {
+    std::vector<String> columns;
+    for (const auto& column : class_.columns)
+        columns.push_back(column.column);
+    std::vector<String> key;
+    for (const auto column : key_)
+        key.push_back(columns[column]);
+    String result = u"SELECT " + joined(columns) + u" FROM " + String(class_.tables) + u" WHERE " +
+                    String(operation_->condition);
+    if (goingOn)
+        result += u" AND (" + joined(key) + u") > (" + joined(std::vector<String>(key.size(), u"?")) + u")";
+    return result + u" ORDER BY " + joined(key) + u" LIMIT " + decimal(static_cast<long long>(rowset_.rows()));
 }
 
 } // namespace kvtdruck

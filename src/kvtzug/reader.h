@@ -33,20 +33,20 @@ class Reader : public Object {
     bool moveFirst();
     bool moveNext();
 
-    void execute();
-    void fetchBlock();
-    void fetchAgainWidened();
+    std::vector<Parameter> lastKey() const;
+    void fetchBlock(const std::vector<Parameter>& behind);
+    String sql(bool goingOn) const;
 
     const ReaderClass& class_;
     std::shared_ptr<Connections> connections_;
     OdbcKvtzug::Trace trace_;
+    std::vector<std::size_t> key_;
+    Rowset rowset_;
     std::shared_ptr<Connection> connection_;
     Variant productMode_;
-    String sql_;
-    Rowset rowset_;
-    // Declared after the buffers that it is bound to, so that it goes before them.
-    std::unique_ptr<Statement> statement_;
-    std::size_t blockStart_ = 0;
+    const ReadOperation* operation_ = nullptr;
+    std::vector<Parameter> parameters_;
+    bool firstBlock_ = true;
     std::size_t fetched_ = 0;
     std::size_t row_ = 0;
 };

@@ -69,7 +69,7 @@ std::vector<ReaderClass> readerClasses() {
                         .texts({u"Name1", u"Name2", u"Name3", u"Kurzbez", u"Strasse", u"Postfach", u"Ort", u"Land",
                                 u"Bundesland", u"Telefon1", u"Telefon2", u"Fax", u"Waehrung"}),
          .operations = {{u"LeseFirmaAllg", kOfCompany, {kNumber}, {0}}},
-         .order = u"fnr",
+         .key = {u"Fnr"},
          .single = true},
 
         // Not asked for by any report: hosts list the companies with it.
@@ -77,7 +77,7 @@ std::vector<ReaderClass> readerClasses() {
          .tables = u"firma",
          .columns = Columns().doubles({u"Fnr", u"Plz"}).texts({u"Name1", u"Name2", u"Ort"}),
          .operations = {{u"LeseFirmenAlle", u"1 = 1", {}, {}}},
-         .order = u"fnr"},
+         .key = {u"Fnr"}},
 
         {.name = u"clsZugUmsatz",
          .tables = u"umsatz",
@@ -88,7 +88,7 @@ std::vector<ReaderClass> readerClasses() {
                         .months(u"sUmsatzDM_", Double),
          .operations = {{u"LeseUmsatzAlle", kOfCompany, {kNumber}, {0}},
                         {u"LeseUmsatzVonBis", kOfYears, {kNumber, kSingle, kSingle}, {0, 1, 2}}},
-         .order = u"jahr"},
+         .key = {u"Jahr"}},
 
         {.name = u"clsZugFirmaJahr",
          .tables = u"firma_jahre",
@@ -104,13 +104,13 @@ std::vector<ReaderClass> readerClasses() {
                                   u"VorgabeWeihnachtsgeld", u"VWL"}),
          .operations = {{u"LeseFirmaJahreAlle", kOfCompany, {kNumber}, {0}},
                         {u"LeseFirmaJahreVonBis", kOfYears, {kNumber, kInteger, kInteger}, {0, 1, 2}}},
-         .order = u"jahr"},
+         .key = {u"Jahr"}},
 
         {.name = u"clsZugFeiertage",
          .tables = u"feiertage",
          .columns = Columns().dates({u"FDatum"}).texts({u"Feiertag"}),
          .operations = {{u"LeseFeiertage", u"bundesland = ? AND jahr = ?", {kText, kInteger}, {0, 1}}},
-         .order = u"fdatum"},
+         .key = {u"FDatum"}},
 
         {.name = u"clsZugMitarbeiter",
          .tables = u"mitarbeiter",
@@ -127,7 +127,7 @@ std::vector<ReaderClass> readerClasses() {
                u"mitarbeiter_jahre.fjahr = ?))",
                {kNumber, kInteger},
                {0, 1, 1}}},
-         .order = u"nummer"},
+         .key = {u"Nummer"}},
 
         {.name = u"clsZugKonten",
          .tables = u"konten",
@@ -144,11 +144,11 @@ std::vector<ReaderClass> readerClasses() {
                          u"AND (? NOT IN (1, 2) OR kontenart = ?)",
                          {kNumber, kSingle, kSingle, kSingle},
                          {0, 1, 2, 3, 2, 3, kProductMode, kProductMode}}},
-         .order = u"fjahr, vkonto"},
+         .key = {u"FJahr", u"VKonto"}},
 
         {.name = u"clsZugMitarbeiterMonate",
-         .tables = u"mitarbeiter JOIN mitarbeiter_jahre USING (fnr, nummer) "
-                   u"JOIN mitarbeiter_monate USING (fnr, nummer, fjahr)",
+         .tables = u"mitarbeiter_monate JOIN mitarbeiter_jahre USING (fnr, nummer, fjahr) "
+                   u"JOIN mitarbeiter USING (fnr, nummer)",
          .columns =
              Columns()
                  .doubles({u"Nummer"})
@@ -189,7 +189,7 @@ std::vector<ReaderClass> readerClasses() {
                          u"fnr = ? AND (? = 0 AND ? = 0 OR nummer BETWEEN ? AND ?) AND monat BETWEEN ? AND ?",
                          {kNumber, kSingle, kSingle, kSingle, kSingle},
                          {0, 1, 2, 1, 2, 3, 4}}},
-         .order = u"fjahr, nummer, monat"},
+         .key = {u"FJahr", u"Nummer", u"Monat"}},
 
         {.name = u"clsZugKosten",
          .tables = u"kosten",
@@ -198,7 +198,7 @@ std::vector<ReaderClass> readerClasses() {
                                                    u"QM", u"QMPreis", u"UPausch", u"ZEK", u"ZPZins", u"ZDMZins"}),
          .operations = {{u"LeseKostenAlle", kOfCompany, {kNumber, kSingle}, {0}},
                         {u"LeseKostenVonBis", kOfYears, {kNumber, kSingle, kSingle}, {0, 1, 2}}},
-         .order = u"jahr"},
+         .key = {u"Jahr"}},
 
         {.name = u"clsZugMaterial",
          .tables = u"material",
@@ -213,7 +213,7 @@ std::vector<ReaderClass> readerClasses() {
                  .months(u"IUMMatpr_", Single),
          .operations = {{u"LeseMaterialAlle", kOfCompany, {kNumber, kSingle}, {0}},
                         {u"LeseMaterialVonBis", kOfYears, {kNumber, kSingle, kSingle}, {0, 1, 2}}},
-         .order = u"jahr"},
+         .key = {u"Jahr"}},
     };
 }
 

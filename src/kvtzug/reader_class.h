@@ -35,7 +35,8 @@ struct ReaderClass {
     StringView tables;
     std::vector<Column> columns;
     std::vector<ReadOperation> operations;
-    StringView order;
+    /// The getters whose columns order the rows; together they tell every row of a selection from every other.
+    std::vector<StringView> key;
     /// A single record, without a cursor: the read operation gives whether there is one.
     bool single = false;
 };

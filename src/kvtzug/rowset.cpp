@@ -9,9 +9,8 @@
 namespace kvtdruck {
 namespace {
 
-/// Bytes that a block takes at most, unless a single row takes more, and its largest number of rows.
+/// Bytes that a block takes at most, unless a single row takes more.
 constexpr std::size_t kBlockBytes = 1U << 20U;
-constexpr std::size_t kBlockRows = 256;
 
 /// UTF-16 units that a text has room for at first, the closing zero included.
 constexpr std::size_t kTextUnits = 128;
@@ -50,7 +49,7 @@ T read(const std::byte* from) {
 
 } // namespace
 
-Rowset::Rowset(const std::vector<Column>& columns) {
+Rowset::Rowset(const std::vector<Column>& columns, std::size_t most) : most_(most) {
     buffers_.reserve(columns.size());
     for (const auto& column : columns)
         buffers_.push_back({column.type, initialWidth(column.type), {}, {}});
@@ -61,7 +60,7 @@ void Rowset::allocate() {
     std::size_t rowBytes = 0;
     for (const auto& buffer : buffers_)
         rowBytes += buffer.width + sizeof(SQLLEN);
-    rows_ = std::bit_floor(std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, kBlockRows));
+    rows_ = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, most_);
     for (auto& buffer : buffers_) {
         buffer.values.assign(buffer.width * rows_, std::byte());
         buffer.values.shrink_to_fit();
@@ -70,12 +69,10 @@ void Rowset::allocate() {
 }
 
 void Rowset::bind(Statement& statement) {
-    statement.set(SQL_ATTR_ROW_BIND_TYPE, reinterpret_cast<SQLPOINTER>(SQL_BIND_BY_COLUMN));
-    statement.set(SQL_ATTR_ROW_ARRAY_SIZE, reinterpret_cast<SQLPOINTER>(rows_));
     for (std::size_t i = 0; i < buffers_.size(); ++i) {
         auto& buffer = buffers_[i];
-        statement.check(SQLBindCol(statement.handle(), SQLUSMALLINT(i + 1), cType(buffer.type),
-                                   buffer.values.data(), SQLLEN(buffer.width), buffer.lengths.data()));
+        statement.bindColumn(SQLUSMALLINT(i + 1), cType(buffer.type), buffer.values.data(), buffer.width,
+                             buffer.lengths.data());
     }
 }
 
@@ -123,6 +120,12 @@ Variant Rowset::value(std::size_t column, std::size_t row) const {
     }
     const auto date = read<SQL_DATE_STRUCT>(bytes);
     return dateOf(date.year, date.month, date.day);
+}
+
+Parameter Rowset::parameter(std::size_t column, std::size_t row) const {
+    const auto& buffer = buffers_[column];
+    const auto size = buffer.type == ColumnType::Text ? std::size_t(buffer.lengths[row]) : buffer.width;
+    return {cType(buffer.type), {at(buffer, row), size}};
 }
 
 Variant Rowset::nothing(std::size_t column) const {

@@ -13,20 +13,24 @@ namespace kvtdruck {
 /// Buffers for one block of rows. The block's size follows from the width of a row, so memory stays flat.
 class Rowset {
   public:
-    explicit Rowset(const std::vector<Column>& columns);
+    /// A block has `most` rows, or fewer where rows are wide.
+    Rowset(const std::vector<Column>& columns, std::size_t most);
 
-    /// Rows that a block holds at most, a power of two.
+    /// Rows that a block holds.
     std::size_t rows() const { return rows_; }
 
-    /// Binds the buffers to the columns of `statement`, whose result is not open.
+    /// Binds the buffers to the columns of `statement`.
     void bind(Statement& statement);
 
     /// Makes room for every text that did not fit into its buffer; gives whether there was one. The block is lost
-    /// then, and must be bound and fetched again.
+    /// then, and must be queried again.
     bool widen(std::size_t fetchedRows);
 
     /// The value of a column in a row of the block. A NULL is the type's zero, or Null for an optional date.
     Variant value(std::size_t column, std::size_t row) const;
+
+    /// The value of a column in a row of the block, for a statement that goes on from there.
+    Parameter parameter(std::size_t column, std::size_t row) const;
 
     /// What a column gives where there is no record.
     Variant nothing(std::size_t column) const;
@@ -45,6 +49,7 @@ class Rowset {
     }
 
     std::vector<Buffer> buffers_;
+    std::size_t most_;
     std::size_t rows_ = 0;
 };
 
