@@ -29,21 +29,40 @@ void removeTrailingZeros(std::string& digits) {
     digits.erase(digits.find_last_not_of('0') + 1);
 }
 
-/// The finite `number` rounded to `count` significant digits.
+/// Adds one unit in the last place.
+void increment(Digits& number) {
+    std::string& digits = number.digits;
+    const auto nines = digits.find_last_not_of('9') + 1;
+    std::fill(digits.begin() + static_cast<std::ptrdiff_t>(nines), digits.end(), '0');
+    if (nines > 0) {
+        ++digits[nines - 1];
+        return;
+    }
+    digits.front() = '1';
+    ++number.point;
+}
+
+/// The finite `number` rounded to `count` significant digits, halves away from zero, as Automation rounds. The digits
+/// that are looked at tell a half from its nearest neighbours.
 template <class Real>
 Digits significantDigits(Real number, int count) {
-    std::array<char, 40> buffer{};
+    constexpr int lookedAt = 60;
+    std::array<char, lookedAt + 20> buffer{};
     const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
-                                            std::chars_format::scientific, count - 1);
+                                            std::chars_format::scientific, lookedAt);
     const std::string_view text(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
     const std::size_t exponentSign = text.find('e') + 1;
     Digits result;
     result.digits = text.substr(0, 1);
-    result.digits += text.substr(2, exponentSign - 3);
-    removeTrailingZeros(result.digits);
+    result.digits += text.substr(2, static_cast<std::size_t>(count));
     std::from_chars(text.data() + exponentSign + 1, text.data() + text.size(), result.point);
     result.point = (text[exponentSign] == '-' ? -result.point : result.point) + 1;
     result.negative = number < 0;
+    const bool up = result.digits.back() >= '5';
+    result.digits.pop_back();
+    if (up)
+        increment(result);
+    removeTrailingZeros(result.digits);
     return result;
 }
 
@@ -172,7 +191,7 @@ bool appendPatternPart(String& text, char16_t letter, std::size_t count, const C
         appendPadded(text, static_cast<int>(static_cast<unsigned>(time.date.month())), width);
         return true;
     case u'y':
-        appendPadded(text, count > 2 ? year : year % 100, count > 2 ? 4 : width);
+        appendPadded(text, count > 2 ? year : year % 100, width);
         return true;
     case u'H':
         appendPadded(text, time.hour, width);

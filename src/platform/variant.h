@@ -102,9 +102,6 @@ template <std::same_as<bool> Truth>
 bool equals(const Variant& value, Truth truth, const Locale& locale) {
     return compareWithBoolean(value, truth, locale) == Comparison::Equal;
 }
-inline bool equals(const Variant& value, const char16_t* text, const Locale& locale) {
-    return equals(value, StringView(text), locale);
-}
 
 /// The general conversion to text. Empty gives ""; Null is run-time error 94; an object or an error value is 13.
 String toText(const Variant& value, const Locale& locale);
