@@ -1,7 +1,7 @@
 #include "druckwerk/data_export.h"
 
 #include "druckwerk/record_writer.h"
-#include "platform/runtime_error.h"
+#include "platform/posix/posix_platform.h"
 
 #include <optional>
 #include <system_error>
@@ -172,7 +172,7 @@ class DataExport final : public Control {
             step();
             return kEngineSuccess;
         } catch (const std::system_error& error) {
-            return outputFailed(error.code().message());
+            return outputFailed(toUtf8(runtimeErrorOf(error.code().value()).description()));
         } catch (const std::exception& error) {
             return outputFailed(error.what());
         }
