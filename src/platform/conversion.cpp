@@ -42,8 +42,8 @@ void increment(Digits& number) {
     ++number.point;
 }
 
-/// The finite `number` rounded to `count` significant digits, halves away from zero, as Automation rounds. The digits
-/// that are looked at tell a half from its nearest neighbours.
+/// The finite `number` rounded to `count` significant digits, halves away from zero, as Automation rounds. The
+/// digits that are looked at tell a half from its nearest neighbours.
 template <class Real>
 Digits significantDigits(Real number, int count) {
     constexpr int lookedAt = 60;
