@@ -48,28 +48,37 @@ class Definitions {
     bool isNew_ = false;
 };
 
-/// The file of a job: written beside its place and moved there when it is complete.
+/// The file of a job: written beside its place and moved there when it is complete. A device or a pipe is written
+/// at once, and a link stays one.
 class Job {
   public:
     explicit Job(const DataExportOptions& options)
-        : target_(options.output), unfinished_(target_.string() + ".unfertig-" + std::to_string(::getpid())),
+        : target_(std::filesystem::weakly_canonical(options.output)), atOnce_(isDevice(target_)),
+          unfinished_(atOnce_ ? target_.string() : target_.string() + ".unfertig-" + std::to_string(::getpid())),
           writer_(openWriter(options.format, unfinished_, options.locale, options.warn)) {}
     Job(const Job&) = delete;
     Job& operator=(const Job&) = delete;
     ~Job() {
         writer_.reset();
         std::error_code ignored;
-        std::filesystem::remove(unfinished_, ignored);
+        if (!atOnce_)
+            std::filesystem::remove(unfinished_, ignored);
     }
 
     RecordWriter& writer() { return *writer_; }
     void finish() {
         writer_->finish();
-        std::filesystem::rename(unfinished_, target_);
+        if (!atOnce_)
+            std::filesystem::rename(unfinished_, target_);
     }
 
   private:
+    static bool isDevice(const std::filesystem::path& file) {
+        return std::filesystem::exists(file) && !std::filesystem::is_regular_file(file);
+    }
+
     std::filesystem::path target_;
+    bool atOnce_;
     std::filesystem::path unfinished_;
     std::unique_ptr<RecordWriter> writer_;
 };
@@ -172,7 +181,9 @@ class DataExport final : public Control {
             step();
             return kEngineSuccess;
         } catch (const std::system_error& error) {
-            return outputFailed(toUtf8(runtimeErrorOf(error.code().value()).description()));
+            const bool noFolder = error.code() == std::errc::no_such_file_or_directory;
+            return outputFailed(noFolder ? "den Ordner gibt es nicht"
+                                         : toUtf8(runtimeErrorOf(error.code().value()).description()));
         } catch (const std::exception& error) {
             return outputFailed(error.what());
         }

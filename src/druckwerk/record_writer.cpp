@@ -68,7 +68,6 @@ class TextFile {
     std::FILE* file_;
 };
 
-
 /// Semicolons, numbers in the notation they came in, texts in quotes. The first column says what a line is; a line
 /// of names stands before the first values and wherever the names change.
 class CsvWriter final : public RecordWriter {
@@ -121,7 +120,6 @@ class CsvWriter final : public RecordWriter {
     std::vector<String> fields_;
     std::string text_;
 };
-
 
 /// {"abschnitte": [{"variablen": {…}, "datensaetze": [{…}, …]}, …]}: a section begins where a variable changes.
 class JsonWriter final : public RecordWriter {
@@ -181,7 +179,6 @@ class JsonWriter final : public RecordWriter {
     std::size_t records_ = 0;
 };
 
-
 /// What a cell of the format can hold (ECMA-376 leaves it to Excel, whose documented limit this is).
 constexpr std::size_t kLongestCell = 32767;
 
@@ -191,6 +188,7 @@ class XlsxWriter final : public RecordWriter {
   public:
     XlsxWriter(const std::filesystem::path& file, const Locale& locale, std::function<void(std::string_view)> warn)
         : folder_(file.parent_path().empty() ? "." : file.parent_path()), locale_(locale), warn_(std::move(warn)) {
+        TextFile(file).close(); // the library opens the file at the end only: an error is wanted now
         lxw_workbook_options options{};
         options.constant_memory = LXW_TRUE;
         options.tmpdir = folder_.data();
@@ -214,9 +212,11 @@ class XlsxWriter final : public RecordWriter {
     void record(std::span<const NamedValue> values) override { row(fields_, values); }
 
     void finish() override {
+        errno = 0;
         const auto result = workbook_close(std::exchange(workbook_, nullptr));
-        if (result != LXW_NO_ERROR)
-            throw std::runtime_error(lxw_strerror(result));
+        if (result != LXW_NO_ERROR && errno != 0)
+            throw std::system_error(errno, std::generic_category());
+        check(result);
     }
 
   private:

@@ -33,8 +33,7 @@ int guardedRun(int argc, const char* const* argv) {
     try {
         return run(argc, argv, console);
     } catch (const UsageError& error) {
-        console.error(error.what());
-        console.notice("Hilfe gibt „kvtdruck --hilfe“.");
+        console.error(std::string(error.what()) + "\nHilfe gibt „kvtdruck --hilfe“.");
         return kWrongUsage;
     } catch (const RuntimeError& error) {
         console.error(toUtf8(error.description()));

@@ -204,7 +204,7 @@ std::shared_ptr<CLI::Formatter> germanFormatter() {
     formatter->label("OPTIONS", "OPTIONEN");
     formatter->label("SUBCOMMAND", "BEFEHL");
     formatter->label("Positionals", "Argumente");
-    formatter->label("REQUIRED", "(nötig)");
+    formatter->label("REQUIRED", "[Pflicht]");
     formatter->label("Excludes", "statt");
     formatter->column_width(34);
     return formatter;
@@ -255,6 +255,7 @@ void check(const Options& options) {
 void addCommands(CLI::App& app, Options& options) {
     const auto add = [&](const char* name, const char* help, Command command) -> CLI::App& {
         auto* added = app.add_subcommand(name, help)->group("Befehle");
+        added->set_help_flag("-h,--hilfe,--help", "zeigt diese Hilfe");
         added->callback([&options, command] { options.command = command; });
         return *added;
     };
