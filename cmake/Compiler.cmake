@@ -13,7 +13,7 @@ if(WIN32)
   # Self-contained, with address space randomisation, no executable data, and symbols that winedbg can read.
   add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)
   add_compile_options(-fstack-protector-strong -gdwarf-4)
-  add_link_options(-static -Wl,--dynamicbase -Wl,--nxcompat)
+  add_link_options(-static -fstack-protector-strong -Wl,--dynamicbase -Wl,--nxcompat)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     add_link_options(-Wl,--high-entropy-va)
   else()

@@ -42,24 +42,40 @@ void increment(Digits& number) {
     ++number.point;
 }
 
-/// The finite `number` rounded to `count` significant digits, halves away from zero, as Automation rounds. The
-/// digits that are looked at tell a half from its nearest neighbours.
+/// The digits of the finite `number`: `places` of them behind the first, rounded, or where `places` is empty as few
+/// as tell it from its neighbours.
 template <class Real>
-Digits significantDigits(Real number, int count) {
-    constexpr int lookedAt = 60;
-    std::array<char, lookedAt + 20> buffer{};
-    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
-                                            std::chars_format::scientific, lookedAt);
-    const std::string_view text(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-    const std::size_t exponentSign = text.find('e') + 1;
+Digits realDigits(Real number, std::optional<int> places) {
+    std::array<char, 100> buffer{};
+    char* const begin = buffer.data();
+    const auto form = std::chars_format::scientific;
+    const auto written = places ? std::to_chars(begin, begin + buffer.size(), std::abs(number), form, *places)
+                                : std::to_chars(begin, begin + buffer.size(), std::abs(number), form);
+    const std::string_view text(begin, static_cast<std::size_t>(written.ptr - begin));
+    const std::size_t mantissa = text.find('e');
     Digits result;
     result.digits = text.substr(0, 1);
-    result.digits += text.substr(2, static_cast<std::size_t>(count));
-    std::from_chars(text.data() + exponentSign + 1, text.data() + text.size(), result.point);
-    result.point = (text[exponentSign] == '-' ? -result.point : result.point) + 1;
+    if (mantissa > 1)
+        result.digits += text.substr(2, mantissa - 2);
+    std::from_chars(text.data() + mantissa + 2, text.data() + text.size(), result.point);
+    result.point = (text[mantissa + 1] == '-' ? -result.point : result.point) + 1;
     result.negative = number < 0;
-    const bool up = result.digits.back() >= '5';
-    result.digits.pop_back();
+    return result;
+}
+
+/// The finite `number` rounded to `count` significant digits, halves away from zero, as Automation rounds.
+template <class Real>
+Digits significantDigits(Real number, std::size_t count) {
+    // A number that few digits tell from its neighbours has these digits: most amounts are done here.
+    if (count <= std::numeric_limits<Real>::digits10 && std::isnormal(number))
+        if (Digits shortest = realDigits(number, std::nullopt); shortest.digits.size() <= count)
+            return shortest;
+    // Three more digits tell on which side of a half the rest lies, unless they show the half itself: then many do.
+    Digits result = realDigits(number, static_cast<int>(count) + 2);
+    if (result.digits.ends_with("500"))
+        result = realDigits(number, 60);
+    const bool up = result.digits[count] >= '5';
+    result.digits.resize(count);
     if (up)
         increment(result);
     removeTrailingZeros(result.digits);
@@ -108,7 +124,7 @@ String notFinite(bool isNan, bool negative, const Locale& locale) {
 
 template <class Real>
 String realText(Real number, const Locale& locale) {
-    constexpr int significant = std::numeric_limits<Real>::digits10 + (std::is_same_v<Real, float> ? 1 : 0);
+    constexpr int significant = std::is_same_v<Real, float> ? 7 : 15;
     if (!std::isfinite(number))
         return notFinite(std::isnan(number), std::signbit(number), locale);
     if (number == 0)
@@ -128,7 +144,7 @@ String fixedPointText(std::string units, int scale, bool negative, const Locale&
 }
 
 /// The decimal digits of a 96-bit integer.
-std::string digitsOf(std::uint32_t high, std::uint64_t low) {
+std::string integerDigits(std::uint32_t high, std::uint64_t low) {
     std::array<std::uint32_t, 3> words{high, static_cast<std::uint32_t>(low >> 32),
                                        static_cast<std::uint32_t>(low)};
     std::string reversed;
@@ -472,11 +488,11 @@ String textOf(float number, const Locale& locale) {
 String textOf(Currency amount, const Locale& locale) {
     const auto bits = static_cast<std::uint64_t>(amount.tenThousandths);
     const bool negative = amount.tenThousandths < 0;
-    return fixedPointText(digitsOf(0, negative ? 0 - bits : bits), 4, negative, locale);
+    return fixedPointText(integerDigits(0, negative ? 0 - bits : bits), 4, negative, locale);
 }
 
 String textOf(const Decimal& number, const Locale& locale) {
-    return fixedPointText(digitsOf(number.high, number.low), number.scale, number.negative, locale);
+    return fixedPointText(integerDigits(number.high, number.low), number.scale, number.negative, locale);
 }
 
 String textOf(Date date, const Locale& locale) {
