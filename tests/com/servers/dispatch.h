@@ -1,0 +1,64 @@
+// Late-bound objects as a scripting host or a foreign library offers them, on the component's portable objects; and
+// the way back. Test code of its own: what is under test must not prove itself.
+#pragma once
+
+#include "platform/object.h"
+#include "platform/text.h"
+#include "platform/variant.h"
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <atomic>
+#include <span>
+#include <vector>
+
+namespace kvtdruck::test {
+
+/// Objects of this library that live; the library may be unloaded at 0.
+extern std::atomic<long> liveObjects;
+
+/// The value of `variant`, references followed. Objects are wrapped.
+Variant fromVariant(const VARIANT& variant);
+VARIANT toVariant(const Variant& value);
+
+BSTR toBstr(StringView text);
+
+/// An object reached through IDispatch. The connection of a host whose dispatch form fails (ADO's, under Wine) is
+/// asked through its own interface.
+ObjectRef foreignObject(IDispatch* dispatch);
+
+/// An Automation object: names and numbers to calls, run-time errors to EXCEPINFO.
+class Dispatch : public IDispatch {
+  public:
+    Dispatch() { ++liveObjects; }
+    Dispatch(const Dispatch&) = delete;
+    Dispatch& operator=(const Dispatch&) = delete;
+    virtual ~Dispatch() { --liveObjects; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override;
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT*) override;
+
+  protected:
+    /// The member's number, or DISPID_UNKNOWN.
+    virtual DISPID idOf(StringView name) = 0;
+    /// Calls the member with its arguments in order (a written property's value last). Run-time errors are raised.
+    virtual Variant invoke(DISPID member, WORD flags, std::span<VARIANT* const> arguments) = 0;
+    /// Another interface of the object, or nullptr.
+    virtual IUnknown* other(REFIID) { return nullptr; }
+
+  private:
+    std::atomic<ULONG> references_ = 1;
+};
+
+/// A new Automation object that answers as `object` does, with one reference.
+IDispatch* exposed(ObjectRef object);
+
+} // namespace kvtdruck::test
