@@ -242,7 +242,8 @@ TEST(Surroundings, LocaleFollowsTheUsersChange) {
     const String before = platform.locale().decimalSign;
     const std::wstring changed = before == u"," ? L"." : L",";
     ASSERT_TRUE(SetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, changed.c_str()));
-    Sleep(1100); // the settings are read once a second
+    for (int attempt = 0; attempt < 600 && wide(platform.locale().decimalSign) != changed; ++attempt)
+        Sleep(50); // the settings are read once a second
     EXPECT_EQ(wide(platform.locale().decimalSign), changed);
     SetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, wide(before).c_str());
 }
@@ -261,15 +262,18 @@ TEST(Surroundings, Clock) {
     EXPECT_LE(now.days, date(after));
 }
 
+int arrived = 0;
+
+LRESULT CALLBACK countMessages(HWND window, UINT message, WPARAM first, LPARAM second) {
+    arrived += message == WM_APP ? 1 : 0;
+    return DefWindowProcW(window, message, first, second);
+}
+
 TEST(Surroundings, PendingMessagesArriveOnceAndQuitStays) {
     WindowsPlatform platform;
-    static int arrived = 0;
     WNDCLASSW windowClass{};
     windowClass.lpszClassName = L"kvtdruck-test";
-    windowClass.lpfnWndProc = [](HWND window, UINT message, WPARAM w, LPARAM l) -> LRESULT {
-        arrived += message == WM_APP ? 1 : 0;
-        return DefWindowProcW(window, message, w, l);
-    };
+    windowClass.lpfnWndProc = countMessages;
     ASSERT_NE(RegisterClassW(&windowClass), 0);
     const HWND window =
         CreateWindowW(windowClass.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
