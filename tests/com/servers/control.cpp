@@ -2,6 +2,7 @@
 
 #include "engine/control.h"
 #include "engine/recording_control.h"
+#include "kvtzug/reader.h"
 #include "platform/runtime_error.h"
 #include "servers/dispatch.h"
 #include "servers/log_file.h"
@@ -229,7 +230,7 @@ class Control final : public Dispatch {
 
   protected:
     DISPID idOf(StringView name) override {
-        return name == nameOf(Operation::PrintEnd) ? kPrintEnd : DISPID_UNKNOWN;
+        return sameName(name, nameOf(Operation::PrintEnd)) ? kPrintEnd : DISPID_UNKNOWN;
     }
 
     Variant invoke(DISPID member, WORD flags, std::span<VARIANT* const> arguments) override {

@@ -1,5 +1,6 @@
 #include "servers/error_report.h"
 
+#include "kvtzug/reader.h"
 #include "platform/runtime_error.h"
 #include "servers/dispatch.h"
 #include "servers/log_file.h"
@@ -26,7 +27,9 @@ class ErrorReport final : public Dispatch {
     ErrorReport() { appendLine(kLog, "created"); }
 
   protected:
-    DISPID idOf(StringView name) override { return name == u"fkt_Fehlermeldung" ? kReport : DISPID_UNKNOWN; }
+    DISPID idOf(StringView name) override {
+        return sameName(name, u"fkt_Fehlermeldung") ? kReport : DISPID_UNKNOWN;
+    }
 
     Variant invoke(DISPID member, WORD, std::span<VARIANT* const> arguments) override {
         if (member != kReport || arguments.size() != 5 || !isOf(arguments[0], VT_BYREF | VT_BSTR) ||

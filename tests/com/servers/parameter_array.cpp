@@ -1,5 +1,6 @@
 #include "servers/parameter_array.h"
 
+#include "kvtzug/reader.h"
 #include "platform/runtime_error.h"
 #include "platform/variant.h"
 
@@ -17,11 +18,11 @@ std::int32_t number(const Variant& value) {
 class ParameterArray final : public Object {
   public:
     MemberId idOf(StringView name) override {
-        if (name == u"Value")
+        if (sameName(name, u"Value"))
             return kValue;
-        if (name == u"ReDim")
+        if (sameName(name, u"ReDim"))
             return kReDim;
-        if (name == u"Count")
+        if (sameName(name, u"Count"))
             return kCount;
         throw RuntimeError(ErrorNumber::MemberNotFound);
     }

@@ -2,6 +2,8 @@
 // control, the parameter array, the error report, and a connection for scripts. One in-process server registers
 // them all.
 #include "kvtzug/kvtzug.h"
+#include "kvtzug/reader.h"
+#include "platform/runtime_error.h"
 #include "servers/control.h"
 #include "servers/dispatch.h"
 #include "servers/error_report.h"
@@ -44,8 +46,22 @@ IUnknown* createReader() {
 }
 
 /// What scripts use for a connection: an object with the one property that is asked for.
+class ScriptConnection final : public Object {
+  public:
+    MemberId idOf(StringView name) override {
+        if (!sameName(name, u"ConnectionString"))
+            throw RuntimeError(ErrorNumber::MemberNotFound);
+        return 1;
+    }
+    Variant call(MemberId, std::span<const Variant>) override { return connectionString_; }
+    void put(MemberId, std::span<const Variant>, const Variant& value) override { connectionString_ = value; }
+
+  private:
+    Variant connectionString_ = u"";
+};
+
 IUnknown* createConnection() {
-    return exposed(std::make_shared<OdbcConnection>(String()));
+    return exposed(std::make_shared<ScriptConnection>());
 }
 
 constexpr ServedClass kClasses[] = {
