@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes the sample company: daten.sql (for schema.sql) and the parameter arrays in werte/.
+"""Writes the sample company: daten.sql (for schema.sql) and the parameter arrays in werte/, beside this file or into the
+folder that is given.
 
 Deterministic and without anything beyond the standard library. The company, its people and its figures are invented;
 contribution limits, rates and public holidays are the real ones of Saxony (sources: SOURCES below). Figures follow from
@@ -9,9 +10,10 @@ each other: months add up to years, shares are shares of the turnover, the array
 import datetime
 import math
 import random
+import sys
 from pathlib import Path
 
-HERE = Path(__file__).resolve().parent
+OUTPUT = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).resolve().parent)
 FNR = 1
 YEARS = range(2019, 2026)        # turnover and yearly settings
 STAFF_YEARS = (2024, 2025)       # employees' months and accounts
@@ -549,7 +551,7 @@ def write_array(name, columns, rows):
     width = max(columns) + 1
     lines = [";".join(columns.get(i, "-") for i in range(width))]
     lines += [";".join(german(row.get(i)) for i in range(width)) for row in rows]
-    (HERE / "werte" / (name + ".csv")).write_text("\n".join(lines) + "\n", encoding="utf-8")
+    (OUTPUT / "werte" / (name + ".csv")).write_text("\n".join(lines) + "\n", encoding="utf-8")
 
 
 YEAR = 2025
@@ -738,8 +740,8 @@ def main():
         ("Material.", "material", material_rows()),
     ]
     text = "\n".join(comment(title) + (insert(table, list(rows)) if table else "") for title, table, rows in sections)
-    (HERE / "daten.sql").write_text(text, encoding="utf-8")
-    (HERE / "werte").mkdir(exist_ok=True)
+    (OUTPUT / "werte").mkdir(parents=True, exist_ok=True)
+    (OUTPUT / "daten.sql").write_text(text, encoding="utf-8")
     write_arrays()
 
 

@@ -41,6 +41,7 @@ Diagnosis diagnose(SQLSMALLINT type, SQLHANDLE handle) {
     if (!SQL_SUCCEEDED(result))
         return {u"", u"ODBC nennt keine Ursache."};
     text.resize(std::min<std::size_t>(text.size() - 1, std::size_t(length)));
+    text.erase(text.find_last_not_of(u" \r\n") + 1);
     return {state, text};
 }
 
@@ -103,8 +104,7 @@ Connection::Connection(StringView connectionString) {
         raise(u"Die Datenbank konnte nicht geöffnet werden.", u"ODBC steht nicht zur Verfügung.");
     }
     const auto complete = withoutCreating(connectionString);
-    if (SQL_SUCCEEDED(SQLDriverConnectW(connection_, nullptr, wide(complete), SQLSMALLINT(complete.size()), nullptr,
-                                        0, nullptr, SQL_DRIVER_NOPROMPT)))
+    if (open(complete))
         return;
     auto diagnosis = diagnose(SQL_HANDLE_DBC, connection_);
     release();
@@ -112,6 +112,24 @@ Connection::Connection(StringView connectionString) {
         if (!secret.empty())
             diagnosis.text = without(diagnosis.text, secret);
     raise(openingFailure(complete, diagnosis), diagnosis.text);
+}
+
+bool Connection::open(StringView connectionString) {
+    if (SQL_SUCCEEDED(SQLDriverConnectW(connection_, nullptr, wide(connectionString),
+                                        SQLSMALLINT(connectionString.size()), nullptr, 0, nullptr,
+                                        SQL_DRIVER_NOPROMPT)))
+        return true;
+#ifndef _WIN32
+    // For a driver without wide functions, as SQLite's is, unixODBC cuts every character to its lower byte. Such a
+    // driver takes UTF-8 as it is.
+    if (std::any_of(connectionString.begin(), connectionString.end(),
+                    [](char16_t letter) { return letter > 0x7F; })) {
+        auto bytes = toUtf8(connectionString);
+        return SQL_SUCCEEDED(SQLDriverConnect(connection_, nullptr, reinterpret_cast<SQLCHAR*>(bytes.data()),
+                                              SQLSMALLINT(bytes.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT));
+    }
+#endif
+    return false;
 }
 
 Connection::~Connection() {
@@ -172,8 +190,11 @@ void Statement::bindParameter(SQLUSMALLINT number, Parameter& parameter) {
         sqlType = SQL_TYPE_DATE;
         size = 10; // characters of yyyy-mm-dd
     }
-    check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, parameter.type, sqlType, size, 0,
-                           parameter.bytes.data(), length, &length));
+    // An empty text is no NULL, so it needs an address all the same.
+    static std::byte nothing{};
+    auto* value = parameter.bytes.empty() ? &nothing : parameter.bytes.data();
+    check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, parameter.type, sqlType, size, 0, value, length,
+                           &length));
 }
 
 void Statement::bindColumn(SQLUSMALLINT number, SQLSMALLINT type, std::byte* values, std::size_t width,

@@ -52,6 +52,7 @@ class Connection {
     bool alive() const;
 
   private:
+    bool open(StringView connectionString);
     void release() noexcept;
 
     SQLHENV environment_ = nullptr;

@@ -1,0 +1,48 @@
+// Databases for the tests of the reference data access: a fresh one per test, filled through ODBC.
+#pragma once
+
+#include "platform/text.h"
+
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+namespace kvtdruck::test {
+
+/// A folder of its own under the system's temporary folder, removed at the end.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::filesystem::path& path() const { return path_; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+/// An empty database.
+class Database {
+  public:
+    Database() = default;
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+    virtual ~Database() = default;
+
+    virtual String connectionString() const = 0;
+    /// Whether a number column can hold a NaN.
+    virtual bool holdsNaN() const = 0;
+    /// Whether the driver takes SQL as UTF-16; else it takes UTF-8.
+    virtual bool takesWideSql() const = 0;
+    /// Executes statements that end in ";" at the end of a line.
+    void execute(std::string_view text) const;
+    /// Executes demo/<name>.
+    void executeDemoFile(const char* name) const;
+};
+
+/// A new database of the kind that the test program is about.
+std::unique_ptr<Database> createDatabase();
+
+} // namespace kvtdruck::test
