@@ -1,0 +1,431 @@
+#include "druckwerk/druckwerk.h"
+
+#include "druckwerk/definitions.h"
+#include "druckwerk/fault.h"
+#include "druckwerk/layout.h"
+#include "druckwerk/print_job.h"
+#include "platform/runtime_error.h"
+
+#include <algorithm>
+#include <new>
+#include <set>
+#include <unistd.h>
+
+namespace kvtdruck::druckwerk {
+
+namespace {
+
+constexpr std::int32_t kPrintModePreview = 512;
+
+/// Edits between two names, letter case aside, up to a small limit.
+std::size_t distance(const std::string& a, const std::string& b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t above = row[j];
+            const bool same = std::tolower(static_cast<unsigned char>(a[i - 1])) ==
+                              std::tolower(static_cast<unsigned char>(b[j - 1]));
+            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
+/// Names that the layout uses and nobody defines.
+std::vector<std::string> unknownNames(const Layout& layout, const Definitions& definitions) {
+    std::vector<std::string> messages;
+    const auto known = definitions.list();
+    for (const std::size_t slot : std::set<std::size_t>(layout.slots.begin(), layout.slots.end())) {
+        if (definitions.isDefined(slot))
+            continue;
+        const std::string name = toUtf8(definitions.nameOf(slot));
+        const Definition* nearest = nullptr;
+        std::size_t least = name.size() < 200 ? std::min<std::size_t>(3, name.size() / 2 + 1) : 0;
+        for (const auto& definition : known)
+            if (definition.name.size() < 200)
+                if (const std::size_t edits = distance(name, definition.name); edits < least) {
+                    least = edits;
+                    nearest = &definition;
+                }
+        messages.push_back("Unbekannter Name „" + name + "“" +
+                           (nearest == nullptr ? "" : " (ähnlich: „" + nearest->name + "“)"));
+    }
+    return messages;
+}
+
+std::string utf8Of(const std::filesystem::path& path) {
+    return path.string();
+}
+
+/// A folder that is gone with the object.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "kvtdruck-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr)
+            throw Fault(kOutputFailed, "Im Ordner für temporäre Dateien kann nichts angelegt werden");
+        path_ = name;
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+} // namespace
+
+std::filesystem::path nativePath(StringView path) {
+    std::string native = toUtf8(path);
+    std::replace(native.begin(), native.end(), '\\', '/');
+    return native;
+}
+
+std::filesystem::path layoutFile(StringView objectName) {
+    return nativePath(objectName).concat(".svg");
+}
+
+/// The state behind the control: definitions, and the print job where there is one.
+class Druckwerk::Engine {
+  public:
+    explicit Engine(std::shared_ptr<const Options> options) : options_(std::move(options)) {}
+
+    std::int32_t call(Operation operation, std::span<const Argument> arguments) {
+        try {
+            return perform(operation, arguments);
+        } catch (const Fault& fault) {
+            return fail(fault.code(), fault.what());
+        } catch (const std::bad_alloc&) {
+            return fail(kOutputFailed, "Der Arbeitsspeicher reicht nicht aus");
+        } catch (const std::exception& error) {
+            return fail(kOutputFailed, error.what());
+        }
+    }
+
+    const EngineError& lastError() const { return lastError_; }
+
+  private:
+    struct Job {
+        std::string listName;
+        std::filesystem::path objectName;
+        bool preview = false;
+        bool failed = false;
+        std::optional<Layout> layout;          ///< until the first page
+        std::optional<TemporaryFolder> folder; ///< for a document that goes to a printer
+        std::filesystem::path output;
+        std::unique_ptr<PrintJob> print; ///< from the first page on
+    };
+
+    std::int32_t perform(Operation operation, std::span<const Argument> arguments);
+    std::int32_t performPrinting(Operation operation, std::span<const Argument> arguments);
+
+    template <class T>
+    static T argument(std::span<const Argument> arguments, std::size_t index) {
+        const T* value = index < arguments.size() ? std::get_if<T>(&arguments[index]) : nullptr;
+        if (value == nullptr)
+            throw Fault(kWrongArguments, "Falsche Argumente für die Druckoperation");
+        return *value;
+    }
+
+    void define(std::span<const Argument> arguments, bool field) {
+        definitions_.define(argument<StringView>(arguments, 0), argument<StringView>(arguments, 1),
+                            argument<std::int32_t>(arguments, 2) == kTypeNumeric, field);
+    }
+
+    std::int32_t fail(std::int32_t code, const std::string& message) {
+        lastError_ = {code, message};
+        if (options_->error)
+            options_->error(lastError_);
+        if (job_) { // the rest of the job is answered like a cancelled one, so that it ends without a second
+                    // message
+            job_->failed = true;
+            job_->print.reset();
+        }
+        return code;
+    }
+
+    void warn(const std::string& message) {
+        if (warned_.insert(message).second && options_->warn)
+            options_->warn(message);
+    }
+
+    bool isCancelled() const { return options_->cancelled != nullptr && *options_->cancelled; }
+
+    void startJob(std::span<const Argument> arguments);
+    Layout loadLayout(const std::filesystem::path& objectName);
+    std::int32_t askForOptions();
+    void turnPage();
+    std::int32_t endJob();
+    std::int32_t design(std::span<const Argument> arguments);
+    std::int32_t deletePreview(std::span<const Argument> arguments) const;
+    DocumentInfo documentInfo() const;
+
+    std::shared_ptr<const Options> options_;
+    Definitions definitions_;
+    EngineError lastError_;
+    std::filesystem::path previewFolder_;
+    std::optional<Job> job_;
+    std::set<std::string> warned_;
+};
+
+std::int32_t Druckwerk::Engine::perform(Operation operation, std::span<const Argument> arguments) {
+    switch (operation) {
+    case Operation::LlDefineFieldExt:
+        define(arguments, true);
+        return kEngineSuccess;
+    case Operation::LlDefineVariableExt:
+        define(arguments, false);
+        return kEngineSuccess;
+    case Operation::LlDefineFieldStart:
+        definitions_.forget(true);
+        return kEngineSuccess;
+    case Operation::LlDefineVariableStart:
+        definitions_.forget(false);
+        return kEngineSuccess;
+    case Operation::LlDefineLayout:
+        return design(arguments);
+    case Operation::LlPreviewSetTempPath:
+        previewFolder_ = nativePath(argument<StringView>(arguments, 0));
+        return kEngineSuccess;
+    case Operation::LlPreviewDeleteFiles:
+        return deletePreview(arguments);
+    case Operation::LlSetPrinterToDefault: // the printer is chosen for each job anew, nothing is kept
+        return kEngineSuccess;
+    case Operation::LlPrintWithBoxStart:
+        startJob(arguments);
+        return kEngineSuccess;
+    case Operation::LlPreviewDisplay:
+    case Operation::LlStgsysStorageOpen:
+    case Operation::LlStgsysStorageClose:
+    case Operation::LlStgsysDrawPage:
+        return fail(kNotOffered, "„" + toUtf8(nameOf(operation)) + "“ gibt es in dieser Druckausgabe nicht");
+    case Operation::PrintEnd:
+        job_.reset();
+        return kEngineSuccess;
+    default:
+        return performPrinting(operation, arguments);
+    }
+}
+
+/// The operations of an open job.
+std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<const Argument> arguments) {
+    if (!job_)
+        return fail(kWrongOrder, "„" + toUtf8(nameOf(operation)) + "“ ohne begonnenen Druck");
+    if (job_->failed || isCancelled()) {
+        if (operation == Operation::LlPrintEnd)
+            job_.reset();
+        return kEngineCancelled;
+    }
+    switch (operation) {
+    case Operation::LlPrintSetBoxText:
+        if (options_->progress)
+            options_->progress({toUtf8(argument<StringView>(arguments, 0)), argument<std::int32_t>(arguments, 1),
+                                job_->print ? job_->print->pages() : 0});
+        return kEngineSuccess;
+    case Operation::LlPrintOptionsDialog:
+        return askForOptions();
+    case Operation::LlPrint:
+        turnPage();
+        return kEngineSuccess;
+    case Operation::LlPrintFields:
+        if (!job_->print)
+            throw Fault(kWrongOrder, "„LlPrintFields“ ohne begonnene Seite");
+        return job_->print->printLine() ? kEngineSuccess : kEnginePageFull;
+    case Operation::LlPrintFieldsEnd:
+        if (job_->print)
+            job_->print->closeTable();
+        return kEngineSuccess;
+    case Operation::LlPrintEnd:
+        return endJob();
+    default:
+        return fail(kNotOffered, "Unbekannte Druckoperation");
+    }
+}
+
+Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& objectName) {
+    std::filesystem::path file = objectName;
+    file += ".svg";
+    std::error_code ignored;
+    const bool exists = std::filesystem::exists(file, ignored);
+    std::vector<Finding> findings;
+    Layout layout = readLayout(exists ? readLayoutFile(file) : generateLayout(definitions_.list()), utf8Of(file),
+                               file.parent_path(), definitions_, findings);
+    for (const auto& finding : findings)
+        if (finding.error)
+            throw Fault(finding.code, finding.message);
+        else
+            warn(finding.message);
+    for (const auto& message : unknownNames(layout, definitions_))
+        warn(utf8Of(file) + ": " + message);
+    return layout;
+}
+
+void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
+    job_.reset(); // a report that stopped on an error leaves its job behind
+    warned_.clear();
+    lastError_ = {};
+    definitions_.release();
+    const auto objectName = nativePath(argument<StringView>(arguments, 1));
+    Layout layout = loadLayout(objectName);
+    Job& job = job_.emplace();
+    job.objectName = objectName;
+    job.listName = objectName.filename().string();
+    job.preview = argument<std::int32_t>(arguments, 2) == kPrintModePreview;
+    job.layout = std::move(layout);
+    if (!job.preview) {
+        job.output = options_->output;
+    } else {
+        std::error_code error;
+        std::filesystem::create_directories(previewFolder_, error);
+        job.output = previewFolder_ / (job.listName + ".ll");
+    }
+}
+
+std::int32_t Druckwerk::Engine::askForOptions() {
+    if (!options_->optionsDialog || job_->preview)
+        return kEngineSuccess;
+    OptionsRequest request{job_->listName, job_->output};
+    std::string message;
+    const std::int32_t code = options_->optionsDialog(request, message);
+    if (code == kEngineCancelled)
+        job_.reset();
+    else if (code != kEngineSuccess)
+        return fail(code, message);
+    else
+        job_->output = request.output;
+    return code;
+}
+
+void Druckwerk::Engine::turnPage() {
+    if (!job_->print) {
+        if (job_->output.empty()) {
+            if (!options_->deliver)
+                throw Fault(kOutputFailed, "Für den Druck ist weder eine Datei noch ein Drucker angegeben");
+            job_->folder.emplace();
+            job_->output = job_->folder->path() / (job_->listName + ".pdf");
+        }
+        job_->print = std::make_unique<PrintJob>(std::move(*job_->layout), definitions_, job_->output,
+                                                 job_->objectName.parent_path(), options_->printDate,
+                                                 [this](const std::string& message) { warn(message); });
+        job_->layout.reset();
+    }
+    job_->print->beginPage();
+}
+
+DocumentInfo Druckwerk::Engine::documentInfo() const {
+    const StringView heading = definitions_.textOf(u"Ueberschrift");
+    return {heading.empty() ? fromUtf8(job_->listName) : String(heading), String(definitions_.textOf(u"FnrName1")),
+            fromUtf8(options_->creator), options_->printDate};
+}
+
+std::int32_t Druckwerk::Engine::endJob() {
+    if (!job_->print)
+        turnPage();
+    job_->print->finish(documentInfo());
+    std::int32_t code = kEngineSuccess;
+    std::string message;
+    if (job_->folder)
+        code = options_->deliver({job_->output, toUtf8(documentInfo().title), job_->print->pages()}, message);
+    job_.reset();
+    return code == kEngineSuccess ? code : fail(code, message);
+}
+
+std::int32_t Druckwerk::Engine::design(std::span<const Argument> arguments) {
+    if (!options_->design)
+        return fail(kDesignFailed, "Es ist kein Gestaltungsprogramm eingerichtet");
+    std::string message;
+    const std::int32_t code =
+        options_->design({toUtf8(argument<StringView>(arguments, 1)),
+                          layoutFile(argument<StringView>(arguments, 3)), definitions_.list()},
+                         message);
+    return code == kEngineSuccess || code == kEngineCancelled ? code : fail(code, message);
+}
+
+std::int32_t Druckwerk::Engine::deletePreview(std::span<const Argument> arguments) const {
+    const auto file = nativePath(argument<StringView>(arguments, 1)) /
+                      (nativePath(argument<StringView>(arguments, 0)).filename().string() + ".ll");
+    std::error_code error;
+    std::filesystem::remove(file, error);
+    if (error)
+        throw Fault(kOutputFailed,
+                    "Die Vorschaudatei „" + utf8Of(file) + "“ kann nicht gelöscht werden: " + error.message());
+    return kEngineSuccess;
+}
+
+Druckwerk::Druckwerk(std::shared_ptr<const Options> options)
+    : engine_(std::make_unique<Engine>(std::move(options))) {}
+Druckwerk::~Druckwerk() = default;
+
+std::int32_t Druckwerk::call(Operation operation, std::span<const Argument> arguments) {
+    return engine_->call(operation, arguments);
+}
+
+void Druckwerk::put(std::int32_t, bool) {} // the properties that the component sets have no meaning here
+
+ObjectRef Druckwerk::member(StringView) {
+    throw RuntimeError(ErrorNumber::MemberNotFound);
+}
+
+const EngineError& Druckwerk::lastError() const {
+    return engine_->lastError();
+}
+
+namespace {
+
+class DruckwerkForm final : public Form {
+  public:
+    explicit DruckwerkForm(std::shared_ptr<const Options> options) : control_(std::move(options)) {}
+    Control& ll60() override { return control_; }
+    WindowHandle hWnd() override { return {}; }
+    bool visible() override { return false; }
+    void hide() override {}
+
+  private:
+    Druckwerk control_;
+};
+
+} // namespace
+
+DruckwerkFormFactory::DruckwerkFormFactory(Options options)
+    : options_(std::make_shared<const Options>(std::move(options))) {}
+
+std::unique_ptr<Form> DruckwerkFormFactory::create() {
+    return std::make_unique<DruckwerkForm>(options_);
+}
+
+std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known) {
+    Definitions definitions;
+    for (const auto& definition : known)
+        definitions.define(fromUtf8(definition.name), fromUtf8(definition.value), definition.numeric,
+                           definition.field);
+    std::vector<Finding> findings;
+    try {
+        const Layout layout =
+            readLayout(readLayoutFile(file), utf8Of(file), file.parent_path(), definitions, findings);
+        if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
+            return findings;
+        for (const auto& message : unknownNames(layout, definitions))
+            findings.push_back({false, kLayoutInvalid, utf8Of(file) + ": " + message});
+        const std::set<std::size_t> used(layout.slots.begin(), layout.slots.end());
+        for (const auto& definition : known)
+            if (used.count(definitions.slotOf(fromUtf8(definition.name))) == 0)
+                findings.push_back({false, kLayoutInvalid,
+                                    utf8Of(file) + ": " + (definition.field ? "Feld" : "Variable") + " „" +
+                                        definition.name + "“ wird nicht gedruckt"});
+    } catch (const Fault& fault) {
+        findings.push_back({true, fault.code(), fault.what()});
+    }
+    return findings;
+}
+
+} // namespace kvtdruck::druckwerk
