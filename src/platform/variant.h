@@ -56,10 +56,14 @@ class Variant {
     using Value = std::variant<Empty, Null, bool, std::uint8_t, std::int16_t, std::int32_t, float, double, Currency,
                                Decimal, Date, String, ObjectRef, ErrorValue>;
 
-    Variant() = default;
     template <class T>
-    requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> &&
-             std::is_constructible_v<Value, std::in_place_type_t<std::remove_cvref_t<T>>, T>) Variant(T&& value)
+    static constexpr bool holds = !std::is_same_v<std::remove_cvref_t<T>, Variant> &&
+                                  std::is_constructible_v<Value, std::in_place_type_t<std::remove_cvref_t<T>>, T>;
+
+    Variant() = default;
+    /// Any of the values that it can hold; copies and moves are left to their own constructors.
+    template <class T>
+    requires(holds<T>) Variant(T&& value) // NOLINT(bugprone-forwarding-reference-overload)
         : value_(std::in_place_type<std::remove_cvref_t<T>>, std::forward<T>(value)) {}
     Variant(StringView text) : value_(std::in_place_type<String>, text) {}
     Variant(const char16_t* text) : value_(std::in_place_type<String>, text) {}

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <string>
 #include <string_view>
 
 using namespace kvtdruck;
@@ -46,6 +49,29 @@ TEST(LocaleByName, OfTheSystem) {
     EXPECT_EQ(textOf(dateOf(2009, 3, 7, 15, 4, 5), system), u"03/07/09 15:04:05");
     EXPECT_EQ(system.am, u"AM");
     EXPECT_EQ(system.trueText, u"True");
+}
+
+void expectItalian() {
+    const Locale italian = localeByName("it-IT");
+    EXPECT_EQ(textOf(1234.5, italian), u"1234,5");
+    EXPECT_EQ(numberIn(u"€ 1.234,5", italian), 1234.5);
+    EXPECT_EQ(textOf(dateOf(2009, 3, 7, 15, 4, 5), italian), u"07/03/2009 15:04:05");
+    EXPECT_EQ(italian.trueText, u"Vero");
+}
+
+TEST(LocaleByName, InstalledOne) {
+    std::string folder = testing::TempDir() + "kvtdruck-XXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    ASSERT_EQ(std::system(("localedef -i it_IT -f UTF-8 " + folder + "/it_IT.UTF-8").c_str()), 0)
+        << "needs the package locales";
+    // In a process of its own: the C library keeps what it has once looked up, and leaks LOCPATH's parts.
+    const auto inChild = [&] {
+        setenv("LOCPATH", folder.c_str(), 1);
+        expectItalian();
+        std::_Exit(testing::Test::HasFailure() ? 1 : 0);
+    };
+    EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
+    std::filesystem::remove_all(folder);
 }
 
 TEST(LocaleByName, NotInstalled) {

@@ -41,7 +41,7 @@ class Folder {
     fs::path path() const { return path_; }
 
     fs::path write(std::string_view name, std::string_view content = "") const {
-        const fs::path file = path_ / name;
+        fs::path file = path_ / name;
         fs::create_directories(file.parent_path());
         std::ofstream(file) << content;
         return file;
@@ -49,7 +49,7 @@ class Folder {
 
     /// An executable shell script.
     fs::path script(std::string_view name, const std::string& body) const {
-        const fs::path file = write(name, "#!/bin/sh\n" + body + "\n");
+        fs::path file = write(name, "#!/bin/sh\n" + body + "\n");
         fs::permissions(file, fs::perms::owner_all);
         return file;
     }

@@ -230,10 +230,9 @@ std::int32_t PosixProcesses::start(StringView commandLine) {
     if (isPreviewViewer(arguments.front()))
         arguments = viewerCommand(std::move(arguments));
 
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments)
-        pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
+    std::vector<char*> pointers(arguments.size() + 1); // ends with a null pointer
+    std::transform(arguments.begin(), arguments.end(), pointers.begin(),
+                   [](std::string& argument) { return argument.data(); });
     const SpawnSettings settings;
     pid_t id = 0;
     const int failure =
