@@ -55,7 +55,8 @@ Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> conn
     : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)),
       rowset_(readerClass.columns, readerClass.single ? 1 : kBlockRows) {
     for (const auto getter : readerClass.key)
-        key_.push_back(std::size_t(idOf(getter)) - 1);
+        key_.push_back(std::size_t(std::ranges::find(readerClass.columns, getter, &Column::getter) -
+                                   readerClass.columns.begin()));
 }
 
 Object::MemberId Reader::idOf(StringView name) {

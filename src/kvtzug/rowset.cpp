@@ -57,7 +57,7 @@ Rowset::Rowset(const std::vector<Column>& columns, std::size_t most) : most_(mos
 }
 
 void Rowset::allocate() {
-    std::size_t rowBytes = 0;
+    std::size_t rowBytes = 1;
     for (const auto& buffer : buffers_)
         rowBytes += buffer.width + sizeof(SQLLEN);
     rows_ = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, most_);

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <stdexcept>
 #include <string>
 
@@ -27,6 +26,12 @@ void run(const Connection& connection, std::string sql, bool wide) {
         throw std::runtime_error(reinterpret_cast<char*>(message) + (" in " + sql.substr(0, 200)));
 }
 
+std::string withoutComments(std::string sql) {
+    for (auto start = sql.find("-- "); start != std::string::npos; start = sql.find("-- ", start))
+        sql.erase(start, sql.find('\n', start) - start);
+    return sql;
+}
+
 } // namespace
 
 TemporaryFolder::TemporaryFolder() {
@@ -44,7 +49,7 @@ TemporaryFolder::~TemporaryFolder() {
 void Database::execute(std::string_view text) const {
     const Connection connection(connectionString());
     // Drivers stumble over apostrophes in comments.
-    const auto bare = std::regex_replace(std::string(text), std::regex("-- .*"), "");
+    const auto bare = withoutComments(std::string(text));
     std::string_view sql = bare;
     while (!sql.empty()) {
         const auto end = sql.find(";\n");

@@ -8,7 +8,7 @@ namespace kvtdruck::test {
 
 String SqliteDatabase::connectionString() const {
     // An empty file is an empty database; the reader itself creates none.
-    std::ofstream(file(), std::ios::app);
+    const std::ofstream created(file(), std::ios::app);
     return sqliteConnection(fromUtf8(file().string()));
 }
 
