@@ -9,9 +9,9 @@
 
 namespace kvtdruck {
 
-/// Up to 15 significant digits, the locale's decimal sign, no thousands separators; negative zero is "0". Numbers
-/// that, so rounded, are below 0.0001 or from 1E+15 on take the exponent form ("1E+15", "1,5E-05"). NaN and the
-/// infinities are "1,#QNAN", "-1,#IND", "1,#INF" and "-1,#INF".
+/// Up to 15 significant digits (halves rounded away from zero), the locale's decimal sign, no thousands separators;
+/// negative zero is "0". Numbers that, so rounded, are below 0.0001 or from 1E+15 on take the exponent form
+/// ("1E+15", "1,5E-05"). NaN and the infinities are "1,#QNAN", "-1,#IND", "1,#INF" and "-1,#INF".
 String textOf(double number, const Locale& locale);
 
 /// As for a double, with up to 7 significant digits: the exponent form begins at 1E+07.

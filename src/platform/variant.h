@@ -50,20 +50,21 @@ struct ErrorValue {
 /// The types that a value can be asked to take.
 enum class ValueType { Boolean, Integer, Long, Single, Double, Date, Text, Object, Variant };
 
+/// Whether `Value`, a std::variant, can hold what a `T` is without a conversion.
+template <class T, class Value>
+concept AlternativeOf = std::is_constructible_v<Value, std::in_place_type_t<std::remove_cvref_t<T>>, T>;
+
 /// One Automation value. Copies are deep but for objects, which are shared.
 class Variant {
   public:
     using Value = std::variant<Empty, Null, bool, std::uint8_t, std::int16_t, std::int32_t, float, double, Currency,
                                Decimal, Date, String, ObjectRef, ErrorValue>;
 
-    template <class T>
-    static constexpr bool holds = !std::is_same_v<std::remove_cvref_t<T>, Variant> &&
-                                  std::is_constructible_v<Value, std::in_place_type_t<std::remove_cvref_t<T>>, T>;
-
     Variant() = default;
     /// Any of the values that it can hold; copies and moves are left to their own constructors.
     template <class T>
-    requires(holds<T>) Variant(T&& value) // NOLINT(bugprone-forwarding-reference-overload)
+    requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && AlternativeOf<T, Value>)
+        Variant(T&& value) // NOLINT(bugprone-forwarding-reference-overload)
         : value_(std::in_place_type<std::remove_cvref_t<T>>, std::forward<T>(value)) {}
     Variant(StringView text) : value_(std::in_place_type<String>, text) {}
     Variant(const char16_t* text) : value_(std::in_place_type<String>, text) {}
