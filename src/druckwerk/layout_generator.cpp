@@ -98,7 +98,7 @@ class Generator {
                           definition.name.find("jahr") != std::string::npos ||
                           definition.name.find("ummer") != std::string::npos ||
                           definition.name.find("Konto") != std::string::npos;
-        return "{{" + definition.name + (definition.numeric ? code ? "|0" : "|#.##0,##" : "") + "}}";
+        return "{{" + definition.name + (definition.numeric ? code ? "|0" : "|#.##0,00" : "") + "}}";
     }
 
     void pageHeader() {
