@@ -58,7 +58,13 @@ std::string optionOf(const cups_dest_t& destination, const char* name) {
     return value ? value : "";
 }
 
-/// German for what the print service answers; its own words where it says more than its code.
+/// The queue's description; the service gives the name in its place where there is none.
+std::string descriptionOf(const cups_dest_t& destination) {
+    auto description = optionOf(destination, "printer-info");
+    return description == destination.name ? "" : description;
+}
+
+/// German for what the print service answers; its own words for anything else.
 std::string reasonOfLastError() {
     struct Reason {
         ipp_status_t status;
@@ -70,19 +76,17 @@ std::string reasonOfLastError() {
         Reason{IPP_STATUS_ERROR_NOT_AUTHENTICATED, "der Druckdienst verlangt eine Anmeldung"},
         Reason{IPP_STATUS_ERROR_NOT_AUTHORIZED, "keine Berechtigung zum Drucken"},
         Reason{IPP_STATUS_ERROR_FORBIDDEN, "keine Berechtigung zum Drucken"},
-        Reason{IPP_STATUS_ERROR_NOT_POSSIBLE, "der Auftrag ist so nicht möglich"},
         Reason{IPP_STATUS_ERROR_DOCUMENT_FORMAT_NOT_SUPPORTED, "der Drucker nimmt kein PDF an"},
-        Reason{IPP_STATUS_ERROR_ATTRIBUTES_OR_VALUES, "der Drucker kennt eine der Einstellungen nicht"},
         Reason{IPP_STATUS_ERROR_REQUEST_ENTITY, "das Dokument ist dem Drucker zu groß"},
         Reason{IPP_STATUS_ERROR_SERVICE_UNAVAILABLE, "der Druckdienst (CUPS) ist nicht erreichbar"},
         Reason{IPP_STATUS_ERROR_INTERNAL, "der Druckdienst (CUPS) ist nicht erreichbar"},
         Reason{IPP_STATUS_ERROR_BUSY, "der Drucker ist beschäftigt"},
     };
     const auto* known = std::ranges::find(kReasons, cupsLastError(), &Reason::status);
-    const std::string own = cupsLastErrorString() ? cupsLastErrorString() : "";
-    if (known == kReasons.end())
-        return own;
-    return std::string(known->text) + (own.empty() ? "" : " (" + own + ")");
+    if (known != kReasons.end())
+        return std::string(known->text);
+    const char* own = cupsLastErrorString();
+    return own ? own : "Fehler " + std::to_string(cupsLastError());
 }
 
 const char* keywordOf(Sides sides) {
@@ -147,8 +151,7 @@ std::vector<Printer> printers() {
     std::vector<Printer> result;
     for (const auto& destination : Destinations())
         if (!destination.instance)
-            result.push_back(
-                {destination.name, optionOf(destination, "printer-info"), destination.is_default != 0});
+            result.push_back({destination.name, descriptionOf(destination), destination.is_default != 0});
     return result;
 }
 
