@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -159,7 +160,8 @@ Variant valueOf(const std::string& text, const Place& place) {
     if (text.empty())
         return {};
     if (std::regex_match(text, number)) {
-        if (const auto value = numberIn(fromUtf8(text), germanLocale()))
+        const auto value = numberIn(fromUtf8(text), germanLocale());
+        if (value && std::isfinite(*value))
             return *value;
         place.fail("Die Zahl „" + text + "“ ist zu groß.");
     }
@@ -268,11 +270,9 @@ std::shared_ptr<ParameterArray> parseValues(const Report& report, std::string_vi
 
 std::shared_ptr<ParameterArray> readValues(const Report& report, const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    if (!stream)
+    if (!stream || std::filesystem::is_directory(file))
         throw ValuesError("Die Datei " + file.string() + " kann nicht gelesen werden.");
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (stream.bad() || std::filesystem::is_directory(file))
-        throw ValuesError("Die Datei " + file.string() + " kann nicht gelesen werden.");
     return parseValues(report, text, file.string());
 }
 
