@@ -1,0 +1,105 @@
+// The four entry points of the server.
+#include "com/classes.h"
+#include "com/com_ptr.h"
+#include "com/module.h"
+#include "com/registration.h"
+
+#include <atomic>
+#include <new>
+
+namespace kvtdruck::com {
+namespace {
+
+class ClassFactory final : public IClassFactory {
+  public:
+    explicit ClassFactory(const CoClass& coClass) : coClass_(coClass) {}
+    virtual ~ClassFactory() = default;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        if (!object)
+            return E_POINTER;
+        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
+        if (!*object)
+            return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const auto left = --references_;
+        if (left == 0)
+            delete this;
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
+        if (!object)
+            return E_POINTER;
+        *object = nullptr;
+        if (outer)
+            return CLASS_E_NOAGGREGATION;
+        try {
+            auto* created = coClass_.create();
+            const auto result = created->QueryInterface(iid, object);
+            created->Release();
+            return result;
+        } catch (...) {
+            return E_OUTOFMEMORY;
+        }
+    }
+
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
+        liveObjects += lock ? 1 : -1;
+        return S_OK;
+    }
+
+  private:
+    const CoClass& coClass_;
+    std::atomic<ULONG> references_ = 1;
+    LiveObject live_;
+};
+
+HRESULT guarded(HRESULT (*action)()) {
+    try {
+        return action();
+    } catch (...) {
+        return E_UNEXPECTED;
+    }
+}
+
+} // namespace
+} // namespace kvtdruck::com
+
+using namespace kvtdruck::com;
+
+STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
+    if (!object)
+        return E_POINTER;
+    *object = nullptr;
+    for (const auto& coClass : allClasses()) {
+        if (coClass.id != id)
+            continue;
+        auto* factory = new (std::nothrow) ClassFactory(coClass);
+        if (!factory)
+            return E_OUTOFMEMORY;
+        const auto result = factory->QueryInterface(iid, object);
+        factory->Release();
+        return result;
+    }
+    return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+STDAPI DllCanUnloadNow() {
+    if (liveObjects != 0)
+        return S_FALSE;
+    releaseComponent();
+    return S_OK;
+}
+
+STDAPI DllRegisterServer() {
+    return guarded(registerComponent);
+}
+
+STDAPI DllUnregisterServer() {
+    return guarded(unregisterComponent);
+}

@@ -1,0 +1,135 @@
+#include "com/engine_host.h"
+
+#include "com/com_error.h"
+#include "com/control_site.h"
+#include "com/foreign_object.h"
+#include "com/module.h"
+#include "com/variants.h"
+
+#include <ocidl.h>
+#include <olectl.h>
+
+#include <optional>
+
+namespace kvtdruck::com {
+namespace {
+
+constexpr StringView kControl = u"ListLabel.ListLabel";
+constexpr wchar_t kWindowClass[] = L"KVTDruck.frmDruck";
+/// No operation takes more.
+constexpr std::size_t kMostArguments = 10;
+
+/// The hidden window. Its class lives as long as a window of it, so that the DLL can be unloaded.
+class HiddenWindow {
+  public:
+    HiddenWindow() {
+        WNDCLASSW description{};
+        description.lpfnWndProc = DefWindowProcW;
+        description.hInstance = ownModule();
+        description.lpszClassName = kWindowClass;
+        RegisterClassW(&description);
+        window_ = CreateWindowExW(0, kWindowClass, L"frmDruck", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
+                                  CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, ownModule(), nullptr);
+        if (!window_)
+            throw runtimeErrorOf(HRESULT_FROM_WIN32(GetLastError()));
+    }
+    HiddenWindow(const HiddenWindow&) = delete;
+    HiddenWindow& operator=(const HiddenWindow&) = delete;
+    ~HiddenWindow() {
+        DestroyWindow(window_);
+        UnregisterClassW(kWindowClass, ownModule()); // refused while another form is open
+    }
+
+    HWND get() const { return window_; }
+
+  private:
+    HWND window_ = nullptr;
+};
+
+class ComControl final : public Control {
+  public:
+    explicit ComControl(ComPtr<IDispatch> control) : control_(std::move(control)) {
+        if (!control_)
+            throw RuntimeError(ErrorNumber::CannotCreateObject);
+    }
+
+    std::int32_t call(Operation operation, std::span<const Argument> arguments) override {
+        std::optional<Bstr> texts[kMostArguments];
+        VARIANT variants[kMostArguments] = {};
+        const auto count = arguments.size();
+        for (std::size_t i = 0; i < count; ++i)
+            set(variants[count - 1 - i], texts[i], arguments[i]);
+        DISPPARAMS parameters{variants, nullptr, static_cast<UINT>(count), 0};
+        return toLong(invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters), Locale());
+    }
+
+    void put(std::int32_t dispatchId, bool value) override {
+        VARIANT argument;
+        V_VT(&argument) = VT_BOOL;
+        V_BOOL(&argument) = boolOf(value);
+        DISPID propertyValue = DISPID_PROPERTYPUT;
+        DISPPARAMS parameters{&argument, &propertyValue, 1, 1};
+        invoke(control_.get(), dispatchId, DISPATCH_PROPERTYPUT, parameters);
+    }
+
+    ObjectRef member(StringView name) override {
+        DISPPARAMS none{};
+        const auto value = invoke(control_.get(), dispatchIdOf(control_.get(), name),
+                                  DISPATCH_METHOD | DISPATCH_PROPERTYGET, none);
+        const auto* object = value.as<ObjectRef>();
+        if (!object)
+            throw RuntimeError(ErrorNumber::MemberNotFound);
+        return *object;
+    }
+
+  private:
+    DISPID numberOf(Operation operation) {
+        if (operation != Operation::PrintEnd)
+            return static_cast<DISPID>(operation);
+        if (!printEnd_)
+            printEnd_ = dispatchIdOf(control_.get(), nameOf(operation));
+        return *printEnd_;
+    }
+
+    static void set(VARIANT& variant, std::optional<Bstr>& owner, const Argument& argument) {
+        if (const auto* text = std::get_if<StringView>(&argument)) {
+            owner.emplace(*text);
+            V_VT(&variant) = VT_BSTR;
+            V_BSTR(&variant) = owner->get();
+            return;
+        }
+        V_VT(&variant) = VT_I4;
+        // A window handle has 32 significant bits on every Windows.
+        if (const auto* window = std::get_if<WindowHandle>(&argument))
+            V_I4(&variant) = static_cast<LONG>(window->value);
+        else
+            V_I4(&variant) = std::get<std::int32_t>(argument);
+    }
+
+    ComPtr<IDispatch> control_;
+    std::optional<DISPID> printEnd_;
+};
+
+class ComForm final : public Form {
+  public:
+    ComForm()
+        : hosted_(createObject(classIdOf(kControl)), window_.get()), control_(hosted_.control().as<IDispatch>()) {}
+
+    Control& ll60() override { return control_; }
+    WindowHandle hWnd() override { return {reinterpret_cast<std::intptr_t>(window_.get())}; }
+    bool visible() override { return IsWindowVisible(window_.get()) != FALSE; }
+    void hide() override { ShowWindow(window_.get(), SW_HIDE); }
+
+  private:
+    HiddenWindow window_;
+    HostedControl hosted_;
+    ComControl control_;
+};
+
+} // namespace
+
+std::unique_ptr<Form> ComFormFactory::create() {
+    return std::make_unique<ComForm>();
+}
+
+} // namespace kvtdruck::com

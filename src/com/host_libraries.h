@@ -1,0 +1,20 @@
+// The host's libraries as COM objects: its data access and its error report.
+#pragma once
+
+#include "dataaccess/library.h"
+
+namespace kvtdruck::com {
+
+/// Creates the data-access classes: by class id where one is known, else by "KVTZUG." and the class's name.
+class ComKvtzug final : public Kvtzug {
+  public:
+    ObjectRef create(StringView className) override;
+};
+
+/// Creates the host's error-report object, or the built-in reporter where the host has none.
+class ComFehlerFactory final : public FehlerFactory {
+  public:
+    std::unique_ptr<clsFehler> create() override;
+};
+
+} // namespace kvtdruck::com
