@@ -1,7 +1,7 @@
 #include "druckwerk/data_export.h"
 
+#include "druckwerk/fault.h"
 #include "druckwerk/record_writer.h"
-#include "platform/posix/posix_platform.h"
 
 #include <optional>
 #include <system_error>
@@ -121,7 +121,7 @@ class DataExport final : public Control {
             job_.reset();
             return kEngineSuccess;
         default:
-            return failed(
+            return report(
                 {kNotOffered, "Der Datenexport kennt diese Operation nicht: " + toUtf8(nameOf(operation))});
         }
     }
@@ -137,7 +137,7 @@ class DataExport final : public Control {
 
     void start() {
         job_.reset();
-        failure_ = kEngineSuccess;
+        failed_ = false;
         records_ = 0;
         variablesChanged_ = true;
         job_.emplace(*options_);
@@ -163,15 +163,14 @@ class DataExport final : public Control {
         job_.reset();
     }
 
-    /// The result of a step of an open job: cancelled, the job's failure, or what the step itself answers.
+    /// The result of a step of an open job. The rest of a job that has failed is answered like a cancelled one, so
+    /// that it ends without a second message.
     template <class Step>
     std::int32_t inJob(Step&& step) {
-        if (options_->cancelled && *options_->cancelled)
+        if (failed_ || (options_->cancelled && *options_->cancelled))
             return kEngineCancelled;
-        if (failure_ != kEngineSuccess)
-            return failure_;
         if (!job_)
-            return failed({kWrongOrder, "Es ist kein Druckauftrag offen."});
+            return report({kWrongOrder, "Es ist kein Druckauftrag offen."});
         return guarded(step);
     }
 
@@ -181,9 +180,7 @@ class DataExport final : public Control {
             step();
             return kEngineSuccess;
         } catch (const std::system_error& error) {
-            const bool noFolder = error.code() == std::errc::no_such_file_or_directory;
-            return outputFailed(noFolder ? "den Ordner gibt es nicht"
-                                         : toUtf8(runtimeErrorOf(error.code().value()).description()));
+            return outputFailed(reasonForWriting(error.code().value()));
         } catch (const std::exception& error) {
             return outputFailed(error.what());
         }
@@ -192,11 +189,11 @@ class DataExport final : public Control {
     /// A job that could not write once writes no more; its file is dropped.
     std::int32_t outputFailed(const std::string& reason) {
         job_.reset();
-        failure_ = kOutputFailed;
-        return failed({kOutputFailed, options_->output.string() + " kann nicht geschrieben werden: " + reason});
+        failed_ = true;
+        return report({kOutputFailed, options_->output.string() + " kann nicht geschrieben werden: " + reason});
     }
 
-    std::int32_t failed(const EngineError& error) const {
+    std::int32_t report(const EngineError& error) const {
         if (options_->error)
             options_->error(error);
         return error.code;
@@ -207,7 +204,7 @@ class DataExport final : public Control {
     Definitions fields_;
     bool variablesChanged_ = true;
     int records_ = 0;
-    std::int32_t failure_ = kEngineSuccess;
+    bool failed_ = false;
     std::optional<Job> job_;
 };
 

@@ -1,6 +1,9 @@
 // The engine's own failures on their way to the operation that answers their code.
 #pragma once
 
+#include "platform/posix/posix_platform.h"
+
+#include <cerrno>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -16,5 +19,13 @@ class Fault : public std::runtime_error {
   private:
     std::int32_t code_;
 };
+
+/// German for a system call's error number where a file is read, and where one is written.
+inline std::string reasonForReading(int systemError) {
+    return toUtf8(runtimeErrorOf(systemError).description());
+}
+inline std::string reasonForWriting(int systemError) {
+    return systemError == ENOENT ? "den Ordner gibt es nicht" : reasonForReading(systemError);
+}
 
 } // namespace kvtdruck::druckwerk

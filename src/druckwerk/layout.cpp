@@ -52,7 +52,7 @@ std::string readLayoutFile(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     if (error || !in)
         throw Fault(kLayoutUnreadable, "Das Layout „" + file.string() + "“ kann nicht gelesen werden: " +
-                                           (error ? error.message() : std::strerror(errno)));
+                                           reasonForReading(error ? error.value() : errno));
     if (size > kMaximumFileSize)
         throw Fault(kLayoutRefused, "Das Layout „" + file.string() + "“ ist größer als 20 MB");
     std::ostringstream text;

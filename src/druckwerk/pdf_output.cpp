@@ -55,8 +55,8 @@ PdfOutput::~PdfOutput() {
 }
 
 void PdfOutput::fail(int systemError) const {
-    throw Fault(kOutputFailed,
-                "Die Datei „" + file_.string() + "“ kann nicht geschrieben werden: " + std::strerror(systemError));
+    throw Fault(kOutputFailed, "Die Datei „" + file_.string() +
+                                   "“ kann nicht geschrieben werden: " + reasonForWriting(systemError));
 }
 
 int PdfOutput::allocate() {

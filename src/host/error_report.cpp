@@ -9,7 +9,8 @@ class ErrorReport final : public clsFehler {
 
     bool fkt_Fehlermeldung(StringView className, StringView procedure, long number, StringView text,
                            bool runtime) override {
-        // The engine has said in its own words what went wrong, more exactly than the code that this report carries.
+        // The engine has said in its own words what went wrong, more exactly than the code that this report
+        // carries.
         if (className == u"clsDruckFormular" && procedure == u"PrFehler" && console_.hasFailed())
             return true;
         // A run-time error's description means little without the place; a composed message stands for itself.

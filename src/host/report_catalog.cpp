@@ -34,6 +34,12 @@ constexpr std::array kYears{
     Cell{Kind::Value, YearFrom, {}, 0},
     Cell{Kind::Value, YearTo, {}, 0},
 };
+/// Years of a report that prints the range as it is given.
+constexpr std::array kYearRange{
+    Cell{Kind::NoneGiven, YearFrom, YearTo},
+    Cell{Kind::Value, YearFrom, {}, 0},
+    Cell{Kind::Value, YearTo, {}, 9999},
+};
 constexpr std::array kAccounts{
     Cell{Kind::NoneGiven, AccountFrom, AccountTo},
     Cell{Kind::Value, AccountFrom, {}, 0},
@@ -213,7 +219,7 @@ constexpr std::array kUmsatzHW{
 constexpr std::array kReports{
     Report{"Umsatz", "Umsatz", kYears, {}, kOneYear},
     Report{"MitUeber", "Mitarbeiter-Übersicht", kEverything, {}, {}},
-    Report{"Firma", "Allgemeine Firmendaten", kYears, {}, {}},
+    Report{"Firma", "Allgemeine Firmendaten", kYearRange, {}, {}},
     Report{"GemeinK", "Gemeinkosten", kAccounts, {}, kOneAccount},
     Report{"NeutralA", "Neutrale Aufwendungen", kAccounts, {}, kOneAccount},
     Report{"MaKost", "Mitarbeiter-Kosten", kEmployees, {}, kOneEmployee},
@@ -342,6 +348,12 @@ const Report* findReport(std::string_view listName) {
 std::string_view nearestListName(std::string_view listName) {
     return std::ranges::min(kReports, {}, [&](const Report& report) { return distance(report.listName, listName); })
         .listName;
+}
+
+Selections selectionsForDesign(const Report& report, Selections selections) {
+    if (takes(report, Month))
+        selections.try_emplace(Month, 1);
+    return selections;
 }
 
 std::shared_ptr<ParameterArray> parameterArray(const Report& report, const Selections& selections) {

@@ -97,4 +97,8 @@ std::string_view nearestListName(std::string_view listName);
 /// does not take, or one that it needs.
 std::shared_ptr<ParameterArray> parameterArray(const Report& report, const Selections& selections);
 
+/// The selections with which a report defines every name that its layout may use: a report with months defines
+/// their values only for a month that is given.
+Selections selectionsForDesign(const Report& report, Selections selections);
+
 } // namespace kvtdruck::host

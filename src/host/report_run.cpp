@@ -30,7 +30,9 @@ std::shared_ptr<OdbcConnection> connectionOf(const Options& options) {
 }
 
 std::shared_ptr<ParameterArray> arrayOf(const Options& options) {
-    auto array = parameterArray(*options.report, options.selections);
+    const bool designs = options.command == Command::Design || options.command == Command::Check;
+    auto array = parameterArray(*options.report, designs ? selectionsForDesign(*options.report, options.selections)
+                                                         : options.selections);
     return options.valuesFile ? readValues(*options.report, *options.valuesFile) : array;
 }
 

@@ -46,12 +46,19 @@ TEST(ReportCatalog, YearCellsArePassedAsGiven) {
     EXPECT_EQ(cells("Umsatz", {{YearFrom, 2010}, {YearTo, 2012}}), row(false, 2010_l, 2012_l));
     EXPECT_EQ(cells("Umsatz", {{YearTo, 2012}}), row(false, 0_l, 2012_l));
     EXPECT_EQ(cells("Firma", {{Year, 2010}}), row(false, 2010_l, 2010_l));
+    EXPECT_EQ(cells("Firma", {{YearFrom, 2010}}), row(false, 2010_l, 9999_l));
 }
 
 TEST(ReportCatalog, AccountCells) {
     EXPECT_EQ(cells("GemeinK", {{Year, 2024}}), row(true, 0_l, 0_l, Empty{}, 2024_l));
     EXPECT_EQ(cells("NeutralA", {{Year, 2024}, {AccountFrom, 4000}, {AccountTo, 4999}, {Month, 3}}),
               row(false, 4000_l, 4999_l, 3_l, 2024_l));
+}
+
+TEST(ReportCatalog, DesigningSelectsAMonth) {
+    EXPECT_EQ(selectionsForDesign(*findReport("GemeinK"), {}), (Selections{{Month, 1}}));
+    EXPECT_EQ(selectionsForDesign(*findReport("GemeinK"), {{Month, 3}}), (Selections{{Month, 3}}));
+    EXPECT_EQ(selectionsForDesign(*findReport("Umsatz"), {}), Selections{});
 }
 
 TEST(ReportCatalog, EmployeeCells) {
