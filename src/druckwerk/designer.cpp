@@ -19,6 +19,10 @@ namespace {
 /// The layer that lists the variables and fields. It lies beside the page while the designer is open and is taken
 /// out of the layout afterwards.
 constexpr const char* kPalette = "Feldliste";
+/// Where objects go that the user has left in the palette's layer.
+constexpr const char* kBackground = "Hintergrund";
+/// What a text of the palette was when the designer was opened.
+constexpr const char* kMark = "data-feldliste";
 
 /// Millimetres of the palette: its distance from the page, the height of a line, the width of a column and its
 /// lines.
@@ -47,9 +51,38 @@ bool isPalette(const pugi::xml_node& node) {
     return std::strcmp(node.attribute("inkscape:label").value(), kPalette) == 0;
 }
 
-void removePalette(pugi::xml_node svg) {
-    while (auto palette = svg.find_child(isPalette))
-        svg.remove_child(palette);
+/// Place and text of a palette's text.
+std::string describe(const pugi::xml_node& text) {
+    std::string description;
+    for (const char* attribute : {"x", "y", "transform"})
+        description += text.attribute(attribute).value() + std::string(" ");
+    for (const auto& node : text.select_nodes(".//text()"))
+        description += node.node().value();
+    return description;
+}
+
+void removeMarks(pugi::xml_node svg) {
+    for (auto marked : svg.select_nodes((std::string("//*[@") + kMark + "]").c_str()))
+        marked.node().remove_attribute(kMark);
+}
+
+/// Takes the palette out. What the user has drawn, moved or changed in its layer is kept in the background; gives
+/// whether there was any.
+bool removePalette(pugi::xml_node svg) {
+    bool kept = false;
+    while (auto palette = svg.find_child(isPalette)) {
+        for (const auto& found : palette.select_nodes((std::string("*[@") + kMark + "]").c_str()))
+            if (const auto text = found.node(); text.attribute(kMark).value() == describe(text))
+                palette.remove_child(text);
+        if (palette.select_node("*")) {
+            palette.attribute("inkscape:label") = kBackground;
+            kept = true;
+        } else {
+            svg.remove_child(palette);
+        }
+    }
+    removeMarks(svg);
+    return kept;
 }
 
 /// The page's width in the units in which the layout is drawn.
@@ -67,11 +100,14 @@ void addText(pugi::xml_node layer, double x, double y, const std::string& text, 
     node.append_attribute("style") =
         (std::string("font-family:'Liberation Sans';font-size:3.5px;font-weight:") + weight).c_str();
     node.text() = text.c_str();
+    node.append_attribute(kMark) = describe(node).c_str();
 }
 
-/// One column of texts beside the page for the variables, then one for the fields, each as long as it takes.
+/// One column of texts beside the page for the variables, then one for the fields, each as long as it takes. The
+/// layer is the lowest one, since the designer puts new objects into the topmost.
 void addPalette(pugi::xml_node svg, const std::vector<Definition>& definitions) {
-    auto layer = svg.append_child("g");
+    const auto lowest = svg.child("g");
+    auto layer = lowest ? svg.insert_child_before("g", lowest) : svg.append_child("g");
     layer.append_attribute("inkscape:groupmode") = "layer";
     layer.append_attribute("inkscape:label") = kPalette;
     double x = pageWidth(svg) + kGap;
@@ -130,9 +166,13 @@ class LayoutInDesign {
         }
     }
 
+    /// Whether the user has left objects in the palette's layer.
+    bool hasStrays() const { return hasStrays_; }
+
     bool open() const { return writeFile(file_, shown_); }
 
-    bool putBack() const {
+    /// Gives false where the file can't be read or written.
+    bool putBack() {
         const auto saved = readFile(file_);
         if (!saved)
             return false;
@@ -144,11 +184,11 @@ class LayoutInDesign {
     }
 
   private:
-    static std::string withoutPalette(const std::string& svg) {
+    std::string withoutPalette(const std::string& svg) {
         pugi::xml_document document;
         if (!document.load_buffer(svg.data(), svg.size(), pugi::parse_full | pugi::parse_ws_pcdata))
             return svg;
-        removePalette(document.document_element());
+        hasStrays_ = removePalette(document.document_element());
         return textOf(document);
     }
 
@@ -156,13 +196,14 @@ class LayoutInDesign {
     std::string original_;
     std::string shown_;
     bool isNew_;
+    bool hasStrays_ = false;
 };
 
 } // namespace
 
 std::int32_t design(const DesignRequest& request, const FindingSink& findings, std::string& message) {
     const auto existing = readFile(request.layout);
-    const LayoutInDesign layout(request, existing ? *existing : generateLayout(request.definitions), !existing);
+    LayoutInDesign layout(request, existing ? *existing : generateLayout(request.definitions), !existing);
     if (!layout.open()) {
         message = "Die Layoutdatei " + request.layout.string() + " kann nicht geschrieben werden.";
         return kDesignFailed;
@@ -176,6 +217,9 @@ std::int32_t design(const DesignRequest& request, const FindingSink& findings, s
         message = "Das Zeichenprogramm Inkscape wurde mit einem Fehler beendet.";
     if (!message.empty())
         return kDesignFailed;
+    if (layout.hasStrays())
+        findings(
+            {false, 0, "Objekte, die in der Ebene „Feldliste“ lagen, liegen jetzt in der Ebene „Hintergrund“."});
     if (std::filesystem::exists(request.layout))
         for (const auto& finding : checkLayout(request.layout, request.definitions))
             findings(finding);

@@ -46,6 +46,20 @@ TEST_F(DesignerTest, ASavedLayoutLosesTheFieldListOnly) {
     EXPECT_THAT(readFile(layout("Umsatz")), Not(HasSubstr("Feldliste")));
 }
 
+TEST_F(DesignerTest, WhatTheUserLeavesInTheFieldListIsKept) {
+    // One text of the list is moved, one copied onto the page's layers, and something is drawn into the list.
+    installDesigner("sed -i -e 's/x=\"[0-9.]*\" y=\"6\"/x=\"33\" y=\"44\"/' -e "
+                    "'s/\\(inkscape:label=\"Feldliste\">\\)/\\1<rect id=\"neu\"\\/>/' \"$file\"");
+    const auto outcome = design("Umsatz");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(outcome.errors, HasSubstr("liegen jetzt in der Ebene „Hintergrund“"));
+    const auto saved = readFile(layout("Umsatz"));
+    EXPECT_THAT(saved, HasSubstr("inkscape:label=\"Hintergrund\"><rect id=\"neu\"/>"));
+    EXPECT_THAT(saved, HasSubstr("<text x=\"33\" y=\"44\""));
+    EXPECT_THAT(saved, Not(HasSubstr("feldliste")));
+    EXPECT_THAT(saved, Not(HasSubstr("Feldliste")));
+}
+
 TEST_F(DesignerTest, AMissingLayoutBeginsAsTheGeneratedOne) {
     installDesigner("");
     design("Umsatz"); // copies the shipped layouts
