@@ -168,13 +168,13 @@ HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD 
     auto types = temporaries.types();
     VARIANT called;
     VariantInit(&called);
-    const auto outcome = DispCallFunc(object, static_cast<ULONG_PTR>(operation->oVft), CC_STDCALL, VT_HRESULT,
+    const auto outcome = DispCallFunc(object, static_cast<ULONG_PTR>(operation->oVft), CC_STDCALL, VT_ERROR,
                                       parameters, types.data(), temporaries.arguments(), &called);
     if (FAILED(outcome))
         return outcome;
     if (result && hasResult)
         return VariantCopy(result, &temporaries[expected]);
-    return V_I4(&called);
+    return V_ERROR(&called);
 }
 
 } // namespace kvtdruck::com
