@@ -50,7 +50,7 @@ fs::path layoutFolder(const fs::path& applicationFolder) {
 }
 
 fs::path prepareApplicationFolder(const std::optional<fs::path>& chosen) {
-    const auto folder = fs::absolute(chosen.value_or(userFolder()));
+    auto folder = fs::absolute(chosen.value_or(userFolder()));
     fs::create_directories(layoutFolder(folder) / "Preview");
     if (const auto shipped = shippedLayouts(); fs::is_directory(shipped))
         copyMissing(shipped, layoutFolder(folder));

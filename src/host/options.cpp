@@ -218,7 +218,7 @@ std::string after(const std::string& text, const std::string& separator) {
 /// German for what the parser has to say about a command line. Its messages consist of the names and values in
 /// question and one English phrase each.
 std::string germanFor(const CLI::ParseError& error) {
-    const std::string text = error.what();
+    std::string text = error.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&error))
         return "Unbekannte Angabe: " + after(text, "not expected: ");
     if (text == "A subcommand is required")

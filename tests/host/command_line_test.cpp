@@ -235,11 +235,10 @@ TEST_P(EveryFormat, AFullDiskIsAnErrorAndLeavesNoHalfFile) {
     std::filesystem::create_directory(disk);
     auto arguments = command("drucken", "MaStKost", {"--format", GetParam(), "--ausgabe", (disk / "l").string()});
     // The disk exists within the command only; what it holds at the end is listed before it is gone.
+    const std::string script =
+        R"(d=$1; shift; mount -t tmpfs -o size=8k none "$d" && { "$@"; r=$?; ls "$d"; exit $r; })";
     arguments.insert(arguments.begin(),
-                     {"unshare", "--map-root-user", "--mount", "sh", "-c",
-                      "d=$1; shift; mount -t tmpfs -o size=8k none \"$d\" && { \"$@\"; result=$?; ls "
-                      "\"$d\"; exit $result; }",
-                      "sh", disk.string()});
+                     {"unshare", "--map-root-user", "--mount", "sh", "-c", script, "sh", disk.string()});
     const auto outcome = run(arguments, environment);
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.errors, AllOf(HasSubstr("Fehler: "), HasSubstr("Datenträger voll")));

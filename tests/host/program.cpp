@@ -1,5 +1,6 @@
 #include "host/program.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -18,10 +19,8 @@ namespace kvtdruck::testing {
 namespace {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    for (auto& text : texts)
-        result.push_back(text.data());
-    result.push_back(nullptr);
+    std::vector<char*> result(texts.size() + 1);
+    std::ranges::transform(texts, result.begin(), [](std::string& text) { return text.data(); });
     return result;
 }
 
@@ -33,7 +32,7 @@ std::vector<std::string> withVariables(const Program::Environment& variables) {
             result.push_back(text);
     }
     for (const auto& [name, value] : variables)
-        result.push_back(name + "=" + value);
+        result.push_back(std::string(name).append("=").append(value));
     return result;
 }
 
