@@ -99,36 +99,29 @@ void Canvas::showRun(const ShapedRun& run) {
         buffer_ += "0 Ts\n";
 }
 
-/// The picture stands for a character, so it is marked with the character as its text.
-void Canvas::showPicture(const ShapedRun& run, Point at, double size) {
-    endText();
-    const GlyphPicture& picture = *run.picture;
-    buffer_ += "/Span<</ActualText" + pdfText(run.text) + ">>BDC q ";
-    appendNumber(buffer_, picture.width * size);
-    buffer_ += " 0 0 ";
-    appendNumber(buffer_, picture.height * size);
-    buffer_ += ' ';
-    appendNumber(buffer_, at.x + picture.left * size);
-    buffer_ += ' ';
-    appendNumber(buffer_, height_ - at.y + picture.bottom * size);
-    buffer_ += " cm/I" + std::to_string(picture.image) + " Do Q EMC\n";
+void Canvas::drawPicture(const GlyphPicture& picture, Point at, double size) {
+    std::string operators = "q ";
+    appendNumber(operators, picture.width * size);
+    operators += " 0 0 ";
+    appendNumber(operators, picture.height * size);
+    operators += ' ';
+    appendNumber(operators, at.x + picture.left * size);
+    operators += ' ';
+    appendNumber(operators, height_ - at.y + picture.bottom * size);
+    draw(operators + " cm/I" + std::to_string(picture.image) + " Do Q\n", 0);
 }
 
 void Canvas::show(const ShapedText& text, Point at, double size, Rgb color) {
     bool placed = false;
     for (std::size_t i = 0; i < text.count; ++i) {
         const ShapedRun& run = text.run(i);
-        if (run.picture != nullptr) {
-            endGraphics();
-            showPicture(run, at, size);
-            placed = false;
-        } else {
-            if (!placed)
-                moveText(at, color);
-            placed = true;
-            setFont(*run.face, size);
-            showRun(run);
-        }
+        if (run.picture != nullptr)
+            drawPicture(*run.picture, at, size);
+        if (!placed || run.picture != nullptr)
+            moveText(at, color);
+        setFont(*run.face, size);
+        showRun(run);
+        placed = run.picture == nullptr; // a picture is not as wide as its blank
         at.x += run.width * size;
     }
 }

@@ -56,7 +56,7 @@ class Canvas {
     void moveText(Point at, Rgb color);
     void setFont(const Face& face, double size);
     void showRun(const ShapedRun& run);
-    void showPicture(const ShapedRun& run, Point at, double size);
+    void drawPicture(const GlyphPicture& picture, Point at, double size);
     void addLate(const LateText& late);
     void resetState();
 

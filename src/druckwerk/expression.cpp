@@ -412,7 +412,10 @@ void Aggregates::accumulate(const Scene& scene) {
     for (auto& aggregate : aggregates_) {
         if (aggregate.expression) {
             const double value = aggregate.expression->evaluate(scene);
-            aggregate.sum += value;
+            const long double addend = value - aggregate.lost;
+            const long double sum = aggregate.sum + addend;
+            aggregate.lost = (sum - aggregate.sum) - addend;
+            aggregate.sum = sum;
             aggregate.minimum = aggregate.count == 0 ? value : std::min(aggregate.minimum, value);
             aggregate.maximum = aggregate.count == 0 ? value : std::max(aggregate.maximum, value);
         }
@@ -423,7 +426,7 @@ void Aggregates::accumulate(const Scene& scene) {
 void Aggregates::reset(AggregateScope scope) {
     for (auto& aggregate : aggregates_)
         if (aggregate.scope == scope) {
-            aggregate.sum = 0;
+            aggregate.sum = aggregate.lost = 0;
             aggregate.count = 0;
             aggregate.minimum = aggregate.maximum = 0;
         }

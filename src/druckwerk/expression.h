@@ -71,6 +71,7 @@ class Aggregates {
         AggregateScope scope;
         std::unique_ptr<Expression> expression;
         long double sum = 0;
+        long double lost = 0; ///< what rounding has cost so far (Kahan's summation)
         std::int64_t count = 0;
         double minimum = 0;
         double maximum = 0;

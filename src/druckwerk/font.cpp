@@ -65,6 +65,10 @@ bool isIgnorable(char32_t c) {
            (c >= 0xE0000 && c <= 0xE0FFF);
 }
 
+bool isEmoji(char32_t c) {
+    return c >= 0x1F000 && c < 0x20000;
+}
+
 /// UTF-32 of `text`; what is no character becomes U+FFFD, control characters become blanks.
 std::u32string codePoints(StringView text) {
     std::u32string out;
@@ -417,23 +421,36 @@ Face& FontLibrary::faceFor(char32_t c, Face& preferred) {
         sorted_ = std::make_unique<Sorted>();
         sorted_->fonts.reset(FcFontSort(nullptr, pattern.get(), FcFalse, nullptr, &result));
     }
-    for (int i = 0; sorted_->fonts && i < sorted_->fonts->nfont; ++i) {
-        FcPattern* candidate = sorted_->fonts->fonts[i];
-        FcCharSet* characters = nullptr;
-        if (FcPatternGetCharSet(candidate, FC_CHARSET, 0, &characters) != FcResultMatch ||
-            FcCharSetHasChar(characters, c) == FcFalse || !isUsable(candidate, true))
+    for (const bool picturesOnly : {true, false}) {
+        if (picturesOnly && !isEmoji(c))
             continue;
-        const auto [file, index] = fileOf(candidate);
-        Face* face = open(file, index);
-        if (face == nullptr || !face->hasGlyph(c))
-            continue;
-        warn_("Zeichen, die der Schrift fehlen, werden in „" + familyOf(candidate) + "“ gesetzt");
-        return *(entry->second = face);
+        FcPattern* candidate = nullptr;
+        if (Face* face = firstWith(c, picturesOnly, candidate)) {
+            warn_("Zeichen, die der Schrift fehlen, werden in „" + familyOf(candidate) + "“ gesetzt");
+            return *(entry->second = face);
+        }
     }
     std::array<char, 16> name{};
     std::snprintf(name.data(), name.size(), "U+%04X", static_cast<unsigned>(c));
     warn_(std::string("Zeichen ") + name.data() + " fehlt in allen Schriften");
     return preferred;
+}
+
+/// The first of all fonts that has the character.
+Face* FontLibrary::firstWith(char32_t c, bool picturesOnly, FcPattern*& candidate) {
+    for (int i = 0; sorted_->fonts && i < sorted_->fonts->nfont; ++i) {
+        candidate = sorted_->fonts->fonts[i];
+        FcCharSet* characters = nullptr;
+        if (FcPatternGetCharSet(candidate, FC_CHARSET, 0, &characters) != FcResultMatch ||
+            FcCharSetHasChar(characters, c) == FcFalse || !isUsable(candidate, true) ||
+            (picturesOnly && isUsable(candidate, false)))
+            continue;
+        const auto [file, index] = fileOf(candidate);
+        Face* face = open(file, index);
+        if (face != nullptr && face->hasGlyph(c))
+            return face;
+    }
+    return nullptr;
 }
 
 bool FontLibrary::shapePlainly(StringView text, Face& face, ShapedText& out) {
@@ -524,11 +541,11 @@ void FontLibrary::shapeFully(StringView utf16, Face& face, ShapedText& out) {
             begin = end;
         }
     for (const Run& run : runs)
-        shapeRun(text, run.begin, run.end, (run.level & 1) != 0, *run.face, out);
+        shapeRun(text, run.begin, run.end, (run.level & 1) != 0, *run.face, face, out);
 }
 
 void FontLibrary::shapeRun(const std::u32string& text, std::size_t begin, std::size_t end, bool rightToLeft,
-                           Face& face, ShapedText& out) {
+                           Face& face, Face& base, ShapedText& out) {
     const Buffer buffer(hb_buffer_create());
     hb_buffer_add_utf32(buffer.get(), reinterpret_cast<const std::uint32_t*>(text.data()),
                         static_cast<int>(text.size()), static_cast<unsigned>(begin), static_cast<int>(end - begin));
@@ -566,9 +583,13 @@ void FontLibrary::shapeRun(const std::u32string& text, std::size_t begin, std::s
         }
         out.width += advance;
         run->width += advance;
-        if (glyphPicture != nullptr || face.hasPictures()) {
+        if (face.hasPictures()) {
+            // The picture's text is carried by a blank of the font around it.
+            hb_codepoint_t blank = 0;
+            hb_font_get_nominal_glyph(base.font(), U' ', &blank);
+            run->face = &base;
             run->picture = glyphPicture;
-            run->text = clusterText;
+            appendCode(run->glyphs, base.codeOf(blank, clusterText));
             continue;
         }
         const double offset = positions[i].x_offset / em;

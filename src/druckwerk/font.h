@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+struct _FcPattern;
 struct hb_face_t;
 struct hb_font_t;
 
@@ -124,10 +125,9 @@ struct ShapedRun {
     std::string
         glyphs; ///< "[(…)-20(…)", the operand of TJ without its end; where `kerned` is false, "[" is not needed
     bool kerned = false;
-    double width = 0; ///< in ems
-    double rise = 0;  ///< in ems
-    const GlyphPicture* picture = nullptr;
-    String text; ///< what the picture shows
+    double width = 0;                      ///< in ems
+    double rise = 0;                       ///< in ems
+    const GlyphPicture* picture = nullptr; ///< drawn in the place of the glyphs, which then are blank
 };
 
 /// One line of text, ready to be placed; it can be used again and again.
@@ -185,8 +185,9 @@ class FontLibrary {
     static bool shapePlainly(StringView text, Face& face, ShapedText& out);
     void shapeFully(StringView text, Face& face, ShapedText& out);
     void shapeRun(const std::u32string& text, std::size_t begin, std::size_t end, bool rightToLeft, Face& face,
-                  ShapedText& out);
+                  Face& base, ShapedText& out);
     Face& faceFor(char32_t c, Face& preferred);
+    Face* firstWith(char32_t c, bool picturesOnly, _FcPattern*& candidate);
     Face* open(const std::string& file, int index);
     const GlyphPicture* picture(Face& face, std::uint32_t glyph);
 

@@ -1,0 +1,204 @@
+#include "druckwerk/expression.h"
+
+#include "druckwerk/fault.h"
+#include "druckwerk/text_template.h"
+
+#include <gtest/gtest.h>
+
+namespace kvtdruck::druckwerk {
+namespace {
+
+class ExpressionTest : public ::testing::Test {
+  protected:
+    void define(const char* name, const char* value, bool numeric = true) {
+        definitions.define(fromUtf8(name), fromUtf8(value), numeric, true);
+    }
+    Scene scene() const { return {definitions, aggregates, Moment::Now, 3, 12, 2}; }
+    double value(const char* source, AggregateScope scope = kTableScope) {
+        return Expression(fromUtf8(source), definitions, &aggregates, scope).evaluate(scene());
+    }
+    double valueOf(const Expression& expression) { return expression.evaluate(scene()); }
+    std::string refusal(const std::string& source) {
+        try {
+            const Expression expression(fromUtf8(source), definitions, &aggregates, kTableScope);
+        } catch (const Fault& fault) {
+            EXPECT_EQ(fault.code(), kLayoutInvalid);
+            return fault.what();
+        }
+        return "";
+    }
+    std::string filled(const char* source) {
+        String out;
+        TextTemplate(fromUtf8(source), definitions, aggregates, kTableScope)
+            .append(scene(), u"09.03.2024 14:05:00", out);
+        return toUtf8(out);
+    }
+
+    Definitions definitions;
+    Aggregates aggregates;
+};
+
+TEST_F(ExpressionTest, Computes) {
+    define("Gewinn", "120,5");
+    define("EK", "1000");
+    EXPECT_DOUBLE_EQ(value("Gewinn/EK*100"), 12.05);
+    EXPECT_DOUBLE_EQ(value("2+3*4^2"), 50);
+    EXPECT_DOUBLE_EQ(value("-(2+3)"), -5);
+    EXPECT_DOUBLE_EQ(value("0,5+0.5"), 1);
+    EXPECT_DOUBLE_EQ(value("17 % 5"), 2);
+}
+
+TEST_F(ExpressionTest, ComparesAndCombines) {
+    define("Seitenwechsel", "2");
+    EXPECT_EQ(value("Seitenwechsel = 2"), 1);
+    EXPECT_EQ(value("Seitenwechsel <> 2"), 0);
+    EXPECT_EQ(value("Seitenwechsel >= 2 und Seitenwechsel < 3"), 1);
+    EXPECT_EQ(value("Seitenwechsel = 1 oder Seitenwechsel = 2"), 1);
+    EXPECT_EQ(value("nicht Seitenwechsel = 1"), 1);
+    EXPECT_EQ(value("nicht (Seitenwechsel = 2)"), 0);
+    EXPECT_EQ(value("Seitenwechsel % 2 = 0 und Seitenwechsel <> 13"), 1);
+}
+
+TEST_F(ExpressionTest, ComparesTexts) {
+    define("Art", "Müller & Söhne", false);
+    define("Leer", "  ", false);
+    EXPECT_EQ(value("Art = \"Müller & Söhne\""), 1);
+    EXPECT_EQ(value("Art<>'Müller & Söhne'"), 0);
+    EXPECT_EQ(value("'x' <> Art"), 1);
+    EXPECT_EQ(value("nicht Art = \"x\""), 1);
+    EXPECT_EQ(value("leer(Leer)"), 1);
+    EXPECT_EQ(value("leer( Art )"), 0);
+    EXPECT_EQ(value("leer(Unbekannt)"), 1);
+}
+
+TEST_F(ExpressionTest, KnowsFunctionsAndUmlauts) {
+    define("Übergröße", "3");
+    EXPECT_DOUBLE_EQ(value("wenn(Übergröße > 2; 10; 20)"), 10);
+    EXPECT_DOUBLE_EQ(value("min(4; Übergröße; 5)"), 3);
+    EXPECT_DOUBLE_EQ(value("max(1;2)"), 2);
+    EXPECT_DOUBLE_EQ(value("abs(-Übergröße)"), 3);
+    EXPECT_DOUBLE_EQ(value("runden(1,005; 2)"), 1.01);
+    EXPECT_DOUBLE_EQ(value("runden(-2,5; 0)"), -3);
+}
+
+TEST_F(ExpressionTest, KnowsWhereItIs) {
+    EXPECT_EQ(value("Seite"), 3);
+    EXPECT_EQ(value("Zeilennummer"), 12);
+    EXPECT_EQ(value("Seitenzeile % 2 = 0"), 1);
+}
+
+TEST_F(ExpressionTest, WhatIsNoNumberCountsAsZero) {
+    define("Text", "abc", false);
+    define("NichtZahl", "-1,#IND");
+    EXPECT_EQ(value("Text + 1"), 1);
+    EXPECT_EQ(value("NichtZahl + 1"), 1);
+    EXPECT_EQ(value("Unbekannt"), 0);
+}
+
+TEST_F(ExpressionTest, RefusesWithReason) {
+    EXPECT_NE(refusal("1 +").find("unerwartetes Ende"), std::string::npos);
+    EXPECT_NE(refusal("(1").find("Klammer fehlt"), std::string::npos);
+    EXPECT_NE(refusal("1 2").find("Operator fehlt"), std::string::npos);
+    EXPECT_NE(refusal("foo(1)").find("unbekannte Funktion „foo“"), std::string::npos);
+    EXPECT_NE(refusal("wenn(1;2)").find("zu wenige Argumente"), std::string::npos);
+    EXPECT_NE(refusal("a & b").find("unerwartetes Zeichen „&“"), std::string::npos);
+    EXPECT_NE(refusal("Art = \"x").find("Anführungszeichen ohne Ende"), std::string::npos);
+    EXPECT_NE(refusal("Seiten > 1").find("erst am Ende"), std::string::npos);
+    EXPECT_NE(refusal("sum()").find("Argument fehlt"), std::string::npos);
+    EXPECT_NE(refusal("sum(sum(a))").find("hier nicht möglich"), std::string::npos);
+    EXPECT_NE(refusal("").find("Ungültiger Ausdruck"), std::string::npos);
+    EXPECT_NE(refusal(std::string(3000, '1')).find("zu lang"), std::string::npos);
+    EXPECT_NE(refusal(std::string(1990, '(')), "");
+}
+
+TEST_F(ExpressionTest, AggregatesRunOverTheirScope) {
+    const Expression sum(u"sum(JWIst)", definitions, &aggregates, 0);
+    const Expression average(u"avg(JWIst*2)", definitions, &aggregates, kTableScope);
+    const Expression count(u"count()", definitions, &aggregates, 0);
+    const Expression range(u"max(JWIst) - min(JWIst)", definitions, &aggregates, kTableScope);
+    EXPECT_EQ(valueOf(average), 0);
+    for (const char* amount : {"10,5", "-3", "0"}) {
+        define("JWIst", amount);
+        aggregates.accumulate(scene());
+    }
+    EXPECT_DOUBLE_EQ(valueOf(sum), 7.5);
+    EXPECT_DOUBLE_EQ(valueOf(average), 5);
+    EXPECT_DOUBLE_EQ(valueOf(range), 13.5);
+    EXPECT_EQ(valueOf(count), 3);
+    aggregates.reset(0);
+    EXPECT_EQ(valueOf(sum), 0);
+    EXPECT_EQ(valueOf(count), 0);
+    EXPECT_DOUBLE_EQ(valueOf(average), 5);
+    EXPECT_TRUE(sum.hasAggregates());
+}
+
+TEST_F(ExpressionTest, SumsOfManyAmountsStayExactToTheCent) {
+    const Expression sum(u"sum(Betrag)", definitions, &aggregates, kTableScope);
+    define("Betrag", "0,1");
+    for (int i = 0; i < 1'000'000; ++i)
+        aggregates.accumulate(scene());
+    EXPECT_EQ(valueOf(sum), 100000);
+}
+
+TEST_F(ExpressionTest, FillsTemplates) {
+    define("Name", "Weiß & Cie <KG>", false);
+    define("JWIst", "-1234,5");
+    define("Datum", "09.11.1989", false);
+    EXPECT_EQ(filled("{{Name}}: {{ JWIst | #.##0,00 }} €"), "Weiß & Cie <KG>: -1.234,50 €");
+    EXPECT_EQ(filled("{{=JWIst*2|0}}"), "-2469");
+    EXPECT_EQ(filled("{{=JWIst/3}}"), "-411,5");
+    EXPECT_EQ(filled("{{Datum|d.M.yy}}"), "9.11.89");
+    EXPECT_EQ(filled("Seite {{Seite}}, {{Druckdatum}}"), "Seite 3, 09.03.2024");
+    EXPECT_EQ(filled("{{Druckdatum|HH:mm}}"), "14:05");
+    EXPECT_EQ(filled("{{=1/0|0,0}}"), "–");
+    EXPECT_EQ(filled("{{Name|0,00}}"), "Weiß & Cie <KG>");
+    EXPECT_EQ(filled("{{Unbekannt}}"), "");
+}
+
+TEST_F(ExpressionTest, RefusesTemplatesWithReason) {
+    for (const char* source : {"{{Name", "{{}}", "{{a b}}", "{{Name|x}}", "{{=}}"})
+        EXPECT_THROW(filled(source), Fault) << source;
+}
+
+TEST(Definitions, TheLaterDefinitionCountsAndOrderIsKept) {
+    Definitions definitions;
+    for (int record = 0; record < 3; ++record)
+        for (const StringView name : {u"B", u"A", u"C"})
+            definitions.define(name, decimal(record), true, true);
+    definitions.define(u"A", u"außer der Reihe", false, true);
+    const auto list = definitions.list();
+    ASSERT_EQ(list.size(), 3U);
+    EXPECT_EQ(list[0].name, "B");
+    EXPECT_EQ(list[1].name, "A");
+    EXPECT_EQ(list[1].value, "außer der Reihe");
+    EXPECT_FALSE(list[1].numeric);
+    EXPECT_EQ(list[2].value, "2");
+}
+
+TEST(Definitions, ForgetsFieldsAndVariablesApart) {
+    Definitions definitions;
+    definitions.define(u"V", u"1", true, false);
+    definitions.define(u"F", u"2", true, true);
+    definitions.forget(true);
+    ASSERT_EQ(definitions.list().size(), 1U);
+    EXPECT_EQ(definitions.list()[0].name, "V");
+    definitions.forget(false);
+    EXPECT_TRUE(definitions.list().empty());
+}
+
+TEST(Definitions, KeepsEarlierValues) {
+    Definitions definitions;
+    definitions.define(u"Jahr", u"2010", true, true);
+    const std::size_t slot = definitions.slotOf(u"Jahr");
+    definitions.keep(slot, Moment::Printed);
+    EXPECT_EQ(definitions.value(slot, Moment::Printed).text, u"2010");
+    definitions.mark(Moment::Printed);
+    definitions.define(u"Jahr", u"2011", true, true);
+    EXPECT_EQ(definitions.value(slot, Moment::Printed).text, u"2010");
+    EXPECT_EQ(definitions.value(slot, Moment::Now).text, u"2011");
+    definitions.release();
+    EXPECT_EQ(definitions.value(slot, Moment::Printed).text, u"2011");
+}
+
+} // namespace
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,388 @@
+#include "layout_text.h"
+#include "pdf_reader.h"
+#include "report_driver.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace kvtdruck::druckwerk {
+namespace {
+
+using namespace testing;
+using ::testing::Contains;
+using ::testing::Field;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class LayoutTest : public ::testing::Test {
+  protected:
+    /// What is said about a layout with the fields Nr, Name and Betrag.
+    std::vector<Finding> findings(const std::string& svg) {
+        writeFile(folder / "Liste.svg", svg);
+        return checkLayout(folder / "Liste.svg",
+                           {{"Nr", "1", true, true}, {"Name", "x", false, true}, {"Betrag", "2", true, true}});
+    }
+
+    /// The first error, with its code; "" where there is none.
+    std::string error(const std::string& svg, std::int32_t code = kLayoutInvalid) {
+        for (const auto& finding : findings(svg))
+            if (finding.error) {
+                EXPECT_EQ(finding.code, code) << finding.message;
+                EXPECT_THAT(finding.message, HasSubstr("Liste.svg"));
+                return finding.message;
+            }
+        return "";
+    }
+
+    /// Prints one line with the layout and gives the text.
+    std::string printed(const std::string& svg) {
+        writeFile(folder / "Liste.svg", svg);
+        ReportDriver report(folder / "out.pdf");
+        report.fields({{"Nr", "1"}, {"Name", "x"}, {"Betrag", "2"}});
+        EXPECT_EQ(report.start(folder / "Liste"), 0) << (report.errors.empty() ? "" : report.errors[0].message);
+        report.page();
+        report.line();
+        EXPECT_EQ(report.end(), 0);
+        check(folder / "out.pdf");
+        return rawTextOf(folder / "out.pdf");
+    }
+
+    static std::string row(const std::string& content, const std::string& attributes = "") {
+        return page(layer("Zeile", 20, 10, content, attributes));
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(LayoutTest, ASoundLayoutGivesNoFindings) {
+    EXPECT_THAT(findings(row(field(5, 20, 20, "{{Nr}}") + field(30, 20, 20, "{{Name}}") +
+                             field(60, 20, 20, "{{Betrag|0,00}}"))),
+                IsEmpty());
+}
+
+TEST_F(LayoutTest, UnknownAndUnusedNamesAreReportedWithNearOnes) {
+    std::vector<std::string> messages;
+    for (const auto& finding :
+         findings(row(field(5, 20, 20, "{{nr}}") + field(30, 20, 20, "{{Betraege}} {{Zzzzzzzz}}")))) {
+        EXPECT_FALSE(finding.error);
+        messages.push_back(finding.message);
+    }
+    EXPECT_THAT(messages, Contains(HasSubstr("Unbekannter Name „nr“ (ähnlich: „Nr“)")));
+    EXPECT_THAT(messages, Contains(HasSubstr("Unbekannter Name „Betraege“ (ähnlich: „Betrag“)")));
+    EXPECT_THAT(messages, Contains(::testing::EndsWith("Unbekannter Name „Zzzzzzzz“")));
+    EXPECT_THAT(messages, Contains(HasSubstr("Feld „Name“ wird nicht gedruckt")));
+}
+
+TEST_F(LayoutTest, AnUnknownNamePrintsAsEmptyWithAWarning) {
+    writeFile(folder / "Liste.svg", row(field(5, 20, 40, "[{{Unbekannt}}]")));
+    ReportDriver report(folder / "out.pdf");
+    ASSERT_EQ(report.start(folder / "Liste"), 0);
+    report.page();
+    report.line();
+    ASSERT_EQ(report.end(), 0);
+    EXPECT_THAT(report.warnings, Contains(HasSubstr("Unbekannter Name „Unbekannt“")));
+    EXPECT_THAT(rawTextOf(folder / "out.pdf"), HasSubstr("[]"));
+}
+
+TEST_F(LayoutTest, MessagesNameLineLayerAndElement) {
+    const std::string message = error(row("\n\n<g id='feld7' class='field'><text x='1' y='1'>{{Nr}}</text></g>"));
+    EXPECT_THAT(message, HasSubstr("Zeile 4"));
+    EXPECT_THAT(message, HasSubstr("Ebene „Zeile“"));
+    EXPECT_THAT(message, HasSubstr("<g id=\"feld7\">: Feld ohne Rechteck"));
+}
+
+TEST_F(LayoutTest, ABrokenLayoutStopsTheJobWithItsOwnCode) {
+    writeFile(folder / "Liste.svg", row(field(5, 20, 20, "{{Betrag|0,0,0}}")));
+    ReportDriver report(folder / "out.pdf");
+    EXPECT_EQ(report.start(folder / "Liste"), kLayoutInvalid);
+    ASSERT_THAT(report.errors, SizeIs(1));
+    EXPECT_THAT(report.errors[0].message, HasSubstr("Ungültiges Zahlenformat „0,0,0“: zwei Kommas"));
+    EXPECT_EQ(report.page(), kWrongOrder);
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.pdf"));
+}
+
+TEST_F(LayoutTest, WhatALayoutCanGetWrong) {
+    EXPECT_THAT(error(page("<rect width='1' height='1'/>")), HasSubstr("Keine Ebenen gefunden"));
+    EXPECT_THAT(error("<html/>", kLayoutMalformed), HasSubstr("Wurzelelement ist nicht <svg>"));
+    EXPECT_THAT(error("<svg xmlns='http://www.w3.org/2000/svg'/>"), HasSubstr("Seitengröße"));
+    EXPECT_THAT(error("<svg xmlns='http://www.w3.org/2000/svg' width='100mm' height='100mm' viewBox='0 0 10 20'/>"),
+                HasSubstr("Seitenverhältnisse"));
+    EXPECT_THAT(error(page("<g inkscape:groupmode='layer' inkscape:label='Zeile'/>")),
+                HasSubstr("hat kein Rechteck der Klasse „band“"));
+    EXPECT_THAT(error(page(layer("Gruppenkopf", 10, 5, "") + layer("Zeile", 20, 5, ""))),
+                HasSubstr("braucht data-on"));
+    EXPECT_THAT(error(row(field(5, 20, 20, "{{Nr"))), HasSubstr("Platzhalter ohne Ende"));
+    EXPECT_THAT(error(row(field(5, 20, 20, "{{=Nr+}}"))), HasSubstr("Ungültiger Ausdruck „Nr+“"));
+    EXPECT_THAT(error(row("", "data-new-page='Nr ='")), HasSubstr("Ungültiger Ausdruck"));
+    EXPECT_THAT(error(row(field(5, 20, 20, "x", "data-if='('"))), HasSubstr("Ungültiger Ausdruck"));
+    EXPECT_THAT(error(row("<g class='field'><rect width='1' height='1'/></g>")), HasSubstr("Feld ohne Text"));
+    EXPECT_THAT(error(row("<g transform='rotate(5)'>" + field(5, 20, 20, "{{Nr}}") + "</g>")),
+                HasSubstr("ist gedreht"));
+    EXPECT_THAT(error(row(field(5, 20, 20, "x", "data-fit='zoom'"))), HasSubstr("data-fit=\"zoom\""));
+    EXPECT_THAT(error(row(field(5, 20, 20, "x", "data-grow='1'"))), HasSubstr("data-grow braucht"));
+    EXPECT_THAT(error(row("<text style='shape-inside:url(#a)' x='1' y='1'>x</text>")), HasSubstr("Fließtext"));
+    EXPECT_THAT(error(row("<flowRoot/>")), HasSubstr("Fließtext"));
+    EXPECT_THAT(error(row("<rect width='1e9' height='1'/>")), HasSubstr("ungültige Länge width"));
+    EXPECT_THAT(error(row("<g style='opacity:0.5'><text>{{Nr}}</text></g>")), HasSubstr("nicht möglich"));
+    EXPECT_THAT(error(row("<g class='chart' data-chart='torte'><rect width='9' height='9'/></g>")),
+                HasSubstr("data-chart"));
+    EXPECT_THAT(
+        error(row("<g class='chart' data-chart='bars' data-series='a_12..01'><rect width='9' height='9'/></g>")),
+        HasSubstr("Ungültiger Bereich"));
+    EXPECT_THAT(
+        error(row(
+            "<g class='chart' data-chart='bars' data-rows='1' data-series='a'><rect width='9' height='9'/></g>")),
+        HasSubstr("data-rows geht nur in Summe und Gruppenfuß"));
+    EXPECT_THAT(error(page(layer("Zeile", 20, 5, "") + layer("Zeile", 30, 5, ""))), HasSubstr("gibt es zweimal"));
+}
+
+TEST_F(LayoutTest, DamagedFiles) {
+    EXPECT_THAT(error("", kLayoutMalformed), HasSubstr("kein wohlgeformtes XML"));
+    EXPECT_THAT(error("<svg", kLayoutMalformed), HasSubstr("kein wohlgeformtes XML"));
+    EXPECT_THAT(error("<svg>\n<g>\n</svg>", kLayoutMalformed),
+                HasSubstr("Zeile 3: Datei ist kein wohlgeformtes XML"));
+    EXPECT_THAT(error(row("\xff\xfe"), kLayoutMalformed), HasSubstr("Zeichenkodierung"));
+    EXPECT_THAT(error(row("<text>\xc3</text>"), kLayoutMalformed), HasSubstr("Zeichenkodierung"));
+    EXPECT_THAT(error(std::string("\0\0\0\0", 4), kLayoutMalformed), HasSubstr("kein wohlgeformtes XML"));
+}
+
+TEST_F(LayoutTest, AFileThatIsNoFileIsUnreadable) {
+    std::filesystem::create_directory(folder / "Ordner.svg");
+    const auto found = checkLayout(folder / "Ordner.svg", {});
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_EQ(found[0].code, kLayoutUnreadable);
+}
+
+// --- Hostile layouts ---
+
+TEST_F(LayoutTest, EntityBombsAreRefused) {
+    std::string bomb = "<!DOCTYPE svg [<!ENTITY a0 'ha'>";
+    for (int i = 1; i < 30; ++i)
+        bomb += "<!ENTITY a" + std::to_string(i) + " '&a" + std::to_string(i - 1) + ";&a" + std::to_string(i - 1) +
+                ";'>";
+    EXPECT_THAT(error(bomb + "]><svg xmlns='http://www.w3.org/2000/svg'><text>&a29;</text></svg>", kLayoutRefused),
+                HasSubstr("Entitäten"));
+    EXPECT_THAT(
+        error("<!DOCTYPE svg [<!ENTITY x SYSTEM 'file:///etc/passwd'>]><svg xmlns='http://www.w3.org/2000/svg' "
+              "width='1mm' height='1mm'><text>&x;</text></svg>",
+              kLayoutRefused),
+        HasSubstr("Entitäten"));
+    EXPECT_THAT(error("<!DOCTYPE svg [<!ENTITY x '" + std::string(5, 'x') +
+                          "'>]><svg xmlns='http://www.w3.org/2000/svg' id='&x;'/>",
+                      kLayoutRefused),
+                HasSubstr("Entitäten"));
+}
+
+TEST_F(LayoutTest, APlainDocumentTypeIsFine) {
+    EXPECT_EQ(
+        error("<!DOCTYPE svg PUBLIC '-//W3C//DTD SVG 1.1//EN' 'http://www.w3.org/Graphics/SVG/1.1/DTD/svg11.dtd'>" +
+              row(field(5, 20, 20, "{{Nr}}"))),
+        "");
+}
+
+TEST_F(LayoutTest, NothingOutsideIsEverReferredTo) {
+    for (const char* reference :
+         {"<use href='http://example.org/a.svg#b'/>", "<image xlink:href='../geheim.png'/>",
+          "<image href='/etc/passwd'/>", "<image href='file:///etc/passwd'/>",
+          "<image href='http://example.org/x.png'/>", "<rect style='fill:url(other.svg#a)'/>",
+          "<rect fill='url(http://example.org/#a)'/>", "<style>@import 'http://example.org/x.css';</style>",
+          "<style>text { fill: url(//example.org/a#b) }</style>"})
+        EXPECT_THAT(error(row(reference), kLayoutRefused), HasSubstr("Verweis nach außen ist nicht erlaubt"))
+            << reference;
+    EXPECT_THAT(error("<?xml-stylesheet href='x.css'?>" + row(""), kLayoutRefused), HasSubstr("xml-stylesheet"));
+    EXPECT_THAT(error(row("<script>alert(1)</script>"), kLayoutRefused), HasSubstr("Skripte"));
+    EXPECT_THAT(error(row("<foreignObject/>"), kLayoutRefused), HasSubstr("foreignObject"));
+}
+
+TEST_F(LayoutTest, ALinkOutOfTheFolderIsRefused) {
+    std::filesystem::create_symlink("/etc/hostname", folder / "bild.png");
+    EXPECT_THAT(error(row("<image href='bild.png'/>"), kLayoutRefused), HasSubstr("Verweis nach außen"));
+}
+
+TEST_F(LayoutTest, CyclicAndMultiplyingUseIsRefused) {
+    EXPECT_THAT(error(row("<g id='a'><use href='#b'/></g><g id='b'><use href='#a'/></g>"), kLayoutRefused),
+                HasSubstr("Verwendung im Kreis"));
+    EXPECT_THAT(error(row("<use id='u' xlink:href='#u'/>"), kLayoutRefused), HasSubstr("Verwendung im Kreis"));
+    std::string nested = "<rect id='n0' width='1' height='1'/>";
+    for (int i = 1; i < 40; ++i) {
+        const std::string inner = "<use href='#n" + std::to_string(i - 1) + "'/>";
+        nested += "<g id='n" + std::to_string(i) + "'>" + inner + inner + "</g>";
+    }
+    EXPECT_THAT(error(row("<defs>" + nested + "</defs><use href='#n39'/>"), kLayoutRefused),
+                HasSubstr("vervielfacht"));
+}
+
+TEST_F(LayoutTest, DepthSizeAndNumberAreBounded) {
+    std::string deep;
+    for (int i = 0; i < 100; ++i)
+        deep = "<g>" + deep + "</g>";
+    EXPECT_THAT(error(row(deep), kLayoutRefused), HasSubstr("64 Ebenen"));
+    std::string deeper(100000 * 3, ' ');
+    for (std::size_t i = 0; i < deeper.size(); i += 3)
+        deeper.replace(i, 3, "<g>");
+    EXPECT_NE(error(row(deeper), kLayoutMalformed), "");
+    std::string many;
+    for (int i = 0; i < 20001; ++i)
+        many += "<g/>";
+    EXPECT_THAT(error(row(many), kLayoutRefused), HasSubstr("20.000 Elemente"));
+    EXPECT_THAT(error(std::string(20'000'001, ' '), kLayoutRefused), HasSubstr("größer als 20 MB"));
+}
+
+TEST_F(LayoutTest, HugeAndStrangeNumbersDoNoHarm) {
+    for (const char* page :
+         {"width='1e308mm' height='1mm'", "width='-5mm' height='5mm'", "width='nan' height='5mm'",
+          "width='5000mm' height='5mm'", "width='10mm' height='10mm' viewBox='0 0 0 0'",
+          "width='10mm' height='10mm' viewBox='0 0 1e-300 1e-300'"})
+        EXPECT_NE(error("<svg xmlns='http://www.w3.org/2000/svg' " + std::string(page) + "/>"), "") << page;
+    printed(
+        row("<path d='M0 0 L1e308 1e308 C 1 1 nan 2 3 inf'/><path d='M0,0 A1e-300 5 0 1 1 9,9 a0 0 0 0 0 0 0Z'/>"
+            "<path d='m0 0zzzzhvcs5'/><circle r='-1'/><rect width='5' height='5' rx='1e5'/>"
+            "<line x1='0' x2='99999' y1='0' y2='0' stroke='red' stroke-dasharray='0.000001'/>"
+            "<g transform='matrix(1 2 3) scale(0) rotate(1e5)'><rect width='1' height='1'/></g>"
+            "<text x='1' y='1' font-size='0'>x</text><text x='1' y='25' style='font-size:1e-9px'>y</text>"));
+}
+
+// --- Artwork ---
+
+TEST_F(LayoutTest, ArtworkOfAllKindsIsPrinted) {
+    writeFile(
+        folder / "bild.png",
+        outputOf("printf '%s' "
+                 "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mP8z8BQDwAEhQGAhKmMIQAAAABJRU5ErkJggg== "
+                 "| base64 -d"));
+    const std::string text = printed(
+        page("<defs><linearGradient id='v'><stop offset='0' stop-color='#f00'/><stop offset='1' "
+             "stop-color='#00f'/></linearGradient></defs>" +
+             layer("Hintergrund", 0, 100,
+                   "<rect x='5' y='5' width='40' height='10' fill='url(#v)'/><image href='bild.png' x='50' y='5' "
+                   "width='10' height='10'/>"
+                   "<g opacity='0.5'><circle cx='70' cy='10' r='5'/><text x='65' y='20'>durchsichtig</text></g>"
+                   "<rect x='5' y='30' width='10' height='10' "
+                   "style='fill:#0f0;fill-opacity:0.3;stroke:#000;stroke-dasharray:1 1'/>"
+                   "<text x='5' y='50'>zwei<tspan x='5' y='55'>Zeilen</tspan></text>") +
+             layer("Zeile", 60, 10, field(5, 60, 40, "Zeile {{Nr}}"))));
+    EXPECT_THAT(text, HasSubstr("zwei\nZeilen"));
+    EXPECT_THAT(text, HasSubstr("Zeile 1"));
+    // The red end of the gradient, the picture, the white between them.
+    const std::string pixels = outputOf("pdftoppm -r 25.4 -f 1 -l 1 '" + (folder / "out.pdf").string() + "'");
+    const auto pixel = [&](std::size_t x, std::size_t y) {
+        const std::size_t head = pixels.find("255\n") + 4;
+        const std::size_t width = std::stoul(pixels.substr(3));
+        const std::size_t at = head + 3 * (y * width + x);
+        return std::array<int, 3>{static_cast<unsigned char>(pixels[at]),
+                                  static_cast<unsigned char>(pixels[at + 1]),
+                                  static_cast<unsigned char>(pixels[at + 2])};
+    };
+    EXPECT_GT(pixel(6, 10)[0], 200);
+    EXPECT_LT(pixel(6, 10)[2], 60);
+    EXPECT_GT(pixel(43, 10)[2], 200);
+    EXPECT_EQ(pixel(47, 10), (std::array<int, 3>{255, 255, 255}));
+    EXPECT_NE(pixel(55, 10), (std::array<int, 3>{255, 255, 255}));
+    EXPECT_NEAR(pixel(70, 10)[0], 128, 3);
+    EXPECT_NEAR(pixel(9, 35)[0], 179, 3);
+}
+
+TEST_F(LayoutTest, HiddenLayersAndGuidesAreNotPrinted) {
+    const std::string text =
+        printed(page(layer("Notizen", 0, 10, field(5, 2, 60, "{{=kaputt(}} geheim"), "style='display:none'") +
+                     layer("Zeile", 20, 10, field(5, 20, 40, "Zeile {{Nr}}"))));
+    EXPECT_THAT(text, ::testing::Not(HasSubstr("geheim")));
+    EXPECT_THAT(text, HasSubstr("Zeile 1"));
+}
+
+TEST_F(LayoutTest, MovedGroupsAreReadWithTheirTransforms) {
+    printed(page("<g inkscape:groupmode='layer' inkscape:label='Seitenkopf' transform='translate(0,30)'><g "
+                 "transform='scale(2)'>" +
+                 field(5, 5, 30, "verschoben") + "</g></g>"));
+    const std::string boxes = boxesOf(folder / "out.pdf");
+    EXPECT_NEAR(boxOf(boxes, "verschoben", "xMin"), 10 * 72 / 25.4, 0.1);
+    EXPECT_NEAR(boxOf(boxes, "verschoben", "yMax"), (30 + 2 * 8.5) * 72 / 25.4, 4);
+}
+
+TEST_F(LayoutTest, StylesComeFromSheetClassAndAttribute) {
+    printed(page("<g inkscape:groupmode='layer' inkscape:label='Seitenkopf' font-size='4'>"
+                 "<text class='a gross' x='5' y='20'>Klasse</text><text class='gross' style='font-size:2px' x='5' "
+                 "y='40'>Attribut</text></g>",
+                 "/* { */ .gross, .nie { font-size: 10px }"));
+    const std::string boxes = boxesOf(folder / "out.pdf");
+    const auto height = [&](const char* word) { return boxOf(boxes, word, "yMax") - boxOf(boxes, word, "yMin"); };
+    EXPECT_NEAR(height("Klasse") / height("Attribut"), 5, 0.1);
+}
+
+// --- Charts ---
+
+TEST_F(LayoutTest, ChartsShowValuesLabelsAndLegend) {
+    for (const char* kind : {"bars", "lines", "target", "share"}) {
+        const std::string text = printed(page(layer(
+            "Seitenkopf", 0, 90,
+            "<g class='chart' font-size='2' data-chart='" + std::string(kind) +
+                "' data-series='Nr, =Betrag*500; Betrag, Betrag' data-legend='Soll; Ist' data-labels='Jan; Feb'>"
+                "<rect x='5' y='5' width='80' height='60'/></g>")));
+        EXPECT_THAT(text, HasSubstr("Soll")) << kind;
+        EXPECT_THAT(text, HasSubstr("Feb")) << kind;
+        if (std::string(kind) != "share") {
+            EXPECT_THAT(text, HasSubstr("1.000")) << kind;
+        }
+    }
+}
+
+TEST_F(LayoutTest, AChartOfLinesCollectsThem) {
+    writeFile(
+        folder / "Liste.svg",
+        page(
+            layer("Zeile", 5, 5, field(5, 5, 40, "{{Name}}")) +
+            layer("Summe", 20, 60,
+                  "<g class='chart' font-size='2' data-chart='bars' data-rows='Nr &lt;&gt; 2' data-series='Betrag' "
+                  "data-labels='L{{Name}}'><rect x='5' y='22' width='80' height='50'/></g>")));
+    ReportDriver report(folder / "out.pdf");
+    report.fields({{"Nr", "1"}, {"Name", "a"}, {"Betrag", "10"}});
+    ASSERT_EQ(report.start(folder / "Liste"), 0);
+    report.page();
+    for (const auto& [number, name] : {std::pair("1", "a"), {"2", "b"}, {"3", "c"}}) {
+        report.fields({{"Nr", number}, {"Name", name}, {"Betrag", std::string(number) + "0"}});
+        report.line();
+    }
+    ASSERT_EQ(report.end(), 0);
+    const std::string text = rawTextOf(folder / "out.pdf");
+    EXPECT_THAT(text, HasSubstr("La"));
+    EXPECT_THAT(text, ::testing::Not(HasSubstr("Lb")));
+    EXPECT_THAT(text, HasSubstr("Lc"));
+    EXPECT_THAT(text, HasSubstr("30"));
+}
+
+TEST_F(LayoutTest, AChartWithoutFiguresIsEmptyNotWrong) {
+    printed(page(layer(
+        "Seitenkopf", 0, 90,
+        "<g class='chart' data-chart='bars' data-series='Fehlt_1..3'><rect x='5' y='5' width='80' height='60'/></g>"
+        "<g class='chart' data-chart='share' data-series='=1/0; Fehlt'><rect x='5' y='5' width='80' "
+        "height='60'/></g>")));
+}
+
+// --- The layouts that come with the system ---
+
+class ShippedLayout : public ::testing::TestWithParam<std::filesystem::path> {};
+
+TEST_P(ShippedLayout, HasNoErrors) {
+    for (const auto& finding : checkLayout(GetParam(), {}))
+        EXPECT_FALSE(finding.error) << finding.message;
+}
+
+std::vector<std::filesystem::path> shippedLayouts() {
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(KVT_LAYOUTS))
+        if (entry.path().extension() == ".svg")
+            files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ShippedLayout, ::testing::ValuesIn(shippedLayouts()),
+                         [](const auto& layout) { return layout.param.stem().string(); });
+
+TEST(ShippedLayouts, AreEighteen) {
+    EXPECT_THAT(shippedLayouts(), SizeIs(18));
+}
+
+} // namespace
+} // namespace kvtdruck::druckwerk
