@@ -216,12 +216,16 @@ constexpr std::array kUmsatzHW{
     ValueColumn{9, "Text", Each, "Bezeichnung der Zeile"},
 };
 
+// Both account reports ask for accounts by the same call; the product mode says which kind is meant.
+constexpr std::int16_t kOverheads = 1;
+constexpr std::int16_t kNeutralAccounts = 2;
+
 constexpr std::array kReports{
     Report{"Umsatz", "Umsatz", kYears, {}, kOneYear},
     Report{"MitUeber", "Mitarbeiter-Übersicht", kEverything, {}, {}},
     Report{"Firma", "Allgemeine Firmendaten", kYearRange, {}, {}},
-    Report{"GemeinK", "Gemeinkosten", kAccounts, {}, kOneAccount},
-    Report{"NeutralA", "Neutrale Aufwendungen", kAccounts, {}, kOneAccount},
+    Report{"GemeinK", "Gemeinkosten", kAccounts, {}, kOneAccount, kOverheads},
+    Report{"NeutralA", "Neutrale Aufwendungen", kAccounts, {}, kOneAccount, kNeutralAccounts},
     Report{"MaKost", "Mitarbeiter-Kosten", kEmployees, {}, kOneEmployee},
     Report{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, {}, kOneEmployee},
     Report{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, {}, kOneEmployee},

@@ -73,7 +73,8 @@ struct Report {
     std::span<const Cell> cells;
     /// Not empty for the reports whose figures the host hands over whole.
     std::span<const ValueColumn> columns;
-    std::string_view note; ///< what users should know about the selections; may be empty
+    std::string_view note;       ///< what users should know about the selections; may be empty
+    std::int16_t productMode{0}; ///< what the reference data access is to read: docs/data-access.md
 
     bool isFedByValues() const { return !columns.empty(); }
     /// The size of the smallest array in which the report finds every cell that it reads.

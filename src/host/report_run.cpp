@@ -20,8 +20,6 @@ namespace {
 
 /// The one window that this host has, as the component counts windows.
 constexpr std::int32_t kWindow = 1;
-/// The data access of this host knows no product modes.
-constexpr std::int16_t kProductMode = 0;
 
 std::shared_ptr<OdbcConnection> connectionOf(const Options& options) {
     return std::make_shared<OdbcConnection>(options.connectionString.empty()
@@ -62,9 +60,9 @@ class ReportRun {
     int run() {
         clsDruckManager manager(modul_, jobs_, recorder_ ? *recorder_ : *engine_);
         manager.fkt_Init(connectionOf(options_));
-        const bool done =
-            manager.fkt_Drucken(printModeOf(options_.command), options_.company, array_, fromUtf8(folder_.string()),
-                                fromUtf8(options_.report->listName), options_.askForPrinter, kWindow, kProductMode);
+        const bool done = manager.fkt_Drucken(printModeOf(options_.command), options_.company, array_,
+                                              fromUtf8(folder_.string()), fromUtf8(options_.report->listName),
+                                              options_.askForPrinter, kWindow, options_.report->productMode);
         if (record_.is_open() && !record_.flush())
             console_.error("Das Protokoll " + options_.record->string() + " kann nicht geschrieben werden.");
         if (!done)
