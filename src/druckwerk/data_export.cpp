@@ -138,7 +138,6 @@ class DataExport final : public Control {
     void start() {
         job_.reset();
         failed_ = false;
-        records_ = 0;
         variablesChanged_ = true;
         job_.emplace(*options_);
     }
@@ -149,13 +148,12 @@ class DataExport final : public Control {
         variablesChanged_ = false;
         if (!fields_.values().empty())
             job_->writer().record(fields_.values());
-        ++records_;
     }
 
     void showProgress(std::span<const Argument> arguments) const {
         if (options_->progress)
             options_->progress(
-                {toUtf8(std::get<StringView>(arguments[0])), std::get<std::int32_t>(arguments[1]), records_});
+                {toUtf8(std::get<StringView>(arguments[0])), std::get<std::int32_t>(arguments[1]), 0});
     }
 
     void finish() {
@@ -203,7 +201,6 @@ class DataExport final : public Control {
     Definitions variables_;
     Definitions fields_;
     bool variablesChanged_ = true;
-    int records_ = 0;
     bool failed_ = false;
     std::optional<Job> job_;
 };

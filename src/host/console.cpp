@@ -49,7 +49,7 @@ void Console::progress(const druckwerk::Progress& progress) {
     std::cerr << "\r\x1b[K" << progress.text << " [" << std::string(std::size_t(filled), '#')
               << std::string(std::size_t(kBarWidth - filled), ' ') << "]";
     if (progress.page > 0)
-        std::cerr << " " << progress.page;
+        std::cerr << " Seite " << progress.page;
     std::cerr << std::flush;
     barShown_ = true;
 }

@@ -13,6 +13,12 @@ namespace kvtdruck::host {
 
 class Console {
   public:
+    Console() = default;
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+    /// Leaves a clean line.
+    ~Console() { clearProgress(); }
+
     /// An error, on standard error; `hasFailed` remembers it.
     void error(std::string_view text);
     /// A warning, on standard error.

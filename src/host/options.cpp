@@ -243,6 +243,12 @@ void check(const Options& options) {
         throw UsageError("--format für Daten braucht --ausgabe DATEI.");
     if (options.data && options.askForPrinter)
         throw UsageError("--druckerauswahl gibt es nur für gedruckte Seiten.");
+    const auto& printing = options.printing;
+    const bool hasPrinterOptions = printing.copies != 1 || !printing.pages.empty() || !printing.tray.empty() ||
+                                   printing.sides != druckwerk::Sides::AsPrinter;
+    if (hasPrinterOptions && !options.output.empty() && !options.askForPrinter)
+        throw UsageError(
+            "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht mit --ausgabe.");
     if (!options.report || options.command == Command::ListReports)
         return;
     const bool needsValues = options.command == Command::Print || options.command == Command::Preview;

@@ -49,6 +49,15 @@ TEST_F(CommandLine, PrintsOneYearOfARangeAndRecordsTheCalls) {
                       Not(HasSubstr("\"2023\"")), HasSubstr("LlPrintEnd(0) = 0\n")));
 }
 
+TEST_F(CommandLine, ShowsProgressOnATerminalAndLeavesACleanLine) {
+    std::string line;
+    for (const auto& argument : command("drucken", "Umsatz", toPdf()))
+        line += "'" + argument + "' ";
+    const auto outcome = run({"script", "-qec", line, "/dev/null"}, environment);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.output, AllOf(HasSubstr("Umsatz [ "), ::testing::EndsWith("\r\x1b[K")));
+}
+
 TEST_F(CommandLine, SameInputAndPrintDateGiveTheSameBytes) {
     ASSERT_EQ(print("Umsatz", {"--druckdatum", "31.12.2024 08:15", "--ausgabe", output("a.pdf")}).exitCode, 0);
     ASSERT_EQ(print("Umsatz", {"--druckdatum", "2024-12-31T08:15", "--ausgabe", output("b.pdf")}).exitCode, 0);
@@ -173,6 +182,8 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{printing({"--format", "csv"}), "--format für Daten braucht --ausgabe DATEI."},
         UsageCase{printing({"--format", "odt"}), "--format: „odt“ ist nicht möglich; es gibt csv|json|pdf|xlsx."},
         UsageCase{printing({"--ausgabe", "a", "--drucker", "b"}), "--ausgabe und --drucker gehen nicht zusammen."},
+        UsageCase{printing({"--ausgabe", "a", "--fach", "2"}),
+                  "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht mit --ausgabe."},
         UsageCase{printing({"--seiten", "3-"}), "--seiten: „3-“ ist kein Seitenbereich wie 1-3,7."},
         UsageCase{printing({"--druckdatum", "31.2.2024"}),
                   "--druckdatum „31.2.2024“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15."}));
