@@ -144,7 +144,7 @@ std::vector<ReaderClass> readerClasses() {
                          u"AND (? NOT IN (1, 2) OR kontenart = ?)",
                          {kNumber, kSingle, kSingle, kSingle},
                          {0, 1, 2, 3, 2, 3, kProductMode, kProductMode}}},
-         .key = {u"FJahr", u"VKonto"}},
+         .key = {u"VKonto"}},
 
         {.name = u"clsZugMitarbeiterMonate",
          .tables = u"mitarbeiter_monate JOIN mitarbeiter_jahre USING (fnr, nummer, fjahr) "
