@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <ostream>
 
 namespace kvtdruck::testing {
 namespace {
@@ -75,6 +76,10 @@ struct ListCase {
     std::vector<std::string> selections;
 };
 
+void PrintTo(const ListCase& list, std::ostream* out) {
+    *out << list.list;
+}
+
 class EveryList : public CommandLine, public ::testing::WithParamInterface<ListCase> {
   protected:
     std::vector<std::string> selections() const {
@@ -138,9 +143,14 @@ TEST_F(CommandLine, HelpIsGerman) {
 // Wrong usage
 
 struct UsageCase {
+    const char* name;
     std::vector<std::string> arguments;
     const char* message;
 };
+
+void PrintTo(const UsageCase& usage, std::ostream* out) {
+    *out << usage.name;
+}
 
 class WrongUsage : public HostTest, public ::testing::WithParamInterface<UsageCase> {};
 
@@ -159,34 +169,47 @@ std::vector<std::string> printing(std::vector<std::string> more) {
 INSTANTIATE_TEST_SUITE_P(
     All, WrongUsage,
     ::testing::Values(
-        UsageCase{{}, "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen."},
-        UsageCase{{"drucken"}, "Es fehlt LISTE."}, UsageCase{{"drucken", "Umsatz"}, "Es fehlt --firma."},
-        UsageCase{{"drucken", "umsatz", "--firma", "1", "--datenbank", "d"},
+        UsageCase{
+            "NoCommand", {}, "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen."},
+        UsageCase{"NoList", {"drucken"}, "Es fehlt LISTE."},
+        UsageCase{"NoCompany", {"drucken", "Umsatz"}, "Es fehlt --firma."},
+        UsageCase{"UnknownList",
+                  {"drucken", "umsatz", "--firma", "1", "--datenbank", "d"},
                   "Die Liste „umsatz“ gibt es nicht. Gemeint ist vielleicht „Umsatz“; alle Listen nennt „kvtdruck "
                   "listen“."},
-        UsageCase{{"drucken", "Umsatz", "--firma", "1"},
+        UsageCase{"NoDatabase",
+                  {"drucken", "Umsatz", "--firma", "1"},
                   "Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT."},
-        UsageCase{{"drucken", "Umsatz", "--firma", "eins"}, "Das ist keine Zahl: --firma = eins"},
-        UsageCase{printing({"--unfug"}), "Unbekannte Angabe: --unfug"},
-        UsageCase{printing({"--jahr"}), "--jahr braucht einen Wert (und nur einen)."},
-        UsageCase{printing({"--jahr", "MMXX"}), "--jahr: „MMXX“ ist keine ganze Zahl von 1 bis 9999."},
-        UsageCase{printing({"--monat", "13"}), "--monat: „13“ ist keine ganze Zahl von 1 bis 12."},
-        UsageCase{printing({"--jahr", "2020", "--von", "2020"}),
+        UsageCase{
+            "CompanyIsNoNumber", {"drucken", "Umsatz", "--firma", "eins"}, "Das ist keine Zahl: --firma = eins"},
+        UsageCase{"UnknownOption", printing({"--unfug"}), "Unbekannte Angabe: --unfug"},
+        UsageCase{"OptionWithoutValue", printing({"--jahr"}), "--jahr braucht einen Wert (und nur einen)."},
+        UsageCase{"YearIsNoNumber", printing({"--jahr", "MMXX"}),
+                  "--jahr: „MMXX“ ist keine ganze Zahl von 1 bis 9999."},
+        UsageCase{"MonthTooLarge", printing({"--monat", "13"}), "--monat: „13“ ist keine ganze Zahl von 1 bis 12."},
+        UsageCase{"YearAndRange", printing({"--jahr", "2020", "--von", "2020"}),
                   "Bitte entweder --jahr oder --von und --bis angeben."},
-        UsageCase{printing({"--konto-von", "1"}),
+        UsageCase{"ForeignSelection", printing({"--konto-von", "1"}),
                   "--konto-von gilt nicht für die Liste Umsatz; sie kennt --jahr, --von, --bis."},
-        UsageCase{printing({"--werte", "w.csv"}), "--werte gilt nicht für die Liste Umsatz."},
-        UsageCase{{"drucken", "Bilanz", "--datenbank", "d", "--firma", "1"},
+        UsageCase{"ForeignValues", printing({"--werte", "w.csv"}), "--werte gilt nicht für die Liste Umsatz."},
+        UsageCase{"ValuesMissing",
+                  {"drucken", "Bilanz", "--datenbank", "d", "--firma", "1"},
                   "Die Liste Bilanz braucht --werte DATEI."},
-        UsageCase{{"drucken", "GemeinK", "--datenbank", "d", "--firma", "1"}, "Die Liste GemeinK braucht --jahr."},
-        UsageCase{printing({"--format", "csv"}), "--format für Daten braucht --ausgabe DATEI."},
-        UsageCase{printing({"--format", "odt"}), "--format: „odt“ ist nicht möglich; es gibt csv|json|pdf|xlsx."},
-        UsageCase{printing({"--ausgabe", "a", "--drucker", "b"}), "--ausgabe und --drucker gehen nicht zusammen."},
-        UsageCase{printing({"--ausgabe", "a", "--fach", "2"}),
+        UsageCase{"YearMissing",
+                  {"drucken", "GemeinK", "--datenbank", "d", "--firma", "1"},
+                  "Die Liste GemeinK braucht --jahr."},
+        UsageCase{"DataWithoutFile", printing({"--format", "csv"}), "--format für Daten braucht --ausgabe DATEI."},
+        UsageCase{"UnknownFormat", printing({"--format", "odt"}),
+                  "--format: „odt“ ist nicht möglich; es gibt csv|json|pdf|xlsx."},
+        UsageCase{"FileAndPrinter", printing({"--ausgabe", "a", "--drucker", "b"}),
+                  "--ausgabe und --drucker gehen nicht zusammen."},
+        UsageCase{"TrayOfAFile", printing({"--ausgabe", "a", "--fach", "2"}),
                   "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht mit --ausgabe."},
-        UsageCase{printing({"--seiten", "3-"}), "--seiten: „3-“ ist kein Seitenbereich wie 1-3,7."},
-        UsageCase{printing({"--druckdatum", "31.2.2024"}),
-                  "--druckdatum „31.2.2024“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15."}));
+        UsageCase{"BrokenPageRange", printing({"--seiten", "3-"}),
+                  "--seiten: „3-“ ist kein Seitenbereich wie 1-3,7."},
+        UsageCase{"BrokenPrintDate", printing({"--druckdatum", "31.2.2024"}),
+                  "--druckdatum „31.2.2024“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15."}),
+    [](const auto& test) { return test.param.name; });
 
 // Bad input
 

@@ -6,9 +6,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
+#include <ostream>
 
 namespace kvtdruck::druckwerk {
+
+static const char* nameOf(DataFormat format) {
+    return format == DataFormat::Csv ? "csv" : format == DataFormat::Xlsx ? "xlsx" : "json";
+}
+
+/// For the names of test cases.
+void PrintTo(DataFormat format, std::ostream* out) {
+    *out << nameOf(format);
+}
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -227,7 +237,9 @@ TEST_P(EachDataFormat, AFullDeviceIsAnError) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EachDataFormat,
-                         ::testing::Values(DataFormat::Csv, DataFormat::Xlsx, DataFormat::Json));
+                         ::testing::Values(DataFormat::Csv, DataFormat::Xlsx, DataFormat::Json),
+                         [](const auto& test) { return nameOf(test.param); });
 
 } // namespace
+
 } // namespace kvtdruck::druckwerk
