@@ -11,7 +11,10 @@ constexpr std::size_t kMostPoints = 60;
 constexpr Rgb kGridColor{0xd9, 0xdf, 0xe5};
 constexpr Rgb kAxisColor{0x8a, 0x94, 0x9e};
 constexpr double kHairline = 0.3;
-constexpr double kBarShare = 0.72; // of a label's width, for all its bars
+constexpr double kBarShare = 0.72;   // of a point's width, for all its bars
+constexpr double kLabelShare = 0.96; // of a point's width, for its label
+constexpr double kLineSpacing = 1.2; // of the text size
+constexpr double kSmallestLabel = 0.7;
 
 /// The axis of values: from `low` to `high` in even steps.
 struct Scale {
@@ -144,7 +147,10 @@ class Drawing {
             }
         const double size = chart_.size;
         area_.y += size * 0.5;
-        area_.height -= size * (labels_.empty() ? 1 : 2.2);
+        // Labels that are too long for one line get a second one.
+        for (const auto& label : labels_)
+            labelLines_ = textWidth(label) > slot() * kLabelShare ? 2 : std::max(labelLines_, 1);
+        area_.height -= size * (1 + kLineSpacing * labelLines_);
         scale_ = Scale::over(least, most, static_cast<int>(area_.height / (size * 3)));
         double widest = 0;
         for (double value = scale_.low; value <= scale_.high + scale_.step / 2; value += scale_.step)
@@ -168,17 +174,31 @@ class Drawing {
     }
 
     void drawLabels() {
-        const double room = slot() * 0.96;
         double widest = 0;
-        for (const auto& label : labels_)
+        double widestWord = 0;
+        for (const auto& label : labels_) {
             widest = std::max(widest, textWidth(label));
-        // Labels that do not fit are cut as long as something remains of them; very dense ones are thinned out.
-        const bool dense = widest > room && room < chart_.size * 4;
+            for (std::size_t at = 0, end = 0; at < label.size(); at = end + 1) {
+                end = std::min(label.find_first_of(u" -", at), label.size());
+                widestWord = std::max(widestWord, textWidth(StringView(label).substr(at, end - at + 1)));
+            }
+        }
+        // A smaller size keeps words whole.
+        const double size = chart_.size * std::clamp(slot() * kLabelShare / widestWord, kSmallestLabel, 1.0);
+        // Where there is no room even for parts of them, labels are thinned out.
+        double room = slot() * kLabelShare;
+        const bool dense = widest > room && room < size * 4;
         const auto step =
-            dense ? static_cast<std::size_t>(std::ceil(std::min(widest, chart_.size * 8) / room)) : std::size_t{1};
-        for (std::size_t i = 0; i < labels_.size() && i < points_; i += step)
-            text(setter_.cut(labels_[i], face(), chart_.size, room * static_cast<double>(step)),
-                 {middleOf(i), area_.bottom() + chart_.size * 1.3}, Anchor::Middle);
+            dense ? static_cast<std::size_t>(std::ceil(std::min(widest, size * 8) / room)) : std::size_t{1};
+        room *= static_cast<double>(step);
+        for (std::size_t i = 0; i < labels_.size() && i < points_; i += step) {
+            double y = area_.bottom() + size * 1.3;
+            for (const auto& line :
+                 setter_.lines(labels_[i], face(), size, room, static_cast<std::size_t>(labelLines_))) {
+                setter_.line(line, face(), {middleOf(i), y}, size, chart_.textColor, Anchor::Middle);
+                y += size * kLineSpacing;
+            }
+        }
     }
 
     void drawBars(std::size_t series, std::size_t bars) {
@@ -254,6 +274,7 @@ class Drawing {
     std::vector<std::vector<double>> values_;
     std::vector<String> labels_;
     std::size_t points_ = 0;
+    int labelLines_ = 0;
 };
 
 } // namespace

@@ -164,14 +164,17 @@ std::vector<String> TextSetter::linesOf(StringView text, Face& face, double size
     return lines;
 }
 
-void TextSetter::wrap(const TextItem& item, StringView text, Point at, double room, double growth) {
-    const std::size_t most = linesIn(item, growth);
-    std::vector<String> lines = linesOf(text, *item.face, item.size, room, most);
+std::vector<String> TextSetter::lines(StringView text, Face& face, double size, double room, std::size_t most) {
+    std::vector<String> lines = linesOf(text, face, size, room, most);
     if (lines.size() > most) {
         lines.resize(most);
-        lines.back() = ellipsized(lines.back(), *item.face, item.size, room);
+        lines.back() = ellipsized(lines.back(), face, size, room);
     }
-    for (const String& shown : lines) {
+    return lines;
+}
+
+void TextSetter::wrap(const TextItem& item, StringView text, Point at, double room, double growth) {
+    for (const String& shown : lines(text, *item.face, item.size, room, linesIn(item, growth))) {
         showLine(item, shown, at, item.size);
         at.y += item.size * kLineSpacing;
     }

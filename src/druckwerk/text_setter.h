@@ -22,6 +22,9 @@ class TextSetter {
     /// The longest beginning of `text` that fits into `width`, with an ellipsis where something is left out.
     String cut(StringView text, Face& face, double size, double width);
 
+    /// `text` broken into at most `most` lines; what does not fit is cut with an ellipsis.
+    std::vector<String> lines(StringView text, Face& face, double size, double room, std::size_t most);
+
   private:
     void showLine(const TextItem& item, StringView text, Point at, double size);
     void showPageCount(const TextItem& item, StringView text, Point at);
