@@ -1,0 +1,36 @@
+// What the eighteen reports hand to their layouts, written down independently of their sources.
+#pragma once
+
+#include "component/host.h"
+
+#include <string>
+#include <vector>
+
+namespace kvtdruck::test {
+
+/// One report. Names are separated by blanks; "#" before a name: text instead of number; "*" at the end: 01 to 12.
+struct ReportDescription {
+    std::string list;
+    std::string klasse; ///< in error reports
+    std::string title;
+    std::string reader; ///< empty: fed by the parameter array
+    std::string read;   ///< the read procedure
+    std::string readMessage;
+    std::string variableProcedure;
+    std::string variables;
+    std::string fields;
+};
+
+const std::vector<ReportDescription>& allReports();
+
+/// The names of a description with their engine types, in order.
+std::vector<std::pair<std::string, std::int32_t>> names(const std::string& description);
+
+/// A world in which the report has `records` records (or rows): the last of them begins a new group.
+void fill(World& world, std::size_t records);
+/// The parameter array with which a report prints everything.
+std::shared_ptr<Array> arrayFor(World& world, const ReportDescription& report, std::size_t rows);
+
+void PrintTo(const ReportDescription& report, std::ostream* out);
+
+} // namespace kvtdruck::test
