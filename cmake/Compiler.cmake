@@ -1,7 +1,7 @@
 # Warnings, sanitizers and hardening that every target shares.
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
 # g++ 12 sees overlapping copies in every text assigned from a literal (https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651).
-add_compile_options(-Wno-restrict)
+add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 
 if(NOT WIN32)
   # COM interfaces have no virtual destructor.

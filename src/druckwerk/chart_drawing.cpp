@@ -19,6 +19,8 @@ constexpr double kSmallestLabel = 0.7;
 /// The axis of values: from `low` to `high` in even steps.
 struct Scale {
     double low = 0, high = 1, step = 1;
+    int steps() const { return static_cast<int>(std::lround((high - low) / step)); }
+    double at(int i) const { return low + i * step; }
 
     /// A scale that holds all values and zero, with about `wanted` steps of 1, 2, 2.5 or 5 times a power of ten.
     static Scale over(double least, double most, int wanted) {
@@ -153,8 +155,8 @@ class Drawing {
         area_.height -= size * (1 + kLineSpacing * labelLines_);
         scale_ = Scale::over(least, most, static_cast<int>(area_.height / (size * 3)));
         double widest = 0;
-        for (double value = scale_.low; value <= scale_.high + scale_.step / 2; value += scale_.step)
-            widest = std::max(widest, textWidth(formatted(value)));
+        for (int i = 0; i <= scale_.steps(); ++i)
+            widest = std::max(widest, textWidth(formatted(scale_.at(i))));
         area_.x += widest + size * 0.6;
         area_.width -= widest + size * 0.6;
     }
@@ -166,7 +168,8 @@ class Drawing {
     double middleOf(std::size_t point) const { return area_.x + slot() * (static_cast<double>(point) + 0.5); }
 
     void drawGrid() {
-        for (double value = scale_.low; value <= scale_.high + scale_.step / 2; value += scale_.step) {
+        for (int i = 0; i <= scale_.steps(); ++i) {
+            const double value = scale_.at(i);
             const double y = heightOf(value);
             canvas_.strokeLine({area_.x, y}, {area_.right(), y}, kHairline, kGridColor);
             text(formatted(value), {area_.x - chart_.size * 0.6, y + chart_.size * 0.35}, Anchor::End);

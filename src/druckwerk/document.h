@@ -17,7 +17,9 @@ struct LateText {
     double size = 0;
     Anchor anchor = Anchor::Start;
     bool shift = false; ///< moves the text so that it keeps to its anchor; otherwise the number itself
-    auto operator<=>(const LateText&) const = default;
+    bool operator<(const LateText& other) const {
+        return std::tie(face, size, anchor, shift) < std::tie(other.face, other.size, other.anchor, other.shift);
+    }
 };
 
 /// The content of one page.

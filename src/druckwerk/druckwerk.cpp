@@ -83,6 +83,18 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
+/// A print job between its start and its end.
+struct Job {
+    std::string listName;
+    std::filesystem::path objectName;
+    bool preview = false;
+    bool failed = false;
+    std::optional<Layout> layout;          ///< until the first page
+    std::optional<TemporaryFolder> folder; ///< for a document that goes to a printer
+    std::filesystem::path output;
+    std::unique_ptr<PrintJob> print; ///< from the first page on
+};
+
 } // namespace
 
 std::filesystem::path nativePath(StringView path) {
@@ -115,17 +127,6 @@ class Druckwerk::Engine {
     const EngineError& lastError() const { return lastError_; }
 
   private:
-    struct Job {
-        std::string listName;
-        std::filesystem::path objectName;
-        bool preview = false;
-        bool failed = false;
-        std::optional<Layout> layout;          ///< until the first page
-        std::optional<TemporaryFolder> folder; ///< for a document that goes to a printer
-        std::filesystem::path output;
-        std::unique_ptr<PrintJob> print; ///< from the first page on
-    };
-
     std::int32_t perform(Operation operation, std::span<const Argument> arguments);
     std::int32_t performPrinting(Operation operation, std::span<const Argument> arguments);
 

@@ -197,7 +197,9 @@ void Face::learn(char16_t c, Plain& plain) {
         hb_font_get_nominal_glyph(font_, c, &glyph) == 0)
         return;
     plain.usable = true;
-    plain.code = codeOf(glyph, StringView(&c, 1));
+    std::string bytes;
+    appendCode(bytes, codeOf(glyph, StringView(&c, 1)));
+    plain.size = static_cast<std::uint8_t>(bytes.copy(plain.bytes.data(), plain.bytes.size()));
     plain.advance = static_cast<std::int16_t>(hb_font_get_glyph_h_advance(font_, glyph));
 }
 
@@ -424,9 +426,8 @@ Face& FontLibrary::faceFor(char32_t c, Face& preferred) {
     for (const bool picturesOnly : {true, false}) {
         if (picturesOnly && !isEmoji(c))
             continue;
-        FcPattern* candidate = nullptr;
-        if (Face* face = firstWith(c, picturesOnly, candidate)) {
-            warn_("Zeichen, die der Schrift fehlen, werden in „" + familyOf(candidate) + "“ gesetzt");
+        if (const auto [face, family] = firstWith(c, picturesOnly); face != nullptr) {
+            warn_("Zeichen, die der Schrift fehlen, werden in „" + family + "“ gesetzt");
             return *(entry->second = face);
         }
     }
@@ -436,10 +437,10 @@ Face& FontLibrary::faceFor(char32_t c, Face& preferred) {
     return preferred;
 }
 
-/// The first of all fonts that has the character.
-Face* FontLibrary::firstWith(char32_t c, bool picturesOnly, FcPattern*& candidate) {
+/// The first of all fonts that has the character, and its name.
+std::pair<Face*, std::string> FontLibrary::firstWith(char32_t c, bool picturesOnly) {
     for (int i = 0; sorted_->fonts && i < sorted_->fonts->nfont; ++i) {
-        candidate = sorted_->fonts->fonts[i];
+        FcPattern* candidate = sorted_->fonts->fonts[i];
         FcCharSet* characters = nullptr;
         if (FcPatternGetCharSet(candidate, FC_CHARSET, 0, &characters) != FcResultMatch ||
             FcCharSetHasChar(characters, c) == FcFalse || !isUsable(candidate, true) ||
@@ -448,9 +449,9 @@ Face* FontLibrary::firstWith(char32_t c, bool picturesOnly, FcPattern*& candidat
         const auto [file, index] = fileOf(candidate);
         Face* face = open(file, index);
         if (face != nullptr && face->hasGlyph(c))
-            return face;
+            return {face, familyOf(candidate)};
     }
-    return nullptr;
+    return {};
 }
 
 bool FontLibrary::shapePlainly(StringView text, Face& face, ShapedText& out) {
@@ -468,7 +469,7 @@ bool FontLibrary::shapePlainly(StringView text, Face& face, ShapedText& out) {
                 run.kerned = true;
                 advance += kerning;
             }
-        appendCode(run.glyphs, plain->code);
+        run.glyphs.append(plain->bytes.data(), plain->size);
         advance += plain->advance;
         previous = c;
     }

@@ -12,7 +12,6 @@
 #include <unordered_map>
 #include <vector>
 
-struct _FcPattern;
 struct hb_face_t;
 struct hb_font_t;
 
@@ -36,12 +35,13 @@ struct GlyphPicture {
 /// code stands for a glyph and the text it shows, so that text taken from the document is exactly what was printed.
 class Face {
   public:
-    /// A character that needs no shaping: its code and advance, in font units.
+    /// A character that needs no shaping: its code as bytes of a PDF string, and its advance in font units.
     struct Plain {
-        std::uint16_t code = 0;
-        std::int16_t advance = 0;
+        std::array<char, 4> bytes{};
+        std::uint8_t size = 0;
         bool known = false;
         bool usable = false;
+        std::int16_t advance = 0;
     };
 
     /// nullptr where the file can't be used.
@@ -187,7 +187,7 @@ class FontLibrary {
     void shapeRun(const std::u32string& text, std::size_t begin, std::size_t end, bool rightToLeft, Face& face,
                   Face& base, ShapedText& out);
     Face& faceFor(char32_t c, Face& preferred);
-    Face* firstWith(char32_t c, bool picturesOnly, _FcPattern*& candidate);
+    std::pair<Face*, std::string> firstWith(char32_t c, bool picturesOnly);
     Face* open(const std::string& file, int index);
     const GlyphPicture* picture(Face& face, std::uint32_t glyph);
 

@@ -125,16 +125,21 @@ class Generator {
 
     /// Names and values in two or three columns; gives the height reached.
     double pairs(const std::vector<Definition>& definitions, double y, double bottom) {
-        const double width = usableWidth() / (definitions.size() > 60 ? 4 : definitions.size() > 20 ? 3 : 2);
-        const auto columns = static_cast<std::size_t>(usableWidth() / width + 0.5);
-        const std::size_t rows = (definitions.size() + columns - 1) / columns;
-        const double step = rows == 0 ? 0 : std::min(kRowHeight, (bottom - y) / static_cast<double>(rows));
-        for (std::size_t i = 0; i < definitions.size(); ++i) {
-            const double x = kMargin + width * static_cast<double>(i / rows);
-            const double top = y + step * static_cast<double>(i % rows);
-            field(x, top, width * 0.5, definitions[i].name, "klein", false, "shrink", step);
-            field(x + width * 0.5, top, width * 0.44, placeholder(definitions[i]), "", definitions[i].numeric,
-                  "shrink", step);
+        const std::size_t columns = definitions.size() > 60 ? 4 : definitions.size() > 20 ? 3 : 2;
+        const std::size_t rows = std::max<std::size_t>(1, (definitions.size() + columns - 1) / columns);
+        const double width = usableWidth() / static_cast<double>(columns);
+        const double step = std::min(kRowHeight, (bottom - y) / static_cast<double>(rows));
+        std::size_t row = 0;
+        double x = kMargin;
+        for (const auto& definition : definitions) {
+            const double top = y + step * static_cast<double>(row);
+            field(x, top, width * 0.5, definition.name, "klein", false, "shrink", step);
+            field(x + width * 0.5, top, width * 0.44, placeholder(definition), "", definition.numeric, "shrink",
+                  step);
+            if (++row == rows) {
+                row = 0;
+                x += width;
+            }
         }
         return y + step * static_cast<double>(rows);
     }
@@ -173,9 +178,9 @@ class Generator {
 
     /// Too many fields for columns: each record is a block of names and values.
     void form() {
-        const double width = usableWidth() / (fields_.size() > 60 ? 4 : 3);
-        const auto count = static_cast<std::size_t>(usableWidth() / width + 0.5);
-        const double wanted = static_cast<double>((fields_.size() + count - 1) / count) * kRowHeight + 4;
+        const std::size_t columns = fields_.size() > 60 ? 4 : 3;
+        const std::size_t rows = (fields_.size() + columns - 1) / columns;
+        const double wanted = static_cast<double>(rows) * kRowHeight + 4;
         const double top = std::min(y_, height_ - 60);
         const double height = std::min(wanted, height_ - 22 - top);
         beginLayer("Zeile");

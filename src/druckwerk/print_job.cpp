@@ -24,8 +24,8 @@ double heightOf(const std::optional<Band>& band) {
 PrintJob::PrintJob(Layout layout, Definitions& definitions, const std::filesystem::path& output,
                    const std::filesystem::path& layoutFolder, const PrintDate& date, FontLibrary::Warn warn)
     : layout_(std::move(layout)), definitions_(definitions), warn_(warn), printDate_(textOf(date)),
-      document_(output, layout_.width, layout_.height, warn), setter_(document_, warn), top_(layout_.flowTop()),
-      bottom_(layout_.flowBottom()) {
+      document_(output, layout_.width, layout_.height, warn), setter_(document_, std::move(warn)),
+      top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
     double closing = heightOf(layout_.sum);
     for (const Group& group : layout_.groups)
         closing += heightOf(group.foot);

@@ -12,6 +12,8 @@ template <class... Handlers>
 struct Overload : Handlers... {
     using Handlers::operator()...;
 };
+template <class... Handlers>
+Overload(Handlers...) -> Overload<Handlers...>;
 
 bool isName(StringView text) {
     return !text.empty() && std::none_of(text.begin(), text.end(), [](char16_t c) {
