@@ -54,9 +54,12 @@ bool sameName(StringView left, StringView right) {
 Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections, OdbcKvtzug::Trace trace)
     : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)),
       rowset_(readerClass.columns, readerClass.single ? 1 : kBlockRows) {
-    for (const auto getter : readerClass.key)
+    asked_.resize(readerClass.columns.size());
+    for (const auto getter : readerClass.key) {
         key_.push_back(std::size_t(std::ranges::find(readerClass.columns, getter, &Column::getter) -
                                    readerClass.columns.begin()));
+        asked_[key_.back()] = true;
+    }
 }
 
 Object::MemberId Reader::idOf(StringView name) {
@@ -77,6 +80,8 @@ Variant Reader::call(MemberId member, std::span<const Variant> arguments) {
     const auto index = std::size_t(member) - 1;
     if (index >= class_.columns.size())
         return operate(index - class_.columns.size(), arguments);
+    if (!asked_[index])
+        askFor(index);
     return atEnd() ? rowset_.nothing(index) : rowset_.value(index, row_);
 }
 
@@ -129,7 +134,7 @@ bool Reader::read(const ReadOperation& operation, std::span<const Variant> argum
 }
 
 bool Reader::moveFirst() {
-    if (firstBlock_)
+    if (behind_.empty())
         row_ = 0;
     else
         fetchBlock({});
@@ -153,35 +158,52 @@ std::vector<Parameter> Reader::lastKey() const {
     return key;
 }
 
+/// Takes a column along from now on. The first block has all columns, so only a later one is queried again.
+void Reader::askFor(std::size_t column) {
+    asked_[column] = true;
+    if (atEnd() || behind_.empty())
+        return;
+    const auto row = row_;
+    fetchBlock(behind_);
+    row_ = row;
+}
+
 /// Queries the rows behind the key `behind`, or the first ones without a key; again with wider buffers where a text
-/// did not fit.
-void Reader::fetchBlock(const std::vector<Parameter>& behind) {
-    firstBlock_ = behind.empty();
+/// did not fit. Behind the first block only those columns are queried that anybody has asked for: drivers turn
+/// every number into text and back, which for the months that a report does not print would cost more than all
+/// else.
+void Reader::fetchBlock(std::vector<Parameter> behind) {
+    behind_ = std::move(behind);
     row_ = fetched_ = 0;
+    selection_.clear();
+    for (std::size_t column = 0; column < asked_.size(); ++column)
+        if (behind_.empty() || asked_[column])
+            selection_.push_back(column);
     auto parameters = parameters_;
-    parameters.insert(parameters.end(), behind.begin(), behind.end());
+    parameters.insert(parameters.end(), behind_.begin(), behind_.end());
     std::size_t fetched = 0;
     do {
-        const auto query = sql(!behind.empty());
+        const auto query = sql(!behind_.empty());
         if (trace_)
             trace_(query);
         Statement statement(connection_,
                             u"Die Daten von " + String(class_.name) + u" konnten nicht gelesen werden.", query,
                             parameters);
-        rowset_.bind(statement);
+        rowset_.bind(statement, selection_);
         fetched = statement.fetch(rowset_.rows());
     } while (rowset_.widen(fetched));
     fetched_ = fetched;
 }
 
 String Reader::sql(bool goingOn) const {
-    std::vector<String> columns;
-    for (const auto& column : class_.columns)
-        columns.push_back(column.column);
-    std::vector<String> key;
-    for (const auto column : key_)
-        key.push_back(columns[column]);
-    String result = u"SELECT " + joined(columns) + u" FROM " + String(class_.tables) + u" WHERE " +
+    const auto names = [this](const std::vector<std::size_t>& columns) {
+        std::vector<String> result;
+        for (const auto column : columns)
+            result.push_back(class_.columns[column].column);
+        return result;
+    };
+    const auto key = names(key_);
+    String result = u"SELECT " + joined(names(selection_)) + u" FROM " + String(class_.tables) + u" WHERE " +
                     String(operation_->condition);
     if (goingOn)
         result += u" AND (" + joined(key) + u") > (" + joined(std::vector<String>(key.size(), u"?")) + u")";

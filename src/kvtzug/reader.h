@@ -34,7 +34,8 @@ class Reader : public Object {
     bool moveNext();
 
     std::vector<Parameter> lastKey() const;
-    void fetchBlock(const std::vector<Parameter>& behind);
+    void fetchBlock(std::vector<Parameter> behind);
+    void askFor(std::size_t column);
     String sql(bool goingOn) const;
 
     const ReaderClass& class_;
@@ -46,7 +47,9 @@ class Reader : public Object {
     Variant productMode_;
     const ReadOperation* operation_ = nullptr;
     std::vector<Parameter> parameters_;
-    bool firstBlock_ = true;
+    std::vector<Parameter> behind_; ///< the key that the block in hand begins behind; empty for the first block
+    std::vector<bool> asked_;       ///< by column: whether a getter has asked for it
+    std::vector<std::size_t> selection_; ///< the columns of the block in hand
     std::size_t fetched_ = 0;
     std::size_t row_ = 0;
 };

@@ -68,9 +68,9 @@ void Rowset::allocate() {
     }
 }
 
-void Rowset::bind(Statement& statement) {
-    for (std::size_t i = 0; i < buffers_.size(); ++i) {
-        auto& buffer = buffers_[i];
+void Rowset::bind(Statement& statement, const std::vector<std::size_t>& selection) {
+    for (std::size_t i = 0; i < selection.size(); ++i) {
+        auto& buffer = buffers_[selection[i]];
         statement.bindColumn(SQLUSMALLINT(i + 1), cType(buffer.type), buffer.values.data(), buffer.width,
                              buffer.lengths.data());
     }

@@ -19,8 +19,9 @@ class Rowset {
     /// Rows that a block holds.
     std::size_t rows() const { return rows_; }
 
-    /// Binds the buffers to the columns of `statement`.
-    void bind(Statement& statement);
+    /// Binds the buffers of the columns `selection` to the columns of `statement`, in that order. What the others
+    /// hold has no meaning from then on.
+    void bind(Statement& statement, const std::vector<std::size_t>& selection);
 
     /// Makes room for every text that did not fit into its buffer; gives whether there was one. The block is lost
     /// then, and must be queried again.

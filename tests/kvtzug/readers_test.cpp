@@ -443,6 +443,18 @@ TEST_F(ManyYears, MoveFirstAsksTheDatabaseOnlyWhenTheFirstRecordIsNoLongerInHand
     EXPECT_EQ(turnover.numbers(u"Jahr").size(), std::size_t(kYears));
 }
 
+TEST_F(ManyYears, AGetterThatIsFirstUsedFarIntoTheDataGivesItsValue) {
+    const auto turnover = reader(u"clsZugUmsatz");
+    turnover.call(u"LeseUmsatzAlle", {1.0});
+    for (int year = 1; year < 2500; ++year)
+        turnover.call(u"MoveNext");
+    EXPECT_EQ(turnover.number(u"IUmsatzDM"), 2500 * 1.5);
+    EXPECT_EQ(turnover.number(u"Jahr"), 2500);
+    const auto before = queries_;
+    EXPECT_EQ(turnover.numbers(u"IUmsatzDM").back(), kYears * 1.5);
+    EXPECT_LE(queries_, before + 1) << "known from then on";
+}
+
 TEST_F(ManyYears, ReadersWalkIndependently) {
     const auto outer = reader(u"clsZugUmsatz");
     const auto inner = reader(u"clsZugUmsatz");
