@@ -766,6 +766,8 @@ class LayoutReader {
         chart->box = boxOf(rect, rectContext.matrix, "Rechteck des Diagramms");
         chart->font = context.style.font;
         chart->size = context.style.fontSize * context.matrix.scale();
+        if (chart->size < 0.5 || chart->size > 200)
+            invalid("Schriftgröße des Diagramms ist ungültig");
         chart->textColor = context.style.fill.color;
         chart->scope = target_.scope;
         chart->description = "Diagramm (Zeile " + std::to_string(lineOf(node)) + ")";

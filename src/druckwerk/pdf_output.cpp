@@ -19,6 +19,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
+constexpr double kMaximumNumber = 1e9; // beyond it, and for NaN, there is nothing to be seen on a page
 constexpr int kCompressionLevel = 1; // level 6 makes the files a tenth smaller and takes four times as long
 
 } // namespace
@@ -134,8 +135,9 @@ void PdfOutput::finish(int catalog, int info) {
     }
     flush();
     std::array<char, 33> id{};
-    std::snprintf(id.data(), id.size(), "%016llx%016llx", static_cast<unsigned long long>(hash_),
-                  static_cast<unsigned long long>(hash_ * 0xBF58476D1CE4E5B9U + offsets_.size()));
+    const unsigned long long first = hash_;
+    const unsigned long long second = hash_ * 0xBF58476D1CE4E5B9U + offsets_.size();
+    std::snprintf(id.data(), id.size(), "%016llx%016llx", first, second);
     write("trailer\n<</Size " + std::to_string(offsets_.size() + 1) + "/Root " + std::to_string(catalog) +
           " 0 R/Info " + std::to_string(info) + " 0 R/ID[<" + id.data() + "><" + id.data() + ">]>>\nstartxref\n" +
           std::to_string(start) + "\n%%EOF\n");
@@ -150,6 +152,8 @@ void PdfOutput::finish(int catalog, int info) {
 }
 
 void appendNumber(std::string& out, double value) {
+    if (!(std::fabs(value) < kMaximumNumber))
+        value = 0;
     auto hundredths = static_cast<std::int64_t>(value < 0 ? value * 100 - 0.5 : value * 100 + 0.5);
     std::array<char, 24> buffer;
     char* at = buffer.data();

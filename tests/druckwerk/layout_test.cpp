@@ -10,7 +10,6 @@ namespace {
 
 using namespace testing;
 using ::testing::Contains;
-using ::testing::Field;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -207,7 +206,7 @@ TEST_F(LayoutTest, CyclicAndMultiplyingUseIsRefused) {
     std::string nested = "<rect id='n0' width='1' height='1'/>";
     for (int i = 1; i < 40; ++i) {
         const std::string inner = "<use href='#n" + std::to_string(i - 1) + "'/>";
-        nested += "<g id='n" + std::to_string(i) + "'>" + inner + inner + "</g>";
+        nested.append("<g id='n").append(std::to_string(i)).append("'>").append(inner).append(inner).append("</g>");
     }
     EXPECT_THAT(error(row("<defs>" + nested + "</defs><use href='#n39'/>"), kLayoutRefused),
                 HasSubstr("vervielfacht"));
@@ -216,7 +215,7 @@ TEST_F(LayoutTest, CyclicAndMultiplyingUseIsRefused) {
 TEST_F(LayoutTest, DepthSizeAndNumberAreBounded) {
     std::string deep;
     for (int i = 0; i < 100; ++i)
-        deep = "<g>" + deep + "</g>";
+        deep.insert(0, "<g>").append("</g>");
     EXPECT_THAT(error(row(deep), kLayoutRefused), HasSubstr("64 Ebenen"));
     std::string deeper(100000 * 3, ' ');
     for (std::size_t i = 0; i < deeper.size(); i += 3)
@@ -226,7 +225,9 @@ TEST_F(LayoutTest, DepthSizeAndNumberAreBounded) {
     for (int i = 0; i < 20001; ++i)
         many += "<g/>";
     EXPECT_THAT(error(row(many), kLayoutRefused), HasSubstr("20.000 Elemente"));
-    EXPECT_THAT(error(std::string(20'000'001, ' '), kLayoutRefused), HasSubstr("größer als 20 MB"));
+    std::string large;
+    large.resize(20'000'001, ' ');
+    EXPECT_THAT(error(large, kLayoutRefused), HasSubstr("größer als 20 MB"));
 }
 
 TEST_F(LayoutTest, HugeAndStrangeNumbersDoNoHarm) {
