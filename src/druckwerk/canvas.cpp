@@ -8,7 +8,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 std::int64_t hundredths(double value) {
-    return std::llround(value * 100);
+    return std::fabs(value) < 1e9 ? std::llround(value * 100) : 0;
 }
 
 void appendHundredths(std::string& out, std::int64_t value) {
