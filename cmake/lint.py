@@ -10,6 +10,7 @@ import hashlib
 import json
 import os
 import pathlib
+import shlex
 import subprocess
 import sys
 
@@ -47,6 +48,12 @@ def fingerprint(entry, files, rules):
     return hashlib.sha256("\n".join(parts).encode()).hexdigest()
 
 
+def object_of(entry):
+    """The object file that the compile command writes."""
+    words = shlex.split(entry["command"])
+    return words[words.index("-o") + 1]
+
+
 def check(build, entry):
     result = subprocess.run([TIDY, "--quiet", "-p", build, entry["file"]], capture_output=True, text=True)
     return result.returncode == 0, result.stdout
@@ -62,7 +69,7 @@ def main():
         made_of = dependencies(build)
         for entry in json.loads(pathlib.Path(build, "compile_commands.json").read_text()):
             if entry["file"].startswith(CHECKED) and not any(entry["file"] == job[1]["file"] for job in jobs.values()):
-                files = made_of.get(os.path.relpath(os.path.join(entry["directory"], entry["output"]), build))
+                files = made_of.get(os.path.relpath(os.path.join(entry["directory"], object_of(entry)), build))
                 if not files:
                     sys.exit(f"lint: {entry['file']} has not been built")
                 jobs[fingerprint(entry, files, rules)] = (build, entry)

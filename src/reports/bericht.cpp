@@ -20,6 +20,8 @@ template <class... F>
 struct Auswahl : F... {
     using F::operator()...;
 };
+template <class... F>
+Auswahl(F...) -> Auswahl<F...>;
 
 } // namespace
 

@@ -466,7 +466,8 @@ TEST_F(Cases, TheUnitSwitchChoosesTheTitle) {
                                                      {1.0, "Minute"}, {60.0, "Minute"},      {true, "Minute"}};
     for (const auto& [cell, unit] : cases) {
         host.world.engineCalls.clear();
-        EXPECT_TRUE(printValues("KalkW", [&](Array& values) { values.cells[0][27] = cell; }));
+        EXPECT_TRUE(
+            printValues("KalkW", [&, unitSwitch = cell](Array& values) { values.cells[0][27] = unitSwitch; }));
         EXPECT_THAT(calls(),
                     Contains(variable("Ueberschrift", std::string("Kalkulationswerte je ") + unit, kTypeText)));
     }

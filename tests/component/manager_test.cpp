@@ -481,8 +481,8 @@ class Letterhead : public Adapter {
             adapter.FKT_DefiniereVariablen_AllgemeineFirmendaten(world().create(u"clsZugFirmaAllg"), title));
         return world().engineCalls;
     }
-    std::string addressFor(std::map<String, std::vector<Variant>> changed) {
-        for (auto& [name, value] : changed)
+    std::string addressFor(const std::map<String, std::vector<Variant>>& changed) {
+        for (const auto& [name, value] : changed)
             world().readers["clsZugFirmaAllg"].values[name] = value;
         const auto call = define().at(12);
         const std::string head = "LlDefineVariableExt(\"FnrAnschriftGes\", \"";

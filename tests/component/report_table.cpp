@@ -128,7 +128,7 @@ std::vector<std::pair<std::string, std::int32_t>> names(const std::string& descr
 }
 
 void fill(World& world, std::size_t records) {
-    const auto perRecord = [&](Variant before, Variant last) {
+    const auto perRecord = [&](const Variant& before, const Variant& last) {
         std::vector<Variant> values(records, before);
         if (records > 1)
             values.back() = last;

@@ -391,6 +391,7 @@ class EveryFailure : public ::testing::TestWithParam<std::tuple<ReportDescriptio
 
     std::vector<std::string> places(const std::vector<Report>& reports) const {
         std::vector<std::string> result;
+        result.reserve(reports.size());
         for (const auto& each : reports)
             result.push_back(each.klasse + "/" + each.prozedur);
         return result;
