@@ -77,7 +77,7 @@ std::u32string codePoints(StringView text) {
         const char16_t c = text[i];
         const bool high = c >= 0xD800 && c < 0xDC00;
         if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000)
-            out += 0x10000U + ((c - 0xD800U) << 10) + (text[++i] - 0xDC00U);
+            out += static_cast<char32_t>(0x10000U + ((c - 0xD800U) << 10) + (text[++i] - 0xDC00U));
         else if (c >= 0xD800 && c < 0xE000)
             out += U'\uFFFD';
         else

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -22,7 +23,10 @@ struct FontRequest {
     std::vector<std::string> families;
     int weight = 400;
     bool italic = false;
-    auto operator<=>(const FontRequest&) const = default;
+    bool operator==(const FontRequest&) const = default;
+    bool operator<(const FontRequest& other) const {
+        return std::tie(families, weight, italic) < std::tie(other.families, other.weight, other.italic);
+    }
 };
 
 /// A picture of a character (an emoji), placed as an image. Lengths are in ems.

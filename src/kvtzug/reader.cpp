@@ -198,6 +198,7 @@ void Reader::fetchBlock(std::vector<Parameter> behind) {
 String Reader::sql(bool goingOn) const {
     const auto names = [this](const std::vector<std::size_t>& columns) {
         std::vector<String> result;
+        result.reserve(columns.size());
         for (const auto column : columns)
             result.push_back(class_.columns[column].column);
         return result;
