@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
 constexpr double kMaximumNumber = 1e9; // beyond it, and for NaN, there is nothing to be seen on a page
-constexpr int kCompressionLevel = 1; // level 6 makes the files a tenth smaller and takes four times as long
+constexpr int kCompressionLevel = 1;   // level 6 makes the files a tenth smaller and takes four times as long
 
 } // namespace
 

@@ -104,7 +104,7 @@ TEST(NumberPattern, EveryAmountInCentsReadsAsItWasMeant) {
         if (expected.size() > 3)
             expected.insert(expected.size() - 3, ".");
         const int rest = std::abs(cents) % 100;
-        expected = (cents < 0 ? "-" : "") + expected + "," + (rest < 10 ? "0" : "") + std::to_string(rest);
+        expected.insert(0, cents < 0 ? "-" : "").append(rest < 10 ? ",0" : ",").append(std::to_string(rest));
         String out;
         NumberPattern(u"#.##0,00").append(Number::of(cents / 100.0), out);
         ASSERT_EQ(toUtf8(out), expected);
