@@ -46,6 +46,22 @@ class HiddenWindow {
     HWND window_ = nullptr;
 };
 
+/// A control of a licensed kind is made against the key that its factory gives on a machine that may use it.
+ComPtr<IUnknown> createControl() {
+    ComPtr<IClassFactory2> factory;
+    const auto id = classIdOf(kControl);
+    if (FAILED(CoGetClassObject(id, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, nullptr, IID_IClassFactory2,
+                                reinterpret_cast<void**>(factory.put()))))
+        return createObject(id);
+    BSTR key = nullptr;
+    if (FAILED(factory->RequestLicKey(0, &key)))
+        return createObject(id);
+    const Bstr owner(key);
+    ComPtr<IUnknown> control;
+    check(factory->CreateInstanceLic(nullptr, nullptr, IID_IUnknown, key, reinterpret_cast<void**>(control.put())));
+    return control;
+}
+
 class ComControl final : public Control {
   public:
     explicit ComControl(ComPtr<IDispatch> control) : control_(std::move(control)) {
@@ -112,8 +128,7 @@ class ComControl final : public Control {
 
 class ComForm final : public Form {
   public:
-    ComForm()
-        : hosted_(createObject(classIdOf(kControl)), window_.get()), control_(hosted_.control().as<IDispatch>()) {}
+    ComForm() : hosted_(createControl(), window_.get()), control_(hosted_.control().as<IDispatch>()) {}
 
     Control& ll60() override { return control_; }
     WindowHandle hWnd() override { return {reinterpret_cast<std::intptr_t>(window_.get())}; }
