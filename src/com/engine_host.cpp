@@ -48,17 +48,17 @@ class HiddenWindow {
 
 /// A control of a licensed kind is made against the key that its factory gives on a machine that may use it.
 ComPtr<IUnknown> createControl() {
-    ComPtr<IClassFactory2> factory;
-    const auto id = classIdOf(kControl);
-    if (FAILED(CoGetClassObject(id, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, nullptr, IID_IClassFactory2,
-                                reinterpret_cast<void**>(factory.put()))))
-        return createObject(id);
-    BSTR key = nullptr;
-    if (FAILED(factory->RequestLicKey(0, &key)))
-        return createObject(id);
-    const Bstr owner(key);
+    ComPtr<IClassFactory> factory;
+    check(CoGetClassObject(classIdOf(kControl), CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, nullptr,
+                           IID_IClassFactory, reinterpret_cast<void**>(factory.put())));
     ComPtr<IUnknown> control;
-    check(factory->CreateInstanceLic(nullptr, nullptr, IID_IUnknown, key, reinterpret_cast<void**>(control.put())));
+    const auto target = reinterpret_cast<void**>(control.put());
+    BSTR key = nullptr;
+    const auto licensed = factory.as<IClassFactory2>();
+    const bool hasKey = licensed && SUCCEEDED(licensed->RequestLicKey(0, &key));
+    const Bstr owner(key);
+    check(hasKey ? licensed->CreateInstanceLic(nullptr, nullptr, IID_IUnknown, key, target)
+                 : factory->CreateInstance(nullptr, IID_IUnknown, target));
     return control;
 }
 
