@@ -41,14 +41,18 @@ class clsDruck_Firma final : public Leserbericht {
             if (ohneErstes && ohneLetztes)
                 parray().Value(0, 0, true);
         }
-        const bool gelesen =
-            parray().ist(0, 0, true)
-                ? leser().Lese(clsZugFirmaJahr.leseAlle, {auftrag().pFnr})
-                : leser().Lese(clsZugFirmaJahr.leseVonBis, {auftrag().pFnr, roundToInteger(parray().single(0, 1)),
-                                                            roundToInteger(parray().single(0, 2))});
+        const bool gelesen = LeseAuswahl();
         if (gelesen && !leser().Ende())
             leser().MoveFirst();
         return gelesen;
+    }
+
+    bool LeseAuswahl() {
+        if (parray().ist(0, 0, true))
+            return leser().Lese(clsZugFirmaJahr.leseAlle, {auftrag().pFnr});
+        const auto erstes = roundToInteger(parray().single(0, 1));
+        const auto letztes = roundToInteger(parray().single(0, 2));
+        return leser().Lese(clsZugFirmaJahr.leseVonBis, {auftrag().pFnr, erstes, letztes});
     }
 
     bool DefiniereAlles() override {
