@@ -2,6 +2,8 @@
 
 #include "platform/conversion.h"
 
+#include <gtest/gtest.h>
+
 #include <ostream>
 #include <utility>
 
@@ -224,7 +226,7 @@ Variant Records::value(const String& getter, std::size_t record) {
     if (const auto found = values.find(getter); found != values.end())
         return found->second[std::min(record, found->second.size() - 1)];
     const auto number = numbers_.try_emplace(getter, static_cast<int>(numbers_.size()) + 1).first->second;
-    return number + 0.25 + 1000.0 * static_cast<double>(record);
+    return number + fraction + 1000.0 * static_cast<double>(record);
 }
 
 Array::Array(Outside& outside, std::vector<std::vector<Variant>> contents)
@@ -260,6 +262,10 @@ void Array::put(MemberId, std::span<const Variant> arguments, const Variant& val
 World::World()
     : clock(dateOf(2026, 3, 4, 5, 6, 7)), processes_(std::make_unique<FakeProcesses>(*this)),
       fehler_(std::make_unique<FakeFehlerFactory>(*this)), forms_(std::make_unique<FakeForms>(*this)) {}
+
+World::~World() {
+    EXPECT_EQ(outside.live, 0) << "something was never released";
+}
 
 std::unique_ptr<FileSystem> World::createFileSystem() {
     outside.call("create files");

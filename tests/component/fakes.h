@@ -49,6 +49,7 @@ class Outside {
 class Records {
   public:
     std::size_t count = 1;
+    double fraction = 0.25; ///< of the numbers of getters without values
     /// Values of single getters, one per record; the last one serves for all further records.
     std::map<String, std::vector<Variant>> values;
     std::map<String, bool> answers;          ///< results of read operations; True where nothing is said
@@ -101,6 +102,7 @@ class World final : public Platform, public Kvtzug {
     std::string previewFile; ///< what the engine leaves behind at LlPrintEnd, if anything
 
     World();
+    ~World() override;
 
     // Platform
     std::unique_ptr<FileSystem> createFileSystem() override;

@@ -8,22 +8,19 @@
 namespace kvtdruck::test {
 namespace {
 
-const std::string kMonthRow = "Firmennummer Fuerjahr";
+const std::string kMonthRow = "Firmennummer ~Fuerjahr";
 const std::string kMasterSheet =
-    "Firmennummer Fuerjahr #Anrede #ADat #Art #EDat #Fax #GDat #Vorname #Name Nummer #Ort Plz #Stand #Strasse "
-    "#Tel1 "
-    "#Tel2 ErhAbMon ErhAbMonDM ErhAbMonPr Gehalt IAnwBerStd IAnwStd IBezStd IBezStdProd IGesProdStd IProdLk "
-    "IPStdVerDM "
-    "IStdVerDM IUnProdLk IKalkULohn SAnwBerStd SAnwStd SBezStd SBezStdProd SGesProdStd SProdLk SStdVerDM SUnProdLk "
-    "SKalkULohn AnzahlMa PraeAbMon PraeAbMonDM PraeAbMonPr ProdZuPr TAZeit TAZeitAbMon TAZeitAbStd NBerPr NBerStd "
-    "RUebPr "
-    "RUebStd SAnzahlMaPr IAnzahlMaPr StdLohn #Name3 KostenSatzHW #Tel3 #EMail #Homepage #BezEMail #BezFax "
-    "#BezHomepage "
-    "#BezTel1 #BezTel2 #BezTel3";
+    "Firmennummer ~Fuerjahr #Anrede #ADat #Art #EDat #Fax #GDat #Vorname #Name Nummer #Ort Plz #Stand "
+    "#Strasse #Tel1 #Tel2 ~ErhAbMon ErhAbMonDM ErhAbMonPr Gehalt IAnwBerStd IAnwStd IBezStd IBezStdProd "
+    "IGesProdStd IProdLk IPStdVerDM IStdVerDM IUnProdLk IKalkULohn SAnwBerStd SAnwStd SBezStd SBezStdProd "
+    "SGesProdStd SProdLk SStdVerDM SUnProdLk SKalkULohn ~AnzahlMa ~PraeAbMon PraeAbMonDM PraeAbMonPr "
+    "ProdZuPr ~TAZeit ~TAZeitAbMon TAZeitAbStd NBerPr NBerStd ~RUebPr ~RUebStd ~SAnzahlMaPr ~IAnzahlMaPr "
+    "StdLohn #Name3 KostenSatzHW #Tel3 #EMail #Homepage #BezEMail #BezFax #BezHomepage #BezTel1 #BezTel2 "
+    "#BezTel3";
 const std::string kAccountFields =
-    "VKonto EKonto #Bezeichnung JWIst JWSoll KtoBetrArt FJahr Seitenwechsel MonatIst "
+    "VKonto EKonto #Bezeichnung JWIst JWSoll ~KtoBetrArt ~FJahr Seitenwechsel MonatIst "
     "MonatSoll #MonatText #Waehrung";
-const std::string kPeriod = "Firmennummer Jahr SVMon SBMon IVMon IBMon";
+const std::string kPeriod = "Firmennummer Jahr=3 SVMon SBMon IVMon IBMon";
 const std::string kVariables = "Definiere_Übergebe_Variablen";
 const std::string kNoEmployees = "Die Mitarbeiter konnten nicht gelesen werden.";
 const std::string kNoAccounts = "Die Konten konnten nicht gelesen werden";
@@ -42,88 +39,112 @@ const std::vector<ReportDescription>& allReports() {
          "#Strasse #Telefon1 #Telefon2"},
         {"Firma", "clsDruck_Firma", "Allgemeine Firmendaten", "clsZugFirmaJahr", "Lese_Firmendaten",
          "Die Firmendaten konnten nicht gelesen werden", "Definiere_Übergebe_Variablen_Allg",
-         "Firmennummer AnzahlFeiertage AnzahlFeiertageSon AnzahlFeiertageSam Jahrestage AnzahlSonntage "
-         "AnzahlSamstage "
-         "Arbeitstage* GrenzeRentenversicherung GrenzeAushilfskraft GrenzeGeringverdiener FuerJahr "
-         "Arbeitslosenversicherung Pflegeversicherung Krankenversicherung Rentenversicherung SteuersatzAushilfe "
-         "Tagesarbeitszeit DurchUeberstundenzuschlag Erstattungsumlage Krankheitstage VorgabeUrlaubsgeld "
-         "Urlaubstage "
-         "VorgabeWeihnachtsgeld VWL",
+         "Firmennummer ~AnzahlFeiertage ~AnzahlFeiertageSon ~AnzahlFeiertageSam ~Jahrestage ~AnzahlSonntage "
+         "~AnzahlSamstage "
+         "~Arbeitstage* GrenzeRentenversicherung ~GrenzeAushilfskraft ~GrenzeGeringverdiener ~FuerJahr "
+         "~Arbeitslosenversicherung ~Pflegeversicherung ~Krankenversicherung ~Rentenversicherung "
+         "~SteuersatzAushilfe "
+         "~Tagesarbeitszeit ~DurchUeberstundenzuschlag ~Erstattungsumlage ~Krankheitstage ~VorgabeUrlaubsgeld "
+         "~Urlaubstage "
+         "~VorgabeWeihnachtsgeld ~VWL",
          "#FDatum #Feiertag"},
         {"GemeinK", "clsDruck_GemeinK", "Gemeinkosten", "clsZugKonten", "Lese_Konten", kNoAccounts, kVariables,
-         "Firmennummer FuerJahr", kAccountFields},
+         "Firmennummer ~FuerJahr", kAccountFields},
         {"NeutralA", "clsDruck_NeutralA", "Neutrale Aufwendungen", "clsZugKonten", "Lese_Konten", kNoAccounts,
-         kVariables, "Firmennummer FuerJahr", kAccountFields},
+         kVariables, "Firmennummer ~FuerJahr", kAccountFields},
         {"MaKost", "clsDruck_MitarbeiterKosten", "Mitarbeiter-Kosten", "clsZugMitarbeiterMonate",
          "Lese_Mitarbeiter", kNoEmployees, kVariables, kMonthRow,
-         "#Name Seitenwechsel Nummer FJahr IBrutto SBrutto IBruttoGes SBruttoGes IUrl SUrl IVWL SVWL IWG SWG "
+         "#Name Seitenwechsel Nummer ~FJahr IBrutto SBrutto IBruttoGes SBruttoGes IUrl SUrl IVWL SVWL IWG SWG "
          "IAdmPr "
-         "SAdmPr Monat"},
+         "SAdmPr ~Monat"},
         {"MaZeit", "clsDruck_MitarbeiterZeiten", "Mitarbeiter-Zeiten", "clsZugMitarbeiterMonate",
          "Lese_Mitarbeiter", kNoEmployees, kVariables, kMonthRow,
-         "Seitenwechsel FJahr #Name Nummer Monat IAdmPr IAnwTage IKrank ISonstTage IUrlT IAusb IProdStd IUebStd "
-         "INBerStd IBerStdJahr IBerSzdTag SAdmPr SAnwTage SKrank SSonstTage SUrlT SAusb SProdStd SUebStd SNBerStd "
+         "Seitenwechsel ~FJahr #Name Nummer ~Monat IAdmPr ~IAnwTage ~IKrank ~ISonstTage ~IUrlT ~IAusb IProdStd "
+         "IUebStd "
+         "INBerStd IBerStdJahr IBerSzdTag SAdmPr ~SAnwTage ~SKrank ~SSonstTage ~SUrlT ~SAusb SProdStd SUebStd "
+         "SNBerStd "
          "SBerStdJahr SBerSzdTag"},
         {"MaStKost", "clsDruck_MitarbeiterStammKosten", "Mitarbeiter-Stammblatt-Kosten", "clsZugMitarbeiterMonate",
          "Lese_Mitarbeiter", kNoEmployees, kVariables, kMasterSheet,
-         "IAV IBrutto IBruttoGes IVWL IWG IUrl IRV IKV IPflege IErst ISONST IRueck SAV SBrutto SBruttoGes SVWL SWG "
-         "SUrl SRV SKV SPflege SErst SSonst SRueck Monat"},
+         "IAV IBrutto IBruttoGes IVWL IWG IUrl IRV IKV IPflege IErst ~ISONST IRueck SAV SBrutto SBruttoGes SVWL "
+         "SWG "
+         "SUrl SRV SKV SPflege SErst SSonst SRueck ~Monat"},
         {"MaStZeit", "clsDruck_MitarbeiterStZeiten", "Mitarbeiter-Stammblatt-Zeiten", "clsZugMitarbeiterMonate",
          "Lese_Mitarbeiter", kNoEmployees, kVariables, kMasterSheet,
-         "SArbtage SUrlT SAusb SSonstTage SAnwTage SAnwStd SAdmPr SAdmStd SProdStd SUebStd SProdAnwJahr SNBerStd "
-         "SBerStdJahr SBerStdTag SKrank IArbtage IUrlT IAusb ISonstTage IAnwTage IAnwStd IAdmPr IAdmStd IProdStd "
-         "IUebStd IProdAnwJahr INBerStd IBerStdJahr IBerStdTag Monat IKrank"},
+         "~SArbtage ~SUrlT ~SAusb ~SSonstTage ~SAnwTage SAnwStd SAdmPr SAdmStd SProdStd SUebStd SProdAnwJahr "
+         "SNBerStd "
+         "SBerStdJahr SBerStdTag ~SKrank ~IArbtage ~IUrlT ~IAusb ~ISonstTage ~IAnwTage IAnwStd IAdmPr IAdmStd "
+         "IProdStd "
+         "IUebStd IProdAnwJahr INBerStd IBerStdJahr IBerStdTag ~Monat ~IKrank"},
         {"KalkKo", "clsDruck_KalkKosten", "Kalkulatorische Kosten", "clsZugKosten", "Lese_Kosten",
          "Die Kosten konnten nicht gelesen werden.", kVariables,
-         "Seitenwechsel Firmennummer FuerJahr DAfa DSons DWag MMieteJahr MMieteMon Priv QM QMPreis UPausch ZEK "
+         "Seitenwechsel Firmennummer ~FuerJahr DAfa DSons DWag MMieteJahr MMieteMon Priv QM QMPreis UPausch ZEK "
          "ZPZins "
          "ZDMZins",
          ""},
         {"MatUeber", "clsDruck_MatUeber", "Materialübersicht", "clsZugMaterial", "Lese_Material",
          "Das Material konnten nicht gelesen werden.", kVariables,
-         "Firmennummer Fuerjahr SMatVKPr SUJMatDM IMatVKPr IUJMatDM",
-         "#FWaehr SUMMatDM_* SUMMatpr_* SUMMatDM_Su SUMMatpr_Su IUMMatDM_* IUMMatpr_* IUMMatDM_Su IUMMatpr_Su "
+         "Firmennummer ~Fuerjahr SMatVKPr SUJMatDM IMatVKPr IUJMatDM",
+         "#FWaehr SUMMatDM_* ~SUMMatpr_* SUMMatDM_Su ~SUMMatpr_Su IUMMatDM_* ~IUMMatpr_* IUMMatDM_Su ~IUMMatpr_Su "
          "Seitenwechsel"},
         {"Bilanz", "clsDruck_Bilanz", "Bilanzkennzahlen", "", "", "", kVariables,
-         "Firmennummer Jahr Gewinn EK Umsatz ZinsFK Bilanz Abschr Rueckst FK LFK Anlage Cash Mat Lager", ""},
+         "Firmennummer Jahr=1 Gewinn EK Umsatz ZinsFK Bilanz Abschr Rueckst FK LFK Anlage Cash Mat Lager", ""},
         {"BsEMa", "clsDruck_BsEMa", "Betriebsübersicht Mitarbeiter", "", "", "", kVariables, kPeriod,
-         "#FWaehr #Text SAMaDM SPMaDM SUMaDM IAMaDM IPMaDM IUMaDM DAMaDM DPMaDM DUMaDM"},
+         "#FWaehr #Text=8 SAMaDM SPMaDM SUMaDM IAMaDM IPMaDM IUMaDM DAMaDM DPMaDM DUMaDM"},
         {"BsEStd", "clsDruck_BsEStd", "Betriebsübersicht je Stunde", "", "", "", kVariables, kPeriod,
-         "#Text SDM SPR IDM IPR DDM DPR #FWaehr"},
+         "#Text=8 SDM SPR IDM IPR DDM DPR #FWaehr"},
         {"BsEGes", "clsDruck_BsEGes", "Betriebsübersicht Gesamt", "", "", "", kVariables,
-         kPeriod + " SStd IStd DStd DStdPr", "#FWaehr #Text SDM SPR IDM IPR DDM DPR"},
+         kPeriod + " SStd=9 IStd=11 DStd=13 DStdPr", "#FWaehr #Text=8 SDM SPR IDM IPR DDM DPR"},
         {"KalkW", "clsDruck_Kalkwerte", "Kalkulationswerte je Minute", "", "", "", kVariables,
-         kPeriod +
-             " SMateinsatz SBerStd SGewMat SMatSt SMatZu SGewMatStd IMateinsatz IBerStd IGewMat IMatSt IMatZu "
-             "IGewMatStd",
-         "#Text #FWaehr SDBPr SDB SVerPr SVer IDBPr IDB IVerPr IVer"},
+         "Firmennummer Jahr=1 SVMon=3 SBMon IVMon IBMon"
+         " SMateinsatz=15 SBerStd SGewMat SMatSt SMatZu SGewMatStd IMateinsatz IBerStd IGewMat IMatSt IMatZu "
+         "IGewMatStd",
+         "#Text=2 #FWaehr SDBPr=7 SDB SVerPr SVer IDBPr IDB IVerPr IVer"},
         {"WasWenn", "clsDruck_WasWenn", "Was Wäre Wenn", "", "", "", kVariables,
-         kPeriod +
-             " UPMa UStd WMa WStd SVer IVer TVer SKnz BerStd BerStdPr BerStdErh ProdLK ProdLKPr ProdLKErh UProdLK "
-             "UProdLKPr UProdLKErh KULohn KULohnPr KULohnErh Mat MatPr MatErh MatKnz VGem VGemPr VGemErh VGemKnz "
-             "FGem FGemPr FGemErh FGemKnz Aufw AufwPr AufwErh AufwKnz KKost KKostPr KKostErh KKostKnz",
-         "#Text SDM PDM DDM DPr FWaehr"},
-        {"UmsatzHW", "clsDruckUmsatzHW", "Umsatz Handwerk", "", "", "", kVariables, "Firmennummer Jahr",
-         "Taglohn WartRechnungen Rechnungen AbgrAZ OffeneAZ SchlussRechnung Gutschrift Saldo #Text"},
+         "Firmennummer Jahr=1 SVMon SBMon IVMon IBMon"
+         " UPMa=11 UStd WMa WStd SVer IVer TVer SKnz BerStd BerStdPr BerStdErh ProdLK ProdLKPr ProdLKErh UProdLK "
+         "UProdLKPr UProdLKErh KULohn KULohnPr KULohnErh Mat MatPr MatErh MatKnz VGem VGemPr VGemErh VGemKnz "
+         "FGem FGemPr FGemErh FGemKnz Aufw AufwPr AufwErh AufwKnz KKost KKostPr KKostErh KKostKnz",
+         "#Text=6 SDM PDM DDM DPr FWaehr=18"},
+        {"UmsatzHW", "clsDruckUmsatzHW", "Umsatz Handwerk", "", "", "", kVariables, "Firmennummer Jahr=0",
+         "Taglohn=1 WartRechnungen Rechnungen AbgrAZ OffeneAZ SchlussRechnung Gutschrift Saldo #Text"},
     };
     return reports;
 }
 
-std::vector<std::pair<std::string, std::int32_t>> names(const std::string& description) {
-    std::vector<std::pair<std::string, std::int32_t>> result;
+std::vector<Entry> entries(const std::string& description) {
+    std::vector<Entry> result;
+    std::optional<int> column;
     std::istringstream words(description);
     for (std::string word; words >> word;) {
-        const auto type = word.front() == '#' ? kTypeText : kTypeNumeric;
+        Entry entry{word, kTypeNumeric, word.front() == '~', {}};
         if (word.front() == '#')
-            word.erase(0, 1);
-        if (word.back() != '*') {
-            result.emplace_back(word, type);
+            entry.type = kTypeText;
+        if (entry.single || entry.type == kTypeText)
+            entry.name.erase(0, 1);
+        if (const auto sign = entry.name.find('='); sign != std::string::npos) {
+            column = std::stoi(entry.name.substr(sign + 1));
+            entry.name.erase(sign);
+        }
+        if (column && (entry.name != "FWaehr" || word.find('=') != std::string::npos))
+            entry.column = (*column)++;
+        if (entry.name.back() != '*') {
+            result.push_back(entry);
             continue;
         }
-        word.pop_back();
-        for (int month = 1; month <= 12; ++month)
-            result.emplace_back(word + (month < 10 ? "0" : "") + std::to_string(month), type);
+        const auto stem = entry.name.substr(0, entry.name.size() - 1);
+        for (int month = 1; month <= 12; ++month) {
+            entry.name = stem + (month < 10 ? "0" : "") + std::to_string(month);
+            result.push_back(entry);
+        }
     }
+    return result;
+}
+
+std::vector<std::pair<std::string, std::int32_t>> names(const std::string& description) {
+    std::vector<std::pair<std::string, std::int32_t>> result;
+    for (const auto& entry : entries(description))
+        result.emplace_back(entry.name, entry.type);
     return result;
 }
 

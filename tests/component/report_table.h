@@ -8,7 +8,9 @@
 
 namespace kvtdruck::test {
 
-/// One report. Names are separated by blanks; "#" before a name: text instead of number; "*" at the end: 01 to 12.
+/// One report. Names are separated by blanks; "#" before a name: text instead of number; "~": a single-precision
+/// number instead of a double; "*" at the end: 01 to 12; "=n": taken from column n, the following names from the
+/// columns after it.
 struct ReportDescription {
     std::string list;
     std::string klasse; ///< in error reports
@@ -22,6 +24,14 @@ struct ReportDescription {
 };
 
 const std::vector<ReportDescription>& allReports();
+
+struct Entry {
+    std::string name;
+    std::int32_t type;
+    bool single;
+    std::optional<int> column;
+};
+std::vector<Entry> entries(const std::string& description);
 
 /// The names of a description with their engine types, in order.
 std::vector<std::pair<std::string, std::int32_t>> names(const std::string& description);
