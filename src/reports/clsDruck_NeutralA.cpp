@@ -13,6 +13,15 @@ class clsDruck_NeutralA final : public Kontenbericht {
   private:
     // Any kind of amount but 0 reverses the sign; read anew for the year's and for the month's amounts.
     std::optional<double> Vorzeichen() override { return KtoBetrArt() != 0 ? std::optional(-1.0) : std::nullopt; }
+
+    // Both amounts of the month are taken before the kind is read anew and the first of them is defined.
+    void DefiniereMonat(Betraege& betraege) override {
+        const auto ist = Betrag(betraege.ist);
+        const auto soll = Betrag(betraege.soll);
+        const auto faktor = Vorzeichen();
+        DefiniereBetrag(u"MonatIst", ist, faktor);
+        DefiniereBetrag(u"MonatSoll", soll, faktor);
+    }
 };
 
 } // namespace

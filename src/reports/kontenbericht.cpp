@@ -48,21 +48,25 @@ bool Kontenbericht::Definiere_Übergebe_Felder() {
         Definiere(kFeld, merkmale_, satz());
         const auto monat = Monat();
         if (monat)
-            DefiniereBetraege(u"MonatIst", u"MonatSoll", monate_[*monat]);
+            DefiniereMonat(monate_[*monat]);
         Definiere(kFeld, u"MonatText", monat ? kMonatsnamen[*monat] : StringView(), kTypeText);
         Definiere(kFeld, u"Waehrung", waehrung(), kTypeText);
         return true;
     });
 }
 
+void Kontenbericht::DefiniereMonat(Betraege& betraege) {
+    DefiniereBetraege(u"MonatIst", u"MonatSoll", betraege);
+}
+
 void Kontenbericht::DefiniereBetraege(StringView nameIst, StringView nameSoll, Betraege& betraege) {
     const auto faktor = Vorzeichen();
-    const auto definiere = [&](StringView name, Mitglied& getter) {
-        const auto betrag = toDouble(leser().wert(getter), locale());
-        Definiere(kFeld, name, textOf(faktor ? betrag * *faktor : betrag, locale()), kTypeNumeric);
-    };
-    definiere(nameIst, betraege.ist);
-    definiere(nameSoll, betraege.soll);
+    DefiniereBetrag(nameIst, Betrag(betraege.ist), faktor);
+    DefiniereBetrag(nameSoll, Betrag(betraege.soll), faktor);
+}
+
+void Kontenbericht::DefiniereBetrag(StringView name, double betrag, std::optional<double> faktor) {
+    Definiere(kFeld, name, textOf(faktor ? betrag * *faktor : betrag, locale()), kTypeNumeric);
 }
 
 /// The chosen month, counted from 0; nothing where the cell holds no value from 1 to 12.
