@@ -451,6 +451,12 @@ std::optional<double> timeOfDay(const std::vector<int>& numbers, StringView text
     return (hour * 3600 + numbers[1] * 60 + second) / 86400.0;
 }
 
+CalendarTime checkedCalendarTime(Date date) {
+    if (!(date.days > firstDay - 1 && date.days < lastDay + 1))
+        throw RuntimeError(ErrorNumber::Overflow);
+    return calendarTime(date);
+}
+
 } // namespace
 
 std::optional<Date> dateIn(StringView text, const Locale& locale) {
@@ -495,10 +501,12 @@ String textOf(const Decimal& number, const Locale& locale) {
     return fixedPointText(integerDigits(number.high, number.low), number.scale, number.negative, locale);
 }
 
+String shortDateOf(Date date, const Locale& locale) {
+    return formatted(locale.shortDate, checkedCalendarTime(date), locale);
+}
+
 String textOf(Date date, const Locale& locale) {
-    if (!(date.days > firstDay - 1 && date.days < lastDay + 1))
-        throw RuntimeError(ErrorNumber::Overflow);
-    const CalendarTime time = calendarTime(date);
+    const CalendarTime time = checkedCalendarTime(date);
     const double day = std::trunc(date.days);
     if (day == 0)
         return formatted(locale.time, time, locale);

@@ -21,6 +21,9 @@ String textOf(float number, const Locale& locale);
 /// is the time alone. Run-time error 6 outside the years 100 to 9999.
 String textOf(Date date, const Locale& locale);
 
+/// The day alone, in the locale's short form; run-time error 6 outside the years 100 to 9999.
+String shortDateOf(Date date, const Locale& locale);
+
 String textOf(Currency amount, const Locale& locale);
 String textOf(const Decimal& number, const Locale& locale);
 

@@ -93,7 +93,7 @@ String fkt_Datum_Text(const Variant& datum, const Locale& locale) noexcept {
         if (datum.isNull() || equals(datum, 0.0, locale))
             return;
         const auto tag = coerced(datum, ValueType::Date, locale).as<Date>()->days;
-        text = textOf(Date{std::trunc(tag)}, locale);
+        text = shortDateOf(Date{std::trunc(tag)}, locale);
     });
     return text;
 }
