@@ -239,6 +239,20 @@ TEST_F(Cases, NeutralExpensesReverseTheSignOfEveryKindButZero) {
     EXPECT_THAT(calls(), Contains(field("JWIst", "1500"))) << "overheads keep theirs";
 }
 
+TEST_F(Cases, TheMonthsAmountsAreTakenOneByOneOrBothAtFirst) {
+    const std::pair<const char*, bool> reportsAndFirstDefined[] = {{"GemeinK", true}, {"NeutralA", false}};
+    for (const auto& [list, firstDefined] : reportsAndFirstDefined) {
+        set(list, u"MWSoll_03", u"keine Zahl");
+        host.world.engineCalls.clear();
+        reports().clear();
+        EXPECT_FALSE(print(list, {true, 0.0, 0.0, 3.0, 2024.0}));
+        EXPECT_EQ(defines("MonatIst"), firstDefined);
+        EXPECT_FALSE(defines("MonatSoll"));
+        EXPECT_THAT(reports(), ElementsAre(runtimeError(named(list).klasse, "Definiere_Übergebe_Felder",
+                                                        ErrorNumber::TypeMismatch)));
+    }
+}
+
 // Employees
 // -----------------------------------------------------------------------------------------------------------
 
@@ -280,8 +294,10 @@ TEST_F(Cases, MasterSheetsLeaveMissingDatesEmpty) {
             EXPECT_TRUE(print(list, {true, 0.0, 0.0}));
             EXPECT_THAT(calls(), Contains(variable("ADat", "", kTypeText)));
         }
+        set(list, u"GDat", Date{0.5});
         set(list, u"EDat", dateOf(2021, 12, 31, 12, 30, 0));
         EXPECT_TRUE(print(list, {true, 0.0, 0.0}));
+        EXPECT_THAT(calls(), Contains(variable("GDat", "30.12.1899", kTypeText))) << "a time alone is no zero date";
         EXPECT_THAT(calls(), Contains(variable("EDat", "31.12.2021", kTypeText)));
         EXPECT_FALSE(defines("Seitenwechsel")) << "defined at a break alone";
     }
