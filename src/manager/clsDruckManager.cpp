@@ -74,17 +74,19 @@ bool clsDruckManager::fkt_Drucken(std::int16_t pPrintMode, double pFnr, const Ob
         modul_.pSelmoraFuer = pSelmoraFuer;
         if (!Lese_Allgemeine_Firmendaten(pFnr))
             return false;
-        listenPath_ = String(pApppath) + u"\\DB\\BerichteLLVT";
-        prevPath_ = pPrintMode == kVorschau ? listenPath_ + u"\\Preview" : listenPath_;
-        if (!fkt_Registriere_Druckauftrag(pPrintMode, pListenname, pParentHwnd, prevPath_))
+        // The request's own: a host that prints again while its messages are processed changes none of them.
+        const auto firma = firma_;
+        const auto listenPath = String(pApppath) + u"\\DB\\BerichteLLVT";
+        const auto prevPath = pPrintMode == kVorschau ? listenPath + u"\\Preview" : listenPath;
+        if (!fkt_Registriere_Druckauftrag(pPrintMode, pListenname, pParentHwnd, prevPath))
             return false;
         if (pPrintMode == kVorschau)
-            gesetzt(basLL80_.Zeile(aktZeile_).formular).LlPreviewSetTempPath(prevPath_);
+            gesetzt(basLL80_.Zeile(aktZeile_).formular).LlPreviewSetTempPath(prevPath);
         for (const auto& launcher : kLauncher) {
             if (launcher.listenname == pListenname)
                 return Starte(launcher,
-                              {pPrintMode, pFnr, connection_, firma_, nullptr, listenPath_, String(pListenname),
-                               pDruckmitDruckerauswahl, pParArray, prevPath_, aktZeile_});
+                              {pPrintMode, pFnr, connection_, firma, nullptr, listenPath, String(pListenname),
+                               pDruckmitDruckerauswahl, pParArray, prevPath, aktZeile_});
         }
         return false;
     });

@@ -55,8 +55,6 @@ class clsDruckManager {
     FormFactory& formFactory_;
     ObjectRef connection_;
     ObjectRef firma_;
-    String listenPath_;
-    String prevPath_;
     std::int16_t aktZeile_ = -1;
 };
 
