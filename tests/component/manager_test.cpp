@@ -3,6 +3,8 @@
 #include "engine/clsDruckFormular.h"
 #include "platform/conversion.h"
 
+#include <algorithm>
+
 namespace kvtdruck::test {
 namespace {
 
@@ -257,6 +259,67 @@ TEST_F(Manager, AHostThatPrintsWhileMessagesAreProcessedLosesNothing) {
     };
     EXPECT_TRUE(host.print({.mode = 1, .array = allYears()}));
     EXPECT_EQ(row(1).prozess, 1001);
+}
+
+TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
+    preview();
+    host.engineWritesPreview();
+    host.world.whilePumping = [this] { EXPECT_TRUE(host.print({.mode = 1, .array = allYears(), .window = 100})); };
+    EXPECT_TRUE(host.print({.mode = 0, .array = allYears()}));
+    EXPECT_EQ(row(1).parentHwnd, kWindow);
+    EXPECT_FALSE(row(1).istPreview);
+    EXPECT_EQ(toUtf8(row(1).prevPath), kLayouts);
+    EXPECT_EQ(row(2).parentHwnd, 100);
+    EXPECT_EQ(toUtf8(row(2).prevPath), kPreviews);
+    EXPECT_EQ(row(2).prozess, 1002);
+    EXPECT_THAT(host.world.reports, IsEmpty());
+}
+
+TEST_F(Manager, AHostThatInitialisesWhileItsViewerEndsLosesTheJobsRow) {
+    preview();
+    host.world.whilePumping = [this] { host.manager.fkt_Init(nullptr); };
+    EXPECT_FALSE(host.print({.array = allYears()}));
+    EXPECT_THAT(host.world.reports,
+                ElementsAre(runtimeError("clsDruckManager", " ", ErrorNumber::SubscriptOutOfRange)));
+}
+
+TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
+    preview();
+    host.jobs.HaengeZeileAn();
+    host.jobs.Zeile(2) = row(1);
+    const auto ends = [this](std::size_t failing) {
+        for (std::int16_t index : {std::int16_t{1}, std::int16_t{2}})
+            host.jobs.Zeile(index).prozess = 600 + index;
+        host.world.reports.clear();
+        // One process call per row; the files asked for between them are two per row.
+        host.world.outside.failAt = host.world.outside.calls.size() + failing;
+        const bool result = host.manager.Terminate_Preview(kWindow);
+        host.world.outside.failAt.reset();
+        EXPECT_THAT(host.world.reports, ElementsAre(injected("basLL80", "fkt_Terminiere_Review")));
+        return result;
+    };
+    host.world.files.clear();
+    EXPECT_TRUE(ends(0)) << "the first row's failure is forgotten";
+    EXPECT_EQ(row(1).prozess, 601);
+    EXPECT_EQ(row(2).prozess, 0);
+    EXPECT_FALSE(ends(3));
+    EXPECT_EQ(row(1).prozess, 0);
+    EXPECT_EQ(row(2).prozess, 602);
+}
+
+TEST_F(Manager, AViewerThatDoesNotStartLeavesTheRenamedFile) {
+    preview();
+    const auto calls = host.world.outside.calls;
+    const auto start = std::find(calls.begin(), calls.end(), "process start") - calls.begin();
+    Host fresh;
+    fresh.world.readers["clsZugUmsatz"].values[u"Jahr"] = {2024.0};
+    fresh.engineWritesPreview();
+    fresh.world.outside.failAt = static_cast<std::size_t>(start);
+    EXPECT_TRUE(fresh.print({.mode = 1, .array = fresh.world.array({{true, Variant(0.0), Variant(0.0)}})}))
+        << "the viewer's result is ignored";
+    EXPECT_THAT(fresh.world.reports, ElementsAre(injected("basLL80", "fkt_Aktiviere_Preview")));
+    EXPECT_THAT(fresh.world.files, ElementsAre(kPreviews + "\\Umsatz04032026050607.ll"));
+    EXPECT_EQ(fresh.jobs.Zeile(1).prozess, 0);
 }
 
 // The adapter
