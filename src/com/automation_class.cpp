@@ -73,6 +73,8 @@ class Temporaries {
     }
 
     HRESULT set(std::size_t position, VARIANT& argument, VARTYPE type) {
+        if (pointers_[position])
+            return DISP_E_PARAMNOTFOUND; // given twice, so another one is missing
         auto& value = values_[position];
         if (auto result = VariantCopyInd(&value, &argument); FAILED(result))
             return result;
@@ -172,8 +174,10 @@ HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD 
                                       parameters, types.data(), temporaries.arguments(), &called);
     if (FAILED(outcome))
         return outcome;
-    if (result && hasResult)
+    if (result && hasResult) {
+        VariantInit(result); // hosts hand in what was never initialised
         return VariantCopy(result, &temporaries[expected]);
+    }
     return V_ERROR(&called);
 }
 

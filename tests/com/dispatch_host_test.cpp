@@ -109,6 +109,33 @@ TEST_F(DispatchHost, WrongCallsAreTheCallersErrors) {
     EXPECT_THAT(reportedErrors(), IsEmpty());
 }
 
+TEST_F(DispatchHost, ArgumentsByNameComeInAnyOrderButOnce) {
+    const auto adapter = create<DruckFormular>(kFormularClass.clsid, kFormularClass.iid);
+    std::wstring names[] = {L"PrFehler", L"pRC", L"pText"};
+    LPOLESTR asked[] = {names[0].data(), names[1].data(), names[2].data()};
+    DISPID ids[3] = {};
+    ASSERT_EQ(adapter->GetIDsOfNames(IID_NULL, asked, 3, LOCALE_USER_DEFAULT, ids), S_OK);
+    Value code(-10L);
+    Value text(L"LlPrint");
+    VARIANT arguments[] = {code, text};
+    DISPPARAMS parameters{arguments, &ids[1], 2, 2};
+    Value result;
+    EXPECT_EQ(adapter->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &result, nullptr,
+                              nullptr),
+              S_OK);
+    EXPECT_EQ(result.lVal, 0);
+    EXPECT_THAT(reportedErrors(), testing::SizeIs(1));
+
+    DISPID twice[] = {ids[1], ids[1]};
+    VARIANT codes[] = {code, code};
+    DISPPARAMS doubled{codes, twice, 2, 2};
+    UINT wrong = 99;
+    EXPECT_EQ(
+        adapter->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &doubled, nullptr, nullptr, &wrong),
+        DISP_E_PARAMNOTFOUND);
+    EXPECT_EQ(wrong, 1U);
+}
+
 TEST_F(DispatchHost, FindsUmlautsInAnyLetterCase) {
     const auto adapter = create<DruckFormular>(kFormularClass.clsid, kFormularClass.iid);
     Value path((folder() / L"nichts").c_str());
