@@ -76,17 +76,17 @@ bool clsDruckManager::fkt_Drucken(std::int16_t pPrintMode, double pFnr, const Ob
             return false;
         // The request's own: a host that prints again while its messages are processed changes none of them.
         const auto firma = firma_;
+        const String listenname(pListenname);
         const auto listenPath = String(pApppath) + u"\\DB\\BerichteLLVT";
         const auto prevPath = pPrintMode == kVorschau ? listenPath + u"\\Preview" : listenPath;
-        if (!fkt_Registriere_Druckauftrag(pPrintMode, pListenname, pParentHwnd, prevPath))
+        if (!fkt_Registriere_Druckauftrag(pPrintMode, listenname, pParentHwnd, prevPath))
             return false;
         if (pPrintMode == kVorschau)
             gesetzt(basLL80_.Zeile(aktZeile_).formular).LlPreviewSetTempPath(prevPath);
         for (const auto& launcher : kLauncher) {
-            if (launcher.listenname == pListenname)
-                return Starte(launcher,
-                              {pPrintMode, pFnr, connection_, firma, nullptr, listenPath, String(pListenname),
-                               pDruckmitDruckerauswahl, pParArray, prevPath, aktZeile_});
+            if (launcher.listenname == listenname)
+                return Starte(launcher, {pPrintMode, pFnr, connection_, firma, nullptr, listenPath, listenname,
+                                         pDruckmitDruckerauswahl, pParArray, prevPath, aktZeile_});
         }
         return false;
     });
