@@ -275,6 +275,40 @@ TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
     EXPECT_THAT(host.world.reports, IsEmpty());
 }
 
+TEST_F(Manager, AHostMayReuseItsListNameWhileMessagesAreProcessed) {
+    preview();
+    auto list = std::make_unique<String>(u"Umsatz");
+    host.world.whilePumping = [&] { list.reset(); };
+    EXPECT_TRUE(host.print({.list = *list, .array = allYears()}));
+    EXPECT_EQ(row(1).listenname, u"Umsatz");
+}
+
+TEST_F(Manager, AFailureInTheFirstPrintOfAllLeavesNothingForTheSecond) {
+    preview();
+    const auto count = host.world.outside.calls.size();
+    const auto record = host.world.engineCalls;
+    for (std::size_t position = 0; position < count; ++position) {
+        SCOPED_TRACE(host.world.outside.calls[position]);
+        Host fresh;
+        fresh.world.readers["clsZugUmsatz"].values[u"Jahr"] = {2024.0};
+        fresh.engineWritesPreview();
+        const auto printAgain = [&] {
+            const auto array = fresh.world.array({{true, Variant(0.0), Variant(0.0)}});
+            return fresh.print({.mode = 1, .array = array});
+        };
+        fresh.world.outside.failAt = position;
+        printAgain();
+        fresh.world.outside.failAt.reset();
+        const bool noFile = fresh.world.files.empty();
+        EXPECT_LE(fresh.world.reports.size(), noFile ? 2u : 1u);
+        fresh.world.reports.clear();
+        fresh.world.engineCalls.clear();
+        EXPECT_TRUE(printAgain());
+        EXPECT_THAT(fresh.world.reports, IsEmpty());
+        EXPECT_EQ(fresh.world.engineCalls, record);
+    }
+}
+
 TEST_F(Manager, AHostThatInitialisesWhileItsViewerEndsLosesTheJobsRow) {
     preview();
     host.world.whilePumping = [this] { host.manager.fkt_Init(nullptr); };
