@@ -43,6 +43,15 @@ Ref<IDispatch> create(const wchar_t* progId) {
     return create<IDispatch>(clsid, IID_IDispatch);
 }
 
+bool eventually(const std::function<bool()>& holds) {
+    for (int i = 0; i < 200; ++i) {
+        if (holds())
+            return true;
+        Sleep(50);
+    }
+    return holds();
+}
+
 std::wstring setting(const wchar_t* name) {
     wchar_t value[2048];
     const auto length = GetEnvironmentVariableW(name, value, static_cast<DWORD>(std::size(value)));
@@ -56,6 +65,24 @@ std::wstring dllPath() {
 
 std::wstring databasePath() {
     return setting(L"KVT_DATABASE");
+}
+
+Ref<IDispatch> newArray(long rows, long columns) {
+    auto array = create(L"XArrayDBObject.XArrayDB");
+    EXPECT_EQ(
+        invoke(array.get(), L"ReDim", DISPATCH_METHOD, {Value(0L), Value(rows - 1), Value(0L), Value(columns - 1)}),
+        S_OK);
+    return array;
+}
+
+void setCell(IDispatch* array, long row, long column, VARIANT value) {
+    EXPECT_EQ(invoke(array, L"Value", DISPATCH_PROPERTYPUT, {Value(row), Value(column), value}), S_OK);
+}
+
+Value cell(IDispatch* array, long row, long column) {
+    Value value;
+    EXPECT_EQ(invoke(array, L"Value", DISPATCH_PROPERTYGET, {Value(row), Value(column)}, &value), S_OK);
+    return value;
 }
 
 HostTest::HostTest() : folder_(std::filesystem::path(setting(L"KVT_TEST_FOLDER")) / testName()) {
@@ -96,26 +123,8 @@ Ref<IDispatch> HostTest::connection() {
     return connection;
 }
 
-Ref<IDispatch> HostTest::array(long rows, long columns) {
-    auto array = create(L"XArrayDBObject.XArrayDB");
-    EXPECT_EQ(
-        invoke(array.get(), L"ReDim", DISPATCH_METHOD, {Value(0L), Value(rows - 1), Value(0L), Value(columns - 1)}),
-        S_OK);
-    return array;
-}
-
-void HostTest::setCell(IDispatch* array, long row, long column, VARIANT value) {
-    EXPECT_EQ(invoke(array, L"Value", DISPATCH_PROPERTYPUT, {Value(row), Value(column), value}), S_OK);
-}
-
-Value HostTest::cell(IDispatch* array, long row, long column) {
-    Value value;
-    EXPECT_EQ(invoke(array, L"Value", DISPATCH_PROPERTYGET, {Value(row), Value(column)}, &value), S_OK);
-    return value;
-}
-
 Ref<IDispatch> HostTest::everything() {
-    auto selection = array(1, 3);
+    auto selection = newArray(1, 3);
     setCell(selection.get(), 0, 0, Value(true));
     return selection;
 }
@@ -133,13 +142,12 @@ Ref<DruckManager> HostTest::readyManager() {
 }
 
 bool HostTest::print(DruckManager& manager, const wchar_t* list, short mode, double company, long window,
-                     IDispatch* parameters) {
+                     IDispatch* parameters, short product) {
     const auto all = everything();
     IDispatch* selection = parameters == nullptr ? all.get() : parameters;
     Text folder(applicationFolder());
     Text name(list);
     VARIANT_BOOL chooser = VARIANT_FALSE;
-    short product = 1;
     VARIANT_BOOL result = VARIANT_FALSE;
     EXPECT_EQ(
         manager.fkt_Drucken(&mode, &company, &selection, &folder, &name, &chooser, &window, &product, &result),

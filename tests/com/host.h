@@ -12,6 +12,7 @@
 #include <oleauto.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -105,8 +106,16 @@ Ref<IDispatch> create(const wchar_t* progId);
 std::wstring dllPath();
 std::wstring databasePath();
 
+/// Waits until something holds; false after ten seconds.
+bool eventually(const std::function<bool()>& holds);
+
 /// The value of an environment variable that the build has set; a failure where it is missing.
 std::wstring setting(const wchar_t* name);
+
+/// A parameter array of the given size.
+Ref<IDispatch> newArray(long rows, long columns);
+void setCell(IDispatch* array, long row, long column, VARIANT value);
+Value cell(IDispatch* array, long row, long column);
 
 /// A test with an empty folder of its own, in which the test servers write.
 class HostTest : public testing::Test {
@@ -133,10 +142,6 @@ class HostTest : public testing::Test {
 
     /// A connection to the sample company.
     static Ref<IDispatch> connection();
-    /// A parameter array of the given size.
-    static Ref<IDispatch> array(long rows, long columns);
-    static void setCell(IDispatch* array, long row, long column, VARIANT value);
-    static Value cell(IDispatch* array, long row, long column);
     /// The selection of all years.
     static Ref<IDispatch> everything();
 
@@ -146,7 +151,7 @@ class HostTest : public testing::Test {
 
     /// Prints through the vtable; every call must succeed as a COM call.
     bool print(DruckManager& manager, const wchar_t* list, short mode = 0, double company = 1, long window = 100,
-               IDispatch* parameters = nullptr);
+               IDispatch* parameters = nullptr, short product = 1);
 
   private:
     std::vector<std::string> lines(const wchar_t* file) const;

@@ -1,23 +1,11 @@
 // Previews: the engine's file, the viewer's process, and what becomes of both.
 #include "host.h"
 
-#include <functional>
-
 namespace kvtdruck::test {
 namespace {
 
 using testing::IsEmpty;
 using testing::SizeIs;
-
-/// Waits until something holds; false after ten seconds.
-bool eventually(const std::function<bool()>& holds) {
-    for (int i = 0; i < 200; ++i) {
-        if (holds())
-            return true;
-        Sleep(50);
-    }
-    return holds();
-}
 
 bool runs(DWORD process) {
     const HANDLE handle = OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, process);

@@ -30,7 +30,7 @@ TEST_F(VtableHost, CreatesAllTwentyClasses) {
 }
 
 TEST_F(VtableHost, ClassesRefuseToBeAggregated) {
-    const auto outer = array(1, 1);
+    const auto outer = newArray(1, 1);
     for (const auto& known : kComponentClasses) {
         void* object = &object;
         EXPECT_EQ(CoCreateInstance(known.clsid, outer.get(), CLSCTX_INPROC_SERVER, IID_IUnknown, &object),
@@ -72,7 +72,7 @@ TEST_F(VtableHost, OpensTheDesigner) {
 
 TEST_F(VtableHost, SelectionIsBroughtIntoItsFormInTheHostsOwnArray) {
     const auto manager = readyManager();
-    const auto selection = array(1, 3);
+    const auto selection = newArray(1, 3);
     setCell(selection.get(), 0, 0, Value(false));
     setCell(selection.get(), 0, 1, Value(2020L));
     setCell(selection.get(), 0, 2, Value(2022L));

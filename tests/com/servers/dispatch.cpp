@@ -1,5 +1,6 @@
 #include "servers/dispatch.h"
 
+#include "ado_connection.h"
 #include "platform/runtime_error.h"
 
 #include <algorithm>
@@ -42,13 +43,6 @@ RuntimeError errorOf(EXCEPINFO& exception) {
     SysFreeString(exception.bstrHelpFile);
     return error;
 }
-
-/// The head of ADO's connection interface, as far as its connection string.
-struct AdoConnection : IDispatch {
-    virtual HRESULT STDMETHODCALLTYPE get_Properties(IUnknown** properties) = 0;
-    virtual HRESULT STDMETHODCALLTYPE get_ConnectionString(BSTR* text) = 0;
-};
-constexpr IID kAdoConnection = {0x00000515, 0, 0x0010, {0x80, 0, 0, 0xaa, 0, 0x6d, 0x2e, 0xa4}};
 
 /// An object of someone else's.
 class ForeignObject final : public Object {
@@ -117,6 +111,9 @@ class ForeignObject final : public Object {
     IDispatch* dispatch_;
 };
 
+/// Known to this library alone: an object that answers to it is one of its own.
+constexpr IID kExposedObject = {0x6b1f8a52, 0x0c8e, 0x4f0b, {0x9c, 0x5c, 0x5f, 0x3e, 0x52, 0xb0, 0xd1, 0x20}};
+
 class Exposed final : public Dispatch {
   public:
     explicit Exposed(ObjectRef object) : object_(std::move(object)) {}
@@ -142,6 +139,10 @@ class Exposed final : public Dispatch {
         values.pop_back();
         object_->put(member, values, value);
         return {};
+    }
+
+    IUnknown* other(REFIID iid) override {
+        return IsEqualIID(iid, kExposedObject) ? static_cast<IDispatch*>(this) : nullptr;
     }
 
   private:
@@ -252,9 +253,12 @@ VARIANT toVariant(const Variant& value) {
 }
 
 ObjectRef foreignObject(IDispatch* dispatch) {
-    if (const auto* own = dynamic_cast<Exposed*>(dynamic_cast<Dispatch*>(dispatch)))
-        return own->object();
-    return std::make_shared<ForeignObject>(dispatch);
+    IDispatch* own = nullptr;
+    if (FAILED(dispatch->QueryInterface(kExposedObject, reinterpret_cast<void**>(&own))))
+        return std::make_shared<ForeignObject>(dispatch);
+    auto object = static_cast<Exposed*>(own)->object();
+    own->Release();
+    return object;
 }
 
 IDispatch* exposed(ObjectRef object) {
