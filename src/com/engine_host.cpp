@@ -70,13 +70,14 @@ class ComControl final : public Control {
     }
 
     std::int32_t call(Operation operation, std::span<const Argument> arguments) override {
-        std::optional<Bstr> texts[kMostArguments];
-        VARIANT variants[kMostArguments] = {};
+        Bstr texts[kMostArguments];
+        VARIANT variants[kMostArguments];
         const auto count = arguments.size();
         for (std::size_t i = 0; i < count; ++i)
             set(variants[count - 1 - i], texts[i], arguments[i]);
         DISPPARAMS parameters{variants, nullptr, static_cast<UINT>(count), 0};
-        return toLong(invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters), Locale());
+        return toLong(invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters),
+                      component().modul.locale());
     }
 
     void put(std::int32_t dispatchId, bool value) override {
@@ -107,11 +108,11 @@ class ComControl final : public Control {
         return *printEnd_;
     }
 
-    static void set(VARIANT& variant, std::optional<Bstr>& owner, const Argument& argument) {
+    static void set(VARIANT& variant, Bstr& owner, const Argument& argument) {
         if (const auto* text = std::get_if<StringView>(&argument)) {
-            owner.emplace(*text);
+            owner = Bstr(*text);
             V_VT(&variant) = VT_BSTR;
-            V_BSTR(&variant) = owner->get();
+            V_BSTR(&variant) = owner.get();
             return;
         }
         V_VT(&variant) = VT_I4;

@@ -16,7 +16,7 @@ constexpr WORD kRead = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
 class Arguments {
   public:
     explicit Arguments(std::span<const Variant> arguments, const Variant* value = nullptr) {
-        variants_.reserve(arguments.size() + 1);
+        variants_.reserve(arguments.size() + (value ? 1 : 0)); // a getter needs no memory
         try {
             if (value)
                 variants_.push_back(variantOf(*value));

@@ -151,9 +151,7 @@ class ForeignFormular final : public DruckFormular {
 
     bool FKT_DefiniereVariablen_AllgemeineFirmendaten(const ObjectRef& pZuDbFnrAllg,
                                                       StringView pListenUeberschrift) override {
-        return toBoolean(
-            call(u"FKT_DefiniereVariablen_AllgemeineFirmendaten", {pZuDbFnrAllg, String(pListenUeberschrift)}),
-            Locale());
+        return truth(u"FKT_DefiniereVariablen_AllgemeineFirmendaten", {pZuDbFnrAllg, String(pListenUeberschrift)});
     }
     Variant fkt_Starte_Form() override { return call(u"fkt_Starte_Form"); }
     void fkt_Form_Hide() override { call(u"fkt_Form_Hide"); }
@@ -161,66 +159,66 @@ class ForeignFormular final : public DruckFormular {
     void LlDefineVariableStart() override { call(u"LlDefineVariableStart"); }
     void LlDefineFieldStart() override { call(u"LlDefineFieldStart"); }
     bool LlDefineVariableExt(StringView pFeldname, StringView pFeldindhalt, std::int32_t pFeldtyp) override {
-        return toBoolean(call(u"LlDefineVariableExt", {String(pFeldname), String(pFeldindhalt), pFeldtyp}),
-                         Locale());
+        return truth(u"LlDefineVariableExt", {String(pFeldname), String(pFeldindhalt), pFeldtyp});
     }
     bool LlDefineLayout(const Variant& pTitel, std::int32_t pObjekttyp, StringView pObjektname) override {
-        return toBoolean(call(u"LlDefineLayout", {pTitel, pObjekttyp, String(pObjektname)}), Locale());
+        return truth(u"LlDefineLayout", {pTitel, pObjekttyp, String(pObjektname)});
     }
     bool LlDefineFieldExt(StringView pFeldname, StringView pFeldindhalt, std::int32_t pFeldtyp) override {
-        return toBoolean(call(u"LlDefineFieldExt", {String(pFeldname), String(pFeldindhalt), pFeldtyp}), Locale());
+        return truth(u"LlDefineFieldExt", {String(pFeldname), String(pFeldindhalt), pFeldtyp});
     }
     std::int32_t LlPrintWithBoxStart(std::int32_t pObjekttyp, StringView pObjektname, std::int32_t pPrintMode,
                                      std::int32_t pBoxType, StringView pTitel) override {
-        return toLong(
-            call(u"LlPrintWithBoxStart", {pObjekttyp, String(pObjektname), pPrintMode, pBoxType, String(pTitel)}),
-            Locale());
+        return number(u"LlPrintWithBoxStart",
+                      {pObjekttyp, String(pObjektname), pPrintMode, pBoxType, String(pTitel)});
     }
-    std::int32_t LlPrint() override { return toLong(call(u"LlPrint"), Locale()); }
-    std::int32_t LlPrintFields() override { return toLong(call(u"LlPrintFields"), Locale()); }
-    std::int32_t LlPrintFieldsEnd() override { return toLong(call(u"LlPrintFieldsEnd"), Locale()); }
-    std::int32_t LlPrintEnd(std::int32_t pPages) override {
-        return toLong(call(u"LlPrintEnd", {pPages}), Locale());
-    }
+    std::int32_t LlPrint() override { return number(u"LlPrint"); }
+    std::int32_t LlPrintFields() override { return number(u"LlPrintFields"); }
+    std::int32_t LlPrintFieldsEnd() override { return number(u"LlPrintFieldsEnd"); }
+    std::int32_t LlPrintEnd(std::int32_t pPages) override { return number(u"LlPrintEnd", {pPages}); }
     std::int32_t LlPreviewDisplay(StringView pObjektname, StringView pPath) override {
-        return toLong(call(u"LlPreviewDisplay", {String(pObjektname), String(pPath)}), Locale());
+        return number(u"LlPreviewDisplay", {String(pObjektname), String(pPath)});
     }
     std::int32_t LlPreviewDeleteFiles(StringView pObjektname, StringView pPath) override {
-        return toLong(call(u"LlPreviewDeleteFiles", {String(pObjektname), String(pPath)}), Locale());
+        return number(u"LlPreviewDeleteFiles", {String(pObjektname), String(pPath)});
     }
     std::int32_t LlPreviewSetTempPath(StringView pPath) override {
-        return toLong(call(u"LlPreviewSetTempPath", {String(pPath)}), Locale());
+        return number(u"LlPreviewSetTempPath", {String(pPath)});
     }
     bool FKT_Lösche_Druckerbeschreibung(StringView pPfad) override {
-        return toBoolean(call(u"FKT_Lösche_Druckerbeschreibung", {String(pPfad)}), Locale());
+        return truth(u"FKT_Lösche_Druckerbeschreibung", {String(pPfad)});
     }
     std::int32_t LlSetPrinterToDefault(std::int32_t pObjekttyp, StringView pObjektname) override {
-        return toLong(call(u"LlSetPrinterToDefault", {pObjekttyp, String(pObjektname)}), Locale());
+        return number(u"LlSetPrinterToDefault", {pObjekttyp, String(pObjektname)});
     }
     std::int32_t LlPrintSetBoxText(StringView pText, std::int32_t pFortschrittProzent) override {
-        return toLong(call(u"LlPrintSetBoxText", {String(pText), pFortschrittProzent}), Locale());
+        return number(u"LlPrintSetBoxText", {String(pText), pFortschrittProzent});
     }
     std::int32_t LlPrintOptionsDialog(StringView pText) override {
-        return toLong(call(u"LlPrintOptionsDialog", {String(pText)}), Locale());
+        return number(u"LlPrintOptionsDialog", {String(pText)});
     }
     std::int32_t LlStgsysDrawPage(std::int32_t pHSTG, std::int32_t pHDC, std::int32_t pHPRNDC, std::int32_t pLeft,
                                   std::int32_t pTop, std::int32_t pRight, std::int32_t pBottom, std::int32_t pIndex,
                                   std::int32_t pFit) override {
-        return toLong(call(u"LlStgsysDrawPage", {pHSTG, pHDC, pHPRNDC, pLeft, pTop, pRight, pBottom, pIndex, pFit}),
-                      Locale());
+        return number(u"LlStgsysDrawPage", {pHSTG, pHDC, pHPRNDC, pLeft, pTop, pRight, pBottom, pIndex, pFit});
     }
     std::int32_t LlStgsysStorageOpen(StringView pObjektname, StringView pPfad, bool pReadOnly, bool pJob) override {
-        return toLong(call(u"LlStgsysStorageOpen", {String(pObjektname), String(pPfad), pReadOnly, pJob}),
-                      Locale());
+        return number(u"LlStgsysStorageOpen", {String(pObjektname), String(pPfad), pReadOnly, pJob});
     }
     void LlStgsysStorageClose(std::int32_t pHSTG) override { call(u"LlStgsysStorageClose", {pHSTG}); }
     void LlPrintAbort() override { call(u"LlPrintAbort"); }
     std::int32_t PrFehler(std::int32_t pRC, StringView pText) override {
-        return toLong(call(u"PrFehler", {pRC, String(pText)}), Locale());
+        return number(u"PrFehler", {pRC, String(pText)});
     }
     void PrintEnd() override { call(u"PrintEnd"); }
 
   private:
+    bool truth(StringView operation, std::initializer_list<Variant> arguments) {
+        return toBoolean(call(operation, arguments), component().modul.locale());
+    }
+    std::int32_t number(StringView operation, std::initializer_list<Variant> arguments = {}) {
+        return toLong(call(operation, arguments), component().modul.locale());
+    }
     Variant call(StringView operation, std::initializer_list<Variant> arguments = {}) {
         const auto member = ids_.try_emplace(operation, DISPID_UNKNOWN).first;
         if (member->second == DISPID_UNKNOWN)

@@ -122,18 +122,6 @@ String notFinite(bool isNan, bool negative, const Locale& locale) {
     return text + (!isNan ? u"#INF" : negative ? u"#IND" : u"#QNAN");
 }
 
-template <class Real>
-String realText(Real number, const Locale& locale) {
-    constexpr int significant = std::is_same_v<Real, float> ? 7 : 15;
-    if (!std::isfinite(number))
-        return notFinite(std::isnan(number), std::signbit(number), locale);
-    if (number == 0)
-        return u"0";
-    const Digits digits = significantDigits(number, significant);
-    const bool fits = digits.point > -4 && digits.point <= significant;
-    return fits ? plainForm(digits, locale) : exponentForm(digits, locale);
-}
-
 /// The text of `units` divided by ten to the power of `scale`, without trailing zeros behind the decimal sign.
 String fixedPointText(std::string units, int scale, bool negative, const Locale& locale) {
     Digits number{std::move(units), 0, negative};
@@ -141,6 +129,31 @@ String fixedPointText(std::string units, int scale, bool negative, const Locale&
     number.point = static_cast<int>(number.digits.size()) - scale;
     removeTrailingZeros(number.digits);
     return number.digits.empty() ? String(u"0") : plainForm(number, locale);
+}
+
+/// The number in ten-thousandths, where it is the one nearest to such an amount: as most numbers are. At most 15
+/// digits tell it from every other, so they are its text.
+std::optional<std::int64_t> tenThousandths(double number) {
+    constexpr double kPart = 10'000;
+    if (std::abs(number) >= 1e15 / kPart)
+        return std::nullopt;
+    const auto units = static_cast<std::int64_t>(number * kPart + std::copysign(0.5, number));
+    return static_cast<double>(units) / kPart == number ? std::optional(units) : std::nullopt;
+}
+
+template <class Real>
+String realText(Real number, const Locale& locale) {
+    constexpr int significant = std::is_same_v<Real, float> ? 7 : 15;
+    if (!std::isfinite(number))
+        return notFinite(std::isnan(number), std::signbit(number), locale);
+    if (number == 0)
+        return u"0";
+    if constexpr (std::is_same_v<Real, double>)
+        if (const auto units = tenThousandths(number))
+            return fixedPointText(std::to_string(std::abs(*units)), 4, number < 0, locale);
+    const Digits digits = significantDigits(number, significant);
+    const bool fits = digits.point > -4 && digits.point <= significant;
+    return fits ? plainForm(digits, locale) : exponentForm(digits, locale);
 }
 
 /// The decimal digits of a 96-bit integer.
