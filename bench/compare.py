@@ -58,6 +58,16 @@ def account_database(source, target, rows):
     return company
 
 
+def account_layout(layout, application):
+    """The list's layout with the fields of the account report, in an application folder of its own."""
+    fields = {"Nummer": "VKonto", "Ort": "MonatText", "Soll": "JWSoll", "Ist": "JWIst", "Abweichung": "MonatIst",
+              "Prozent": "KtoBetrArt", "Jahr": "FJahr"}
+    folder = application / "DB" / "BerichteLLVT"
+    folder.mkdir(parents=True)
+    text = re.sub(r"\{\{(\w+)", lambda found: "{{" + fields.get(found[1], found[1]), layout.read_text())
+    (folder / "GemeinK.svg").write_text(text)
+
+
 def main():
     if len(sys.argv) < 2:
         sys.exit(__doc__)
@@ -71,24 +81,26 @@ def main():
         folder = pathlib.Path(folder)
         company = account_database(build / "demo" / "musterbau.sqlite", folder / "konten.sqlite", rows)
 
-        def whole(year):
+        def whole(application):
             return [build / "src" / "host" / "kvtdruck", "drucken", "GemeinK", "--datenbank", folder / "konten.sqlite",
-                    "--firma", company, "--jahr", year, "--monat", 3, "--ordner", folder / "app", "--ausgabe",
+                    "--firma", company, "--jahr", 2023, "--monat", 3, "--ordner", folder / application, "--ausgabe",
                     folder / "gemeink.pdf"]
 
         def engine(count):
             return [program, "engine", count, folder / "engine.pdf", layout]
 
+        account_layout(layout, folder / "list")
         ways = {
             "embedded engine": (engine(rows), folder / "engine.pdf"),
-            "kvtdruck, whole": (whole(2023), folder / "gemeink.pdf"),
+            "kvtdruck, list": (whole("list"), folder / "gemeink.pdf"),
+            "kvtdruck, GemeinK": (whole("own"), folder / "gemeink.pdf"),
             "libharu": ([program, "haru", rows, folder / "haru.pdf", font], folder / "haru.pdf"),
             "ReportLab canvas": ([sys.executable if sys.executable.startswith("/usr/bin") else "/usr/bin/python3",
                                   HERE / "reportlab_list.py", rows, folder / "reportlab.pdf", font],
                                  folder / "reportlab.pdf"),
             "cairo and pango": ([program, "pango", rows, folder / "pango.pdf"], folder / "pango.pdf"),
         }
-        print(f"{rows} rows of 8 columns, 45 a page (the whole program: 12 fields, 10 columns and sums, 25 a page)")
+        print(f"{rows} rows of 8 columns, 45 a page (GemeinK in its own layout: 10 columns and sums, 25 a page)")
         print(f"{'':18}{'seconds':>9}{'CPU':>8}{'MiB':>8}{'file MB':>9}{'ratio':>8}")
         base = None
         for name, (command, output) in ways.items():
