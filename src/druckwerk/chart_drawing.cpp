@@ -15,6 +15,7 @@ constexpr double kBarShare = 0.72;   // of a point's width, for all its bars
 constexpr double kLabelShare = 0.96; // of a point's width, for its label
 constexpr double kLineSpacing = 1.2; // of the text size
 constexpr double kSmallestLabel = 0.7;
+constexpr int kMostLabelLines = 3;
 
 /// The axis of values: from `low` to `high` in even steps.
 struct Scale {
@@ -149,9 +150,19 @@ class Drawing {
             }
         const double size = chart_.size;
         area_.y += size * 0.5;
-        // Labels that are too long for one line get a second one.
-        for (const auto& label : labels_)
-            labelLines_ = textWidth(label) > slot() * kLabelShare ? 2 : std::max(labelLines_, 1);
+        // The labels' lines take height from the axis, whose numbers take width from the labels.
+        const Box whole = area_;
+        int needed = labels_.empty() ? 0 : 1;
+        do {
+            labelLines_ = needed;
+            area_ = whole;
+            fitAxis(least, most);
+            needed = neededLabelLines();
+        } while (needed > labelLines_);
+    }
+
+    void fitAxis(double least, double most) {
+        const double size = chart_.size;
         area_.height -= size * (1 + kLineSpacing * labelLines_);
         scale_ = Scale::over(least, most, static_cast<int>(area_.height / (size * 3)));
         double widest = 0;
@@ -176,7 +187,14 @@ class Drawing {
         }
     }
 
-    void drawLabels() {
+    /// How the labels are set.
+    struct Labelling {
+        double size;
+        double room;      ///< of each
+        std::size_t step; ///< one label for so many points
+    };
+
+    Labelling labelling() {
         double widest = 0;
         double widestWord = 0;
         for (const auto& label : labels_) {
@@ -189,17 +207,33 @@ class Drawing {
         // A smaller size keeps words whole.
         const double size = chart_.size * std::clamp(slot() * kLabelShare / widestWord, kSmallestLabel, 1.0);
         // Where there is no room even for parts of them, labels are thinned out.
-        double room = slot() * kLabelShare;
+        const double room = slot() * kLabelShare;
         const bool dense = widest > room && room < size * 4;
         const auto step =
             dense ? static_cast<std::size_t>(std::ceil(std::min(widest, size * 8) / room)) : std::size_t{1};
-        room *= static_cast<double>(step);
-        for (std::size_t i = 0; i < labels_.size() && i < points_; i += step) {
-            double y = area_.bottom() + size * 1.3;
-            for (const auto& line :
-                 setter_.lines(labels_[i], face(), size, room, static_cast<std::size_t>(labelLines_))) {
-                setter_.line(line, face(), {middleOf(i), y}, size, chart_.textColor, Anchor::Middle);
-                y += size * kLineSpacing;
+        return {size, room * static_cast<double>(step), step};
+    }
+
+    /// The lines of a label, at most `most`; the last one is cut where that is too few.
+    auto labelLines(std::size_t point, const Labelling& set, int most) {
+        return setter_.lines(labels_[point], face(), set.size, set.room, static_cast<std::size_t>(most));
+    }
+
+    int neededLabelLines() {
+        const auto set = labelling();
+        std::size_t needed = 0;
+        for (std::size_t i = 0; i < labels_.size() && i < points_; i += set.step)
+            needed = std::max(needed, labelLines(i, set, kMostLabelLines).size());
+        return static_cast<int>(needed);
+    }
+
+    void drawLabels() {
+        const auto set = labelling();
+        for (std::size_t i = 0; i < labels_.size() && i < points_; i += set.step) {
+            double y = area_.bottom() + set.size * 1.3;
+            for (const auto& line : labelLines(i, set, labelLines_)) {
+                setter_.line(line, face(), {middleOf(i), y}, set.size, chart_.textColor, Anchor::Middle);
+                y += set.size * kLineSpacing;
             }
         }
     }
