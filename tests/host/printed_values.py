@@ -1,0 +1,191 @@
+#!/usr/bin/env python3
+"""Reads a printed report back: every value that its layout shows of every record stands on the record's page, in German
+form, beside what the layout puts on the same line, and records follow one another down the page.
+
+usage: printed_values.py PROGRAM LAYOUTS DATABASE LIST [OPTION…]
+
+Prints the report with its layout and with the layout as Inkscape saves it, and compares. What the engine was given comes
+from the program's own record of engine calls; numbers are formatted here once more.
+"""
+import decimal
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree
+
+SVG = "{http://www.w3.org/2000/svg}"
+LAYER = "{http://www.inkscape.org/namespaces/inkscape}label"
+# Bands that show sums, or values of more than one record.
+OTHER_BANDS = ("Gruppenkopf", "Gruppenfuß", "Summe", "Übertrag", "Vortrag", "Seitenfuß", "Feldliste")
+# Conditions that are understood here: none, or one name that equals a text or a number, or does not.
+CONDITION = re.compile(r"(?:(\w+) (=|<>) (?:'([^']*)'|(\d+)))?")
+ENGINE_NAMES = {"Seite", "Seiten", "Druckdatum", "Seitenzeile", "Zeile"}
+
+
+def fail(text):
+    sys.exit(f"{sys.argv[4]}: {text}")
+
+
+def german(text, pattern):
+    """A value as a pattern shows it."""
+    if not pattern or not re.fullmatch(r"-?\d+(,\d+)?", text):
+        return text
+    number = decimal.Decimal(text.replace(",", "."))
+    parts = pattern.split(";")
+    part = parts[0]
+    sign = "-" if number < 0 and len(parts) < 2 else ""
+    if number < 0 and len(parts) > 1:
+        part = parts[1]
+    if number == 0 and len(parts) > 2:
+        part = parts[2]
+    before, figures, after = re.fullmatch(r"([^#0.,]*)([#0.,]*)(.*)", part).groups()
+    if not figures:
+        return before + after
+    whole, _, places = figures.partition(",")
+    rounded = abs(number).quantize(decimal.Decimal(1).scaleb(-len(places)), decimal.ROUND_HALF_UP)
+    digits, _, fraction = f"{rounded:f}".partition(".")
+    fraction = fraction[:places.count("0")] + fraction[places.count("0"):].rstrip("0")
+    digits = digits.lstrip("0").rjust(whole.count("0"), "0")
+    if "." in whole:
+        digits = re.sub(r"(?<=\d)(?=(\d{3})+$)", ".", digits)
+    sign = sign if rounded else ""
+    return before + sign + digits + ("," + fraction if fraction else "") + after
+
+
+def records_by_page(record):
+    """The values that the layout sees with each printed record, page by page."""
+    pages, values = [], {}
+    for line in record.read_text(encoding="utf-8").splitlines():
+        if define := re.fullmatch(r"LlDefine(?:Variable|Field)Ext\((.*)\) = 0", line):
+            name, value, _ = json.loads("[" + define[1] + "]")
+            values[name] = value
+        elif line == "LlPrint() = 0":
+            pages.append([])
+        elif line == "LlPrintFields() = 0":
+            pages[-1].append(dict(values))
+    return pages
+
+
+def shown_lines(layout):
+    """For the line band and for what stands on every page: lines of fields from left to right, each its text with
+    placeholders and its condition."""
+    bands = {"Zeile": [], "Seite": []}
+    for layer in xml.etree.ElementTree.parse(layout).getroot().iter(SVG + "g"):
+        label = layer.get(LAYER)
+        if label is None or label.startswith(OTHER_BANDS) or layer.get("data-if"):
+            continue
+        for field in layer.iter(SVG + "g"):
+            text = field.find(SVG + "text")
+            if field.get("class") != "field" or text is None:
+                continue
+            names = re.findall(r"{{(\w+)(?:\|[^}]*)?}}", text.text)
+            condition = CONDITION.fullmatch(field.get("data-if", ""))
+            if names and len(names) == text.text.count("{{") and not ENGINE_NAMES.intersection(names) and condition:
+                bands["Zeile" if label == "Zeile" else "Seite"].append(
+                    (float(text.get("y")), float(text.get("x")), (text.text, condition.groups())))
+    return {band: list(grouped(sorted(texts))) for band, texts in bands.items()}
+
+
+def grouped(texts):
+    line = []
+    for y, x, text in texts:
+        if line and y - line[0][0] > 1:
+            yield [text for _, _, text in sorted(line, key=lambda item: item[1])]
+            line = []
+        line.append((y, x, text))
+    if line:
+        yield [text for _, _, text in sorted(line, key=lambda item: item[1])]
+
+
+def filled(field, values):
+    """The text that a field shows of a record; empty where its condition does not hold."""
+    text, (name, comparison, word, figure) = field
+    if name and (values.get(name, "") == (word or figure or "")) != (comparison == "="):
+        return ""
+    shown = re.sub(r"{{(\w+)(?:\|([^}]*))?}}", lambda found: german(values.get(found[1], ""), found[2]), text)
+    return re.sub(r"\s+", " ", shown).strip()
+
+
+def holds(line, texts):
+    at = 0
+    for text in texts:
+        at = line.find(text, at)
+        if at < 0:
+            return False
+        at += len(text)
+    return True
+
+
+def check_page(number, text, records, bands):
+    """Compares a page with its records; gives the number of values found."""
+    lines = [re.sub(r"\s+", " ", line).strip() for line in text.splitlines()]
+    count = 0
+    for wanted in bands["Seite"]:
+        texts = [shown for shown in (filled(field, records[0]) for field in wanted) if shown]
+        if not any(holds(line, texts) for line in lines):
+            fail(f"page {number} does not show {texts}\n{text}")
+        count += len(texts)
+    after = 0
+    for values in records:
+        for wanted in bands["Zeile"]:
+            texts = [shown for shown in (filled(field, values) for field in wanted) if shown]
+            place = next((i for i in range(after, len(lines)) if holds(lines[i], texts)), None)
+            if place is None:
+                fail(f"page {number} does not show {texts} after its line {after}\n{text}")
+            after = place
+            count += len(texts)
+        after += 1 if bands["Zeile"] else 0
+    return count
+
+
+def text_of(pdf, page=None):
+    pages = ["-f", str(page), "-l", str(page)] if page else []
+    return subprocess.run(["pdftotext", "-layout", *pages, pdf, "-"], capture_output=True, text=True, check=True).stdout
+
+
+def main():
+    program, layouts, database, report, *options = sys.argv[1:]
+    with tempfile.TemporaryDirectory() as scratch:
+        scratch = pathlib.Path(scratch)
+
+        def printed(name, layout):
+            folder = scratch / name / "DB" / "BerichteLLVT"
+            folder.mkdir(parents=True)
+            shutil.copy(layout, folder / f"{report}.svg")
+            pdf = scratch / f"{name}.pdf"
+            run = subprocess.run([program, "drucken", report, "--datenbank", database, "--firma", "1", "--ordner",
+                                  scratch / name, "--ausgabe", pdf, "--protokoll", scratch / f"{name}.txt", *options],
+                                 capture_output=True, text=True)
+            if run.returncode != 0:
+                fail(run.stderr)
+            return pdf
+
+        layout = pathlib.Path(layouts) / f"{report}.svg"
+        pdf = printed("own", layout)
+        pages = records_by_page(scratch / "own.txt")
+        bands = shown_lines(layout)
+        count = sum(check_page(number, text_of(pdf, number), records, bands)
+                    for number, records in enumerate(pages, 1) if records)
+        if count == 0:
+            fail("the layout shows nothing that could be read back")
+        if f"Seite {len(pages)} von {len(pages)}" not in text_of(pdf, len(pages)):
+            fail(f"there are not {len(pages)} pages")
+
+        saved = scratch / "saved.svg"
+        environment = {**os.environ, "HOME": str(scratch), "XDG_CONFIG_HOME": str(scratch)}
+        environment.pop("DISPLAY", None)
+        subprocess.run(["inkscape", "--export-type=svg", f"--export-filename={saved}", layout], env=environment,
+                       capture_output=True, check=True)
+        if "sodipodi" not in saved.read_text(encoding="utf-8"):
+            fail("Inkscape has not saved the layout as its own")
+        if text_of(printed("saved", saved)) != text_of(pdf):
+            fail("the layout does not print the same after Inkscape has saved it")
+        print(f"{report}: {count} values on {len(pages)} pages")
+
+
+main()
