@@ -352,6 +352,19 @@ TEST_F(LayoutTest, AChartOfLinesCollectsThem) {
     EXPECT_THAT(text, HasSubstr("30"));
 }
 
+TEST_F(LayoutTest, ChartLabelsAreBrokenInTheWidthThatTheAxisLeaves) {
+    // Wide numbers at the axis: for some of these lengths only they make the label too long for one line.
+    for (int length = 10; length < 30; ++length) {
+        const std::string label = std::string(static_cast<std::size_t>(length), 'n') + " Ende";
+        const std::string text =
+            printed(page(layer("Seitenkopf", 0, 90,
+                               "<g class='chart' font-size='2' data-chart='bars' data-series='=Betrag*10000000, "
+                               "Betrag' data-labels='" +
+                                   label + "; Kurz'><rect x='5' y='5' width='80' height='60'/></g>")));
+        EXPECT_THAT(text, HasSubstr("Ende")) << length;
+    }
+}
+
 TEST_F(LayoutTest, AChartWithoutFiguresIsEmptyNotWrong) {
     printed(page(layer(
         "Seitenkopf", 0, 90,
