@@ -93,10 +93,13 @@ HRESULT removeKey(const std::wstring& key) {
 
 HRESULT removeTypeLibrary() {
     const auto attributes = libraryAttributes(*ownTypeLibrary().get());
-    const auto result = UnRegisterTypeLib(attributes.guid, attributes.wMajorVerNum, attributes.wMinorVerNum,
-                                          attributes.lcid, attributes.syskind);
-    // A library that is not registered (any more) is what was asked for.
-    return result == TYPE_E_REGISTRYACCESS ? S_OK : result;
+    BSTR path = nullptr;
+    if (FAILED(QueryPathOfRegTypeLib(attributes.guid, attributes.wMajorVerNum, attributes.wMinorVerNum,
+                                     attributes.lcid, &path)))
+        return S_OK; // not registered (any more): that is what was asked for
+    SysFreeString(path);
+    return UnRegisterTypeLib(attributes.guid, attributes.wMajorVerNum, attributes.wMinorVerNum, attributes.lcid,
+                             attributes.syskind);
 }
 
 } // namespace
