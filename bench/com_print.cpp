@@ -1,6 +1,7 @@
-// com_print DLL: what a print through the DLL costs, against a bare loop that makes the same calls to the same
-// control and readers by dispatch id with the same arguments. Control and readers answer at once, so that nothing
-// but the calls and the component itself is measured. Needs the ProgIDs that the test servers register; bench/com
+// com_print DLL DATABASE: what a print through the DLL costs, against a bare loop that makes a hidden window, the
+// control and the readers, and the same calls to them by dispatch id with the same arguments, known beforehand.
+// Once with control and readers that answer at once, so that nothing but the calls and the component itself is
+// measured, and once with those of the test servers, which must be registered. bench/com makes the database and
 // runs it.
 #include "../tests/com/original_interfaces.h"
 
@@ -12,7 +13,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -38,9 +39,59 @@ struct Call {
     std::vector<VARIANT> arguments; ///< in Automation's order
 };
 
-/// What is to be written down: set while a print is recorded.
-std::vector<Call>* recording = nullptr;
+bool recording = false;
+std::vector<Call> recorded;
 long records = 0;
+
+/// Stands before an object and writes down what it is called with.
+class Recorder final : public IDispatch {
+  public:
+    explicit Recorder(IDispatch* object) : object_(object) { object_->AddRef(); }
+    virtual ~Recorder() { object_->Release(); }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch);
+        *object = known ? this : nullptr;
+        if (!known)
+            return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const auto left = --references_;
+        if (left == 0)
+            delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return object_->GetTypeInfoCount(count); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
+                                            DISPID* ids) override {
+        return object_->GetIDsOfNames(iid, names, count, locale, ids);
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* wrong) override {
+        object_->AddRef();
+        Call call{object_, member, flags, std::vector<VARIANT>(parameters->cArgs)};
+        for (UINT i = 0; i < parameters->cArgs; ++i)
+            expect(VariantCopyInd(&call.arguments[i], &parameters->rgvarg[i]), "an argument cannot be copied");
+        recorded.push_back(std::move(call));
+        return object_->Invoke(member, iid, locale, flags, parameters, result, exception, wrong);
+    }
+
+  private:
+    IDispatch* object_;
+    ULONG references_ = 1;
+};
+
+/// The object, or while a print is recorded one that stands before it; with one reference.
+IDispatch* watched(IDispatch* object) {
+    if (recording)
+        return new Recorder(object);
+    object->AddRef();
+    return object;
+}
 
 /// An object that has every member: a truth for what reads and connects, a text for names, a number for all else.
 /// After `records` steps it is at its end.
@@ -53,7 +104,7 @@ class Server final : public IDispatch {
         *object = known ? this : nullptr;
         return known ? S_OK : E_NOINTERFACE;
     }
-    // Servers live as long as the program: the loop calls the very objects that the component called.
+    // Lives as long as the program.
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
@@ -77,10 +128,8 @@ class Server final : public IDispatch {
             *ids = kNumber;
         return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
-                                     VARIANT* result, EXCEPINFO*, UINT*) override {
-        if (recording != nullptr)
-            note(member, flags, *parameters);
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                                     UINT*) override {
         switch (member) {
         case kNext:
             ++position_;
@@ -120,18 +169,24 @@ class Server final : public IDispatch {
         return S_OK;
     }
 
-    void note(DISPID member, WORD flags, const DISPPARAMS& parameters) {
-        Call call{this, member, flags, std::vector<VARIANT>(parameters.cArgs)};
-        for (UINT i = 0; i < parameters.cArgs; ++i)
-            expect(VariantCopyInd(&call.arguments[i], &parameters.rgvarg[i]), "an argument cannot be copied");
-        recording->push_back(std::move(call));
-    }
-
     long position_ = 0;
 };
 
+IDispatch* newServer() {
+    return new Server;
+}
+
+/// Offers the objects of a registered class, or empty servers in their place.
 class Factory final : public IClassFactory {
   public:
+    explicit Factory(REFCLSID clsid) {
+        expect(CoGetClassObject(clsid, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                                reinterpret_cast<void**>(&registered_)),
+               "the test servers are not registered");
+        DWORD cookie = 0;
+        expect(CoRegisterClassObject(clsid, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
+               "a class cannot be offered");
+    }
     virtual ~Factory() = default;
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory);
@@ -141,19 +196,38 @@ class Factory final : public IClassFactory {
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
-        return (new Server)->QueryInterface(iid, object);
+        IDispatch* created = nullptr;
+        if (empty)
+            created = newServer();
+        else
+            expect(registered_->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(&created)),
+                   "a test server cannot be made");
+        IDispatch* const handed = watched(created);
+        created->Release();
+        const auto result = handed->QueryInterface(iid, object);
+        handed->Release();
+        return result;
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+
+    static inline bool empty = true;
+
+  private:
+    IClassFactory* registered_ = nullptr;
 };
 
-/// From now on this process gets servers of its own under the name.
-void serve(const wchar_t* progId) {
-    static Factory factory;
+CLSID classOf(const wchar_t* progId) {
     CLSID clsid{};
     expect(CLSIDFromProgID(progId, &clsid), "the test servers are not registered");
-    DWORD cookie = 0;
-    expect(CoRegisterClassObject(clsid, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
-           "a class cannot be offered");
+    return clsid;
+}
+
+IDispatch* create(const wchar_t* progId) {
+    IDispatch* object = nullptr;
+    expect(CoCreateInstance(classOf(progId), nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                            reinterpret_cast<void**>(&object)),
+           "an object cannot be made");
+    return object;
 }
 
 DruckManager* createManager(const wchar_t* dll) {
@@ -172,23 +246,30 @@ DruckManager* createManager(const wchar_t* dll) {
     return manager;
 }
 
-void print(DruckManager& manager) {
-    static Server host;
-    IDispatch* connection = &host;
-    IDispatch* selection = &host;
+/// What the host hands over.
+struct Host {
+    IDispatch* connection;
+    IDispatch* selection;
+};
+
+void print(DruckManager& manager, const Host& host) {
+    IDispatch* connection = host.connection;
+    IDispatch* const selection = watched(host.selection);
+    IDispatch* lent = selection;
     VARIANT_BOOL result = VARIANT_FALSE;
     short mode = 0;
-    double company = 1;
+    auto company = static_cast<double>(records);
     BSTR folder = SysAllocString(L"C:\\Bench");
     BSTR list = SysAllocString(L"Umsatz");
     VARIANT_BOOL chooser = VARIANT_FALSE;
     long window = 1;
     short product = 1;
     expect(manager.fkt_Init(&connection, &result), "fkt_Init");
-    expect(manager.fkt_Drucken(&mode, &company, &selection, &folder, &list, &chooser, &window, &product, &result),
+    expect(manager.fkt_Drucken(&mode, &company, &lent, &folder, &list, &chooser, &window, &product, &result),
            "fkt_Drucken");
     SysFreeString(folder);
     SysFreeString(list);
+    selection->Release();
     if (result != VARIANT_TRUE)
         fail("the print has failed");
 }
@@ -243,36 +324,82 @@ double microseconds(const Work& work) {
 }
 
 /// Best of many turns, taken in alternation, so that both see the same machine.
-void compare(DruckManager& manager, long count) {
+void compare(DruckManager& manager, const Host& host, long count) {
     records = count;
-    std::vector<Call> calls;
-    recording = &calls;
-    print(manager);
-    recording = nullptr;
+    recording = true;
+    print(manager, host);
+    recording = false;
     double dll = 1e30;
     double bare = 1e30;
     const int turns = static_cast<int>(std::max(15L, 3000 / count));
     for (int i = 0; i < turns; ++i) {
-        dll = std::min(dll, microseconds([&] { print(manager); }));
-        bare = std::min(bare, microseconds([&] { repeat(calls); }));
+        dll = std::min(dll, microseconds([&] { print(manager, host); }));
+        bare = std::min(bare, microseconds([&] { repeat(recorded); }));
     }
-    std::printf("%8ld %10zu %14.1f %14.1f %8.2f\n", count, calls.size(), dll, bare, dll / bare);
-    for (auto& call : calls)
+    std::printf("%8ld %10zu %14.1f %14.1f %8.2f\n", count, recorded.size(), dll, bare, dll / bare);
+    for (auto& call : recorded) {
         for (auto& argument : call.arguments)
             VariantClear(&argument);
+        call.object->Release();
+    }
+    recorded.clear();
+}
+
+void compareAll(DruckManager& manager, const Host& host, const char* title) {
+    std::printf("%s\n records      calls   DLL, microsec  loop, microsec   ratio\n", title);
+    for (const long count : {1L, 100L, 10'000L})
+        compare(manager, host, count);
+}
+
+/// Calls a member of a test server.
+void tell(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> reversed) {
+    std::wstring member(name);
+    LPOLESTR names[] = {member.data()};
+    DISPID id = DISPID_UNKNOWN;
+    expect(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), "a test server lacks a member");
+    DISPID put = DISPID_PROPERTYPUT;
+    const bool puts = (flags & DISPATCH_PROPERTYPUT) != 0;
+    DISPPARAMS parameters{reversed.data(), puts ? &put : nullptr, static_cast<UINT>(reversed.size()),
+                          puts ? 1U : 0U};
+    expect(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, nullptr, nullptr, nullptr),
+           "a test server refuses a call");
+}
+
+VARIANT number(long value) {
+    VARIANT variant{};
+    V_VT(&variant) = VT_I4;
+    V_I4(&variant) = value;
+    return variant;
+}
+
+/// A connection to the database and a selection of all years.
+Host referenceHost(const std::wstring& database) {
+    const Host host{create(L"KVTTest.Connection"), create(L"XArrayDBObject.XArrayDB")};
+    VARIANT text{};
+    V_VT(&text) = VT_BSTR;
+    V_BSTR(&text) = SysAllocString((L"Driver=SQLite3;Database=" + database).c_str());
+    tell(host.connection, L"ConnectionString", DISPATCH_PROPERTYPUT, {text});
+    VariantClear(&text);
+    VARIANT all{};
+    V_VT(&all) = VT_BOOL;
+    V_BOOL(&all) = VARIANT_TRUE;
+    tell(host.selection, L"ReDim", DISPATCH_METHOD, {number(2), number(0), number(0), number(0)});
+    tell(host.selection, L"Value", DISPATCH_PROPERTYPUT, {all, number(0), number(0)});
+    return host;
 }
 
 } // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc != 2)
-        fail("com_print DLL");
+    if (argc != 3)
+        fail("com_print DLL DATABASE");
     expect(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), "COM cannot be used");
+    std::vector<std::unique_ptr<Factory>> factories;
     for (const auto* const progId : kServed)
-        serve(progId);
+        factories.push_back(std::make_unique<Factory>(classOf(progId)));
     DruckManager* const manager = createManager(argv[1]);
-    std::printf(" records      calls   DLL, microsec  loop, microsec   ratio\n");
-    for (const long count : {1L, 100L, 10'000L})
-        compare(*manager, count);
+    compareAll(*manager, {newServer(), newServer()}, "control and readers that answer at once");
+    Factory::empty = false;
+    compareAll(*manager, referenceHost(argv[2]), "control and readers of the test servers");
     return 0;
 }

@@ -82,22 +82,30 @@ Digits significantDigits(Real number, std::size_t count) {
     return result;
 }
 
-String asText(std::string_view ascii) {
-    return String(ascii.begin(), ascii.end());
+void append(String& text, std::string_view ascii) {
+    for (const char letter : ascii)
+        text += static_cast<char16_t>(letter);
 }
 
 /// "123,45", "0,00012", "12300": all digits, with zeros where the number is larger or smaller than they show.
 String plainForm(const Digits& number, const Locale& locale) {
     const int count = static_cast<int>(number.digits.size());
-    String text = number.negative && count > 0 ? u"-" : u"";
+    const std::string_view digits = number.digits;
+    const auto whole = static_cast<std::size_t>(std::max(number.point, 0));
+    const int places = std::max(count - number.point, 0);
+    String text;
+    text.reserve(static_cast<std::size_t>(std::max(number.point, 1) + places) + (number.negative ? 1 : 0) +
+                 (places > 0 ? 1 : 0));
+    if (number.negative && count > 0)
+        text += u'-';
     if (number.point <= 0)
         text += u'0';
-    text += asText(std::string_view(number.digits).substr(0, static_cast<std::size_t>(std::max(number.point, 0))));
+    append(text, digits.substr(0, whole));
     text.append(static_cast<std::size_t>(std::max(number.point - count, 0)), u'0');
-    if (count > number.point) {
+    if (places > 0) {
         text += locale.decimalSign;
         text.append(static_cast<std::size_t>(std::max(-number.point, 0)), u'0');
-        text += asText(std::string_view(number.digits).substr(static_cast<std::size_t>(std::max(number.point, 0))));
+        append(text, digits.substr(whole));
     }
     return text;
 }
@@ -107,7 +115,7 @@ String exponentForm(const Digits& number, const Locale& locale) {
     String text = number.negative ? u"-" : u"";
     text += static_cast<char16_t>(number.digits[0]);
     if (number.digits.size() > 1)
-        text += locale.decimalSign + asText(std::string_view(number.digits).substr(1));
+        append(text += locale.decimalSign, std::string_view(number.digits).substr(1));
     const int exponent = number.point - 1;
     text += exponent < 0 ? u"E-" : u"E+";
     if (std::abs(exponent) < 10)
