@@ -3,6 +3,7 @@
 // Once with control and readers that answer at once, so that nothing but the calls and the component itself is
 // measured, and once with those of the test servers, which must be registered. bench/com makes the database and
 // runs it.
+#include "../tests/com/lasting_object.h"
 #include "../tests/com/original_interfaces.h"
 
 #include <windows.h>
@@ -20,6 +21,7 @@
 namespace {
 
 using kvtdruck::test::DruckManager;
+using kvtdruck::test::LastingObject;
 
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "com_print: %s\n", what);
@@ -95,18 +97,8 @@ IDispatch* watched(IDispatch* object) {
 
 /// An object that has every member: a truth for what reads and connects, a text for names, a number for all else.
 /// After `records` steps it is at its end.
-class Server final : public IDispatch {
+class Server final : public LastingObject<IDispatch> {
   public:
-    virtual ~Server() = default;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch);
-        *object = known ? this : nullptr;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    // Lives as long as the program.
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;
@@ -177,7 +169,7 @@ IDispatch* newServer() {
 }
 
 /// Offers the objects of a registered class, or empty servers in their place.
-class Factory final : public IClassFactory {
+class Factory final : public LastingObject<IClassFactory> {
   public:
     explicit Factory(REFCLSID clsid) {
         expect(CoGetClassObject(clsid, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
@@ -187,14 +179,6 @@ class Factory final : public IClassFactory {
         expect(CoRegisterClassObject(clsid, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
                "a class cannot be offered");
     }
-    virtual ~Factory() = default;
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory);
-        *object = known ? this : nullptr;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
         IDispatch* created = nullptr;
         if (empty)

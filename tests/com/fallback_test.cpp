@@ -1,5 +1,6 @@
 // A host whose error-report object can't be made: the reporter of last resort takes its place.
 #include "host.h"
+#include "lasting_object.h"
 
 #include <fstream>
 #include <iterator>
@@ -19,16 +20,8 @@ using testing::SizeIs;
 constexpr CLSID kFehlerClass = {0xD26DE823, 0x97C9, 0x11D1, {0x8B, 0x58, 0x00, 0xA0, 0xC9, 0x4C, 0xBE, 0xB3}};
 
 /// Stands before the registered class within this process, and makes no objects.
-class RefusingFactory final : public IClassFactory {
+class RefusingFactory final : public LastingObject<IClassFactory> {
   public:
-    virtual ~RefusingFactory() = default;
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory);
-        *object = known ? this : nullptr;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID, void** object) override {
         *object = nullptr;
         ++asked;

@@ -1,6 +1,7 @@
 // A long day of printing leaves nothing behind: objects, COM memory and strings, handles, windows, and the DLL
 // itself.
 #include "host.h"
+#include "lasting_object.h"
 
 #include <winternl.h>
 
@@ -10,18 +11,10 @@ namespace kvtdruck::test {
 namespace {
 
 /// Counts the blocks of COM's allocator that are in use: strings, variants, safe arrays.
-class MemoryWatch final : public IMallocSpy {
+class MemoryWatch final : public LastingObject<IMallocSpy> {
   public:
-    virtual ~MemoryWatch() = default;
     long blocks() const { return blocks_; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IMallocSpy);
-        *object = known ? this : nullptr;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     SIZE_T STDMETHODCALLTYPE PreAlloc(SIZE_T size) override { return size; }
     void* STDMETHODCALLTYPE PostAlloc(void* block) override {
         blocks_ += block != nullptr ? 1 : 0;
