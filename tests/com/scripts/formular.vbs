@@ -1,13 +1,5 @@
 ' A script uses the adapter directly, with umlauts in names and texts.
-Option Explicit
 Dim formular
-
-Sub Pruefe(was, ist, soll)
-    If ist <> soll Then
-        WScript.Echo "FALSCH: " & was & ": " & ist & " statt " & soll
-        WScript.Quit 1
-    End If
-End Sub
 
 Set formular = CreateObject("KVTDruck.clsDruckFormular")
 Pruefe "fkt_Starte_Form", formular.fkt_Starte_Form(), True

@@ -1,6 +1,5 @@
 ' A script hands a report class an adapter of its own making: the report prints through it, and where an operation is
 ' missing or fails, that is reported as an error of the report's procedure.
-Option Explicit
 Dim umgebung, verbindung, allgemein, auswahl, bericht, eigen, fremd
 
 Class LeererAdapter
@@ -70,13 +69,6 @@ Class FremderAdapter
         LlPrintEnd = -1
     End Function
 End Class
-
-Sub Pruefe(was, ist, soll)
-    If ist <> soll Then
-        WScript.Echo "FALSCH: " & was & ": " & ist & " statt " & soll
-        WScript.Quit 1
-    End If
-End Sub
 
 Function Drucke(adapter)
     Drucke = bericht.fkt_Drucken(0, 1, verbindung, allgemein, adapter, "C:\Layouts", "Umsatz", False, auswahl, "C:\Layouts", 1)

@@ -7,10 +7,7 @@ klassen = Array("clsDruckManager", "clsDruckFormular", "clsDruck_Umsatz", "clsDR
     "clsDruck_Kalkwerte", "clsDruck_WasWenn", "clsDruck_UmsatzHW")
 For Each klasse In klassen
     Set objekt = CreateObject("KVTDruck." & klasse)
-    If TypeName(objekt) <> "_" & klasse Then
-        WScript.Echo klasse & " ist " & TypeName(objekt)
-        WScript.Quit 1
-    End If
+    Pruefe klasse, TypeName(objekt), "_" & klasse
     Set objekt = Nothing
 Next
 WScript.Echo "fertig"

@@ -1,13 +1,5 @@
 ' A script prints, previews and designs the turnover; every argument is a variable, which a script passes by reference.
-Option Explicit
 Dim umgebung, verbindung, manager, auswahl, fenster, firma, ordner, liste, modus, auswahldialog, produkt
-
-Sub Pruefe(was, ist, soll)
-    If ist <> soll Then
-        WScript.Echo "FALSCH: " & was & ": " & ist & " statt " & soll
-        WScript.Quit 1
-    End If
-End Sub
 
 Set umgebung = CreateObject("WScript.Shell").Environment("Process")
 Set verbindung = CreateObject("KVTTest.Connection")
