@@ -153,10 +153,14 @@ float toSingle(const Variant& value, const Locale& locale) {
 }
 
 std::int16_t toInteger(const Variant& value, const Locale& locale) {
+    if (const std::int16_t* number = value.as<std::int16_t>())
+        return *number;
     return roundToInteger(toDouble(value, locale));
 }
 
 std::int32_t toLong(const Variant& value, const Locale& locale) {
+    if (const std::int32_t* number = value.as<std::int32_t>())
+        return *number;
     return roundToLong(toDouble(value, locale));
 }
 
