@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Reads a printed report back: every value that its layout shows of every record stands on the record's page, in German
-form, beside what the layout puts on the same line, and records follow one another down the page.
+form, beside what the layout puts on the same line, records follow one another down the page, and no text is cut.
 
 usage: printed_values.py PROGRAM LAYOUTS DATABASE LIST [OPTION…]
 
@@ -173,6 +173,8 @@ def main():
                     for number, records in enumerate(pages, 1) if records)
         if count == 0:
             fail("the layout shows nothing that could be read back")
+        if "…" in text_of(pdf):
+            fail("a text of the sample company is cut")
         if f"Seite {len(pages)} von {len(pages)}" not in text_of(pdf, len(pages)):
             fail(f"there are not {len(pages)} pages")
 
