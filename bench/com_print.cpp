@@ -3,6 +3,7 @@
 // Once with control and readers that answer at once, so that nothing but the calls and the component itself is
 // measured, and once with those of the test servers, which must be registered. bench/com makes the database and
 // runs it.
+#include "../src/com/counted.h"
 #include "../tests/com/lasting_object.h"
 #include "../tests/com/original_interfaces.h"
 
@@ -46,26 +47,11 @@ std::vector<Call> recorded;
 long records = 0;
 
 /// Stands before an object and writes down what it is called with.
-class Recorder final : public IDispatch {
+class Recorder final : public kvtdruck::com::Counted<IDispatch> {
   public:
     explicit Recorder(IDispatch* object) : object_(object) { object_->AddRef(); }
     virtual ~Recorder() { object_->Release(); }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch);
-        *object = known ? this : nullptr;
-        if (!known)
-            return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const auto left = --references_;
-        if (left == 0)
-            delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return object_->GetTypeInfoCount(count); }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
@@ -84,7 +70,6 @@ class Recorder final : public IDispatch {
 
   private:
     IDispatch* object_;
-    ULONG references_ = 1;
 };
 
 /// The object, or while a print is recorded one that stands before it; with one reference.

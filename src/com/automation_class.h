@@ -1,12 +1,11 @@
 // What all twenty classes share: reference counting, a dual interface, late-bound calls.
 #pragma once
 
+#include "com/counted.h"
 #include "com/module.h"
 #include "com/variants.h"
 
 #include <oaidl.h>
-
-#include <atomic>
 
 namespace kvtdruck::com {
 
@@ -23,34 +22,8 @@ HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD 
 /// A class with one dual interface. Errors within operations never become COM errors, and ISupportErrorInfo says
 /// so.
 template <class Interface>
-class AutomationClass : public Interface, public ISupportErrorInfo {
+class AutomationClass : public Counted<Interface, ISupportErrorInfo> {
   public:
-    AutomationClass() = default;
-    AutomationClass(const AutomationClass&) = delete;
-    AutomationClass& operator=(const AutomationClass&) = delete;
-    virtual ~AutomationClass() = default;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (!object)
-            return E_POINTER;
-        *object = nullptr;
-        if (iid == IID_IUnknown || iid == IID_IDispatch || iid == __uuidof(Interface))
-            *object = static_cast<Interface*>(this);
-        else if (iid == IID_ISupportErrorInfo)
-            *object = static_cast<ISupportErrorInfo*>(this);
-        else
-            return queryOther(iid, object);
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const auto left = --references_;
-        if (left == 0)
-            delete this;
-        return left;
-    }
-
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         if (!count)
             return E_POINTER;
@@ -83,7 +56,10 @@ class AutomationClass : public Interface, public ISupportErrorInfo {
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID) override { return S_FALSE; }
 
   protected:
-    virtual HRESULT queryOther(REFIID, void**) { return E_NOINTERFACE; }
+    void* interfaceOf(REFIID iid) override {
+        return iid == IID_IDispatch ? static_cast<Interface*>(this)
+                                    : Counted<Interface, ISupportErrorInfo>::interfaceOf(iid);
+    }
 
     /// Runs `body`; no C++ exception leaves the DLL.
     template <class Body>
@@ -116,7 +92,6 @@ class AutomationClass : public Interface, public ISupportErrorInfo {
     }
 
     ComPtr<ITypeInfo> typeInfo_;
-    std::atomic<ULONG> references_ = 1;
     LiveObject live_;
 };
 

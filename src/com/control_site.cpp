@@ -1,45 +1,19 @@
 #include "com/control_site.h"
 
 #include "com/com_error.h"
+#include "com/counted.h"
 #include "com/variants.h"
 
 #include <olectl.h>
-
-#include <atomic>
 
 namespace kvtdruck::com {
 namespace {
 
 /// The least that controls ask of their container: a client site, a control site, a place on the window, and the
 /// ambient properties "user mode" and "locale".
-class ControlSite final : public IOleClientSite, public IOleControlSite, public IOleInPlaceSite, public IDispatch {
+class ControlSite final : public Counted<IOleClientSite, IOleControlSite, IOleInPlaceSite, IDispatch> {
   public:
     explicit ControlSite(HWND window) : window_(window) {}
-    virtual ~ControlSite() = default;
-
-    // IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = nullptr;
-        if (iid == IID_IUnknown || iid == IID_IOleClientSite)
-            *object = static_cast<IOleClientSite*>(this);
-        else if (iid == IID_IOleControlSite)
-            *object = static_cast<IOleControlSite*>(this);
-        else if (iid == IID_IOleWindow || iid == IID_IOleInPlaceSite)
-            *object = static_cast<IOleInPlaceSite*>(this);
-        else if (iid == IID_IDispatch)
-            *object = static_cast<IDispatch*>(this);
-        if (!*object)
-            return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const auto left = --references_;
-        if (left == 0)
-            delete this;
-        return left;
-    }
 
     // IOleClientSite
     HRESULT STDMETHODCALLTYPE SaveObject() override { return E_NOTIMPL; }
@@ -115,7 +89,10 @@ class ControlSite final : public IOleClientSite, public IOleControlSite, public 
     }
 
   private:
-    std::atomic<ULONG> references_ = 0;
+    void* interfaceOf(REFIID iid) override {
+        return iid == IID_IOleWindow ? static_cast<IOleInPlaceSite*>(this) : Counted::interfaceOf(iid);
+    }
+
     HWND window_;
 };
 
@@ -135,7 +112,7 @@ HostedControl::~HostedControl() {
 }
 
 void HostedControl::place(HWND window) {
-    site_ = ComPtr<IOleClientSite>(new ControlSite(window));
+    *site_.put() = new ControlSite(window);
     DWORD status = 0;
     ole_->GetMiscStatus(DVASPECT_CONTENT, &status);
     const bool siteFirst = (status & OLEMISC_SETCLIENTSITEFIRST) != 0;

@@ -1,36 +1,18 @@
 // The four entry points of the server.
 #include "com/classes.h"
 #include "com/com_ptr.h"
+#include "com/counted.h"
 #include "com/module.h"
 #include "com/registration.h"
 
-#include <atomic>
 #include <new>
 
 namespace kvtdruck::com {
 namespace {
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public Counted<IClassFactory> {
   public:
     explicit ClassFactory(const CoClass& coClass) : coClass_(coClass) {}
-    virtual ~ClassFactory() = default;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (!object)
-            return E_POINTER;
-        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-        if (!*object)
-            return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const auto left = --references_;
-        if (left == 0)
-            delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         if (!object)
@@ -55,7 +37,6 @@ class ClassFactory final : public IClassFactory {
 
   private:
     const CoClass& coClass_;
-    std::atomic<ULONG> references_ = 1;
     LiveObject live_;
 };
 

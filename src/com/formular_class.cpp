@@ -127,12 +127,8 @@ class FormularClass final : public AutomationClass<_clsDruckFormular> {
     }
 
   private:
-    HRESULT queryOther(REFIID iid, void** object) override {
-        if (iid != kOwnFormular)
-            return E_NOINTERFACE;
-        *object = this;
-        AddRef();
-        return S_OK;
+    void* interfaceOf(REFIID iid) override {
+        return iid == kOwnFormular ? this : AutomationClass::interfaceOf(iid);
     }
 
     template <class Body>

@@ -2,6 +2,7 @@
 
 #include "com/com_error.h"
 #include "com/foreign_object.h"
+#include "platform/overloaded.h"
 
 namespace kvtdruck::com {
 namespace {
@@ -67,13 +68,6 @@ Variant unreferenced(const VARIANT& variant) {
         throw RuntimeError(ErrorNumber::TypeMismatch);
     }
 }
-
-template <class... F>
-struct Overloaded : F... {
-    using F::operator()...;
-};
-template <class... F>
-Overloaded(F...) -> Overloaded<F...>;
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "druckwerk/artwork.h"
 
+#include "druckwerk/deleter.h"
 #include "druckwerk/fault.h"
 #include "druckwerk/form_import.h"
 
@@ -10,13 +11,6 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
-template <auto Release>
-struct Deleter {
-    template <class T>
-    void operator()(T* object) const {
-        Release(object);
-    }
-};
 using Handle = std::unique_ptr<RsvgHandle, Deleter<g_object_unref>>;
 using Stream = std::unique_ptr<GInputStream, Deleter<g_object_unref>>;
 using File = std::unique_ptr<GFile, Deleter<g_object_unref>>;

@@ -4,12 +4,12 @@
 #include "druckwerk/fault.h"
 #include "druckwerk/layout.h"
 #include "druckwerk/print_job.h"
+#include "platform/posix/temporary_folder.h"
 #include "platform/runtime_error.h"
 
 #include <algorithm>
 #include <new>
 #include <set>
-#include <unistd.h>
 
 namespace kvtdruck::druckwerk {
 
@@ -62,26 +62,13 @@ std::string utf8Of(const std::filesystem::path& path) {
     return path.string();
 }
 
-/// A folder that is gone with the object.
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "kvtdruck-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr)
-            throw Fault(kOutputFailed, "Im Ordner für temporäre Dateien kann nichts angelegt werden");
-        path_ = name;
+std::unique_ptr<TemporaryFolder> newTemporaryFolder() {
+    try {
+        return std::make_unique<TemporaryFolder>();
+    } catch (const std::system_error&) {
+        throw Fault(kOutputFailed, "Im Ordner für temporäre Dateien kann nichts angelegt werden");
     }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    const std::filesystem::path& path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
+}
 
 /// A print job between its start and its end.
 struct Job {
@@ -89,8 +76,8 @@ struct Job {
     std::filesystem::path objectName;
     bool preview = false;
     bool failed = false;
-    std::optional<Layout> layout;          ///< until the first page
-    std::optional<TemporaryFolder> folder; ///< for a document that goes to a printer
+    std::optional<Layout> layout;            ///< until the first page
+    std::unique_ptr<TemporaryFolder> folder; ///< for a document that goes to a printer
     std::filesystem::path output;
     std::unique_ptr<PrintJob> print; ///< from the first page on
 };
@@ -312,7 +299,7 @@ void Druckwerk::Engine::turnPage() {
         if (job_->output.empty()) {
             if (!options_->deliver)
                 throw Fault(kOutputFailed, "Für den Druck ist weder eine Datei noch ein Drucker angegeben");
-            job_->folder.emplace();
+            job_->folder = newTemporaryFolder();
             job_->output = job_->folder->path() / (job_->listName + ".pdf");
         }
         job_->print = std::make_unique<PrintJob>(std::move(*job_->layout), definitions_, job_->output,

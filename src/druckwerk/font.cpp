@@ -1,5 +1,6 @@
 #include "druckwerk/font.h"
 
+#include "druckwerk/deleter.h"
 #include "druckwerk/druckwerk.h"
 #include "druckwerk/fault.h"
 
@@ -20,13 +21,6 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
-template <auto Release>
-struct Deleter {
-    template <class T>
-    void operator()(T* object) const {
-        Release(object);
-    }
-};
 using Pattern = std::unique_ptr<FcPattern, Deleter<FcPatternDestroy>>;
 using FontSet = std::unique_ptr<FcFontSet, Deleter<FcFontSetDestroy>>;
 using Buffer = std::unique_ptr<hb_buffer_t, Deleter<hb_buffer_destroy>>;

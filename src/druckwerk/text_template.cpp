@@ -1,19 +1,13 @@
 #include "druckwerk/text_template.h"
 
 #include "druckwerk/fault.h"
+#include "platform/overloaded.h"
 
 #include <algorithm>
 
 namespace kvtdruck::druckwerk {
 
 namespace {
-
-template <class... Handlers>
-struct Overload : Handlers... {
-    using Handlers::operator()...;
-};
-template <class... Handlers>
-Overload(Handlers...) -> Overload<Handlers...>;
 
 bool isName(StringView text) {
     return !text.empty() && std::none_of(text.begin(), text.end(), [](char16_t c) {
@@ -98,21 +92,21 @@ void TextTemplate::append(const Scene& scene, const String& printDate, String& o
                                                       : scene.pageLine);
     };
     for (const auto& piece : pieces_)
-        std::visit(Overload{[&](const String& text) { out += text; }, appendValue,
-                            [&](const Computed& computed) {
-                                const Number number = Number::of(computed.expression.evaluate(scene));
-                                if (number.isNumber())
-                                    computed.pattern.append(number, out);
-                                else
-                                    out += u'–';
-                            },
-                            appendCounter,
-                            [&](const PrintDateText& date) {
-                                if (date.pattern)
-                                    date.pattern->append(printDate, out);
-                                else
-                                    out += StringView(printDate).substr(0, 10);
-                            }},
+        std::visit(Overloaded{[&](const String& text) { out += text; }, appendValue,
+                              [&](const Computed& computed) {
+                                  const Number number = Number::of(computed.expression.evaluate(scene));
+                                  if (number.isNumber())
+                                      computed.pattern.append(number, out);
+                                  else
+                                      out += u'–';
+                              },
+                              appendCounter,
+                              [&](const PrintDateText& date) {
+                                  if (date.pattern)
+                                      date.pattern->append(printDate, out);
+                                  else
+                                      out += StringView(printDate).substr(0, 10);
+                              }},
                    piece);
 }
 

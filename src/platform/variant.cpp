@@ -1,6 +1,7 @@
 #include "platform/variant.h"
 
 #include "platform/conversion.h"
+#include "platform/overloaded.h"
 #include "platform/runtime_error.h"
 
 #include <cmath>
@@ -10,13 +11,6 @@
 namespace kvtdruck {
 
 namespace {
-
-template <class... Functions>
-struct Overloaded : Functions... {
-    using Functions::operator()...;
-};
-template <class... Functions>
-Overloaded(Functions...) -> Overloaded<Functions...>;
 
 [[noreturn]] void fail(ErrorNumber number) {
     throw RuntimeError(number);

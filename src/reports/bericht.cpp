@@ -1,6 +1,7 @@
 #include "reports/bericht.h"
 
 #include "platform/conversion.h"
+#include "platform/overloaded.h"
 
 #include <utility>
 
@@ -15,13 +16,6 @@ constexpr std::int32_t kListenprojekt = 2;
 constexpr std::int32_t kFortschrittsbox = 2;
 constexpr std::int32_t kModusDrucken = 256;
 constexpr std::int32_t kModusVorschau = 512;
-
-template <class... F>
-struct Auswahl : F... {
-    using F::operator()...;
-};
-template <class... F>
-Auswahl(F...) -> Auswahl<F...>;
 
 } // namespace
 
@@ -130,7 +124,7 @@ void Bericht::Definiere(Ziel ziel, GebundeneTabelle& tabelle, const Satz& satz) 
 String Bericht::Inhalt(const Quelle& quelle, Mitglied& getter, const Satz& satz) {
     const auto abgerufen = [&] { return gesetzt(satz.leser).wert(getter); };
     return std::visit(
-        Auswahl{
+        Overloaded{
             [&](const Firmennummer&) { return textOf(auftrag_.pFnr, locale()); },
             [&](const Waehrung&) { return waehrung_; },
             [&](const Festtext& fest) { return fest.text; },

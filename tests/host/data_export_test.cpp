@@ -85,7 +85,7 @@ class DataExportTest : public ::testing::Test {
         return names;
     }
 
-    testing::TemporaryFolder folder;
+    TemporaryFolder folder;
     DataExportOptions options;
     std::vector<std::string> errors;
     std::vector<std::string> warnings;

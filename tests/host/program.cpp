@@ -38,18 +38,6 @@ std::vector<std::string> withVariables(const Program::Environment& variables) {
 
 } // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    auto name = (std::filesystem::temp_directory_path() / "kvtdruck-XXXXXX").string();
-    if (!::mkdtemp(name.data()))
-        throw std::system_error(errno, std::generic_category());
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 Program::Program(const std::vector<std::string>& command, const Environment& environment) {
     auto arguments = command;
     auto variables = withVariables(environment);

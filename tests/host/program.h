@@ -1,5 +1,7 @@
-// Running programs from tests, and places for their files.
+// Running programs from tests.
 #pragma once
+
+#include "platform/posix/temporary_folder.h"
 
 #include <filesystem>
 #include <functional>
@@ -10,21 +12,6 @@
 #include <sys/types.h>
 
 namespace kvtdruck::testing {
-
-/// A folder that is removed with its contents.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    const std::filesystem::path& path() const { return path_; }
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 struct Outcome {
     int exitCode = -1; ///< 128 plus the signal's number where one has ended the program

@@ -34,18 +34,6 @@ std::string withoutComments(std::string sql) {
 
 } // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    auto pattern = (std::filesystem::temp_directory_path() / "kvtzug-XXXXXX").string();
-    if (!mkdtemp(pattern.data()))
-        throw std::runtime_error("no temporary folder");
-    path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 void Database::execute(std::string_view text) const {
     const Connection connection(connectionString());
     // Drivers stumble over apostrophes in comments.

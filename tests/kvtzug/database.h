@@ -1,6 +1,7 @@
 // Databases for the tests of the reference data access: a fresh one per test, filled through ODBC.
 #pragma once
 
+#include "platform/posix/temporary_folder.h"
 #include "platform/text.h"
 
 #include <filesystem>
@@ -8,20 +9,6 @@
 #include <string_view>
 
 namespace kvtdruck::test {
-
-/// A folder of its own under the system's temporary folder, removed at the end.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    const std::filesystem::path& path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 /// An empty database.
 class Database {

@@ -1,6 +1,7 @@
 #include "platform/posix/posix_platform.h"
 
 #include "platform/conversion.h"
+#include "platform/posix/temporary_folder.h"
 #include "platform/printers.h"
 
 #include <gtest/gtest.h>
@@ -60,18 +61,16 @@ void expectItalian() {
 }
 
 TEST(LocaleByName, InstalledOne) {
-    std::string folder = testing::TempDir() + "kvtdruck-XXXXXX";
-    ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    ASSERT_EQ(std::system(("localedef -i it_IT -f UTF-8 " + folder + "/it_IT.UTF-8").c_str()), 0)
+    const TemporaryFolder folder;
+    ASSERT_EQ(std::system(("localedef -i it_IT -f UTF-8 " + (folder / "it_IT.UTF-8").string()).c_str()), 0)
         << "needs the package locales";
     // In a process of its own: the C library keeps what it has once looked up, and leaks LOCPATH's parts.
     const auto inChild = [&] {
-        setenv("LOCPATH", folder.c_str(), 1);
+        setenv("LOCPATH", folder.path().c_str(), 1);
         expectItalian();
         std::_Exit(testing::Test::HasFailure() ? 1 : 0);
     };
     EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
-    std::filesystem::remove_all(folder);
 }
 
 TEST(LocaleByName, NotInstalled) {

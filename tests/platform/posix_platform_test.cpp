@@ -2,6 +2,7 @@
 #include "platform/posix/posix_platform.h"
 
 #include "platform/conversion.h"
+#include "platform/posix/temporary_folder.h"
 #include "platform/printers.h"
 
 #include <gmock/gmock.h>
@@ -24,24 +25,10 @@ namespace fs = std::filesystem;
 namespace {
 
 /// A folder of its own for each test; its path is given as the component would write it.
-class Folder {
+class Folder : public TemporaryFolder {
   public:
-    Folder() {
-        std::string name = (fs::temp_directory_path() / "kvtdruck-XXXXXX").string();
-        path_ = mkdtemp(name.data());
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-
-    fs::path operator/(std::string_view name) const { return path_ / name; }
-    fs::path path() const { return path_; }
-
     fs::path write(std::string_view name, std::string_view content = "") const {
-        fs::path file = path_ / name;
+        fs::path file = *this / name;
         fs::create_directories(file.parent_path());
         std::ofstream(file) << content;
         return file;
@@ -53,9 +40,6 @@ class Folder {
         fs::permissions(file, fs::perms::owner_all);
         return file;
     }
-
-  private:
-    fs::path path_;
 };
 
 String backslashed(const fs::path& path) {

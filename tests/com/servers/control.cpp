@@ -1,5 +1,6 @@
 #include "servers/control.h"
 
+#include "com/counted.h"
 #include "engine/control.h"
 #include "engine/recording_control.h"
 #include "kvtzug/reader.h"
@@ -245,9 +246,9 @@ class Control final : public Dispatch {
         return carryOut(operationOf(member), values);
     }
 
-    IUnknown* other(REFIID iid) override {
-        if (kind_ == "bare")
-            return nullptr;
+    void* interfaceOf(REFIID iid) override {
+        if (void* const own = Dispatch::interfaceOf(iid); own != nullptr || kind_ == "bare")
+            return own;
         if (IsEqualIID(iid, IID_IOleObject))
             return &embedding_;
         if (IsEqualIID(iid, IID_IPersistStreamInit) || IsEqualIID(iid, IID_IPersist))
@@ -305,27 +306,11 @@ class Control final : public Dispatch {
 };
 
 /// Gives controls; licensed ones only against the key.
-class ControlFactory final : public IClassFactory2 {
+class ControlFactory final : public com::Counted<IClassFactory2> {
   public:
     explicit ControlFactory(bool licensed) : licensed_(licensed) { ++liveObjects; }
     virtual ~ControlFactory() { --liveObjects; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory) ||
-                           (licensed_ && IsEqualIID(iid, IID_IClassFactory2));
-        *object = known ? this : nullptr;
-        if (!known)
-            return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const auto left = --references_;
-        if (left == 0)
-            delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         *object = nullptr;
         if (outer != nullptr)
@@ -361,8 +346,13 @@ class ControlFactory final : public IClassFactory2 {
         return result;
     }
 
+    void* interfaceOf(REFIID iid) override {
+        if (IsEqualIID(iid, IID_IClassFactory))
+            return this;
+        return licensed_ || IsEqualIID(iid, IID_IUnknown) ? Counted::interfaceOf(iid) : nullptr;
+    }
+
     bool licensed_;
-    std::atomic<ULONG> references_ = 1;
 };
 
 } // namespace

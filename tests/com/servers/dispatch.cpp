@@ -1,6 +1,7 @@
 #include "servers/dispatch.h"
 
 #include "ado_connection.h"
+#include "platform/overloaded.h"
 #include "platform/runtime_error.h"
 
 #include <algorithm>
@@ -141,8 +142,8 @@ class Exposed final : public Dispatch {
         return {};
     }
 
-    IUnknown* other(REFIID iid) override {
-        return IsEqualIID(iid, kExposedObject) ? static_cast<IDispatch*>(this) : nullptr;
+    void* interfaceOf(REFIID iid) override {
+        return IsEqualIID(iid, kExposedObject) ? this : Dispatch::interfaceOf(iid);
     }
 
   private:
@@ -185,11 +186,6 @@ Variant scalar(const VARIANT& variant) {
         throw RuntimeError(ErrorNumber::TypeMismatch);
     }
 }
-
-template <class... Functions>
-struct Overloaded : Functions... {
-    using Functions::operator()...;
-};
 
 IDispatch* dispatchOf(const ObjectRef& object) {
     if (!object)
@@ -263,23 +259,6 @@ ObjectRef foreignObject(IDispatch* dispatch) {
 
 IDispatch* exposed(ObjectRef object) {
     return new Exposed(std::move(object));
-}
-
-HRESULT Dispatch::QueryInterface(REFIID iid, void** object) {
-    const bool own = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch);
-    IUnknown* const found = own ? static_cast<IDispatch*>(this) : other(iid);
-    *object = found;
-    if (found == nullptr)
-        return E_NOINTERFACE;
-    found->AddRef();
-    return S_OK;
-}
-
-ULONG Dispatch::Release() {
-    const auto left = --references_;
-    if (left == 0)
-        delete this;
-    return left;
 }
 
 HRESULT Dispatch::GetTypeInfoCount(UINT* count) {

@@ -2,6 +2,7 @@
 // the way back. Test code of its own: what is under test must not prove itself.
 #pragma once
 
+#include "com/counted.h"
 #include "platform/object.h"
 #include "platform/text.h"
 #include "platform/variant.h"
@@ -30,16 +31,11 @@ BSTR toBstr(StringView text);
 ObjectRef foreignObject(IDispatch* dispatch);
 
 /// An Automation object: names and numbers to calls, run-time errors to EXCEPINFO.
-class Dispatch : public IDispatch {
+class Dispatch : public com::Counted<IDispatch> {
   public:
     Dispatch() { ++liveObjects; }
-    Dispatch(const Dispatch&) = delete;
-    Dispatch& operator=(const Dispatch&) = delete;
     virtual ~Dispatch() { --liveObjects; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
@@ -51,11 +47,6 @@ class Dispatch : public IDispatch {
     virtual DISPID idOf(StringView name) = 0;
     /// Calls the member with its arguments in order (a written property's value last). Run-time errors are raised.
     virtual Variant invoke(DISPID member, WORD flags, std::span<VARIANT* const> arguments) = 0;
-    /// Another interface of the object, or nullptr.
-    virtual IUnknown* other(REFIID) { return nullptr; }
-
-  private:
-    std::atomic<ULONG> references_ = 1;
 };
 
 /// A new Automation object that answers as `object` does, with one reference.

@@ -1,6 +1,7 @@
 // The libraries that the component talks to on a host's machine, for tests: the data access over ODBC, the engine's
 // control, the parameter array, the error report, and a connection for scripts. One in-process server registers
 // them all.
+#include "com/counted.h"
 #include "kvtzug/kvtzug.h"
 #include "kvtzug/reader.h"
 #include "platform/runtime_error.h"
@@ -82,26 +83,11 @@ constexpr ServedClass kClasses[] = {
     {L"KVTTest.Connection", L"{6B1F8A52-0C8E-4F0B-9C5C-5F3E52B0D112}", createConnection},
 };
 
-class Factory final : public IClassFactory {
+class Factory final : public com::Counted<IClassFactory> {
   public:
     explicit Factory(const ServedClass& served) : served_(served) { ++liveObjects; }
     virtual ~Factory() { --liveObjects; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory);
-        *object = known ? this : nullptr;
-        if (!known)
-            return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const auto left = --references_;
-        if (left == 0)
-            delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         *object = nullptr;
         if (outer != nullptr)
@@ -118,7 +104,6 @@ class Factory final : public IClassFactory {
 
   private:
     const ServedClass& served_;
-    std::atomic<ULONG> references_ = 1;
 };
 
 std::wstring keyOf(const ServedClass& served) {
