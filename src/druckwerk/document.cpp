@@ -127,54 +127,58 @@ void PdfDocument::writeResources() {
                                         ">>/ExtGState<<" + states + ">>>>");
 }
 
-/// The outline as PDF wants it: every entry knows its parent, its neighbours, its first and last child.
+/// Writes the outline; gives its object, or 0 where there is none.
 int PdfDocument::writeOutline() {
     if (bookmarks_.empty())
         return 0;
-    struct Links {
-        int parent = 0, previous = 0, next = 0, first = 0, last = 0, count = 0;
-        std::size_t lastIndex = 0;
-    };
-    const std::size_t size = bookmarks_.size();
-    std::vector<int> objects(size + 1);
+    std::vector<int> objects(bookmarks_.size() + 1); // the last one is the outline itself
     for (int& object : objects)
         object = output_.allocate();
-    std::vector<Links> links(size + 1); // the last one is the outline itself
-    std::vector<std::size_t> ancestors = {size};
-    for (std::size_t i = 0; i < size; ++i) {
+    const auto links = linkBookmarks(objects);
+    for (std::size_t i = 0; i < bookmarks_.size(); ++i) {
+        const Bookmark& bookmark = bookmarks_[i];
+        std::string body = links[i].entries() + "/Title " + pdfText(bookmark.text) + "/Dest[" +
+                           reference(bookmark.page) + "/XYZ null ";
+        appendNumber(body, canvas_.height() - bookmark.y);
+        output_.writeObject(objects[i], "<<" + body + " null]>>");
+    }
+    output_.writeObject(objects.back(), "<<" + links.back().entries() + "/Type/Outlines>>");
+    return objects.back();
+}
+
+/// The links of each bookmark, and behind them those of the outline itself.
+std::vector<PdfDocument::Links> PdfDocument::linkBookmarks(const std::vector<int>& objects) const {
+    const std::size_t outline = bookmarks_.size();
+    std::vector<Links> links(outline + 1);
+    std::vector<std::size_t> lastChild(outline + 1);
+    std::vector<std::size_t> ancestors = {outline};
+    for (std::size_t i = 0; i < outline; ++i) {
         ancestors.resize(bookmarks_[i].level + 1);
-        Links& parent = links[ancestors.back()];
-        links[i].parent = objects[ancestors.back()];
-        links[i].previous = parent.last;
-        if (parent.last == 0)
-            parent.first = objects[i];
-        else
-            links[parent.lastIndex].next = objects[i];
-        parent.last = objects[i];
-        parent.lastIndex = i;
-        ++parent.count;
+        const std::size_t parent = ancestors.back();
+        links[i].parent = objects[parent];
+        links[i].previous = links[parent].last;
+        (links[parent].last == 0 ? links[parent].first : links[lastChild[parent]].next) = objects[i];
+        links[parent].last = objects[i];
+        lastChild[parent] = i;
+        --links[parent].count; // below the first level entries begin closed
         ancestors.push_back(i);
     }
-    const auto link = [](const char* name, int object) {
-        return object == 0 ? std::string() : std::string(name) + " " + reference(object);
+    links.back().count = -links.back().count;
+    return links;
+}
+
+std::string PdfDocument::Links::entries() const {
+    std::string text;
+    const auto link = [&](const char* name, int object) {
+        if (object != 0)
+            text += std::string(name) + " " + reference(object);
     };
-    for (std::size_t i = 0; i <= size; ++i) {
-        const Links& l = links[i];
-        std::string body = "<<" + link("/Parent", l.parent) + link("/Prev", l.previous) + link("/Next", l.next) +
-                           link("/First", l.first) + link("/Last", l.last);
-        if (l.count != 0) // below the first level entries begin closed
-            body += "/Count " + std::to_string(i == size ? l.count : -l.count);
-        if (i < size) {
-            body +=
-                "/Title " + pdfText(bookmarks_[i].text) + "/Dest[" + reference(bookmarks_[i].page) + "/XYZ null ";
-            appendNumber(body, canvas_.height() - bookmarks_[i].y);
-            body += " null]";
-        } else {
-            body += "/Type/Outlines";
-        }
-        output_.writeObject(objects[i], body + ">>");
-    }
-    return objects[size];
+    link("/Parent", parent);
+    link("/Prev", previous);
+    link("/Next", next);
+    link("/First", first);
+    link("/Last", last);
+    return count == 0 ? text : text + "/Count " + std::to_string(count);
 }
 
 void PdfDocument::finish(const DocumentInfo& info) {

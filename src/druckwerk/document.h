@@ -118,6 +118,12 @@ class PdfDocument {
         int page;
         double y;
     };
+    /// Where an entry stands in the outline: the objects around it, 0 where there is none.
+    struct Links {
+        int parent = 0, previous = 0, next = 0, first = 0, last = 0;
+        int count = 0; ///< of the entries below, negative where they begin closed
+        std::string entries() const;
+    };
     static constexpr int kPagesPerNode = 64;
     int lateObject(const LateText& late);
     void writeLateTexts();
@@ -125,6 +131,7 @@ class PdfDocument {
     void closeNode();
     void writeResources();
     int writeOutline();
+    std::vector<Links> linkBookmarks(const std::vector<int>& objects) const;
 
     PdfOutput output_;
     FontLibrary fonts_;

@@ -13,8 +13,10 @@
 #include <hb-subset.h>
 #include <hb.h>
 #include <new>
+#include <optional>
 #include <png.h>
 #include <set>
+#include <span>
 #include <strings.h>
 
 namespace kvtdruck::druckwerk {
@@ -481,12 +483,10 @@ double FontLibrary::measure(StringView text, Face& face) {
     return measured_.width;
 }
 
-/// Text in any script: split by writing direction, script and the font that has the characters.
-void FontLibrary::shapeFully(StringView utf16, Face& face, ShapedText& out) {
-    out.clear();
-    const std::u32string text = codePoints(utf16);
-    if (text.empty())
-        return;
+namespace {
+
+/// The bidirectional level of each character.
+std::vector<FriBidiLevel> embeddingLevels(const std::u32string& text) {
     const auto length = static_cast<FriBidiStrIndex>(text.size());
     std::vector<FriBidiCharType> types(text.size());
     std::vector<FriBidiBracketType> brackets(text.size());
@@ -497,22 +497,32 @@ void FontLibrary::shapeFully(StringView utf16, Face& face, ShapedText& out) {
     FriBidiParType direction = FRIBIDI_PAR_ON;
     if (fribidi_get_par_embedding_levels_ex(types.data(), brackets.data(), length, &direction, levels.data()) == 0)
         throw std::bad_alloc();
+    return levels;
+}
 
-    struct Run {
-        std::size_t begin, end;
-        FriBidiLevel level;
-        Face* face;
-    };
-    std::vector<Run> runs;
+} // namespace
+
+/// Characters begin to end of one direction, script and font.
+struct FontLibrary::TextRun {
+    std::size_t begin, end;
+    FriBidiLevel level;
+    Face* face;
+    bool rightToLeft() const { return (level & 1) != 0; }
+};
+
+std::vector<FontLibrary::TextRun> FontLibrary::splitRuns(const std::u32string& text, Face& face) {
+    const auto levels = embeddingLevels(text);
+    std::vector<TextRun> runs;
     hb_unicode_funcs_t* unicode = hb_unicode_funcs_get_default();
     hb_script_t currentScript = HB_SCRIPT_COMMON;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        hb_script_t script = hb_unicode_script(unicode, text[i]);
+        const hb_script_t script = hb_unicode_script(unicode, text[i]);
         const bool inherits = script == HB_SCRIPT_COMMON || script == HB_SCRIPT_INHERITED;
-        Face* wanted = runs.empty() ? &faceFor(text[i], face) : runs.back().face;
-        if (!runs.empty() &&
-            !(isIgnorable(text[i]) || (script == HB_SCRIPT_INHERITED && wanted->hasGlyph(text[i]))))
-            wanted = &faceFor(text[i], face);
+        // What joins the character before it stays in its font.
+        const bool joins =
+            !runs.empty() &&
+            (isIgnorable(text[i]) || (script == HB_SCRIPT_INHERITED && runs.back().face->hasGlyph(text[i])));
+        Face* const wanted = joins ? runs.back().face : &faceFor(text[i], face);
         const bool fits = !runs.empty() && runs.back().level == levels[i] && runs.back().face == wanted &&
                           (inherits || currentScript == HB_SCRIPT_COMMON || script == currentScript);
         if (fits)
@@ -524,86 +534,135 @@ void FontLibrary::shapeFully(StringView utf16, Face& face, ShapedText& out) {
         else if (!fits)
             currentScript = HB_SCRIPT_COMMON;
     }
-    // Rule L2 of the bidirectional algorithm: reverse from the highest level down to the lowest odd one.
+    return runs;
+}
+
+/// Rule L2 of the bidirectional algorithm (Unicode Standard Annex 9): runs are reversed from the highest level down
+/// to the lowest odd one.
+void FontLibrary::orderAsSeen(std::vector<TextRun>& runs) {
     FriBidiLevel highest = 0;
-    for (const Run& run : runs)
+    for (const TextRun& run : runs)
         highest = std::max(highest, run.level);
     for (FriBidiLevel level = highest; level > 0; --level)
         for (auto begin = runs.begin(); begin != runs.end();) {
-            begin = std::find_if(begin, runs.end(), [&](const Run& run) { return run.level >= level; });
-            const auto end = std::find_if(begin, runs.end(), [&](const Run& run) { return run.level < level; });
+            begin = std::find_if(begin, runs.end(), [&](const TextRun& run) { return run.level >= level; });
+            const auto end = std::find_if(begin, runs.end(), [&](const TextRun& run) { return run.level < level; });
             std::reverse(begin, end);
             begin = end;
         }
-    for (const Run& run : runs)
-        shapeRun(text, run.begin, run.end, (run.level & 1) != 0, *run.face, face, out);
 }
 
-void FontLibrary::shapeRun(const std::u32string& text, std::size_t begin, std::size_t end, bool rightToLeft,
-                           Face& face, Face& base, ShapedText& out) {
+/// Text in any script: split by writing direction, script and the font that has the characters.
+void FontLibrary::shapeFully(StringView utf16, Face& face, ShapedText& out) {
+    out.clear();
+    const std::u32string text = codePoints(utf16);
+    if (text.empty())
+        return;
+    auto runs = splitRuns(text, face);
+    orderAsSeen(runs);
+    for (const TextRun& run : runs)
+        shapeRun(text, run, face, out);
+}
+
+namespace {
+
+/// Gives out the text of each cluster of glyphs once, with the first glyph of the cluster.
+class ClusterTexts {
+  public:
+    ClusterTexts(const std::u32string& text, std::size_t end, std::span<const hb_glyph_info_t> glyphs)
+        : text_(text), end_(end) {
+        for (const auto& glyph : glyphs)
+            begins_.insert(glyph.cluster);
+    }
+
+    String take(std::size_t cluster) {
+        String taken;
+        if (!shown_.insert(cluster).second)
+            return taken;
+        const auto next = begins_.upper_bound(cluster);
+        for (std::size_t i = cluster; i < (next == begins_.end() ? end_ : *next); ++i)
+            appendUtf16(taken, text_[i]);
+        return taken;
+    }
+
+  private:
+    const std::u32string& text_;
+    std::size_t end_;
+    std::set<std::size_t> begins_;
+    std::set<std::size_t> shown_;
+};
+
+} // namespace
+
+void FontLibrary::shapeRun(const std::u32string& text, const TextRun& characters, Face& base, ShapedText& out) {
+    Face& face = *characters.face;
     const Buffer buffer(hb_buffer_create());
     hb_buffer_add_utf32(buffer.get(), reinterpret_cast<const std::uint32_t*>(text.data()),
-                        static_cast<int>(text.size()), static_cast<unsigned>(begin), static_cast<int>(end - begin));
-    hb_buffer_set_direction(buffer.get(), rightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
+                        static_cast<int>(text.size()), static_cast<unsigned>(characters.begin),
+                        static_cast<int>(characters.end - characters.begin));
+    hb_buffer_set_direction(buffer.get(), characters.rightToLeft() ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
     hb_buffer_guess_segment_properties(buffer.get());
     hb_shape(face.font(), buffer.get(), nullptr, 0);
     unsigned count = 0;
     const hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer.get(), &count);
     const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer.get(), &count);
-    const double em = face.unitsPerEm();
 
-    std::set<std::size_t> clusters;
-    for (unsigned i = 0; i < count; ++i)
-        clusters.insert(glyphs[i].cluster);
-    std::set<std::size_t> shown; // a cluster's text belongs to its first glyph
-    const auto textOf = [&](std::size_t cluster) {
-        String clusterText;
-        if (!shown.insert(cluster).second)
-            return clusterText;
-        const auto next = clusters.upper_bound(cluster);
-        for (std::size_t i = cluster; i < (next == clusters.end() ? end : *next); ++i)
-            appendUtf16(clusterText, text[i]);
-        return clusterText;
-    };
-
+    ClusterTexts texts(text, characters.end, {glyphs, count});
     ShapedRun* run = nullptr;
     for (unsigned i = 0; i < count; ++i) {
-        const String clusterText = textOf(glyphs[i].cluster);
-        const double advance = positions[i].x_advance / em;
-        const double rise = positions[i].y_offset / em;
-        const GlyphPicture* glyphPicture = face.hasPictures() ? picture(face, glyphs[i].codepoint) : nullptr;
+        const std::uint32_t glyph = glyphs[i].codepoint;
+        const GlyphPicture* glyphPicture = face.hasPictures() ? picture(face, glyph) : nullptr;
+        const double rise = positions[i].y_offset / face.unitsPerEm();
         if (run == nullptr || glyphPicture != nullptr || run->picture != nullptr || run->rise != rise) {
             run = &out.add(face);
             run->rise = rise;
         }
+        const double advance = positions[i].x_advance / face.unitsPerEm();
         out.width += advance;
         run->width += advance;
-        if (face.hasPictures()) {
-            // The picture's text is carried by a blank of the font around it.
-            hb_codepoint_t blank = 0;
-            hb_font_get_nominal_glyph(base.font(), U' ', &blank);
-            run->face = &base;
-            run->picture = glyphPicture;
-            appendCode(run->glyphs, base.codeOf(blank, clusterText));
-            continue;
-        }
-        const double offset = positions[i].x_offset / em;
-        const double surplus = advance - hb_font_get_glyph_h_advance(face.font(), glyphs[i].codepoint) / em;
-        if (offset != 0)
-            appendAdjustment(run->glyphs, offset);
-        appendCode(run->glyphs, face.codeOf(glyphs[i].codepoint, clusterText));
-        if (surplus - offset != 0)
-            appendAdjustment(run->glyphs, surplus - offset);
-        run->kerned = run->kerned || offset != 0 || surplus != 0;
+        if (face.hasPictures())
+            appendPicture(*run, glyphPicture, base, texts.take(glyphs[i].cluster));
+        else
+            appendGlyph(*run, glyph, positions[i].x_offset / face.unitsPerEm(), advance,
+                        texts.take(glyphs[i].cluster));
     }
 }
 
-const GlyphPicture* FontLibrary::picture(Face& face, std::uint32_t glyph) {
-    const auto [entry, fresh] = pictures_.try_emplace({&face, glyph});
-    if (!fresh)
-        return entry->second.get();
-    hb_font_set_ppem(face.font(), 128, 128);
-    const Blob blob(hb_ot_color_glyph_reference_png(face.font(), glyph));
+/// The picture's text is carried by a blank of the font around it.
+void FontLibrary::appendPicture(ShapedRun& run, const GlyphPicture* glyphPicture, Face& base, StringView text) {
+    hb_codepoint_t blank = 0;
+    hb_font_get_nominal_glyph(base.font(), U' ', &blank);
+    run.face = &base;
+    run.picture = glyphPicture;
+    appendCode(run.glyphs, base.codeOf(blank, text));
+}
+
+void FontLibrary::appendGlyph(ShapedRun& run, std::uint32_t glyph, double offset, double advance, StringView text) {
+    Face& face = *run.face;
+    const double surplus = advance - hb_font_get_glyph_h_advance(face.font(), glyph) / face.unitsPerEm();
+    if (offset != 0)
+        appendAdjustment(run.glyphs, offset);
+    appendCode(run.glyphs, face.codeOf(glyph, text));
+    if (surplus - offset != 0)
+        appendAdjustment(run.glyphs, surplus - offset);
+    run.kerned = run.kerned || offset != 0 || surplus != 0;
+}
+
+namespace {
+
+/// A picture's colours, three bytes a pixel, and how opaque each pixel is.
+struct Pixels {
+    unsigned width = 0;
+    unsigned height = 0;
+    std::string colors;
+    std::string mask;
+};
+
+/// The picture of a glyph at 128 pixels an em; nothing where there is none that can be read, or it is beyond
+/// measure.
+std::optional<Pixels> pixelsOf(hb_font_t* font, std::uint32_t glyph) {
+    hb_font_set_ppem(font, 128, 128);
+    const Blob blob(hb_ot_color_glyph_reference_png(font, glyph));
     unsigned size = 0;
     const char* data = hb_blob_get_data(blob.get(), &size);
     png_image image{};
@@ -611,42 +670,57 @@ const GlyphPicture* FontLibrary::picture(Face& face, std::uint32_t glyph) {
     if (size == 0 || png_image_begin_read_from_memory(&image, data, size) == 0 || image.width > 512 ||
         image.height > 512) {
         png_image_free(&image);
-        return nullptr;
+        return std::nullopt;
     }
     image.format = PNG_FORMAT_RGBA;
-    std::string pixels(PNG_IMAGE_SIZE(image), '\0');
-    if (png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr) == 0)
-        return nullptr;
-    std::string colors;
-    std::string mask;
-    for (std::size_t i = 0; i < pixels.size(); i += 4) {
-        colors.append(pixels, i, 3);
-        mask += pixels[i + 3];
+    std::string bytes(PNG_IMAGE_SIZE(image), '\0');
+    if (png_image_finish_read(&image, nullptr, bytes.data(), 0, nullptr) == 0)
+        return std::nullopt;
+    Pixels pixels{image.width, image.height, {}, {}};
+    for (std::size_t i = 0; i < bytes.size(); i += 4) {
+        pixels.colors.append(bytes, i, 3);
+        pixels.mask += bytes[i + 3];
     }
-    const int maskObject = output_.allocate();
-    const int object = output_.allocate();
-    const std::string extent = "/Type/XObject/Subtype/Image/Width " + std::to_string(image.width) + "/Height " +
-                               std::to_string(image.height) + "/BitsPerComponent 8";
-    output_.writeStream(maskObject, extent + "/ColorSpace/DeviceGray", mask);
-    output_.writeStream(object, extent + "/ColorSpace/DeviceRGB/SMask " + std::to_string(maskObject) + " 0 R",
-                        colors);
-    images_.push_back(object);
+    return pixels;
+}
 
-    hb_glyph_extents_t extents{};
+/// Where the picture stands: on the glyph's extents, or else as wide as its advance and a fifth below the line.
+void place(GlyphPicture& picture, const Face& face, std::uint32_t glyph, const Pixels& pixels) {
     const double em = face.unitsPerEm();
-    auto found = std::make_unique<GlyphPicture>();
-    found->image = static_cast<int>(images_.size()) - 1;
-    const double advance = hb_font_get_glyph_h_advance(face.font(), glyph) / em;
-    found->width = advance;
-    found->height = advance * image.height / image.width;
-    found->bottom = -0.2 * found->height;
+    hb_glyph_extents_t extents{};
     if (hb_font_get_glyph_extents(face.font(), glyph, &extents) != 0 && extents.width != 0 && extents.height != 0) {
-        found->left = extents.x_bearing / em;
-        found->width = extents.width / em;
-        found->height = -extents.height / em;
-        found->bottom = (extents.y_bearing + extents.height) / em;
+        picture.left = extents.x_bearing / em;
+        picture.width = extents.width / em;
+        picture.height = -extents.height / em;
+        picture.bottom = (extents.y_bearing + extents.height) / em;
+        return;
     }
-    return (entry->second = std::move(found)).get();
+    picture.width = hb_font_get_glyph_h_advance(face.font(), glyph) / em;
+    picture.height = picture.width * pixels.height / pixels.width;
+    picture.bottom = -0.2 * picture.height;
+}
+
+} // namespace
+
+const GlyphPicture* FontLibrary::picture(Face& face, std::uint32_t glyph) {
+    const auto [entry, fresh] = pictures_.try_emplace({&face, glyph});
+    if (!fresh)
+        return entry->second.get();
+    const auto pixels = pixelsOf(face.font(), glyph);
+    if (!pixels)
+        return nullptr;
+    const int mask = output_.allocate();
+    const int image = output_.allocate();
+    const std::string extent = "/Type/XObject/Subtype/Image/Width " + std::to_string(pixels->width) + "/Height " +
+                               std::to_string(pixels->height) + "/BitsPerComponent 8";
+    output_.writeStream(mask, extent + "/ColorSpace/DeviceGray", pixels->mask);
+    output_.writeStream(image, extent + "/ColorSpace/DeviceRGB/SMask " + std::to_string(mask) + " 0 R",
+                        pixels->colors);
+    images_.push_back(image);
+    entry->second = std::make_unique<GlyphPicture>();
+    entry->second->image = static_cast<int>(images_.size()) - 1;
+    place(*entry->second, face, glyph, *pixels);
+    return entry->second.get();
 }
 
 std::string FontLibrary::embedFonts() {

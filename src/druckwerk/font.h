@@ -188,8 +188,12 @@ class FontLibrary {
     struct Sorted; // fontconfig's list of all fonts, in order of likeness
     static bool shapePlainly(StringView text, Face& face, ShapedText& out);
     void shapeFully(StringView text, Face& face, ShapedText& out);
-    void shapeRun(const std::u32string& text, std::size_t begin, std::size_t end, bool rightToLeft, Face& face,
-                  Face& base, ShapedText& out);
+    struct TextRun;
+    std::vector<TextRun> splitRuns(const std::u32string& text, Face& face);
+    static void orderAsSeen(std::vector<TextRun>& runs);
+    void shapeRun(const std::u32string& text, const TextRun& characters, Face& base, ShapedText& out);
+    static void appendPicture(ShapedRun& run, const GlyphPicture* glyphPicture, Face& base, StringView text);
+    static void appendGlyph(ShapedRun& run, std::uint32_t glyph, double offset, double advance, StringView text);
     Face& faceFor(char32_t c, Face& preferred);
     std::pair<Face*, std::string> firstWith(char32_t c, bool picturesOnly);
     Face* open(const std::string& file, int index);

@@ -131,59 +131,113 @@ Number Number::of(double value) {
     return number;
 }
 
-NumberPattern::Part NumberPattern::parsePart(StringView text, StringView whole) {
-    const auto fail = [&](const char* reason) {
-        throw Fault(kLayoutInvalid, "Ungültiges Zahlenformat „" + toUtf8(whole) + "“: " + reason);
-    };
-    Part part;
-    bool decimals = false;
-    bool closed = false;
-    bool quoted = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i];
-        const bool mask = !quoted && (c == u'#' || c == u'0' || c == u'.' || c == u',');
-        if (c == u'"') {
-            quoted = !quoted;
-        } else if (mask && closed && (c == u'#' || c == u'0')) {
+namespace {
+
+/// digits / 10^scale
+struct Magnitude {
+    std::int64_t digits;
+    int scale;
+};
+
+/// The number without its sign, as a percentage where asked for, with at most `decimals`; halves are rounded up.
+Magnitude rounded(const Number& number, bool percent, int decimals) {
+    Magnitude result{number.digits < 0 ? -number.digits : number.digits, number.scale - (percent ? 2 : 0)};
+    const int surplus = result.scale - decimals;
+    if (surplus <= 0)
+        return result;
+    const std::int64_t divisor = surplus <= kMaximumDigits ? kIntegerPowers[static_cast<std::size_t>(surplus)] : 0;
+    result.digits = divisor == 0 ? 0 : result.digits / divisor + (result.digits % divisor * 2 >= divisor ? 1 : 0);
+    result.scale = decimals;
+    return result;
+}
+
+/// Writes all digits in front of `end`, the last `decimals` of them behind the comma; gives the first one.
+char* writeDigits(Magnitude number, int decimals, char* end) {
+    char* begin = end;
+    if (number.digits != 0)
+        for (int i = number.scale; i < decimals; ++i)
+            *--begin = '0';
+    for (; number.digits != 0; number.digits /= 10)
+        *--begin = static_cast<char>('0' + number.digits % 10);
+    while (end - begin < decimals)
+        *--begin = '0';
+    return begin;
+}
+
+} // namespace
+
+/// Reads one part of a pattern sign by sign: what stands in front of the digits, the digits, what stands behind.
+class NumberPattern::PartReader {
+  public:
+    PartReader(StringView text, StringView pattern) : text_(text), pattern_(pattern) {}
+
+    Part read() {
+        while (at_ < text_.size())
+            take(text_[at_++]);
+        if (quoted_)
+            fail("Anführungszeichen ohne Ende");
+        if (part_.maximumDecimals > 15 || part_.integerDigits > 15)
+            fail("mehr als 15 Stellen");
+        return part_;
+    }
+
+  private:
+    [[noreturn]] void fail(const char* reason) const {
+        throw Fault(kLayoutInvalid, "Ungültiges Zahlenformat „" + toUtf8(pattern_) + "“: " + reason);
+    }
+
+    void take(char16_t c) {
+        const bool place = !quoted_ && (c == u'#' || c == u'0');
+        const bool sign = !quoted_ && (c == u'.' || c == u',') && part_.hasDigits && !closed_;
+        if (c == u'"')
+            quoted_ = !quoted_;
+        else if (place)
+            takePlace(c);
+        else if (sign)
+            takeSign(c);
+        else
+            takeText(c);
+    }
+
+    void takePlace(char16_t c) {
+        if (closed_)
             fail("Ziffern an zwei Stellen");
-        } else if (mask && !closed && (part.hasDigits || c == u'#' || c == u'0')) {
-            if (c == u',') {
-                if (decimals)
-                    fail("zwei Kommas");
-                decimals = true;
-            } else if (c == u'.') {
-                if (decimals)
-                    fail("Punkt hinter dem Komma");
-                part.grouped = true;
-            } else {
-                part.hasDigits = true;
-                if (decimals) {
-                    if (c == u'0' && part.minimumDecimals != part.maximumDecimals)
-                        fail("# vor 0 hinter dem Komma");
-                    ++part.maximumDecimals;
-                    part.minimumDecimals += c == u'0' ? 1 : 0;
-                } else if (c == u'0') {
-                    ++part.integerDigits;
-                } else if (part.integerDigits > 0) {
-                    fail("# hinter 0");
-                }
-            }
-        } else {
-            closed = part.hasDigits;
-            char16_t literal = c;
-            if (c == u'\\' && !quoted && i + 1 < text.size())
-                literal = text[++i];
-            else if (c == u'%' && !quoted)
-                part.percent = true;
-            (part.hasDigits ? part.suffix : part.prefix) += literal;
+        part_.hasDigits = true;
+        if (decimals_) {
+            if (c == u'0' && part_.minimumDecimals != part_.maximumDecimals)
+                fail("# vor 0 hinter dem Komma");
+            ++part_.maximumDecimals;
+            part_.minimumDecimals += c == u'0' ? 1 : 0;
+        } else if (c == u'0') {
+            ++part_.integerDigits;
+        } else if (part_.integerDigits > 0) {
+            fail("# hinter 0");
         }
     }
-    if (quoted)
-        fail("Anführungszeichen ohne Ende");
-    if (part.maximumDecimals > 15 || part.integerDigits > 15)
-        fail("mehr als 15 Stellen");
-    return part;
-}
+
+    void takeSign(char16_t c) {
+        if (decimals_)
+            fail(c == u',' ? "zwei Kommas" : "Punkt hinter dem Komma");
+        (c == u',' ? decimals_ : part_.grouped) = true;
+    }
+
+    void takeText(char16_t c) {
+        closed_ = part_.hasDigits;
+        if (c == u'\\' && !quoted_ && at_ < text_.size())
+            c = text_[at_++];
+        else if (c == u'%' && !quoted_)
+            part_.percent = true;
+        (part_.hasDigits ? part_.suffix : part_.prefix) += c;
+    }
+
+    StringView text_;
+    StringView pattern_;
+    std::size_t at_ = 0;
+    Part part_;
+    bool decimals_ = false;
+    bool closed_ = false;
+    bool quoted_ = false;
+};
 
 NumberPattern::NumberPattern(StringView pattern) {
     std::size_t begin = 0;
@@ -192,7 +246,7 @@ NumberPattern::NumberPattern(StringView pattern) {
         if (i < pattern.size() && pattern[i] == u'"')
             quoted = !quoted;
         if (i == pattern.size() || (pattern[i] == u';' && !quoted)) {
-            parts_.push_back(parsePart(pattern.substr(begin, i - begin), pattern));
+            parts_.push_back(PartReader(pattern.substr(begin, i - begin), pattern).read());
             begin = i + 1;
         }
     }
@@ -241,34 +295,18 @@ void NumberPattern::append(const Number& number, String& out) const {
         return;
     }
     const Part& first = parts_[number.digits < 0 && parts_.size() > 1 && parts_[1].hasDigits ? 1 : 0];
-    std::int64_t digits = number.digits < 0 ? -number.digits : number.digits;
-    int scale = number.scale - (first.percent ? 2 : 0);
-    if (scale > first.maximumDecimals) {
-        const int surplus = scale - first.maximumDecimals;
-        const std::int64_t divisor =
-            surplus <= kMaximumDigits ? kIntegerPowers[static_cast<std::size_t>(surplus)] : 0;
-        digits = divisor == 0 ? 0 : digits / divisor + (digits % divisor * 2 >= divisor ? 1 : 0);
-        scale = first.maximumDecimals;
-    }
-    const bool negative = number.digits < 0 && digits != 0;
-    const bool zero = digits == 0;
-    const Part& part = parts_[negative && parts_.size() > 1 ? 1 : zero && parts_.size() > 2 ? 2 : 0];
+    const int decimals = first.maximumDecimals;
+    const auto shown = rounded(number, first.percent, decimals);
+    const bool negative = number.digits < 0 && shown.digits != 0;
+    const Part& part = parts_[negative && parts_.size() > 1 ? 1 : shown.digits == 0 && parts_.size() > 2 ? 2 : 0];
     if (negative && parts_.size() == 1)
         out += u'-';
     out += part.prefix;
     if (part.hasDigits) {
         std::array<char, 64> buffer;
-        char* end = buffer.data() + buffer.size();
-        char* begin = end;
-        for (int i = scale; i < first.maximumDecimals; ++i)
-            *--begin = '0';
-        for (; digits != 0; digits /= 10)
-            *--begin = static_cast<char>('0' + digits % 10);
-        while (end - begin < first.maximumDecimals)
-            *--begin = '0';
-        if (zero)
-            begin = end - first.maximumDecimals;
-        appendDigits(part, begin, static_cast<int>(end - begin), first.maximumDecimals, out);
+        char* const end = buffer.data() + buffer.size();
+        const char* const begin = writeDigits(shown, decimals, end);
+        appendDigits(part, begin, static_cast<int>(end - begin), decimals, out);
     }
     out += part.suffix;
 }

@@ -49,7 +49,7 @@ class NumberPattern {
         bool percent = false;
         bool hasDigits = false;
     };
-    static Part parsePart(StringView text, StringView whole);
+    class PartReader;
     static void appendDigits(const Part& part, const char* digits, int count, int decimals, String& out);
     void appendLarge(const Number& number, String& out) const;
     std::vector<Part> parts_;

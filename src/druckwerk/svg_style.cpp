@@ -74,6 +74,99 @@ std::vector<std::string> parseFamilies(std::string_view text) {
     return families;
 }
 
+std::vector<double> parseDashes(std::string_view text, double fontSize) {
+    std::vector<double> dashes;
+    double sum = 0;
+    if (text != "none")
+        for (const auto word : splitWords(text)) {
+            dashes.push_back(std::max(0.0, parseLength(word, fontSize).value_or(0)));
+            sum += dashes.back();
+        }
+    if (sum <= 0 || dashes.size() > 32)
+        dashes.clear();
+    return dashes;
+}
+
+double parseFontSize(std::string_view text, double inherited) {
+    if (text.ends_with('%'))
+        return inherited * parseNumber(text.substr(0, text.size() - 1)).value_or(100) / 100;
+    return parseLength(text, inherited).value_or(inherited);
+}
+
+using Setter = void (*)(Style& style, std::string_view value);
+
+void setSpacing(Style& style, std::string_view value) {
+    style.unusualText =
+        style.unusualText || (value != "normal" && parseLength(value, style.fontSize).value_or(0) != 0);
+}
+
+void setDecoration(Style& style, std::string_view value) {
+    style.unusualText = style.unusualText || !value.starts_with("none");
+}
+
+/// What hides, cuts or marks: only "none" is simple.
+void setEffect(Style& style, std::string_view value) {
+    style.complex = style.complex || value != "none";
+}
+
+void setFlow(Style& style, std::string_view value) {
+    style.flowed = style.flowed || (value != "none" && value != "auto" && value != "0");
+}
+
+const std::map<std::string_view, Setter> kProperties = {
+    {"fill", [](Style& s, std::string_view value) { parsePaint(value, s.fill, s.currentColor); }},
+    {"stroke", [](Style& s, std::string_view value) { parsePaint(value, s.stroke, s.currentColor); }},
+    {"color",
+     [](Style& s, std::string_view value) { s.currentColor = parseColor(value).value_or(s.currentColor); }},
+    {"fill-opacity", [](Style& s, std::string_view value) { s.fill.opacity = parseOpacity(value); }},
+    {"stroke-opacity", [](Style& s, std::string_view value) { s.stroke.opacity = parseOpacity(value); }},
+    {"opacity", [](Style& s, std::string_view value) { s.opacity = parseOpacity(value); }},
+    {"stroke-width",
+     [](Style& s, std::string_view value) {
+         s.strokeWidth = std::max(0.0, parseLength(value, s.fontSize).value_or(1));
+     }},
+    {"stroke-linecap",
+     [](Style& s, std::string_view value) { s.lineCap = value == "round"    ? 1
+                                                        : value == "square" ? 2
+                                                                            : 0; }},
+    {"stroke-linejoin",
+     [](Style& s, std::string_view value) { s.lineJoin = value == "round"   ? 1
+                                                         : value == "bevel" ? 2
+                                                                            : 0; }},
+    {"stroke-miterlimit",
+     [](Style& s, std::string_view value) { s.miterLimit = std::max(1.0, parseNumber(value).value_or(4)); }},
+    {"stroke-dashoffset",
+     [](Style& s, std::string_view value) { s.dashOffset = parseLength(value, s.fontSize).value_or(0); }},
+    {"stroke-dasharray", [](Style& s, std::string_view value) { s.dashes = parseDashes(value, s.fontSize); }},
+    {"fill-rule", [](Style& s, std::string_view value) { s.evenOdd = value == "evenodd"; }},
+    {"font-family", [](Style& s, std::string_view value) { s.font.families = parseFamilies(value); }},
+    {"font-size", [](Style& s, std::string_view value) { s.fontSize = parseFontSize(value, s.fontSize); }},
+    {"font-weight", [](Style& s, std::string_view value) { s.font.weight = parseWeight(value, s.font.weight); }},
+    {"font-style",
+     [](Style& s, std::string_view value) { s.font.italic = value == "italic" || value.starts_with("oblique"); }},
+    {"text-anchor",
+     [](Style& s, std::string_view value) {
+         s.anchor = value == "middle" ? Anchor::Middle : value == "end" ? Anchor::End : Anchor::Start;
+     }},
+    {"visibility", [](Style& s, std::string_view value) { s.visible = value == "visible"; }},
+    {"display", [](Style& s, std::string_view value) { s.display = value != "none"; }},
+    {"letter-spacing", setSpacing},
+    {"word-spacing", setSpacing},
+    {"text-decoration", setDecoration},
+    {"text-decoration-line", setDecoration},
+    {"writing-mode",
+     [](Style& s, std::string_view value) {
+         s.unusualText = s.unusualText || (value != "lr-tb" && value != "horizontal-tb" && value != "lr");
+     }},
+    {"clip-path", setEffect},
+    {"mask", setEffect},
+    {"filter", setEffect},
+    {"marker", setEffect},
+    {"mix-blend-mode", [](Style& s, std::string_view value) { s.complex = s.complex || value != "normal"; }},
+    {"shape-inside", setFlow},
+    {"inline-size", setFlow},
+};
+
 } // namespace
 
 std::string_view trimmedAscii(std::string_view text) {
@@ -163,69 +256,9 @@ void Style::apply(std::string_view property, std::string_view value) {
     value = trimmedAscii(value);
     if (value.empty() || value == "inherit")
         return;
-    if (property == "fill")
-        parsePaint(value, fill, currentColor);
-    else if (property == "stroke")
-        parsePaint(value, stroke, currentColor);
-    else if (property == "color")
-        currentColor = parseColor(value).value_or(currentColor);
-    else if (property == "fill-opacity")
-        fill.opacity = parseOpacity(value);
-    else if (property == "stroke-opacity")
-        stroke.opacity = parseOpacity(value);
-    else if (property == "opacity")
-        opacity = parseOpacity(value);
-    else if (property == "stroke-width")
-        strokeWidth = std::max(0.0, parseLength(value, fontSize).value_or(1));
-    else if (property == "stroke-linecap")
-        lineCap = value == "round" ? 1 : value == "square" ? 2 : 0;
-    else if (property == "stroke-linejoin")
-        lineJoin = value == "round" ? 1 : value == "bevel" ? 2 : 0;
-    else if (property == "stroke-miterlimit")
-        miterLimit = std::max(1.0, parseNumber(value).value_or(4));
-    else if (property == "stroke-dashoffset")
-        dashOffset = parseLength(value, fontSize).value_or(0);
-    else if (property == "stroke-dasharray") {
-        dashes.clear();
-        double sum = 0;
-        if (value != "none")
-            for (const auto word : splitWords(value)) {
-                dashes.push_back(std::max(0.0, parseLength(word, fontSize).value_or(0)));
-                sum += dashes.back();
-            }
-        if (sum <= 0 || dashes.size() > 32)
-            dashes.clear();
-    } else if (property == "fill-rule")
-        evenOdd = value == "evenodd";
-    else if (property == "font-family")
-        font.families = parseFamilies(value);
-    else if (property == "font-size")
-        fontSize = value.back() == '%'
-                       ? fontSize * parseNumber(value.substr(0, value.size() - 1)).value_or(100) / 100
-                       : parseLength(value, fontSize).value_or(fontSize);
-    else if (property == "font-weight")
-        font.weight = parseWeight(value, font.weight);
-    else if (property == "font-style")
-        font.italic = value == "italic" || value.substr(0, 7) == "oblique";
-    else if (property == "text-anchor")
-        anchor = value == "middle" ? Anchor::Middle : value == "end" ? Anchor::End : Anchor::Start;
-    else if (property == "visibility")
-        visible = value == "visible";
-    else if (property == "display")
-        display = value != "none";
-    else if (property == "letter-spacing" || property == "word-spacing")
-        unusualText = unusualText || (value != "normal" && parseLength(value, fontSize).value_or(0) != 0);
-    else if (property == "text-decoration" || property == "text-decoration-line")
-        unusualText = unusualText || value.substr(0, 4) != "none";
-    else if (property == "writing-mode")
-        unusualText = unusualText || (value != "lr-tb" && value != "horizontal-tb" && value != "lr");
-    else if (property == "clip-path" || property == "mask" || property == "filter" ||
-             property.substr(0, 6) == "marker")
-        complex = complex || value != "none";
-    else if (property == "mix-blend-mode")
-        complex = complex || value != "normal";
-    else if (property == "shape-inside" || property == "inline-size")
-        flowed = flowed || (value != "none" && value != "auto" && value != "0");
+    const auto known = kProperties.find(property.starts_with("marker") ? "marker" : property);
+    if (known != kProperties.end())
+        known->second(*this, value);
 }
 
 bool StyleSheet::Selector::matches(std::string_view name, const std::vector<std::string_view>& classes,
