@@ -36,11 +36,11 @@ std::size_t distance(const std::string& a, const std::string& b) {
     return row[b.size()];
 }
 
-/// Names that the layout uses and nobody defines.
+/// Names that the layout needs and nobody defines.
 std::vector<std::string> unknownNames(const Layout& layout, const Definitions& definitions) {
     std::vector<std::string> messages;
     const auto known = definitions.list();
-    for (const std::size_t slot : std::set<std::size_t>(layout.slots.begin(), layout.slots.end())) {
+    for (const std::size_t slot : layout.neededSlots) {
         if (definitions.isDefined(slot))
             continue;
         const std::string name = toUtf8(definitions.nameOf(slot));
@@ -404,9 +404,8 @@ std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::v
             return findings;
         for (const auto& message : unknownNames(layout, definitions))
             findings.push_back({false, kLayoutInvalid, utf8Of(file) + ": " + message});
-        const std::set<std::size_t> used(layout.slots.begin(), layout.slots.end());
         for (const auto& definition : known)
-            if (used.count(definitions.slotOf(fromUtf8(definition.name))) == 0)
+            if (layout.slots.count(definitions.slotOf(fromUtf8(definition.name))) == 0)
                 findings.push_back({false, kLayoutInvalid,
                                     utf8Of(file) + ": " + (definition.field ? "Feld" : "Variable") + " „" +
                                         definition.name + "“ wird nicht gedruckt"});

@@ -118,8 +118,9 @@ struct Layout {
     std::vector<Chart*> rowCharts;
     std::set<std::pair<int, int>> opacities;
     std::vector<std::string> foreignIds;
-    std::string foreignSource; ///< the SVG with an id for each foreign element
-    std::vector<std::size_t> slots;
+    std::string foreignSource;         ///< the SVG with an id for each foreign element
+    std::set<std::size_t> slots;       ///< the names that it shows
+    std::set<std::size_t> neededSlots; ///< those of them that stand outside of conditions somewhere
 
     double flowTop() const;
     double flowBottom() const;

@@ -87,7 +87,6 @@ class LayoutReader {
         if (!layers)
             report(kLayoutInvalid, nullptr,
                    "Keine Ebenen gefunden; als „Inkscape-SVG“ speichern, nicht als „normales SVG“");
-        layout_.slots = std::move(slots_);
         if (!layout_.foreignIds.empty())
             layout_.foreignSource = file_.text();
         return std::move(layout_);
@@ -226,9 +225,9 @@ class LayoutReader {
         group.name = joined(keys);
         for (const auto& key : keys) {
             group.keys.push_back(definitions_.slotOf(fromUtf8(key)));
-            slots_.push_back(group.keys.back());
             definitions_.keep(group.keys.back(), Moment::Printed);
         }
+        noteSlots(group.keys);
     }
 
     int groupLevel(const std::vector<std::string>& keys) const {
@@ -352,9 +351,13 @@ class LayoutReader {
             layout_.page.insert(layout_.page.begin(), std::move(band));
     }
 
-    void noteSlots(const std::vector<std::size_t>& slots) {
+    /// Remembers what the layout shows. What only elements with a condition show may be missing (`needed` is
+    /// false): the condition tells when it is there.
+    void noteSlots(const std::vector<std::size_t>& slots, bool needed = true) {
         for (const std::size_t slot : slots) {
-            slots_.push_back(slot);
+            layout_.slots.insert(slot);
+            if (needed)
+                layout_.neededSlots.insert(slot);
             if (target_.moment != Moment::Now)
                 definitions_.keep(slot, target_.moment);
         }
@@ -646,7 +649,7 @@ class LayoutReader {
         TextItem item(
             TextTemplate(fromUtf8(collapsed(piece.text)), definitions_, layout_.aggregates, target_.scope));
         item.font = style.font;
-        noteSlots(item.text.slots());
+        noteSlots(item.text.slots(), piece.context.conditions.empty());
         item.size = style.fontSize * matrix.scale();
         item.color = style.fill.color;
         item.anchor = style.anchor;
@@ -861,7 +864,6 @@ class LayoutReader {
     Target target_;
     Band* band_ = nullptr;
     bool hasBandRect_ = false;
-    std::vector<std::size_t> slots_;
 };
 
 } // namespace

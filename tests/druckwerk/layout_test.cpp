@@ -73,6 +73,13 @@ TEST_F(LayoutTest, UnknownAndUnusedNamesAreReportedWithNearOnes) {
     EXPECT_THAT(messages, Contains(HasSubstr("Feld „Name“ wird nicht gedruckt")));
 }
 
+TEST_F(LayoutTest, ANameThatStandsOnlyUnderAConditionMayBeMissing) {
+    const auto guarded = "<g data-if=\"Name &lt;> ''\">" + field(5, 20, 20, "{{Zzzzzzzz}}") + "</g>";
+    const auto shown = field(30, 20, 20, "{{Nr}}") + field(60, 20, 20, "{{Betrag|0,00}}");
+    EXPECT_THAT(findings(row(guarded + shown)), IsEmpty());
+    EXPECT_THAT(findings(row(guarded + field(5, 20, 20, "{{Zzzzzzzz}}") + shown)), SizeIs(1));
+}
+
 TEST_F(LayoutTest, AnUnknownNamePrintsAsEmptyWithAWarning) {
     writeFile(folder / "Liste.svg", row(field(5, 20, 40, "[{{Unbekannt}}]")));
     ReportDriver report(folder / "out.pdf");

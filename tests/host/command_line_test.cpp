@@ -66,6 +66,18 @@ TEST_F(CommandLine, SameInputAndPrintDateGiveTheSameBytes) {
     EXPECT_TRUE(readFile(output("a.pdf")) == readFile(output("b.pdf")));
 }
 
+TEST_F(CommandLine, AccountsWithoutAMonthLeaveItsColumnsOut) {
+    for (const std::string list : {"GemeinK", "NeutralA"}) {
+        const auto outcome = print(list, toPdf({"--jahr", "2024"}));
+        EXPECT_EQ(outcome.output + outcome.errors, "") << list;
+        auto page = pdfText("l.pdf");
+        page.resize(page.find('\f'));
+        const auto heading = page.find("Abweichung");
+        ASSERT_NE(heading, std::string::npos) << list;
+        EXPECT_EQ(page.find("Abweichung", heading + 1), std::string::npos) << page;
+    }
+}
+
 TEST_F(CommandLine, NumbersFollowTheLocale) {
     ASSERT_EQ(print("Umsatz", toData("csv", {"--jahr", "2022", "--locale", "en-US"})).exitCode, 0);
     EXPECT_THAT(readFile(output("l.csv")), AllOf(HasSubstr(";1582810.86;"), Not(HasSubstr(";1582810,86;"))));
