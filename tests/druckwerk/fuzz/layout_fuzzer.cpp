@@ -7,7 +7,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace kvtdruck::druckwerk::testing;
-    static const TemporaryFolder folder;
+    static const kvtdruck::TemporaryFolder folder;
     const auto list = folder / "Liste";
     writeFile(list.string() + ".svg", {reinterpret_cast<const char*>(data), size});
 
