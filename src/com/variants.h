@@ -22,7 +22,10 @@ class Bstr {
         std::swap(text_, other.text_);
         return *this;
     }
-    ~Bstr() { SysFreeString(text_); }
+    ~Bstr() {
+        if (text_)
+            SysFreeString(text_);
+    }
 
     BSTR get() const { return text_; }
     /// Gives the string away.
