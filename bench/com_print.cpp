@@ -3,6 +3,7 @@
 // Once with control and readers that answer at once, so that nothing but the calls and the component itself is
 // measured, and once with those of the test servers, which must be registered. bench/com makes the database and
 // runs it.
+#include "../src/com/com_ptr.h"
 #include "../src/com/counted.h"
 #include "../tests/com/lasting_object.h"
 #include "../tests/com/original_interfaces.h"
@@ -15,12 +16,15 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace {
 
+using kvtdruck::com::ComPtr;
+using kvtdruck::com::Counted;
 using kvtdruck::test::DruckManager;
 using kvtdruck::test::LastingObject;
 
@@ -36,7 +40,7 @@ void expect(HRESULT result, const char* what) {
 
 /// One call as a server got it.
 struct Call {
-    IDispatch* object;
+    ComPtr<IDispatch> object;
     DISPID member;
     WORD flags;
     std::vector<VARIANT> arguments; ///< in Automation's order
@@ -47,10 +51,9 @@ std::vector<Call> recorded;
 long records = 0;
 
 /// Stands before an object and writes down what it is called with.
-class Recorder final : public kvtdruck::com::Counted<IDispatch> {
+class Recorder final : public Counted<IDispatch> {
   public:
-    explicit Recorder(IDispatch* object) : object_(object) { object_->AddRef(); }
-    virtual ~Recorder() { object_->Release(); }
+    explicit Recorder(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return object_->GetTypeInfoCount(count); }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
@@ -60,7 +63,6 @@ class Recorder final : public kvtdruck::com::Counted<IDispatch> {
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
                                      VARIANT* result, EXCEPINFO* exception, UINT* wrong) override {
-        object_->AddRef();
         Call call{object_, member, flags, std::vector<VARIANT>(parameters->cArgs)};
         for (UINT i = 0; i < parameters->cArgs; ++i)
             expect(VariantCopyInd(&call.arguments[i], &parameters->rgvarg[i]), "an argument cannot be copied");
@@ -69,15 +71,16 @@ class Recorder final : public kvtdruck::com::Counted<IDispatch> {
     }
 
   private:
-    IDispatch* object_;
+    ComPtr<IDispatch> object_;
 };
 
-/// The object, or while a print is recorded one that stands before it; with one reference.
-IDispatch* watched(IDispatch* object) {
-    if (recording)
-        return new Recorder(object);
-    object->AddRef();
-    return object;
+/// The object, or while a print is recorded one that stands before it.
+ComPtr<IDispatch> watched(const ComPtr<IDispatch>& object) {
+    if (!recording)
+        return object;
+    ComPtr<IDispatch> recorder;
+    *recorder.put() = new Recorder(object);
+    return recorder;
 }
 
 /// An object that has every member: a truth for what reads and connects, a text for names, a number for all else.
@@ -149,8 +152,9 @@ class Server final : public LastingObject<IDispatch> {
     long position_ = 0;
 };
 
-IDispatch* newServer() {
-    return new Server;
+ComPtr<IDispatch> newServer() {
+    static std::deque<Server> servers;
+    return ComPtr<IDispatch>(&servers.emplace_back());
 }
 
 /// Offers the objects of a registered class, or empty servers in their place.
@@ -165,17 +169,13 @@ class Factory final : public LastingObject<IClassFactory> {
                "a class cannot be offered");
     }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
-        IDispatch* created = nullptr;
+        ComPtr<IDispatch> created;
         if (empty)
             created = newServer();
         else
-            expect(registered_->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(&created)),
+            expect(registered_->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(created.put())),
                    "a test server cannot be made");
-        IDispatch* const handed = watched(created);
-        created->Release();
-        const auto result = handed->QueryInterface(iid, object);
-        handed->Release();
-        return result;
+        return watched(created)->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
@@ -191,10 +191,10 @@ CLSID classOf(const wchar_t* progId) {
     return clsid;
 }
 
-IDispatch* create(const wchar_t* progId) {
-    IDispatch* object = nullptr;
+ComPtr<IDispatch> create(const wchar_t* progId) {
+    ComPtr<IDispatch> object;
     expect(CoCreateInstance(classOf(progId), nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                            reinterpret_cast<void**>(&object)),
+                            reinterpret_cast<void**>(object.put())),
            "an object cannot be made");
     return object;
 }
@@ -217,14 +217,14 @@ DruckManager* createManager(const wchar_t* dll) {
 
 /// What the host hands over.
 struct Host {
-    IDispatch* connection;
-    IDispatch* selection;
+    ComPtr<IDispatch> connection;
+    ComPtr<IDispatch> selection;
 };
 
 void print(DruckManager& manager, const Host& host) {
-    IDispatch* connection = host.connection;
-    IDispatch* const selection = watched(host.selection);
-    IDispatch* lent = selection;
+    IDispatch* connection = host.connection.get();
+    const auto selection = watched(host.selection);
+    IDispatch* lent = selection.get();
     VARIANT_BOOL result = VARIANT_FALSE;
     short mode = 0;
     auto company = static_cast<double>(records);
@@ -238,7 +238,6 @@ void print(DruckManager& manager, const Host& host) {
            "fkt_Drucken");
     SysFreeString(folder);
     SysFreeString(list);
-    selection->Release();
     if (result != VARIANT_TRUE)
         fail("the print has failed");
 }
@@ -252,12 +251,11 @@ void repeat(const std::vector<Call>& calls) {
                                         CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, nullptr, nullptr);
     for (const auto* const progId : kServed) {
         CLSID clsid{};
-        IDispatch* object = nullptr;
+        ComPtr<IDispatch> object;
         expect(CLSIDFromProgID(progId, &clsid), "a name is not registered");
         expect(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                                reinterpret_cast<void**>(&object)),
+                                reinterpret_cast<void**>(object.put())),
                "an object cannot be made");
-        object->Release();
     }
     VARIANT arguments[10];
     DISPID put = DISPID_PROPERTYPUT;
@@ -309,7 +307,6 @@ void compare(DruckManager& manager, const Host& host, long count) {
     for (auto& call : recorded) {
         for (auto& argument : call.arguments)
             VariantClear(&argument);
-        call.object->Release();
     }
     recorded.clear();
 }
@@ -321,7 +318,7 @@ void compareAll(DruckManager& manager, const Host& host, const char* title) {
 }
 
 /// Calls a member of a test server.
-void tell(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> reversed) {
+void tell(const ComPtr<IDispatch>& object, const wchar_t* name, WORD flags, std::vector<VARIANT> reversed) {
     std::wstring member(name);
     LPOLESTR names[] = {member.data()};
     DISPID id = DISPID_UNKNOWN;
@@ -343,7 +340,7 @@ VARIANT number(long value) {
 
 /// A connection to the database and a selection of all years.
 Host referenceHost(const std::wstring& database) {
-    const Host host{create(L"KVTTest.Connection"), create(L"XArrayDBObject.XArrayDB")};
+    Host host{create(L"KVTTest.Connection"), create(L"XArrayDBObject.XArrayDB")};
     VARIANT text{};
     V_VT(&text) = VT_BSTR;
     V_BSTR(&text) = SysAllocString((L"Driver=SQLite3;Database=" + database).c_str());

@@ -10,6 +10,7 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import shlex
 import subprocess
 import sys
@@ -54,8 +55,28 @@ def object_of(entry):
     return words[words.index("-o") + 1]
 
 
+@functools.lru_cache(maxsize=None)
+def cross_arguments(compiler):
+    """What clang must be told to read sources as this compiler does: nothing for the machine's own one, its target and
+    its standard library for one that compiles for Windows."""
+    target = re.fullmatch(r"(\w+-w64-mingw32)-g\+\+.*", os.path.basename(compiler))
+    if not target:
+        return []
+    searched = subprocess.run([compiler, "-E", "-v", "-x", "c++", os.devnull], check=True, capture_output=True,
+                              text=True).stderr
+    library = [line.strip() for line in searched.splitlines() if line.startswith(" /") and "/c++" in line]
+    return [f"--extra-arg-before=--target={target[1]}", "--extra-arg=-nostdinc++",
+            *(f"--extra-arg=-isystem{folder}" for folder in library)]
+
+
+def compiler_of(entry):
+    words = shlex.split(entry["command"])
+    return words[1] if os.path.basename(words[0]) == "ccache" else words[0]
+
+
 def check(build, entry):
-    result = subprocess.run([TIDY, "--quiet", "-p", build, entry["file"]], capture_output=True, text=True)
+    command = [TIDY, "--quiet", "-p", build, *cross_arguments(compiler_of(entry)), entry["file"]]
+    result = subprocess.run(command, capture_output=True, text=True)
     return result.returncode == 0, result.stdout
 
 
@@ -64,15 +85,18 @@ def main():
     memory.mkdir(parents=True, exist_ok=True)
     version = subprocess.run([TIDY, "--version"], check=True, capture_output=True, text=True).stdout
     rules = version + (ROOT / ".clang-tidy").read_text()
-    jobs = {}
+    jobs, seen = {}, set()
     for build in map(os.path.abspath, sys.argv[1:]):
         made_of = dependencies(build)
         for entry in json.loads(pathlib.Path(build, "compile_commands.json").read_text()):
-            if entry["file"].startswith(CHECKED) and not any(entry["file"] == job[1]["file"] for job in jobs.values()):
-                files = made_of.get(os.path.relpath(os.path.join(entry["directory"], object_of(entry)), build))
-                if not files:
-                    sys.exit(f"lint: {entry['file']} has not been built")
-                jobs[fingerprint(entry, files, rules)] = (build, entry)
+            file = entry["file"]
+            if not file.startswith(CHECKED) or not file.endswith(".cpp") or file in seen:
+                continue
+            seen.add(file)
+            files = made_of.get(os.path.relpath(os.path.join(entry["directory"], object_of(entry)), build))
+            if not files:
+                sys.exit(f"lint: {file} has not been built")
+            jobs[fingerprint(entry, files, rules)] = (build, entry)
 
     unknown = {key: job for key, job in jobs.items() if not (memory / key).exists()}
     print(f"{len(jobs)} sources, {len(unknown)} to check")

@@ -61,9 +61,9 @@ RuntimeError runtimeErrorOf(EXCEPINFO& exception) {
     const Bstr source(exception.bstrSource);
     const Bstr description(exception.bstrDescription);
     const Bstr help(exception.bstrHelpFile);
-    const auto standard = exception.wCode != 0
-                              ? RuntimeError(exception.wCode, String(describe(exception.wCode)))
-                              : runtimeErrorOf(exception.scode != 0 ? exception.scode : DISP_E_EXCEPTION);
+    auto standard = exception.wCode != 0
+                        ? RuntimeError(exception.wCode, String(describe(exception.wCode)))
+                        : runtimeErrorOf(exception.scode != 0 ? exception.scode : DISP_E_EXCEPTION);
     if (description.text().empty())
         return standard;
     return {standard.number(), String(description.text())};

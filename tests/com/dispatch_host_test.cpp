@@ -4,7 +4,6 @@
 namespace kvtdruck::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class DispatchHost : public HostTest {

@@ -20,7 +20,7 @@ std::string inBraces(REFGUID guid) {
 std::string nameOf(ITypeInfo* type, MEMBERID member = MEMBERID_NIL) {
     BSTR name = nullptr;
     EXPECT_EQ(type->GetDocumentation(member, &name, nullptr, nullptr, nullptr), S_OK);
-    const auto text = utf8(name);
+    auto text = utf8(name);
     SysFreeString(name);
     return text;
 }

@@ -6,7 +6,6 @@
 namespace kvtdruck::test {
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -23,7 +22,7 @@ TEST_F(VtableHost, CreatesAllTwentyClasses) {
         const Ref<IDispatch> dispatch(static_cast<IDispatch*>(object));
         void* unknown = nullptr;
         EXPECT_EQ(dispatch->QueryInterface(IID_IUnknown, &unknown), S_OK);
-        Ref<IUnknown>(static_cast<IUnknown*>(unknown));
+        const Ref<IUnknown> identity(static_cast<IUnknown*>(unknown));
         EXPECT_EQ(dispatch->QueryInterface(IID_IStream, &unknown), E_NOINTERFACE);
         EXPECT_EQ(unknown, nullptr);
     }

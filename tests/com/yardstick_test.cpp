@@ -44,7 +44,7 @@ Locale englishLocale() {
 }
 
 String taken(BSTR text) {
-    const String copy(reinterpret_cast<const char16_t*>(text), SysStringLen(text));
+    String copy(reinterpret_cast<const char16_t*>(text), SysStringLen(text));
     SysFreeString(text);
     return copy;
 }

@@ -42,7 +42,7 @@ class Folder {
     String operator/(StringView name) const { return narrow(path_) + u'\\' + String(name); }
 
     String write(StringView name) const {
-        const String file = *this / name;
+        String file = *this / name;
         const HANDLE handle =
             CreateFileW(nativePath(file).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
         EXPECT_NE(handle, INVALID_HANDLE_VALUE);

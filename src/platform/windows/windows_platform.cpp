@@ -132,10 +132,10 @@ std::wstring nativePath(StringView path) {
     if (path.find(u'\0') != StringView::npos)
         throw RuntimeError(ErrorNumber::PathFileAccess);
     constexpr std::wstring_view unlimited = LR"(\\?\)";
-    const std::wstring given = wide(path);
+    std::wstring given = wide(path);
     if (given.empty() || given.starts_with(unlimited))
         return given;
-    const std::wstring absolute = absolutePath(given);
+    std::wstring absolute = absolutePath(given);
     if (absolute.size() < MAX_PATH)
         return absolute;
     return absolute.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + absolute.substr(1) : std::wstring(unlimited) + absolute;

@@ -309,7 +309,7 @@ class Control final : public Dispatch {
 class ControlFactory final : public com::Counted<IClassFactory2> {
   public:
     explicit ControlFactory(bool licensed) : licensed_(licensed) { ++liveObjects; }
-    virtual ~ControlFactory() { --liveObjects; }
+    ~ControlFactory() override { --liveObjects; }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         *object = nullptr;

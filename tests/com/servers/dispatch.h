@@ -34,7 +34,7 @@ ObjectRef foreignObject(IDispatch* dispatch);
 class Dispatch : public com::Counted<IDispatch> {
   public:
     Dispatch() { ++liveObjects; }
-    virtual ~Dispatch() { --liveObjects; }
+    ~Dispatch() override { --liveObjects; }
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }

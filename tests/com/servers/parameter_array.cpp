@@ -35,7 +35,7 @@ class ParameterArray final : public Object {
             expect(arguments, 4);
             rows_ = {number(arguments[0]), number(arguments[1])};
             columns_ = {number(arguments[2]), number(arguments[3])};
-            cells_.assign(static_cast<std::size_t>(rows_.size() * columns_.size()), {});
+            cells_.assign(static_cast<std::size_t>(rows_.size()) * static_cast<std::size_t>(columns_.size()), {});
             return {};
         case kCount:
             expect(arguments, 1);

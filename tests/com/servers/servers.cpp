@@ -86,7 +86,7 @@ constexpr ServedClass kClasses[] = {
 class Factory final : public com::Counted<IClassFactory> {
   public:
     explicit Factory(const ServedClass& served) : served_(served) { ++liveObjects; }
-    virtual ~Factory() { --liveObjects; }
+    ~Factory() override { --liveObjects; }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         *object = nullptr;
