@@ -84,7 +84,7 @@ def main():
     memory = cache_folder()
     memory.mkdir(parents=True, exist_ok=True)
     version = subprocess.run([TIDY, "--version"], check=True, capture_output=True, text=True).stdout
-    rules = version + (ROOT / ".clang-tidy").read_text()
+    rules = version + "".join((ROOT / folder / ".clang-tidy").read_text() for folder in (".", "tests"))
     jobs, seen = {}, set()
     for build in map(os.path.abspath, sys.argv[1:]):
         made_of = dependencies(build)
