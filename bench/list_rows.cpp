@@ -1,7 +1,7 @@
 // Prints one list of eight columns, 45 lines a page, in one of several ways: with the embedded engine through its
 // control, with cairo and pango (a layout for each cell), with libharu. compare.py measures and compares them.
 #include "druckwerk/druckwerk.h"
-#include "platform/text.h"
+#include "values/text.h"
 
 #include <array>
 #include <cairo-pdf.h>

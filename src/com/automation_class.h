@@ -2,7 +2,7 @@
 #pragma once
 
 #include "com/counted.h"
-#include "com/module.h"
+#include "com/server.h"
 #include "com/variants.h"
 
 #include <oaidl.h>

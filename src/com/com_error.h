@@ -1,7 +1,7 @@
 // Failures of COM calls as run-time errors.
 #pragma once
 
-#include "platform/runtime_error.h"
+#include "values/runtime_error.h"
 
 #include <windows.h>
 

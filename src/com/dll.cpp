@@ -2,8 +2,8 @@
 #include "com/classes.h"
 #include "com/com_ptr.h"
 #include "com/counted.h"
-#include "com/module.h"
 #include "com/registration.h"
+#include "com/server.h"
 
 #include <new>
 

@@ -3,7 +3,7 @@
 #include "com/com_error.h"
 #include "com/control_site.h"
 #include "com/foreign_object.h"
-#include "com/module.h"
+#include "com/server.h"
 #include "com/variants.h"
 
 #include <ocidl.h>

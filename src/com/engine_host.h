@@ -1,7 +1,7 @@
 // The reporting engine's control, hosted on a hidden window.
 #pragma once
 
-#include "engine/control.h"
+#include "control/control.h"
 
 namespace kvtdruck::com {
 

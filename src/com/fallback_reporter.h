@@ -1,7 +1,7 @@
 // The error report of last resort.
 #pragma once
 
-#include "dataaccess/library.h"
+#include "module/library.h"
 
 namespace kvtdruck::com {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "com/com_ptr.h"
-#include "platform/object.h"
+#include "values/object.h"
 
 #include <oaidl.h>
 

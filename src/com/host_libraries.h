@@ -1,7 +1,7 @@
 // The host's libraries as COM objects: its data access and its error report.
 #pragma once
 
-#include "dataaccess/library.h"
+#include "module/library.h"
 
 namespace kvtdruck::com {
 

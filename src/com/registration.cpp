@@ -1,7 +1,7 @@
 #include "com/registration.h"
 
 #include "com/classes.h"
-#include "com/module.h"
+#include "com/server.h"
 
 #include <objbase.h>
 #include <oleauto.h>

@@ -2,7 +2,7 @@
 
 #include "com/com_error.h"
 #include "com/foreign_object.h"
-#include "platform/overloaded.h"
+#include "values/overloaded.h"
 
 namespace kvtdruck::com {
 namespace {

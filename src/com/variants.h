@@ -1,8 +1,8 @@
 // Texts and values on their way between the component and Automation.
 #pragma once
 
-#include "platform/text.h"
-#include "platform/variant.h"
+#include "values/text.h"
+#include "values/variant.h"
 
 #include <windows.h>
 

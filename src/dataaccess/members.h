@@ -2,7 +2,7 @@
 // differently changes one line here.
 #pragma once
 
-#include "platform/text.h"
+#include "values/text.h"
 
 #include <span>
 

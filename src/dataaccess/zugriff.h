@@ -3,8 +3,8 @@
 #pragma once
 
 #include "dataaccess/members.h"
-#include "dataaccess/modul.h"
-#include "platform/variant.h"
+#include "module/modul.h"
+#include "values/variant.h"
 
 #include <initializer_list>
 #include <optional>

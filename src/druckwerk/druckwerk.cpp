@@ -1,11 +1,11 @@
 #include "druckwerk/druckwerk.h"
 
-#include "druckwerk/definitions.h"
-#include "druckwerk/fault.h"
-#include "druckwerk/layout.h"
-#include "druckwerk/print_job.h"
+#include "druckwerk/common/fault.h"
+#include "druckwerk/expression/definitions.h"
+#include "druckwerk/layout/layout.h"
+#include "druckwerk/page/print_job.h"
 #include "platform/posix/temporary_folder.h"
-#include "platform/runtime_error.h"
+#include "values/runtime_error.h"
 
 #include <algorithm>
 #include <new>

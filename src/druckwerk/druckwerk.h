@@ -1,7 +1,7 @@
 // The embedded report engine: the control's operations on SVG layouts, with PDF as its output.
 #pragma once
 
-#include "engine/control.h"
+#include "control/control.h"
 
 #include <atomic>
 #include <cstdint>

@@ -2,10 +2,10 @@
 // passes to a report class directly.
 #pragma once
 
-#include "engine/control.h"
-#include "platform/object.h"
-#include "platform/text.h"
-#include "platform/variant.h"
+#include "control/control.h"
+#include "values/object.h"
+#include "values/text.h"
+#include "values/variant.h"
 
 namespace kvtdruck {
 

@@ -1,8 +1,8 @@
 // The component's engine adapter: the one place through which every report talks to the reporting engine.
 #pragma once
 
-#include "dataaccess/modul.h"
 #include "engine/DruckFormular.h"
+#include "module/modul.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // The company letterhead that all layouts share.
 #include "dataaccess/zugriff.h"
 #include "engine/clsDruckFormular.h"
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 namespace kvtdruck {
 namespace {

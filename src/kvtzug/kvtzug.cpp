@@ -2,8 +2,8 @@
 
 #include "kvtzug/odbc.h"
 #include "kvtzug/reader.h"
-#include "platform/runtime_error.h"
-#include "platform/variant.h"
+#include "values/runtime_error.h"
+#include "values/variant.h"
 
 namespace kvtdruck {
 namespace {

@@ -2,9 +2,9 @@
 // demo/schema.sql.
 #pragma once
 
-#include "dataaccess/library.h"
-#include "platform/object.h"
-#include "platform/text.h"
+#include "module/library.h"
+#include "values/object.h"
+#include "values/text.h"
 
 #include <functional>
 #include <map>

@@ -1,6 +1,6 @@
 #include "kvtzug/odbc.h"
 
-#include "platform/runtime_error.h"
+#include "values/runtime_error.h"
 
 #include <algorithm>
 #include <utility>

@@ -8,7 +8,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
-#include "platform/text.h"
+#include "values/text.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "kvtzug/reader.h"
 
-#include "platform/locale.h"
-#include "platform/runtime_error.h"
+#include "values/locale.h"
+#include "values/runtime_error.h"
 
 #include <algorithm>
 #include <utility>

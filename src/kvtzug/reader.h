@@ -6,7 +6,7 @@
 #include "kvtzug/odbc.h"
 #include "kvtzug/reader_class.h"
 #include "kvtzug/rowset.h"
-#include "platform/variant.h"
+#include "values/variant.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 // The reader classes of the reference data access, each told as a query and a table of its columns.
 #pragma once
 
-#include "platform/text.h"
-#include "platform/variant.h"
+#include "values/text.h"
+#include "values/variant.h"
 
 #include <cstddef>
 #include <vector>

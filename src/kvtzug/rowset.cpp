@@ -1,6 +1,6 @@
 #include "kvtzug/rowset.h"
 
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <algorithm>
 #include <bit>

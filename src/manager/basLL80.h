@@ -1,8 +1,8 @@
 // The job table and the viewer processes of previews.
 #pragma once
 
-#include "dataaccess/modul.h"
 #include "engine/DruckFormular.h"
+#include "module/modul.h"
 #include "reports/bericht.h"
 
 #include <memory>

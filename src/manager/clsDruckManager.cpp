@@ -1,7 +1,7 @@
 #include "manager/clsDruckManager.h"
 
 #include "engine/clsDruckFormular.h"
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 namespace kvtdruck {
 namespace {

@@ -2,8 +2,8 @@
 // report class that the list name chooses.
 #pragma once
 
+#include "control/control.h"
 #include "dataaccess/zugriff.h"
-#include "engine/control.h"
 #include "manager/basLL80.h"
 #include "reports/berichte.h"
 

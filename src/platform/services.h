@@ -3,9 +3,9 @@
 // differently.
 #pragma once
 
-#include "platform/locale.h"
-#include "platform/text.h"
-#include "platform/variant.h"
+#include "values/locale.h"
+#include "values/text.h"
+#include "values/variant.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "reports/bericht.h"
 
-#include "platform/conversion.h"
-#include "platform/overloaded.h"
+#include "values/conversion.h"
+#include "values/overloaded.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "reports/kontenbericht.h"
 
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 namespace kvtdruck {
 namespace {

@@ -1,8 +1,8 @@
 // Reports on the accounts of a financial year: one line per account, with the amounts of the year and of one month.
 #pragma once
 
-#include "platform/conversion.h"
 #include "reports/leserbericht.h"
+#include "values/conversion.h"
 
 namespace kvtdruck {
 

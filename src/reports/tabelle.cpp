@@ -1,7 +1,7 @@
 #include "reports/tabelle.h"
 
-#include "dataaccess/modul.h"
-#include "platform/conversion.h"
+#include "module/modul.h"
+#include "values/conversion.h"
 
 #include <cmath>
 

@@ -1,11 +1,11 @@
 // Tables of variables and fields: what a report hands to its layout, in the layout's order.
 #pragma once
 
+#include "control/control.h"
 #include "dataaccess/members.h"
 #include "dataaccess/zugriff.h"
-#include "engine/control.h"
-#include "platform/text.h"
-#include "platform/variant.h"
+#include "values/text.h"
+#include "values/variant.h"
 
 #include <initializer_list>
 #include <optional>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "original_interfaces.h"
-#include "platform/text.h"
+#include "values/text.h"
 
 #include <gmock/gmock.h>
 

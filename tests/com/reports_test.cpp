@@ -1,9 +1,9 @@
 // Every report through the DLL, asked for by a compiled host with a connection of ADO's. What the engine was called
 // with is compared with the command line afterwards, see compare-record; each test leaves the options for that.
 #include "ado_connection.h"
+#include "catalog/report_catalog.h"
+#include "catalog/values_file.h"
 #include "host.h"
-#include "host/report_catalog.h"
-#include "host/values_file.h"
 #include "servers/dispatch.h"
 
 #include <algorithm>
@@ -37,23 +37,23 @@ Ref<AdoConnection> adoConnection() {
 
 /// A request for a report of the sample company, and how the command line is asked for the same.
 struct Request {
-    std::shared_ptr<host::ParameterArray> array;
+    std::shared_ptr<cli::ParameterArray> array;
     std::string options;
 };
 
-Request requestFor(const host::Report& report) {
+Request requestFor(const cli::Report& report) {
     if (report.isFedByValues()) {
         const auto file = "werte/" + std::string(report.listName) + ".csv";
-        return {host::readValues(report, std::filesystem::path(setting(L"KVT_DEMO")) / file), " --werte " + file};
+        return {cli::readValues(report, std::filesystem::path(setting(L"KVT_DEMO")) / file), " --werte " + file};
     }
-    const auto hasToBeGiven = [](const host::Cell& cell) { return cell.kind == host::Cell::Kind::MustBeGiven; };
+    const auto hasToBeGiven = [](const cli::Cell& cell) { return cell.kind == cli::Cell::Kind::MustBeGiven; };
     if (std::ranges::none_of(report.cells, hasToBeGiven))
-        return {host::parameterArray(report, {}), ""};
-    return {host::parameterArray(report, {{host::Selection::Year, 2024}, {host::Selection::Month, 3}}),
+        return {cli::parameterArray(report, {}), ""};
+    return {cli::parameterArray(report, {{cli::Selection::Year, 2024}, {cli::Selection::Month, 3}}),
             " --jahr 2024 --monat 3"};
 }
 
-Ref<IDispatch> comArray(host::ParameterArray& cells) {
+Ref<IDispatch> comArray(cli::ParameterArray& cells) {
     auto copy = newArray(static_cast<long>(cells.rows()), static_cast<long>(cells.columns()));
     for (std::size_t row = 0; row < cells.rows(); ++row)
         for (std::size_t column = 0; column < cells.columns(); ++column) {
@@ -64,7 +64,7 @@ Ref<IDispatch> comArray(host::ParameterArray& cells) {
     return copy;
 }
 
-class EveryReport : public HostTest, public testing::WithParamInterface<std::tuple<const host::Report*, Mode>> {
+class EveryReport : public HostTest, public testing::WithParamInterface<std::tuple<const cli::Report*, Mode>> {
   protected:
     /// Leaves what makes the command line do the same.
     void noteCommand(const std::string& options) const {
@@ -94,9 +94,9 @@ TEST_P(EveryReport, WithAConnectionOfAdo) {
     EXPECT_EQ(worker->Terminate_Preview(&window, &result), S_OK);
 }
 
-std::vector<const host::Report*> everyReport() {
-    std::vector<const host::Report*> all;
-    for (const auto& report : host::reports())
+std::vector<const cli::Report*> everyReport() {
+    std::vector<const cli::Report*> all;
+    for (const auto& report : cli::reports())
         all.push_back(&report);
     return all;
 }

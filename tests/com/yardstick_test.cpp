@@ -1,9 +1,9 @@
 // The portable conversions against those of OLE Automation itself: what the component writes must be what any
 // Automation program on the machine writes. Under Wine the known departures from Windows are named where they are
 // made up for.
-#include "platform/conversion.h"
-#include "platform/runtime_error.h"
-#include "platform/variant.h"
+#include "values/conversion.h"
+#include "values/runtime_error.h"
+#include "values/variant.h"
 
 #include <gmock/gmock.h>
 

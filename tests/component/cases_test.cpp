@@ -1,6 +1,6 @@
 // Selections, signs, months, cells: what single reports do with what they are given.
 #include "component/report_table.h"
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <algorithm>
 

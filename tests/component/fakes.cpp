@@ -1,6 +1,6 @@
 #include "component/fakes.h"
 
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <gtest/gtest.h>
 

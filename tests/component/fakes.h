@@ -2,7 +2,7 @@
 // made to fail at its position.
 #pragma once
 
-#include "engine/recording_control.h"
+#include "control/recording_control.h"
 #include "manager/clsDruckManager.h"
 #include "platform/services.h"
 

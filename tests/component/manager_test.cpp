@@ -1,7 +1,7 @@
 // The print manager, its job table and the preview viewers, with every habit that hosts know.
 #include "component/host.h"
 #include "engine/clsDruckFormular.h"
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <algorithm>
 

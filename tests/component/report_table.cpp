@@ -1,6 +1,6 @@
 #include "component/report_table.h"
 
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <ostream>
 #include <sstream>

@@ -1,6 +1,6 @@
 // All eighteen reports: what they define, in which order, how they print, and how they end.
 #include "component/report_table.h"
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <algorithm>
 #include <fstream>

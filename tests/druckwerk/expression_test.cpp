@@ -1,7 +1,7 @@
-#include "druckwerk/expression.h"
+#include "druckwerk/expression/expression.h"
 
-#include "druckwerk/fault.h"
-#include "druckwerk/text_template.h"
+#include "druckwerk/common/fault.h"
+#include "druckwerk/expression/text_template.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "druckwerk/number.h"
+#include "druckwerk/expression/number.h"
 
-#include "druckwerk/fault.h"
+#include "druckwerk/common/fault.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/posix/temporary_folder.h"
-#include "platform/text.h"
+#include "values/text.h"
 
 #include <filesystem>
 #include <memory>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "kvtzug/kvtzug.h"
-#include "platform/locale.h"
-#include "platform/variant.h"
+#include "values/locale.h"
+#include "values/variant.h"
 
 #include <vector>
 

@@ -3,8 +3,8 @@
 #include "kvtzug/kvtzug.h"
 #include "kvtzug/odbc.h"
 #include "kvtzug/reader_access.h"
-#include "platform/conversion.h"
-#include "platform/runtime_error.h"
+#include "values/conversion.h"
+#include "values/runtime_error.h"
 
 #include <gmock/gmock.h>
 

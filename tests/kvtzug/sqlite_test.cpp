@@ -2,7 +2,7 @@
 #include "kvtzug/kvtzug.h"
 #include "kvtzug/reader_access.h"
 #include "kvtzug/sqlite_database.h"
-#include "platform/runtime_error.h"
+#include "values/runtime_error.h"
 
 #include <gmock/gmock.h>
 

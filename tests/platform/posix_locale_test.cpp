@@ -1,8 +1,8 @@
 #include "platform/posix/posix_platform.h"
 
-#include "platform/conversion.h"
 #include "platform/posix/temporary_folder.h"
-#include "platform/printers.h"
+#include "values/conversion.h"
+#include "values/printers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // Files and processes on Linux: real ones.
 #include "platform/posix/posix_platform.h"
 
-#include "platform/conversion.h"
 #include "platform/posix/temporary_folder.h"
-#include "platform/printers.h"
+#include "values/conversion.h"
+#include "values/printers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // Files, processes, messages and locale on Windows: real ones.
 #include "platform/windows/windows_platform.h"
 
-#include "platform/conversion.h"
-#include "platform/printers.h"
+#include "values/conversion.h"
+#include "values/printers.h"
 
 #include <gtest/gtest.h>
 

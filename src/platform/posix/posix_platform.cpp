@@ -1,6 +1,6 @@
 #include "platform/posix/posix_platform.h"
 
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <algorithm>
 #include <array>

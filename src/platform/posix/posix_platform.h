@@ -1,8 +1,8 @@
 // The component's surroundings on Linux.
 #pragma once
 
-#include "platform/runtime_error.h"
 #include "platform/services.h"
+#include "values/runtime_error.h"
 
 #include <functional>
 #include <string>

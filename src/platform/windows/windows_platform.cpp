@@ -1,6 +1,6 @@
 #include "platform/windows/windows_platform.h"
 
-#include "platform/conversion.h"
+#include "values/conversion.h"
 
 #include <windows.h>
 

@@ -1,12 +1,12 @@
 #include "servers/control.h"
 
 #include "com/counted.h"
-#include "engine/control.h"
-#include "engine/recording_control.h"
+#include "control/control.h"
+#include "control/recording_control.h"
 #include "kvtzug/reader.h"
-#include "platform/runtime_error.h"
 #include "servers/dispatch.h"
 #include "servers/log_file.h"
+#include "values/runtime_error.h"
 
 #include <ocidl.h>
 #include <olectl.h>

@@ -1,8 +1,8 @@
 #include "servers/dispatch.h"
 
 #include "ado_connection.h"
-#include "platform/overloaded.h"
-#include "platform/runtime_error.h"
+#include "values/overloaded.h"
+#include "values/runtime_error.h"
 
 #include <algorithm>
 #include <utility>

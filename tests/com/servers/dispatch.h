@@ -3,9 +3,9 @@
 #pragma once
 
 #include "com/counted.h"
-#include "platform/object.h"
-#include "platform/text.h"
-#include "platform/variant.h"
+#include "values/object.h"
+#include "values/text.h"
+#include "values/variant.h"
 
 #include <windows.h>
 

@@ -1,9 +1,9 @@
 #include "servers/error_report.h"
 
 #include "kvtzug/reader.h"
-#include "platform/runtime_error.h"
 #include "servers/dispatch.h"
 #include "servers/log_file.h"
+#include "values/runtime_error.h"
 
 namespace kvtdruck::test {
 namespace {

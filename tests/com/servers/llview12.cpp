@@ -1,7 +1,7 @@
 // Stands for the engine's viewer: tells that it was started, with its process id and command line, and stays until
 // it is ended, or for a minute.
-#include "platform/text.h"
 #include "servers/log_file.h"
+#include "values/text.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #include "servers/log_file.h"
 
-#include "platform/text.h"
+#include "values/text.h"
 
 #include <windows.h>
 

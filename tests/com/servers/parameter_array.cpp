@@ -1,8 +1,8 @@
 #include "servers/parameter_array.h"
 
 #include "kvtzug/reader.h"
-#include "platform/runtime_error.h"
-#include "platform/variant.h"
+#include "values/runtime_error.h"
+#include "values/variant.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // The host's parameter array, `XArrayDBObject.XArrayDB`.
 #pragma once
 
-#include "platform/object.h"
+#include "values/object.h"
 
 namespace kvtdruck::test {
 

@@ -4,11 +4,11 @@
 #include "com/counted.h"
 #include "kvtzug/kvtzug.h"
 #include "kvtzug/reader.h"
-#include "platform/runtime_error.h"
 #include "servers/control.h"
 #include "servers/dispatch.h"
 #include "servers/error_report.h"
 #include "servers/parameter_array.h"
+#include "values/runtime_error.h"
 
 #include <windows.h>
 

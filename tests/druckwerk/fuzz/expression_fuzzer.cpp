@@ -1,6 +1,6 @@
 // Any bytes as an expression, a text with placeholders, a number, a pattern.
-#include "druckwerk/fault.h"
-#include "druckwerk/text_template.h"
+#include "druckwerk/common/fault.h"
+#include "druckwerk/expression/text_template.h"
 
 #include <cstddef>
 #include <cstdint>

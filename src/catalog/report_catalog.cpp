@@ -1,0 +1,372 @@
+#include "catalog/report_catalog.h"
+
+#include "cli/usage_error.h"
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <utility>
+
+namespace kvtdruck::cli {
+namespace {
+
+using enum Selection;
+using Kind = Cell::Kind;
+using enum ValueColumn::Rows;
+
+constexpr std::array kSelectionOptions{
+    SelectionOption{Year, "--jahr", "JAHR", "ein Jahr", 1, 9999},
+    SelectionOption{YearFrom, "--von", "JAHR", "erstes Jahr", 1, 9999},
+    SelectionOption{YearTo, "--bis", "JAHR", "letztes Jahr", 1, 9999},
+    SelectionOption{AccountFrom, "--konto-von", "KONTO", "erstes Konto", 0, 999'999'999},
+    SelectionOption{AccountTo, "--konto-bis", "KONTO", "letztes Konto", 0, 999'999'999},
+    SelectionOption{Month, "--monat", "MONAT", "Monat, dessen Werte neben denen des Jahres stehen", 1, 12},
+    SelectionOption{EmployeeFrom, "--mitarbeiter-von", "NUMMER", "erster Mitarbeiter", 0, 999'999'999},
+    SelectionOption{EmployeeTo, "--mitarbeiter-bis", "NUMMER", "letzter Mitarbeiter", 0, 999'999'999},
+    SelectionOption{MonthFrom, "--monat-von", "MONAT", "erster Monat (sonst das ganze Jahr)", 1, 12},
+    SelectionOption{MonthTo, "--monat-bis", "MONAT", "letzter Monat (sonst das ganze Jahr)", 1, 12},
+};
+
+// Parameter cells of the reports that read their figures themselves.
+
+constexpr std::array kYears{
+    Cell{Kind::NoneGiven, YearFrom, YearTo},
+    Cell{Kind::Value, YearFrom, {}, 0},
+    Cell{Kind::Value, YearTo, {}, 0},
+};
+/// Years of a report that prints the range as it is given.
+constexpr std::array kYearRange{
+    Cell{Kind::NoneGiven, YearFrom, YearTo},
+    Cell{Kind::Value, YearFrom, {}, 0},
+    Cell{Kind::Value, YearTo, {}, 9999},
+};
+constexpr std::array kAccounts{
+    Cell{Kind::NoneGiven, AccountFrom, AccountTo},
+    Cell{Kind::Value, AccountFrom, {}, 0},
+    Cell{Kind::Value, AccountTo, {}, 0},
+    Cell{Kind::Value, Month},
+    Cell{Kind::MustBeGiven, Year},
+};
+constexpr std::array kEmployees{
+    Cell{Kind::NoneGiven, EmployeeFrom, EmployeeTo},
+    Cell{Kind::Value, EmployeeFrom, {}, 0},
+    Cell{Kind::Value, EmployeeTo, {}, 0},
+    Cell{Kind::NoneGiven, MonthFrom, MonthTo},
+    Cell{Kind::Value, MonthFrom, {}, 1},
+    Cell{Kind::Value, MonthTo, {}, 12},
+};
+constexpr auto kEmployeesOnly = std::span(kEmployees).first<3>();
+constexpr std::array kEverything{Cell{Kind::True}};
+
+constexpr std::string_view kOneYear = "Druckt alle Jahre oder genau eines: --bis zählt nur ohne --von.";
+constexpr std::string_view kOneAccount =
+    "Druckt alle Konten oder genau eines: --konto-bis zählt nur ohne --konto-von.";
+constexpr std::string_view kOneEmployee =
+    "Druckt alle Mitarbeiter oder genau einen: --mitarbeiter-bis zählt nur ohne --mitarbeiter-von.";
+
+// Columns of the reports whose figures come from a file of values.
+
+constexpr std::array kBilanz{
+    ValueColumn{1, "Jahr", First, "Jahr des Blattes"},
+    ValueColumn{2, "Gewinn", First, "Gewinn"},
+    ValueColumn{3, "EK", First, "Eigenkapital"},
+    ValueColumn{4, "Umsatz", First, "Umsatz"},
+    ValueColumn{5, "ZinsFK", First, "Zinsen auf Fremdkapital"},
+    ValueColumn{6, "Bilanz", First, "Bilanzsumme"},
+    ValueColumn{7, "Abschr", First, "Abschreibungen"},
+    ValueColumn{8, "Rueckst", First, "Rückstellungen"},
+    ValueColumn{9, "FK", First, "Fremdkapital"},
+    ValueColumn{10, "LFK", First, "langfristiges Fremdkapital"},
+    ValueColumn{11, "Anlage", First, "Anlagevermögen"},
+    ValueColumn{12, "Cash", First, "flüssige Mittel"},
+    ValueColumn{13, "Mat", First, "Material"},
+    ValueColumn{14, "Lager", First, "Lagerbestand"},
+};
+
+/// The period's columns, which begin at another one in each report.
+constexpr std::array<ValueColumn, 4> period(std::size_t first) {
+    return {
+        ValueColumn{first, "SVMon", First, "Soll-Zeitraum: erster Monat"},
+        ValueColumn{first + 1, "SBMon", First, "Soll-Zeitraum: letzter Monat"},
+        ValueColumn{first + 2, "IVMon", First, "Ist-Zeitraum: erster Monat"},
+        ValueColumn{first + 3, "IBMon", First, "Ist-Zeitraum: letzter Monat"},
+    };
+}
+
+/// Column tables put together from their pieces.
+template <std::size_t... sizes>
+constexpr auto joined(const std::array<ValueColumn, sizes>&... pieces) {
+    std::array<ValueColumn, (sizes + ...)> result{};
+    auto* next = result.data();
+    ((next = std::copy(pieces.begin(), pieces.end(), next)), ...);
+    return result;
+}
+
+constexpr auto kBetriebKopf = joined(std::array{ValueColumn{3, "Jahr", First, "Jahr"}}, period(4),
+                                     std::array{ValueColumn{8, "Text", Each, "Bezeichnung der Zeile"}});
+
+constexpr auto kBsEMa = joined(kBetriebKopf, std::array{
+                                                 ValueColumn{9, "SAMaDM", Each, "Soll A je Mitarbeiter"},
+                                                 ValueColumn{10, "SPMaDM", Each, "Soll P je Mitarbeiter"},
+                                                 ValueColumn{11, "SUMaDM", Each, "Soll U je Mitarbeiter"},
+                                                 ValueColumn{12, "IAMaDM", Each, "Ist A je Mitarbeiter"},
+                                                 ValueColumn{13, "IPMaDM", Each, "Ist P je Mitarbeiter"},
+                                                 ValueColumn{14, "IUMaDM", Each, "Ist U je Mitarbeiter"},
+                                                 ValueColumn{15, "DAMaDM", Each, "Differenz A je Mitarbeiter"},
+                                                 ValueColumn{16, "DPMaDM", Each, "Differenz P je Mitarbeiter"},
+                                                 ValueColumn{17, "DUMaDM", Each, "Differenz U je Mitarbeiter"},
+                                             });
+
+constexpr auto kBsEStd = joined(kBetriebKopf, std::array{
+                                                  ValueColumn{9, "SDM", Each, "Soll, Betrag"},
+                                                  ValueColumn{10, "SPR", Each, "Soll, Prozent"},
+                                                  ValueColumn{11, "IDM", Each, "Ist, Betrag"},
+                                                  ValueColumn{12, "IPR", Each, "Ist, Prozent"},
+                                                  ValueColumn{13, "DDM", Each, "Differenz, Betrag"},
+                                                  ValueColumn{14, "DPR", Each, "Differenz, Prozent"},
+                                              });
+
+constexpr auto kKalkW =
+    joined(std::array{ValueColumn{1, "Jahr", First, "Jahr"}, ValueColumn{2, "Text", Each, "Bezeichnung der Zeile"}},
+           period(3),
+           std::array{
+               ValueColumn{7, "SDBPr", Each, "Soll-Deckungsbeitrag, Prozent"},
+               ValueColumn{8, "SDB", Each, "Soll-Deckungsbeitrag"},
+               ValueColumn{9, "SVerPr", Each, "Soll Ver, Prozent"},
+               ValueColumn{10, "SVer", Each, "Soll Ver"},
+               ValueColumn{11, "IDBPr", Each, "Ist-Deckungsbeitrag, Prozent"},
+               ValueColumn{12, "IDB", Each, "Ist-Deckungsbeitrag"},
+               ValueColumn{13, "IVerPr", Each, "Ist Ver, Prozent"},
+               ValueColumn{14, "IVer", Each, "Ist Ver"},
+               ValueColumn{15, "SMateinsatz", First, "Soll-Materialeinsatz"},
+               ValueColumn{16, "SBerStd", First, "Soll, berechenbare Stunden"},
+               ValueColumn{17, "SGewMat", First, "Soll-Gewinn auf Material"},
+               ValueColumn{18, "SMatSt", First, "Soll MatSt"},
+               ValueColumn{19, "SMatZu", First, "Soll-Materialzuschlag"},
+               ValueColumn{20, "SGewMatStd", First, "Soll-Gewinn auf Material je Stunde"},
+               ValueColumn{21, "IMateinsatz", First, "Ist-Materialeinsatz"},
+               ValueColumn{22, "IBerStd", First, "Ist, berechenbare Stunden"},
+               ValueColumn{23, "IGewMat", First, "Ist-Gewinn auf Material"},
+               ValueColumn{24, "IMatSt", First, "Ist MatSt"},
+               ValueColumn{25, "IMatZu", First, "Ist-Materialzuschlag"},
+               ValueColumn{26, "IGewMatStd", First, "Ist-Gewinn auf Material je Stunde"},
+               ValueColumn{27, "jeMinute", First, "0: je Stunde, sonst je Minute"},
+           });
+
+constexpr auto kWasWenn =
+    joined(std::array{ValueColumn{1, "Jahr", First, "Jahr"}}, period(2),
+           std::array{
+               ValueColumn{6, "Text", Each, "Bezeichnung der Zeile"},
+               ValueColumn{7, "SDM", Each, "Soll, Betrag"},
+               ValueColumn{8, "PDM", Each, "geplant, Betrag"},
+               ValueColumn{9, "DDM", Each, "Differenz, Betrag"},
+               ValueColumn{10, "DPr", Each, "Differenz, Prozent"},
+               ValueColumn{11, "UPMa", First, "UPMa"},
+               ValueColumn{12, "UStd", First, "UStd"},
+               ValueColumn{13, "WMa", First, "WMa"},
+               ValueColumn{14, "WStd", First, "WStd"},
+               ValueColumn{15, "SVer", First, "Soll Ver"},
+               ValueColumn{16, "IVer", First, "Ist Ver"},
+               ValueColumn{17, "TVer", First, "TVer"},
+               ValueColumn{18, "SKnz", Each, "„EUR“: Währung der Firma; sonst steht der Wert selbst als Währung"},
+               ValueColumn{19, "BerStd", First, "berechenbare Stunden"},
+               ValueColumn{20, "BerStdPr", First, "berechenbare Stunden, Änderung in Prozent"},
+               ValueColumn{21, "BerStdErh", First, "berechenbare Stunden, Erhöhung"},
+               ValueColumn{22, "ProdLK", First, "produktive Lohnkosten"},
+               ValueColumn{23, "ProdLKPr", First, "produktive Lohnkosten, Änderung in Prozent"},
+               ValueColumn{24, "ProdLKErh", First, "produktive Lohnkosten, Erhöhung"},
+               ValueColumn{25, "UProdLK", First, "unproduktive Lohnkosten"},
+               ValueColumn{26, "UProdLKPr", First, "unproduktive Lohnkosten, Änderung in Prozent"},
+               ValueColumn{27, "UProdLKErh", First, "unproduktive Lohnkosten, Erhöhung"},
+               ValueColumn{28, "KULohn", First, "KULohn"},
+               ValueColumn{29, "KULohnPr", First, "KULohn, Änderung in Prozent"},
+               ValueColumn{30, "KULohnErh", First, "KULohn, Erhöhung"},
+               ValueColumn{31, "Mat", First, "Material"},
+               ValueColumn{32, "MatPr", First, "Material, Änderung in Prozent"},
+               ValueColumn{33, "MatErh", First, "Material, Erhöhung"},
+               ValueColumn{34, "MatKnz", First, "Material, Kennzeichen"},
+               ValueColumn{35, "VGem", First, "variable Gemeinkosten"},
+               ValueColumn{36, "VGemPr", First, "variable Gemeinkosten, Änderung in Prozent"},
+               ValueColumn{37, "VGemErh", First, "variable Gemeinkosten, Erhöhung"},
+               ValueColumn{38, "VGemKnz", First, "variable Gemeinkosten, Kennzeichen"},
+               ValueColumn{39, "FGem", First, "fixe Gemeinkosten"},
+               ValueColumn{40, "FGemPr", First, "fixe Gemeinkosten, Änderung in Prozent"},
+               ValueColumn{41, "FGemErh", First, "fixe Gemeinkosten, Erhöhung"},
+               ValueColumn{42, "FGemKnz", First, "fixe Gemeinkosten, Kennzeichen"},
+               ValueColumn{43, "Aufw", First, "Aufwendungen"},
+               ValueColumn{44, "AufwPr", First, "Aufwendungen, Änderung in Prozent"},
+               ValueColumn{45, "AufwErh", First, "Aufwendungen, Erhöhung"},
+               ValueColumn{46, "AufwKnz", First, "Aufwendungen, Kennzeichen"},
+               ValueColumn{47, "KKost", First, "kalkulatorische Kosten"},
+               ValueColumn{48, "KKostPr", First, "kalkulatorische Kosten, Änderung in Prozent"},
+               ValueColumn{49, "KKostErh", First, "kalkulatorische Kosten, Erhöhung"},
+               ValueColumn{50, "KKostKnz", First, "kalkulatorische Kosten, Kennzeichen"},
+           });
+
+constexpr std::array kUmsatzHW{
+    ValueColumn{0, "Jahr", Second, "Jahr; es steht in der zweiten Zeile"},
+    ValueColumn{1, "Taglohn", Each, "Taglohnarbeiten"},
+    ValueColumn{2, "WartRechnungen", Each, "Wartungsrechnungen"},
+    ValueColumn{3, "Rechnungen", Each, "Rechnungen"},
+    ValueColumn{4, "AbgrAZ", Each, "abgerechnete Abschlagszahlungen"},
+    ValueColumn{5, "OffeneAZ", Each, "offene Abschlagszahlungen"},
+    ValueColumn{6, "SchlussRechnung", Each, "Schlussrechnungen"},
+    ValueColumn{7, "Gutschrift", Each, "Gutschriften"},
+    ValueColumn{8, "Saldo", Each, "Saldo"},
+    ValueColumn{9, "Text", Each, "Bezeichnung der Zeile"},
+};
+
+// Both account reports ask for accounts by the same call; the product mode says which kind is meant.
+constexpr std::int16_t kOverheads = 1;
+constexpr std::int16_t kNeutralAccounts = 2;
+
+constexpr std::array kReports{
+    Report{"Umsatz", "Umsatz", kYears, {}, kOneYear},
+    Report{"MitUeber", "Mitarbeiter-Übersicht", kEverything, {}, {}},
+    Report{"Firma", "Allgemeine Firmendaten", kYearRange, {}, {}},
+    Report{"GemeinK", "Gemeinkosten", kAccounts, {}, kOneAccount, kOverheads},
+    Report{"NeutralA", "Neutrale Aufwendungen", kAccounts, {}, kOneAccount, kNeutralAccounts},
+    Report{"MaKost", "Mitarbeiter-Kosten", kEmployees, {}, kOneEmployee},
+    Report{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, {}, kOneEmployee},
+    Report{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, {}, kOneEmployee},
+    Report{"MaStZeit", "Mitarbeiter-Stammblatt-Zeiten", kEmployeesOnly, {}, kOneEmployee},
+    Report{"KalkKo", "Kalkulatorische Kosten", kYears, {}, kOneYear},
+    Report{"MatUeber", "Materialübersicht", kYears, {}, kOneYear},
+    Report{"Bilanz", "Bilanzkennzahlen", {}, kBilanz, {}},
+    Report{"BsEMa", "Betriebsübersicht Mitarbeiter", {}, kBsEMa, {}},
+    Report{"BsEStd", "Betriebsübersicht je Stunde", {}, kBsEStd, {}},
+    Report{"BsEGes", "Betriebsübersicht Gesamt", {}, kBsEStd, "Die erste Zeile trägt die Stunden."},
+    Report{"KalkW", "Kalkulationswerte", {}, kKalkW, {}},
+    Report{"WasWenn", "Was Wäre Wenn", {}, kWasWenn, {}},
+    Report{"UmsatzHW", "Umsatz Handwerk", {}, kUmsatzHW, {}},
+};
+
+bool takes(const Report& report, Selection selection) {
+    const auto fills = [selection](const Cell& cell) {
+        return cell.kind != Kind::True &&
+               (cell.first == selection || (cell.kind == Kind::NoneGiven && cell.second == selection));
+    };
+    // One year is short for a range of years.
+    return std::ranges::any_of(report.cells, fills) || (selection == Year && takes(report, YearFrom));
+}
+
+const SelectionOption& optionOf(Selection selection) {
+    return *std::ranges::find(kSelectionOptions, selection, &SelectionOption::selection);
+}
+
+std::string selectionsText(const Report& report) {
+    std::string text;
+    for (const auto* option : report.selections())
+        text += (text.empty() ? "" : ", ") + std::string(option->option);
+    return text;
+}
+
+void refuseForeign(const Report& report, const Selections& selections) {
+    for (const auto& [selection, value] : selections) {
+        if (takes(report, selection))
+            continue;
+        const auto known = selectionsText(report);
+        throw UsageError(std::string(optionOf(selection).option) + " gilt nicht für die Liste " +
+                         std::string(report.listName) +
+                         (known.empty() ? ", die keine Auswahl kennt." : "; sie kennt " + known + "."));
+    }
+}
+
+/// The selections with one year spread to the range that it stands for.
+Selections spread(const Report& report, Selections selections) {
+    const auto year = selections.find(Year);
+    if (year == selections.end() || !takes(report, YearFrom))
+        return selections;
+    if (selections.contains(YearFrom) || selections.contains(YearTo))
+        throw UsageError("Bitte entweder --jahr oder --von und --bis angeben.");
+    selections[YearFrom] = selections[YearTo] = year->second;
+    return selections;
+}
+
+Variant valueOf(const Report& report, const Cell& cell, const Selections& selections) {
+    const auto given = selections.find(cell.first);
+    switch (cell.kind) {
+    case Kind::True:
+        return true;
+    case Kind::NoneGiven:
+        return given == selections.end() && !selections.contains(cell.second);
+    case Kind::MustBeGiven:
+        if (given == selections.end())
+            throw UsageError("Die Liste " + std::string(report.listName) + " braucht " +
+                             std::string(optionOf(cell.first).option) + ".");
+        break;
+    case Kind::Value:
+        break;
+    }
+    if (given != selections.end())
+        return given->second;
+    return cell.fallback ? Variant(*cell.fallback) : Variant();
+}
+
+std::size_t distance(std::string_view a, std::string_view b) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        auto diagonal = std::exchange(row[0], i);
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const auto changed = diagonal + (lower(a[i - 1]) == lower(b[j - 1]) ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+} // namespace
+
+std::span<const SelectionOption> selectionOptions() {
+    return kSelectionOptions;
+}
+
+std::span<const Report> reports() {
+    return kReports;
+}
+
+std::size_t Report::rows() const {
+    return std::ranges::find(columns, Second, &ValueColumn::rows) == columns.end() ? 1 : 2;
+}
+
+std::size_t Report::width() const {
+    return isFedByValues() ? std::ranges::max(columns, {}, &ValueColumn::column).column + 1 : cells.size();
+}
+
+std::vector<const SelectionOption*> Report::selections() const {
+    std::vector<const SelectionOption*> result;
+    for (const auto& option : kSelectionOptions)
+        if (takes(*this, option.selection))
+            result.push_back(&option);
+    return result;
+}
+
+const Report* findReport(std::string_view listName) {
+    const auto* found = std::ranges::find(kReports, listName, &Report::listName);
+    return found == kReports.end() ? nullptr : found;
+}
+
+std::string_view nearestListName(std::string_view listName) {
+    return std::ranges::min(kReports, {}, [&](const Report& report) { return distance(report.listName, listName); })
+        .listName;
+}
+
+Selections selectionsForDesign(const Report& report, Selections selections) {
+    if (takes(report, Month))
+        selections.try_emplace(Month, 1);
+    return selections;
+}
+
+std::shared_ptr<ParameterArray> parameterArray(const Report& report, const Selections& selections) {
+    refuseForeign(report, selections);
+    const auto given = spread(report, selections);
+    auto array = std::make_shared<ParameterArray>(report.rows(), report.width());
+    for (std::size_t column = 0; column < report.cells.size(); ++column)
+        array->cell(0, column) = valueOf(report, report.cells[column], given);
+    return array;
+}
+
+} // namespace kvtdruck::cli

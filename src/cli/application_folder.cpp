@@ -1,0 +1,60 @@
+#include "cli/application_folder.h"
+
+#include <cstdlib>
+#include <string>
+
+#include <unistd.h>
+
+namespace kvtdruck::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// An environment variable's value; empty where it is not set.
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+}
+
+/// The XDG base directory specification: relative paths are invalid and ignored.
+fs::path userFolder() {
+    const fs::path data = environment("XDG_DATA_HOME");
+    return (data.is_absolute() ? data : fs::path(environment("HOME")) / ".local" / "share") / "kvtdruck";
+}
+
+/// Beside the program: <prefix>/bin/kvtdruck and <prefix>/share/kvtdruck/layouts. The build tree has the same
+/// shape.
+fs::path shippedLayouts() {
+    return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "share" / "kvtdruck" / "layouts";
+}
+
+/// Copies what is missing. A file appears under its name only when it is complete: another run may be looking for
+/// it.
+void copyMissing(const fs::path& from, const fs::path& to) {
+    for (const auto& entry : fs::recursive_directory_iterator(from)) {
+        const auto target = to / entry.path().lexically_relative(from);
+        if (entry.is_directory()) {
+            fs::create_directories(target);
+        } else if (!fs::exists(target)) {
+            const fs::path unfinished = target.string() + ".unfertig-" + std::to_string(::getpid());
+            fs::copy_file(entry.path(), unfinished, fs::copy_options::overwrite_existing);
+            fs::rename(unfinished, target);
+        }
+    }
+}
+
+} // namespace
+
+fs::path layoutFolder(const fs::path& applicationFolder) {
+    return applicationFolder / "DB" / "BerichteLLVT";
+}
+
+fs::path prepareApplicationFolder(const std::optional<fs::path>& chosen) {
+    auto folder = fs::absolute(chosen.value_or(userFolder()));
+    fs::create_directories(layoutFolder(folder) / "Preview");
+    if (const auto shipped = shippedLayouts(); fs::is_directory(shipped))
+        copyMissing(shipped, layoutFolder(folder));
+    return folder;
+}
+
+} // namespace kvtdruck::cli

@@ -1,0 +1,17 @@
+// The application folder: where the component looks for layouts and writes previews.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+namespace kvtdruck::cli {
+
+/// The folder of layouts within an application folder.
+std::filesystem::path layoutFolder(const std::filesystem::path& applicationFolder);
+
+/// The application folder `chosen`, or the user's own ($XDG_DATA_HOME/kvtdruck), made ready: its folders are
+/// created, and layouts that are missing are copied from the shipped ones. Throws a
+/// `std::filesystem::filesystem_error`.
+std::filesystem::path prepareApplicationFolder(const std::optional<std::filesystem::path>& chosen);
+
+} // namespace kvtdruck::cli

@@ -1,0 +1,77 @@
+#include "cli/console.h"
+
+#include "cli/cancellation.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+
+#include <unistd.h>
+
+namespace kvtdruck::cli {
+namespace {
+
+constexpr int kBarWidth = 30;
+constexpr auto kBetweenBars = std::chrono::milliseconds(100);
+
+} // namespace
+
+void Console::error(std::string_view text) {
+    failed_ = true;
+    toStandardError("Fehler: ", text);
+}
+
+void Console::warning(std::string_view text) {
+    toStandardError("Hinweis: ", text);
+}
+
+void Console::notice(std::string_view text) {
+    clearProgress();
+    std::cout << text << std::endl;
+}
+
+void Console::toStandardError(std::string_view prefix, std::string_view text) {
+    std::string message(prefix);
+    std::ranges::copy_if(text, std::back_inserter(message), [](char c) { return c != '\r'; });
+    if (!shown_.insert(message).second)
+        return;
+    clearProgress();
+    std::cerr << message << std::endl;
+}
+
+void Console::progress(const druckwerk::Progress& progress) {
+    static const bool isTerminal = ::isatty(STDERR_FILENO) != 0;
+    const auto now = std::chrono::steady_clock::now();
+    if (!isTerminal || now < nextBar_)
+        return;
+    nextBar_ = now + kBetweenBars;
+    const auto filled = std::clamp(progress.percent * kBarWidth / 100, 0, kBarWidth);
+    std::cerr << "\r\x1b[K" << progress.text << " [" << std::string(std::size_t(filled), '#')
+              << std::string(std::size_t(kBarWidth - filled), ' ') << "]";
+    if (progress.page > 0)
+        std::cerr << " Seite " << progress.page;
+    std::cerr << std::flush;
+    barShown_ = true;
+}
+
+void Console::clearProgress() {
+    if (barShown_)
+        std::cerr << "\r\x1b[K" << std::flush;
+    barShown_ = false;
+}
+
+std::optional<std::string> Console::ask(std::string_view question) {
+    clearProgress();
+    std::cout << question << std::flush;
+    // Byte by byte, so that nothing behind the line is taken, and by the system call, which a signal interrupts.
+    std::string line;
+    char c = 0;
+    while (!cancelled() && ::read(STDIN_FILENO, &c, 1) == 1) {
+        if (c == '\n')
+            return line;
+        line += c;
+    }
+    return std::nullopt;
+}
+
+} // namespace kvtdruck::cli

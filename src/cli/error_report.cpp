@@ -1,0 +1,34 @@
+#include "cli/error_report.h"
+
+namespace kvtdruck::cli {
+namespace {
+
+class ErrorReport final : public clsFehler {
+  public:
+    explicit ErrorReport(Console& console) : console_(console) {}
+
+    bool fkt_Fehlermeldung(StringView className, StringView procedure, long number, StringView text,
+                           bool runtime) override {
+        // The engine has said in its own words what went wrong, more exactly than the code that this report
+        // carries.
+        if (className == u"clsDruckFormular" && procedure == u"PrFehler" && console_.hasFailed())
+            return true;
+        // A run-time error's description means little without the place; a composed message stands for itself.
+        auto message = toUtf8(text);
+        if (runtime)
+            message += " (" + std::to_string(number) + " in " + toUtf8(className) + "." + toUtf8(procedure) + ")";
+        console_.error(message);
+        return true;
+    }
+
+  private:
+    Console& console_;
+};
+
+} // namespace
+
+std::unique_ptr<clsFehler> ErrorReports::create() {
+    return std::make_unique<ErrorReport>(console_);
+}
+
+} // namespace kvtdruck::cli

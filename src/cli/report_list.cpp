@@ -1,0 +1,78 @@
+#include "cli/report_list.h"
+
+#include <algorithm>
+
+namespace kvtdruck::cli {
+namespace {
+
+/// Letters of a UTF-8 text: every byte but the continuations.
+std::size_t lettersOf(std::string_view text) {
+    return std::size_t(std::ranges::count_if(text, [](char c) { return (c & 0xc0) != 0x80; }));
+}
+
+std::string padded(std::string_view text, std::size_t width) {
+    const auto letters = lettersOf(text);
+    return std::string(text) + std::string(letters < width ? width - letters : 0, ' ') + "  ";
+}
+
+std::string selectionsOf(const Report& report) {
+    if (report.isFedByValues())
+        return "--werte";
+    std::string text;
+    for (const auto* option : report.selections())
+        text += (text.empty() ? "" : " ") + std::string(option->option);
+    return text;
+}
+
+bool isNeeded(const Report& report, Selection selection) {
+    return std::ranges::any_of(report.cells, [&](const Cell& cell) {
+        return cell.kind == Cell::Kind::MustBeGiven && cell.first == selection;
+    });
+}
+
+std::string_view nameOf(ValueColumn::Rows rows) {
+    switch (rows) {
+    case ValueColumn::Rows::First:
+        return "erste Zeile";
+    case ValueColumn::Rows::Second:
+        return "zweite Zeile";
+    case ValueColumn::Rows::Each:
+        return "jede Zeile";
+    }
+    return {};
+}
+
+} // namespace
+
+std::string describeReports() {
+    std::size_t name = 0;
+    std::size_t title = 0;
+    for (const auto& report : reports()) {
+        name = std::max(name, lettersOf(report.listName));
+        title = std::max(title, lettersOf(report.title));
+    }
+    std::string text;
+    for (const auto& report : reports()) {
+        auto line = padded(report.listName, name) + padded(report.title, title) + selectionsOf(report);
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + "\n";
+    }
+    return text;
+}
+
+std::string describeReport(const Report& report) {
+    auto text = std::string(report.listName) + ": " + std::string(report.title) + "\n";
+    if (!report.note.empty())
+        text += std::string(report.note) + "\n";
+    for (const auto* option : report.selections())
+        text += "  " + padded(std::string(option->option) + " " + std::string(option->placeholder), 26) +
+                std::string(option->help) + (isNeeded(report, option->selection) ? " (nötig)" : "") + "\n";
+    if (report.isFedByValues())
+        text += "Spalten der Datei für --werte:\n";
+    for (const auto& column : report.columns)
+        text += "  " + padded(std::to_string(column.column), 2) + padded(column.name, 15) +
+                padded(nameOf(column.rows), 12) + std::string(column.meaning) + "\n";
+    return text;
+}
+
+} // namespace kvtdruck::cli

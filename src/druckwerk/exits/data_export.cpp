@@ -1,0 +1,229 @@
+#include "druckwerk/exits/data_export.h"
+
+#include "druckwerk/common/fault.h"
+#include "druckwerk/exits/record_writer.h"
+
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+namespace kvtdruck::druckwerk {
+namespace {
+
+/// Variables or fields in the order of their first definition.
+class Definitions {
+  public:
+    /// Takes a definition; gives whether it changed anything.
+    bool define(StringView name, StringView text, bool numeric) {
+        auto& value = find(name);
+        if (value.text == text && value.numeric == numeric && !isNew_)
+            return false;
+        value.text = text;
+        value.numeric = numeric;
+        return true;
+    }
+    void clear() { values_.clear(); }
+    std::span<const NamedValue> values() const { return values_; }
+
+  private:
+    /// A report defines its names in the same order for every record, so the name asked for is nearly always the
+    /// one behind the last.
+    NamedValue& find(StringView name) {
+        isNew_ = false;
+        for (std::size_t tried = 0; tried < values_.size(); ++tried) {
+            next_ = (next_ + 1) % values_.size();
+            if (values_[next_].name == name)
+                return values_[next_];
+        }
+        isNew_ = true;
+        next_ = values_.size();
+        return values_.emplace_back(NamedValue{String(name), {}, false});
+    }
+
+    std::vector<NamedValue> values_;
+    std::size_t next_ = 0;
+    bool isNew_ = false;
+};
+
+/// The file of a job: written beside its place and moved there when it is complete. A device or a pipe is written
+/// at once, and a link stays one.
+class Job {
+  public:
+    explicit Job(const DataExportOptions& options)
+        : target_(std::filesystem::weakly_canonical(options.output)), atOnce_(isDevice(target_)),
+          unfinished_(atOnce_ ? target_.string() : target_.string() + ".unfertig-" + std::to_string(::getpid())),
+          writer_(openWriter(options.format, unfinished_, options.locale, options.warn)) {}
+    Job(const Job&) = delete;
+    Job& operator=(const Job&) = delete;
+    ~Job() {
+        writer_.reset();
+        std::error_code ignored;
+        if (!atOnce_)
+            std::filesystem::remove(unfinished_, ignored);
+    }
+
+    RecordWriter& writer() { return *writer_; }
+    void finish() {
+        writer_->finish();
+        if (!atOnce_)
+            std::filesystem::rename(unfinished_, target_);
+    }
+
+  private:
+    static bool isDevice(const std::filesystem::path& file) {
+        return std::filesystem::exists(file) && !std::filesystem::is_regular_file(file);
+    }
+
+    std::filesystem::path target_;
+    bool atOnce_;
+    std::filesystem::path unfinished_;
+    std::unique_ptr<RecordWriter> writer_;
+};
+
+class DataExport final : public Control {
+  public:
+    explicit DataExport(std::shared_ptr<const DataExportOptions> options) : options_(std::move(options)) {}
+
+    std::int32_t call(Operation operation, std::span<const Argument> arguments) override {
+        switch (operation) {
+        case Operation::LlDefineVariableStart:
+            variables_.clear();
+            variablesChanged_ = true;
+            return kEngineSuccess;
+        case Operation::LlDefineFieldStart:
+            fields_.clear();
+            return kEngineSuccess;
+        case Operation::LlDefineVariableExt:
+            variablesChanged_ |= define(variables_, arguments);
+            return kEngineSuccess;
+        case Operation::LlDefineFieldExt:
+            define(fields_, arguments);
+            return kEngineSuccess;
+        case Operation::LlSetPrinterToDefault:
+        case Operation::LlPrintOptionsDialog:
+        case Operation::LlPreviewSetTempPath:
+            return kEngineSuccess;
+        case Operation::LlPrintWithBoxStart:
+            return guarded([&] { start(); });
+        case Operation::LlPrint:
+        case Operation::LlPrintFieldsEnd:
+            return inJob([] {});
+        case Operation::LlPrintFields:
+            return inJob([&] { writeRecord(); });
+        case Operation::LlPrintSetBoxText:
+            return inJob([&] { showProgress(arguments); });
+        case Operation::LlPrintEnd:
+            return inJob([&] { finish(); });
+        case Operation::PrintEnd:
+            job_.reset();
+            return kEngineSuccess;
+        default:
+            return report(
+                {kNotOffered, "Der Datenexport kennt diese Operation nicht: " + toUtf8(nameOf(operation))});
+        }
+    }
+
+    void put(std::int32_t, bool) override {}
+    ObjectRef member(StringView) override { throw RuntimeError(ErrorNumber::MemberNotFound); }
+
+  private:
+    static bool define(Definitions& definitions, std::span<const Argument> arguments) {
+        return definitions.define(std::get<StringView>(arguments[0]), std::get<StringView>(arguments[1]),
+                                  std::get<std::int32_t>(arguments[2]) == kTypeNumeric);
+    }
+
+    void start() {
+        job_.reset();
+        failed_ = false;
+        variablesChanged_ = true;
+        job_.emplace(*options_);
+    }
+
+    void writeRecord() {
+        if (variablesChanged_)
+            job_->writer().variables(variables_.values());
+        variablesChanged_ = false;
+        if (!fields_.values().empty())
+            job_->writer().record(fields_.values());
+    }
+
+    void showProgress(std::span<const Argument> arguments) const {
+        if (options_->progress)
+            options_->progress(
+                {toUtf8(std::get<StringView>(arguments[0])), std::get<std::int32_t>(arguments[1]), 0});
+    }
+
+    void finish() {
+        job_->finish();
+        job_.reset();
+    }
+
+    /// The result of a step of an open job. The rest of a job that has failed is answered like a cancelled one, so
+    /// that it ends without a second message.
+    template <class Step>
+    std::int32_t inJob(Step&& step) {
+        if (failed_ || (options_->cancelled && *options_->cancelled))
+            return kEngineCancelled;
+        if (!job_)
+            return report({kWrongOrder, "Es ist kein Druckauftrag offen."});
+        return guarded(step);
+    }
+
+    template <class Step>
+    std::int32_t guarded(Step&& step) {
+        try {
+            step();
+            return kEngineSuccess;
+        } catch (const std::system_error& error) {
+            return outputFailed(reasonForWriting(error.code().value()));
+        } catch (const std::exception& error) {
+            return outputFailed(error.what());
+        }
+    }
+
+    /// A job that could not write once writes no more; its file is dropped.
+    std::int32_t outputFailed(const std::string& reason) {
+        job_.reset();
+        failed_ = true;
+        return report({kOutputFailed, options_->output.string() + " kann nicht geschrieben werden: " + reason});
+    }
+
+    std::int32_t report(const EngineError& error) const {
+        if (options_->error)
+            options_->error(error);
+        return error.code;
+    }
+
+    std::shared_ptr<const DataExportOptions> options_;
+    Definitions variables_;
+    Definitions fields_;
+    bool variablesChanged_ = true;
+    bool failed_ = false;
+    std::optional<Job> job_;
+};
+
+class DataExportForm final : public Form {
+  public:
+    explicit DataExportForm(std::shared_ptr<const DataExportOptions> options) : control_(std::move(options)) {}
+    Control& ll60() override { return control_; }
+    WindowHandle hWnd() override { return {}; }
+    bool visible() override { return false; }
+    void hide() override {}
+
+  private:
+    DataExport control_;
+};
+
+} // namespace
+
+DataExportFormFactory::DataExportFormFactory(DataExportOptions options)
+    : options_(std::make_shared<const DataExportOptions>(std::move(options))) {}
+
+std::unique_ptr<Form> DataExportFormFactory::create() {
+    return std::make_unique<DataExportForm>(options_);
+}
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,44 @@
+// A control that writes what a report prints as data instead of pages. It takes the same calls as an engine that
+// draws, so every report goes through it without knowing and needs no layout.
+#pragma once
+
+#include "control/control.h"
+#include "druckwerk/druckwerk.h"
+#include "values/locale.h"
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+namespace kvtdruck::druckwerk {
+
+/// The kinds of data files (docs/data-formats.md).
+enum class DataFormat { Csv, Xlsx, Json };
+
+struct DataExportOptions {
+    DataFormat format = DataFormat::Csv;
+    std::filesystem::path output;
+    /// The notation in which numbers arrive as texts.
+    Locale locale = germanLocale();
+    /// Takes German warnings.
+    std::function<void(std::string_view)> warn;
+    /// Takes the error behind every error code that an operation answers, once a job.
+    std::function<void(const EngineError&)> error;
+    std::function<void(const Progress&)> progress;
+    /// Set from anywhere to cancel the job in hand.
+    const std::atomic<bool>* cancelled = nullptr;
+};
+
+/// Makes forms that carry the data control. They have no window. The output file appears, complete, when a job has
+/// ended well; a job that was cancelled or has failed leaves the file that was there before.
+class DataExportFormFactory final : public FormFactory {
+  public:
+    explicit DataExportFormFactory(DataExportOptions options);
+    std::unique_ptr<Form> create() override;
+
+  private:
+    std::shared_ptr<const DataExportOptions> options_;
+};
+
+} // namespace kvtdruck::druckwerk

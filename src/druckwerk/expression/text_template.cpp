@@ -1,0 +1,136 @@
+#include "druckwerk/expression/text_template.h"
+
+#include "druckwerk/common/fault.h"
+#include "values/overloaded.h"
+
+#include <algorithm>
+
+namespace kvtdruck::druckwerk {
+
+namespace {
+
+bool isName(StringView text) {
+    return !text.empty() && std::none_of(text.begin(), text.end(), [](char16_t c) {
+        return c < u'0' || (c > u'9' && c < u'A') || (c > u'Z' && c < u'_') || c == u'`' || (c > u'z' && c < 0x80);
+    });
+}
+
+} // namespace
+
+TextTemplate::TextTemplate(StringView source, Definitions& definitions, Aggregates& aggregates,
+                           AggregateScope scope) {
+    std::size_t at = 0;
+    while (at < source.size()) {
+        const auto begin = std::min(source.find(u"{{", at), source.size());
+        if (begin > at)
+            pieces_.emplace_back(String(source.substr(at, begin - at)));
+        if (begin == source.size())
+            break;
+        const auto end = source.find(u"}}", begin);
+        if (end == StringView::npos)
+            throw Fault(kLayoutInvalid, "Platzhalter ohne Ende „}}“: " + toUtf8(source.substr(begin, 60)));
+        pieces_.push_back(
+            placeholder(trimmed(source.substr(begin + 2, end - begin - 2)), definitions, aggregates, scope));
+        at = end + 2;
+    }
+    if (pieces_.size() == 1) {
+        const auto* value = std::get_if<Value>(&pieces_[0]);
+        loneNumber_ = std::holds_alternative<Computed>(pieces_[0]) ||
+                      (value != nullptr && std::holds_alternative<NumberPattern>(value->pattern));
+    }
+}
+
+TextTemplate::Piece TextTemplate::placeholder(StringView content, Definitions& definitions, Aggregates& aggregates,
+                                              AggregateScope scope) {
+    const auto bar = content.rfind(u'|');
+    const StringView what = trimmed(content.substr(0, bar));
+    const StringView pattern = bar == StringView::npos ? StringView() : trimmed(content.substr(bar + 1));
+    if (!what.empty() && what[0] == u'=')
+        return Computed{Expression(what.substr(1), definitions, &aggregates, scope),
+                        NumberPattern(pattern.empty() ? StringView(u"0,##########") : pattern)};
+    if (!isName(what))
+        throw Fault(kLayoutInvalid, "Ungültiger Platzhalter „{{" + toUtf8(content) +
+                                        "}}“: ein Name, oder ein Ausdruck nach einem Gleichheitszeichen");
+    if (what == u"Seite")
+        return Counter::Page;
+    if (what == u"Zeilennummer")
+        return Counter::Line;
+    if (what == u"Seitenzeile")
+        return Counter::PageLine;
+    if (what == u"Seiten") {
+        hasPageCount_ = true;
+        return Counter::Pages;
+    }
+    const bool date = DatePattern::describes(pattern);
+    if (what == u"Druckdatum")
+        return PrintDateText{date ? std::optional<DatePattern>(pattern) : std::nullopt};
+    Value value{definitions.slotOf(what), {}};
+    if (date)
+        value.pattern = DatePattern(pattern);
+    else if (!pattern.empty())
+        value.pattern = NumberPattern(pattern);
+    return value;
+}
+
+void TextTemplate::append(const Scene& scene, const String& printDate, String& out) const {
+    const auto appendValue = [&](const Value& piece) {
+        const auto& value = scene.definitions.value(piece.slot, scene.moment);
+        const auto* pattern = std::get_if<NumberPattern>(&piece.pattern);
+        if (pattern != nullptr && value.number().isNumber())
+            pattern->append(value.number(), out);
+        else if (const auto* date = std::get_if<DatePattern>(&piece.pattern))
+            date->append(value.text, out);
+        else
+            out += value.text;
+    };
+    const auto appendCounter = [&](Counter counter) {
+        if (counter == Counter::Pages)
+            out += kPageCountMark;
+        else
+            out += decimal(counter == Counter::Page   ? scene.page
+                           : counter == Counter::Line ? scene.line
+                                                      : scene.pageLine);
+    };
+    for (const auto& piece : pieces_)
+        std::visit(Overloaded{[&](const String& text) { out += text; }, appendValue,
+                              [&](const Computed& computed) {
+                                  const Number number = Number::of(computed.expression.evaluate(scene));
+                                  if (number.isNumber())
+                                      computed.pattern.append(number, out);
+                                  else
+                                      out += u'–';
+                              },
+                              appendCounter,
+                              [&](const PrintDateText& date) {
+                                  if (date.pattern)
+                                      date.pattern->append(printDate, out);
+                                  else
+                                      out += StringView(printDate).substr(0, 10);
+                              }},
+                   piece);
+}
+
+bool TextTemplate::hasAggregates() const {
+    return std::any_of(pieces_.begin(), pieces_.end(), [](const Piece& piece) {
+        const auto* computed = std::get_if<Computed>(&piece);
+        return computed != nullptr && computed->expression.hasAggregates();
+    });
+}
+
+bool TextTemplate::isConstant() const {
+    return std::all_of(pieces_.begin(), pieces_.end(),
+                       [](const Piece& piece) { return std::holds_alternative<String>(piece); });
+}
+
+std::vector<std::size_t> TextTemplate::slots() const {
+    std::vector<std::size_t> slots;
+    for (const auto& piece : pieces_) {
+        if (const auto* value = std::get_if<Value>(&piece))
+            slots.push_back(value->slot);
+        else if (const auto* computed = std::get_if<Computed>(&piece))
+            slots.insert(slots.end(), computed->expression.slots().begin(), computed->expression.slots().end());
+    }
+    return slots;
+}
+
+} // namespace kvtdruck::druckwerk

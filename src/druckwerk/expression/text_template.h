@@ -1,0 +1,55 @@
+// Texts with placeholders, compiled once and filled for every line.
+#pragma once
+
+#include "druckwerk/expression/expression.h"
+#include "druckwerk/expression/number.h"
+
+#include <optional>
+#include <variant>
+
+namespace kvtdruck::druckwerk {
+
+/// Stands for the number of pages in a filled text; it is no character, so it occurs in no sensible value.
+inline constexpr char16_t kPageCountMark = 0xFFFF;
+
+/// "Seite {{Seite}} von {{Seiten}}" and its like.
+class TextTemplate {
+  public:
+    /// Raises a Fault with the reason where a placeholder can't be understood.
+    TextTemplate(StringView source, Definitions& definitions, Aggregates& aggregates, AggregateScope scope);
+
+    void append(const Scene& scene, const String& printDate, String& out) const;
+
+    /// Whether it is one placeholder with a number pattern and nothing else.
+    bool isLoneNumber() const { return loneNumber_; }
+    bool hasAggregates() const;
+    bool hasPageCount() const { return hasPageCount_; }
+    bool isConstant() const;
+    std::vector<std::size_t> slots() const;
+
+    /// Whether `source` holds a placeholder.
+    static bool hasPlaceholder(StringView source) { return source.find(u"{{") != StringView::npos; }
+
+  private:
+    enum class Counter : std::uint8_t { Page, Pages, Line, PageLine };
+    struct PrintDateText {
+        std::optional<DatePattern> pattern;
+    };
+    struct Value {
+        std::size_t slot;
+        std::variant<std::monostate, NumberPattern, DatePattern> pattern;
+    };
+    struct Computed {
+        Expression expression;
+        NumberPattern pattern;
+    };
+    using Piece = std::variant<String, Value, Computed, Counter, PrintDateText>;
+
+    Piece placeholder(StringView content, Definitions& definitions, Aggregates& aggregates, AggregateScope scope);
+
+    std::vector<Piece> pieces_;
+    bool loneNumber_ = false;
+    bool hasPageCount_ = false;
+};
+
+} // namespace kvtdruck::druckwerk

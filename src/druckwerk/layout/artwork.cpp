@@ -1,0 +1,64 @@
+#include "druckwerk/layout/artwork.h"
+
+#include "druckwerk/common/deleter.h"
+#include "druckwerk/common/fault.h"
+#include "druckwerk/pdf/form_import.h"
+
+#include <cairo-pdf.h>
+#include <librsvg/rsvg.h>
+
+namespace kvtdruck::druckwerk {
+
+namespace {
+
+using Handle = std::unique_ptr<RsvgHandle, Deleter<g_object_unref>>;
+using Stream = std::unique_ptr<GInputStream, Deleter<g_object_unref>>;
+using File = std::unique_ptr<GFile, Deleter<g_object_unref>>;
+using Error = std::unique_ptr<GError, Deleter<g_error_free>>;
+using Surface = std::unique_ptr<cairo_surface_t, Deleter<cairo_surface_destroy>>;
+using Drawing = std::unique_ptr<cairo_t, Deleter<cairo_destroy>>;
+
+[[noreturn]] void fail(const std::string& reason) {
+    throw Fault(kLayoutInvalid, "Die Zeichnung des Layouts kann nicht dargestellt werden: " + reason);
+}
+
+/// A PDF with one page for each foreign element.
+std::string drawElements(const Layout& layout, const std::filesystem::path& folder) {
+    const Stream stream(g_memory_input_stream_new_from_data(
+        layout.foreignSource.data(), static_cast<gssize>(layout.foreignSource.size()), nullptr));
+    // Images are looked for beside the layout; the SVG library itself refuses anything above or elsewhere.
+    const File base(g_file_new_for_path((folder / "layout.svg").c_str()));
+    GError* error = nullptr;
+    const Handle handle(
+        rsvg_handle_new_from_stream_sync(stream.get(), base.get(), RSVG_HANDLE_FLAGS_NONE, nullptr, &error));
+    if (!handle)
+        fail(Error(error)->message);
+
+    std::string pdf;
+    const auto append = [](void* into, const unsigned char* data, unsigned size) {
+        static_cast<std::string*>(into)->append(reinterpret_cast<const char*>(data), size);
+        return CAIRO_STATUS_SUCCESS;
+    };
+    const Surface surface(cairo_pdf_surface_create_for_stream(append, &pdf, layout.width, layout.height));
+    const Drawing drawing(cairo_create(surface.get()));
+    const RsvgRectangle page{0, 0, layout.width, layout.height};
+    for (const auto& id : layout.foreignIds) {
+        if (rsvg_handle_render_layer(handle.get(), drawing.get(), ("#" + id).c_str(), &page, &error) == 0)
+            fail("id=\"" + id + "\": " + Error(error)->message);
+        cairo_show_page(drawing.get());
+    }
+    cairo_surface_finish(surface.get());
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
+        fail(cairo_status_to_string(cairo_surface_status(surface.get())));
+    return pdf;
+}
+
+} // namespace
+
+void embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder) {
+    const std::string pdf = drawElements(layout, layoutFolder);
+    for (const int form : importPages(document.output(), pdf))
+        document.useForm(form);
+}
+
+} // namespace kvtdruck::druckwerk

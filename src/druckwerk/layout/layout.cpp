@@ -1,0 +1,63 @@
+#include "druckwerk/layout/layout.h"
+
+#include "druckwerk/common/fault.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+namespace kvtdruck::druckwerk {
+
+namespace {
+
+constexpr double kPointsPerMillimetre = 72 / 25.4;
+constexpr double kBottomMargin = 10 * kPointsPerMillimetre; // where a layout has no footer
+constexpr std::uintmax_t kMaximumFileSize = 20'000'000;
+
+} // namespace
+
+std::string Shape::operators(double pageHeight, double edge, double growth) const {
+    std::string out = before;
+    const auto append = [&](Point point) {
+        appendNumber(out, point.x);
+        out += ' ';
+        appendNumber(out, pageHeight - point.y - (point.y >= edge ? growth : 0));
+        out += ' ';
+    };
+    for (const Segment& segment : outline) {
+        const int points = segment.kind == 'Z' ? 0 : segment.kind == 'C' ? 3 : 1;
+        for (int i = 0; i < points; ++i)
+            append(segment.points[static_cast<std::size_t>(i)]);
+        out += segment.kind == 'M' ? "m " : segment.kind == 'L' ? "l " : segment.kind == 'C' ? "c " : "h ";
+    }
+    return out + after;
+}
+
+double Layout::flowTop() const {
+    double top = row ? row->top : height;
+    for (const Group& group : groups)
+        if (group.head)
+            top = std::min(top, group.head->top);
+    return top;
+}
+
+double Layout::flowBottom() const {
+    return footer ? footer->top : height - kBottomMargin;
+}
+
+std::string readLayoutFile(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file, error);
+    std::ifstream in(file, std::ios::binary);
+    if (error || !in)
+        throw Fault(kLayoutUnreadable, "Das Layout „" + file.string() + "“ kann nicht gelesen werden: " +
+                                           reasonForReading(error ? error.value() : errno));
+    if (size > kMaximumFileSize)
+        throw Fault(kLayoutRefused, "Das Layout „" + file.string() + "“ ist größer als 20 MB");
+    std::ostringstream text;
+    text << in.rdbuf();
+    return std::move(text).str();
+}
+
+} // namespace kvtdruck::druckwerk

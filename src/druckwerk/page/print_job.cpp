@@ -1,0 +1,326 @@
+#include "druckwerk/page/print_job.h"
+
+#include "druckwerk/layout/artwork.h"
+
+namespace kvtdruck::druckwerk {
+
+namespace {
+
+constexpr double kTolerance = 0.01; // of a point
+
+String textOf(const PrintDate& date) {
+    std::array<char, 32> text{};
+    const int size = std::snprintf(text.data(), text.size(), "%02d.%02d.%04d %02d:%02d:%02d", date.day, date.month,
+                                   date.year, date.hour, date.minute, date.second);
+    return {text.data(), text.data() + size};
+}
+
+double heightOf(const std::optional<Band>& band) {
+    return band ? band->height : 0;
+}
+
+} // namespace
+
+PrintJob::PrintJob(Layout layout, Definitions& definitions, const std::filesystem::path& output,
+                   const std::filesystem::path& layoutFolder, const PrintDate& date, FontLibrary::Warn warn)
+    : layout_(std::move(layout)), definitions_(definitions), warn_(warn), printDate_(textOf(date)),
+      document_(output, layout_.width, layout_.height, warn), setter_(document_, std::move(warn)),
+      top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+    double closing = heightOf(layout_.sum);
+    for (const Group& group : layout_.groups)
+        closing += heightOf(group.foot);
+    reserve_ = std::max(closing, heightOf(layout_.carriedOut));
+    for (const auto& [fill, stroke] : layout_.opacities)
+        document_.useOpacity(fill, stroke);
+    if (!layout_.foreignIds.empty())
+        embedArtwork(document_, layout_, layoutFolder);
+    prepareFonts();
+}
+
+void PrintJob::prepareFonts() {
+    layout_.forEachBand([&](Band& band) {
+        for (Item& item : band.items) {
+            if (auto* text = std::get_if<TextItem>(&item.content))
+                text->face = &document_.fonts().face(text->font);
+            else if (auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content))
+                (*chart)->face = &document_.fonts().face((*chart)->font);
+        }
+    });
+}
+
+Scene PrintJob::scene(Moment moment) const {
+    return {definitions_, layout_.aggregates, moment, document_.pages(), tableLines_, pageLines_};
+}
+
+// --- Pages
+// ------------------------------------------------------------------------------------------------------------
+
+void PrintJob::beginPage() {
+    if (pageOpen_) {
+        // A caller that turns the page by itself may have defined the next record already.
+        if (!pageFull_ && pageLines_ > 0)
+            closeGroups(firstBrokenGroup());
+        closePage();
+    }
+    document_.beginPage();
+    definitions_.mark(Moment::PageBegin);
+    layout_.aggregates.reset(kPageScope);
+    pageOpen_ = true;
+    pageBound_ = pageFull_ = carries_ = false;
+    pageLines_ = 0;
+    y_ = top_;
+}
+
+void PrintJob::bindPage(bool withLine) {
+    if (pageBound_)
+        return;
+    pageBound_ = true;
+    const Moment moment = withLine ? Moment::Now : Moment::PageBegin;
+    for (const Band& band : layout_.page)
+        draw(band, moment, 0);
+    if (withLine && layout_.columnHead)
+        draw(*layout_.columnHead, moment, 0);
+    if (layout_.footer)
+        draw(*layout_.footer, moment, 0, 0, Pass::Early);
+}
+
+void PrintJob::closePage() {
+    bindPage(false);
+    carriedIn_ = carries_;
+    if (carries_ && layout_.carriedOut)
+        flow(*layout_.carriedOut, Moment::Printed, 0);
+    if (layout_.footer)
+        draw(*layout_.footer, Moment::Printed, 0, 0, Pass::Late);
+    document_.endPage();
+    pageOpen_ = false;
+}
+
+// --- Lines
+// ------------------------------------------------------------------------------------------------------------
+
+bool PrintJob::printLine() {
+    if (!layout_.row)
+        return printSheet();
+    if (!holds(*layout_.row, Moment::Now))
+        return true;
+    const std::size_t broken = firstBrokenGroup();
+    const bool fresh = pageLines_ == 0;
+    const bool closed = closeGroups(broken);
+    const bool requested = !fresh && closed && wantsNewPage(broken);
+    const double growth = growthOf(*layout_.row, Moment::Now);
+    const double needed = heightOfHeads(fresh) + layout_.row->height + growth + reserve_;
+    if (!fresh && (!closed || requested || y_ + needed > bottom_ + kTolerance)) {
+        pageFull_ = true;
+        carries_ = !requested && (layout_.groups.empty() || openGroups_ > 0);
+        return false;
+    }
+    bindPage(true);
+    if (fresh) {
+        if (carriedIn_ && layout_.carriedIn && (layout_.groups.empty() || openGroups_ > 0))
+            flow(*layout_.carriedIn, Moment::Printed, 0);
+        carriedIn_ = false;
+        repeatGroupHeads();
+    }
+    openGroups();
+    ++pageLines_;
+    ++tableLines_;
+    takeLineIntoAccount();
+    drawRow(growth);
+    definitions_.mark(Moment::Printed);
+    return true;
+}
+
+/// A layout without lines: one page for each record.
+bool PrintJob::printSheet() {
+    if (pageLines_ > 0) {
+        pageFull_ = true;
+        return false;
+    }
+    ++pageLines_;
+    ++tableLines_;
+    takeLineIntoAccount();
+    bindPage(true);
+    definitions_.mark(Moment::Printed);
+    return true;
+}
+
+void PrintJob::takeLineIntoAccount() {
+    layout_.aggregates.accumulate(scene(Moment::Now));
+    for (Chart* chart : layout_.rowCharts)
+        collectPoint(*chart, scene(Moment::Now), printDate_, warn_);
+}
+
+void PrintJob::drawRow(double growth) {
+    const bool tooTall = y_ + layout_.row->height + growth > bottom_ + kTolerance;
+    if (tooTall) {
+        warn_("Zeile ist höher als die Seite und wurde abgeschnitten");
+        document_.canvas().beginClip({0, 0, layout_.width, bottom_});
+    }
+    flow(*layout_.row, Moment::Now, growth);
+    if (tooTall)
+        document_.canvas().endClip();
+}
+
+bool PrintJob::wantsNewPage(std::size_t brokenGroup) const {
+    const auto asks = [&](const std::optional<Band>& band) {
+        return band && band->newPage && band->newPage->holds(scene(Moment::Now));
+    };
+    for (std::size_t level = brokenGroup; level < layout_.groups.size(); ++level)
+        if (asks(layout_.groups[level].head))
+            return true;
+    return asks(layout_.row);
+}
+
+// --- Groups
+// -----------------------------------------------------------------------------------------------------------
+
+std::size_t PrintJob::firstBrokenGroup() const {
+    for (std::size_t level = 0; level < openGroups_; ++level)
+        for (const std::size_t key : layout_.groups[level].keys)
+            if (definitions_.value(key, Moment::Now).text != definitions_.value(key, Moment::Printed).text)
+                return level;
+    return openGroups_;
+}
+
+/// Prints the feet of the open groups from the innermost to `level`; false where one does not fit.
+bool PrintJob::closeGroups(std::size_t level) {
+    for (; openGroups_ > level; --openGroups_) {
+        const auto& foot = layout_.groups[openGroups_ - 1].foot;
+        if (!foot || !holds(*foot, Moment::Printed))
+            continue;
+        const double growth = growthOf(*foot, Moment::Printed);
+        if (pageLines_ > 0 && y_ + foot->height + growth > bottom_ + kTolerance)
+            return false;
+        bindPage(true);
+        flow(*foot, Moment::Printed, growth);
+    }
+    return true;
+}
+
+void PrintJob::openGroups() {
+    for (; openGroups_ < layout_.groups.size(); ++openGroups_) {
+        const auto level = static_cast<AggregateScope>(openGroups_);
+        layout_.aggregates.reset(level);
+        for (Chart* chart : layout_.rowCharts)
+            if (chart->scope == level)
+                forgetPoints(*chart);
+        const auto& head = layout_.groups[openGroups_].head;
+        if (head && holds(*head, Moment::Now))
+            flow(*head, Moment::Now, 0);
+    }
+}
+
+void PrintJob::repeatGroupHeads() {
+    for (std::size_t level = 0; level < openGroups_; ++level) {
+        const auto& head = layout_.groups[level].head;
+        if (head && head->repeats && holds(*head, Moment::Now))
+            flow(*head, Moment::Now, 0);
+    }
+}
+
+double PrintJob::heightOfHeads(bool freshPage) const {
+    double height = freshPage && carriedIn_ ? heightOf(layout_.carriedIn) : 0;
+    for (std::size_t level = 0; level < layout_.groups.size(); ++level) {
+        const auto& head = layout_.groups[level].head;
+        if (head && (level >= openGroups_ || (freshPage && head->repeats)) && holds(*head, Moment::Now))
+            height += head->height;
+    }
+    return height;
+}
+
+// --- The end
+// ----------------------------------------------------------------------------------------------------------
+
+void PrintJob::closeTable() {
+    if (tableClosed_ || !pageOpen_)
+        return;
+    while (!closeGroups(0))
+        beginPage();
+    tableClosed_ = true;
+    if (!layout_.sum || tableLines_ == 0 || !holds(*layout_.sum, Moment::Printed))
+        return;
+    const double growth = growthOf(*layout_.sum, Moment::Printed);
+    if (pageLines_ > 0 && y_ + layout_.sum->height + growth > bottom_ + kTolerance)
+        beginPage();
+    bindPage(true);
+    flow(*layout_.sum, Moment::Printed, growth);
+}
+
+void PrintJob::finish(const DocumentInfo& info) {
+    if (!pageOpen_ && document_.pages() == 0)
+        beginPage();
+    if (pageOpen_)
+        closePage();
+    document_.finish(info);
+}
+
+// --- Bands
+// ------------------------------------------------------------------------------------------------------------
+
+bool PrintJob::holds(const Band& band, Moment moment) const {
+    return !band.condition || band.condition->holds(scene(moment));
+}
+
+void PrintJob::flow(const Band& band, Moment moment, double growth) {
+    draw(band, moment, y_ - band.top, growth);
+    y_ += band.height + growth;
+}
+
+double PrintJob::growthOf(const Band& band, Moment moment) {
+    double growth = 0;
+    if (band.grows)
+        for (const Item& item : band.items) {
+            const auto* text = std::get_if<TextItem>(&item.content);
+            if (text == nullptr || !text->grows)
+                continue;
+            text_.clear();
+            text->text.append(scene(moment), printDate_, text_);
+            growth = std::max(growth, setter_.growthFor(*text, text_));
+        }
+    return growth;
+}
+
+void PrintJob::draw(const Band& band, Moment moment, double down, double growth, Pass pass) {
+    const Scene now = scene(moment);
+    if (band.condition && !band.condition->holds(now))
+        return;
+    if (!band.bookmark.empty() && pass != Pass::Late)
+        addBookmark(band, now, band.top + down);
+    for (const Item& item : band.items) {
+        if (pass != Pass::All && item.late != (pass == Pass::Late))
+            continue;
+        bool shown = true;
+        for (const auto& condition : item.conditions)
+            shown = shown && condition->holds(now);
+        if (shown)
+            drawItem(item, band, now, down, growth);
+    }
+}
+
+void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, double down, double growth) {
+    Canvas& canvas = document_.canvas();
+    if (const auto* text = std::get_if<TextItem>(&item.content)) {
+        text_.clear();
+        text->text.append(now, printDate_, text_);
+        setter_.set(*text, text_, down, growth);
+    } else if (const auto* shape = std::get_if<Shape>(&item.content)) {
+        constexpr double kEdge = 0.5 * 72 / 25.4; // what lies this close to the lower edge moves with it
+        if (growth > 0 && shape->atEdge)
+            canvas.draw(shape->operators(layout_.height, band.bottom() - kEdge, growth), down);
+        else
+            canvas.draw(shape->compiled, down);
+    } else if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
+        drawChart(**chart, now, printDate_, down, canvas, setter_);
+    } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
+        canvas.draw("/X" + std::to_string(foreign->form) + " Do\n", down);
+    }
+}
+
+void PrintJob::addBookmark(const Band& band, const Scene& now, double y) {
+    std::vector<String> path;
+    for (const TextTemplate& level : band.bookmark)
+        level.append(now, printDate_, path.emplace_back());
+    document_.bookmark(path, y);
+}
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,76 @@
+// One print job: lines onto pages, with the bands that belong around them.
+#pragma once
+
+#include "druckwerk/layout/layout.h"
+#include "druckwerk/page/chart_drawing.h"
+#include "druckwerk/page/text_setter.h"
+
+namespace kvtdruck::druckwerk {
+
+class PrintJob {
+  public:
+    /// The layout must be one that may be printed.
+    PrintJob(Layout layout, Definitions& definitions, const std::filesystem::path& output,
+             const std::filesystem::path& layoutFolder, const PrintDate& date, FontLibrary::Warn warn);
+
+    /// Closes the page in hand and begins the next.
+    void beginPage();
+    /// Prints the values that are defined as one line; false where the page is full and nothing was printed.
+    bool printLine();
+    /// Prints what closes the table, on a new page where it has to.
+    void closeTable();
+    /// Closes the page in hand and completes the file.
+    void finish(const DocumentInfo& info);
+
+    bool hasPage() const { return pageOpen_; }
+    int pages() const { return document_.pages(); }
+
+  private:
+    Scene scene(Moment moment) const;
+    void prepareFonts();
+
+    bool printSheet();
+    std::size_t firstBrokenGroup() const;
+    bool closeGroups(std::size_t level);
+    void openGroups();
+    void repeatGroupHeads();
+    bool wantsNewPage(std::size_t brokenGroup) const;
+    double heightOfHeads(bool freshPage) const;
+    void drawRow(double growth);
+    void takeLineIntoAccount();
+
+    void bindPage(bool withLine);
+    void closePage();
+    bool holds(const Band& band, Moment moment) const;
+    /// Prints a flowing band at the current height.
+    void flow(const Band& band, Moment moment, double growth);
+    double growthOf(const Band& band, Moment moment);
+    enum class Pass : std::uint8_t { All, Early, Late };
+    void draw(const Band& band, Moment moment, double down, double growth = 0, Pass pass = Pass::All);
+    void drawItem(const Item& item, const Band& band, const Scene& scene, double down, double growth);
+    void addBookmark(const Band& band, const Scene& scene, double y);
+
+    Layout layout_;
+    Definitions& definitions_;
+    FontLibrary::Warn warn_;
+    String printDate_;
+    PdfDocument document_;
+    TextSetter setter_;
+    const double top_;
+    const double bottom_;
+    double reserve_ = 0; ///< room for what may have to follow a line
+
+    bool pageOpen_ = false;
+    bool pageBound_ = false;
+    bool pageFull_ = false;  ///< the caller was told so
+    bool carries_ = false;   ///< the table goes on behind the page in hand
+    bool carriedIn_ = false; ///< it has come from the page before
+    bool tableClosed_ = false;
+    double y_ = 0;
+    std::int64_t pageLines_ = 0;
+    std::int64_t tableLines_ = 0;
+    std::size_t openGroups_ = 0;
+    String text_;
+};
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,191 @@
+#include "druckwerk/page/text_setter.h"
+
+namespace kvtdruck::druckwerk {
+
+namespace {
+
+constexpr double kTolerance = 0.02;           // of a point, for what just fits
+constexpr double kLineSpacing = 1.2;          // of the size
+constexpr double kDescent = 0.22;             // of the size, below the last baseline
+constexpr double kSmallest = 0.5;             // how far a text may shrink
+constexpr std::size_t kLongestLine = 4096;    // characters that one line is measured for
+constexpr std::size_t kLongestText = 100'000; // characters that are broken into lines
+
+/// How much room there is on the side, or the sides, that the text extends to.
+double roomOf(const TextItem& item) {
+    const Box& box = *item.box;
+    const double left = item.baseline.x - box.x;
+    const double right = box.right() - item.baseline.x;
+    const double room = item.anchor == Anchor::Start ? right
+                        : item.anchor == Anchor::End ? left
+                                                     : 2 * std::min(left, right);
+    return room > 0 ? room : box.width;
+}
+
+std::size_t linesIn(const TextItem& item, double growth) {
+    const double room = item.box->bottom() + growth - item.baseline.y - kDescent * item.size;
+    return 1 + static_cast<std::size_t>(std::max(0.0, (room + kTolerance) / (item.size * kLineSpacing)));
+}
+
+/// `length`, or one less where it would part a surrogate pair.
+std::size_t wholeCharacters(StringView text, std::size_t length) {
+    const bool parts =
+        length > 0 && length < text.size() && text[length - 1] >= 0xD800 && text[length - 1] < 0xDC00;
+    return parts ? length - 1 : length;
+}
+
+} // namespace
+
+void TextSetter::line(StringView text, Face& face, Point at, double size, Rgb color, Anchor anchor) {
+    document_.fonts().shape(text, face, shaped_);
+    at.x -= shaped_.width * size * shareLeft(anchor);
+    document_.canvas().show(shaped_, at, size, color);
+}
+
+void TextSetter::showLine(const TextItem& item, StringView text, Point at, double size) {
+    line(text, *item.face, at, size, item.color, item.anchor);
+}
+
+void TextSetter::showPageCount(const TextItem& item, StringView text, Point at) {
+    const auto mark = text.find(kPageCountMark);
+    document_.useFace(*item.face);
+    document_.fonts().shape(text.substr(0, mark), *item.face, shaped_);
+    document_.fonts().shape(text.substr(mark + 1), *item.face, after_);
+    document_.canvas().showPageCount(shaped_, after_, *item.face, at, item.size, item.color, item.anchor);
+}
+
+void TextSetter::set(const TextItem& item, StringView text, double down, double growth) {
+    if (text.empty())
+        return;
+    const Point at{item.baseline.x, item.baseline.y + down};
+    if (item.fit != Fit::Wrap)
+        text = text.substr(0, wholeCharacters(text, std::min(text.size(), kLongestLine)));
+    if (item.turned) {
+        Matrix matrix = *item.turned;
+        matrix.f += down;
+        document_.canvas().beginTransform(matrix);
+        showLine(item, text, {}, item.size);
+        document_.canvas().endTransform();
+        return;
+    }
+    if (item.text.hasPageCount() && text.find(kPageCountMark) != StringView::npos)
+        return showPageCount(item, text, at);
+    if (!item.box)
+        return showLine(item, text, at, item.size);
+    const double room = roomOf(item);
+    if (item.fit == Fit::Wrap)
+        return wrap(item, text, at, room, growth);
+    document_.fonts().shape(text, *item.face, shaped_);
+    const double width = shaped_.width * item.size;
+    if (width <= room + kTolerance)
+        document_.canvas().show(shaped_, {at.x - width * shareLeft(item.anchor), at.y}, item.size, item.color);
+    else if (item.fit == Fit::Shrink || item.text.isLoneNumber())
+        shrink(item, text, at, room);
+    else
+        showLine(item, cut(text, *item.face, item.size, room), at, item.size);
+}
+
+void TextSetter::shrink(const TextItem& item, StringView text, Point at, double room) {
+    const double size = item.size * room / width(text, *item.face, item.size);
+    if (size >= item.size * kSmallest)
+        return showLine(item, text, at, size);
+    const double smallest = item.size * kSmallest;
+    if (!item.text.isLoneNumber())
+        return showLine(item, cut(text, *item.face, smallest, room), at, smallest);
+    warn_("Zahl passt nicht in das Feld „" + item.description + "“");
+    showLine(item, cut(u"####", *item.face, smallest, room), at, smallest);
+}
+
+/// How many characters of `text` fit, with `end` behind them.
+std::size_t TextSetter::fitting(StringView text, Face& face, double size, double width, StringView end) {
+    std::size_t fits = 0;
+    for (std::size_t beyond = std::min(text.size(), kLongestLine) + 1; beyond - fits > 1;) {
+        const std::size_t middle = (fits + beyond) / 2;
+        const bool ok = this->width(String(text.substr(0, wholeCharacters(text, middle))).append(end), face,
+                                    size) <= width + kTolerance;
+        (ok ? fits : beyond) = middle;
+    }
+    return wholeCharacters(text, fits);
+}
+
+String TextSetter::cut(StringView text, Face& face, double size, double room) {
+    return text.size() <= kLongestLine && width(text, face, size) <= room + kTolerance
+               ? String(text)
+               : ellipsized(text, face, size, room);
+}
+
+String TextSetter::ellipsized(StringView text, Face& face, double size, double room) {
+    String shown(text.substr(0, fitting(text, face, size, room, u"…")));
+    while (!shown.empty() && shown.back() == u' ')
+        shown.pop_back();
+    return shown + u'…';
+}
+
+std::vector<String> TextSetter::linesOf(StringView text, Face& face, double size, double room, std::size_t most) {
+    std::vector<String> lines;
+    String current;
+    double used = 0;
+    const auto close = [&] {
+        while (!current.empty() && current.back() == u' ')
+            current.pop_back();
+        lines.push_back(std::move(current));
+        current.clear();
+        used = 0;
+    };
+    text = text.substr(0, wholeCharacters(text, std::min(text.size(), kLongestText)));
+    while (!text.empty() && lines.size() <= most) {
+        if (text[0] == u'\n' || text[0] == u'\r') {
+            close();
+            text.remove_prefix(text.substr(0, 2) == u"\r\n" ? 2 : 1);
+            continue;
+        }
+        auto end = text.find_first_of(u" -\n\r");
+        if (end != StringView::npos && (text[end] == u' ' || text[end] == u'-'))
+            ++end;
+        StringView word = text.substr(0, end);
+        const double wide = width(word, face, size);
+        const StringView solid = word.substr(0, word.find_last_not_of(u' ') + 1);
+        if (used > 0 && used + width(solid, face, size) > room + kTolerance) {
+            close();
+            continue;
+        }
+        if (used == 0 && width(solid, face, size) > room + kTolerance) {
+            word = word.substr(0, std::max<std::size_t>(1, fitting(word, face, size, room, {})));
+            current = word;
+            close();
+        } else {
+            current += word;
+            used += wide;
+        }
+        text.remove_prefix(word.size());
+    }
+    if (!current.empty())
+        close();
+    return lines;
+}
+
+std::vector<String> TextSetter::lines(StringView text, Face& face, double size, double room, std::size_t most) {
+    std::vector<String> lines = linesOf(text, face, size, room, most);
+    if (lines.size() > most) {
+        lines.resize(most);
+        lines.back() = ellipsized(lines.back(), face, size, room);
+    }
+    return lines;
+}
+
+void TextSetter::wrap(const TextItem& item, StringView text, Point at, double room, double growth) {
+    for (const String& shown : lines(text, *item.face, item.size, room, linesIn(item, growth))) {
+        showLine(item, shown, at, item.size);
+        at.y += item.size * kLineSpacing;
+    }
+}
+
+double TextSetter::growthFor(const TextItem& item, StringView text) {
+    const std::size_t most = linesIn(item, document_.canvas().height());
+    const std::size_t count = linesOf(text, *item.face, item.size, roomOf(item), most).size();
+    const double bottom =
+        item.baseline.y + (static_cast<double>(count) - 1) * item.size * kLineSpacing + kDescent * item.size;
+    return std::max(0.0, bottom - item.box->bottom());
+}
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,43 @@
+// Places the texts of a layout: aligned, wrapped, shrunk or cut as their fields say.
+#pragma once
+
+#include "druckwerk/layout/layout.h"
+#include "druckwerk/pdf/document.h"
+
+namespace kvtdruck::druckwerk {
+
+class TextSetter {
+  public:
+    TextSetter(PdfDocument& document, FontLibrary::Warn warn) : document_(document), warn_(std::move(warn)) {}
+
+    /// Sets `text` in the place of `item`, moved down by `down`. A field that grows has `growth` more room.
+    void set(const TextItem& item, StringView text, double down, double growth = 0);
+
+    /// How much taller the field must be for all of `text` to fit.
+    double growthFor(const TextItem& item, StringView text);
+
+    /// Sets a line without a field.
+    void line(StringView text, Face& face, Point at, double size, Rgb color, Anchor anchor);
+    double width(StringView text, Face& face, double size) { return document_.fonts().measure(text, face) * size; }
+    /// The longest beginning of `text` that fits into `width`, with an ellipsis where something is left out.
+    String cut(StringView text, Face& face, double size, double width);
+
+    /// `text` broken into at most `most` lines; what does not fit is cut with an ellipsis.
+    std::vector<String> lines(StringView text, Face& face, double size, double room, std::size_t most);
+
+  private:
+    void showLine(const TextItem& item, StringView text, Point at, double size);
+    void showPageCount(const TextItem& item, StringView text, Point at);
+    void shrink(const TextItem& item, StringView text, Point at, double room);
+    void wrap(const TextItem& item, StringView text, Point at, double room, double growth);
+    std::vector<String> linesOf(StringView text, Face& face, double size, double room, std::size_t most);
+    String ellipsized(StringView text, Face& face, double size, double room);
+    std::size_t fitting(StringView text, Face& face, double size, double width, StringView end);
+
+    PdfDocument& document_;
+    FontLibrary::Warn warn_;
+    ShapedText shaped_;
+    ShapedText after_;
+};
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,243 @@
+#include "druckwerk/pdf/document.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace kvtdruck::druckwerk {
+
+namespace {
+
+std::int64_t hundredths(double value) {
+    return std::fabs(value) < 1e9 ? std::llround(value * 100) : 0;
+}
+
+void appendHundredths(std::string& out, std::int64_t value) {
+    appendNumber(out, static_cast<double>(value) / 100);
+}
+
+} // namespace
+
+void appendColor(std::string& out, Rgb color) {
+    for (const std::uint8_t part : {color.red, color.green, color.blue}) {
+        std::array<char, 8> text;
+        const int thousandths = (part * 1000 + 127) / 255;
+        const int written = thousandths == 1000 ? std::snprintf(text.data(), text.size(), "1 ")
+                            : thousandths == 0  ? std::snprintf(text.data(), text.size(), "0 ")
+                                                : std::snprintf(text.data(), text.size(), ".%03d ", thousandths);
+        out.append(text.data(), static_cast<std::size_t>(written));
+    }
+}
+
+void Canvas::clear() {
+    buffer_.clear();
+    parts_.clear();
+    resetState();
+}
+
+void Canvas::resetState() {
+    inText_ = inGraphics_ = false;
+    font_ = -1;
+    colorKnown_ = false;
+}
+
+void Canvas::endText() {
+    if (inText_)
+        buffer_ += "ET\n";
+    inText_ = false;
+}
+
+void Canvas::endGraphics() {
+    if (inGraphics_)
+        buffer_ += "Q\n";
+    inGraphics_ = false;
+}
+
+void Canvas::setFont(const Face& face, double size) {
+    if (font_ == face.number() && size_ == size)
+        return;
+    font_ = face.number();
+    size_ = size;
+    buffer_ += "/F";
+    buffer_ += std::to_string(font_);
+    buffer_ += ' ';
+    appendNumber(buffer_, size);
+    buffer_ += " Tf\n";
+}
+
+void Canvas::moveText(Point at, Rgb color) {
+    endGraphics();
+    if (!inText_) {
+        buffer_ += "BT\n";
+        inText_ = true;
+        lineX_ = lineY_ = 0;
+    }
+    if (!colorKnown_ || color != color_) {
+        color_ = color;
+        colorKnown_ = true;
+        appendColor(buffer_, color);
+        buffer_ += "rg\n";
+    }
+    const std::int64_t x = hundredths(at.x);
+    const std::int64_t y = hundredths(height_ - at.y);
+    appendHundredths(buffer_, x - lineX_);
+    buffer_ += ' ';
+    appendHundredths(buffer_, y - lineY_);
+    buffer_ += " Td";
+    lineX_ = x;
+    lineY_ = y;
+}
+
+void Canvas::showRun(const ShapedRun& run) {
+    const std::string_view glyphs = run.glyphs;
+    if (run.rise != 0) {
+        appendNumber(buffer_, run.rise * size_);
+        buffer_ += " Ts";
+    }
+    buffer_ += run.kerned ? glyphs : glyphs.substr(1);
+    buffer_ += run.kerned ? ")]TJ\n" : ")Tj\n";
+    if (run.rise != 0)
+        buffer_ += "0 Ts\n";
+}
+
+void Canvas::drawPicture(const GlyphPicture& picture, Point at, double size) {
+    std::string operators = "q ";
+    appendNumber(operators, picture.width * size);
+    operators += " 0 0 ";
+    appendNumber(operators, picture.height * size);
+    operators += ' ';
+    appendNumber(operators, at.x + picture.left * size);
+    operators += ' ';
+    appendNumber(operators, height_ - at.y + picture.bottom * size);
+    draw(operators + " cm/I" + std::to_string(picture.image) + " Do Q\n", 0);
+}
+
+void Canvas::show(const ShapedText& text, Point at, double size, Rgb color) {
+    bool placed = false;
+    for (std::size_t i = 0; i < text.count; ++i) {
+        const ShapedRun& run = text.run(i);
+        if (run.picture != nullptr)
+            drawPicture(*run.picture, at, size);
+        if (!placed || run.picture != nullptr)
+            moveText(at, color);
+        setFont(*run.face, size);
+        showRun(run);
+        placed = run.picture == nullptr; // a picture is not as wide as its blank
+        at.x += run.width * size;
+    }
+}
+
+void Canvas::addLate(const LateText& late) {
+    parts_.push_back({std::move(buffer_), late});
+    buffer_.clear();
+}
+
+void Canvas::showPageCount(const ShapedText& before, const ShapedText& after, Face& face, Point at, double size,
+                           Rgb color, Anchor anchor) {
+    endText(); // the shift moves the line's beginning, so the line has a text object of its own
+    at.x -= (before.width + after.width) * size * shareLeft(anchor);
+    moveText(at, color);
+    buffer_ += '\n';
+    if (anchor != Anchor::Start)
+        addLate({face.number(), size, anchor, true});
+    for (std::size_t i = 0; i < before.count; ++i) {
+        setFont(*before.run(i).face, size);
+        showRun(before.run(i));
+    }
+    setFont(face, size);
+    addLate({face.number(), size, Anchor::Start, false});
+    for (std::size_t i = 0; i < after.count; ++i) {
+        setFont(*after.run(i).face, size);
+        showRun(after.run(i));
+    }
+    endText();
+}
+
+void Canvas::draw(std::string_view operators, double down) {
+    endText();
+    if (inGraphics_ && down != down_)
+        endGraphics();
+    if (!inGraphics_) {
+        buffer_ += "q ";
+        if (down != 0) {
+            buffer_ += "1 0 0 1 0 ";
+            appendNumber(buffer_, -down);
+            buffer_ += " cm\n";
+        }
+        inGraphics_ = true;
+        down_ = down;
+    }
+    buffer_ += operators;
+}
+
+void Canvas::beginTransform(const Matrix& matrix) {
+    endText();
+    endGraphics();
+    // The matrix maps coordinates that run downwards; in PDF they run upwards on both of its sides.
+    const Matrix flip{1, 0, 0, -1, 0, height_};
+    const Matrix flipped = flip * matrix * flip;
+    buffer_ += "q ";
+    for (const double value : {flipped.a, flipped.b, flipped.c, flipped.d}) {
+        std::array<char, 32> text;
+        const auto end =
+            std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 6).ptr;
+        buffer_.append(text.data(), end);
+        buffer_ += ' ';
+    }
+    appendNumber(buffer_, flipped.e);
+    buffer_ += ' ';
+    appendNumber(buffer_, flipped.f);
+    buffer_ += " cm\n";
+    resetState();
+}
+
+void Canvas::endTransform() {
+    endText();
+    endGraphics();
+    buffer_ += "Q\n";
+    resetState();
+}
+
+void Canvas::beginClip(const Box& box) {
+    endText();
+    endGraphics();
+    buffer_ += "q ";
+    for (const double value : {box.x, height_ - box.bottom(), box.width, box.height}) {
+        appendNumber(buffer_, value);
+        buffer_ += ' ';
+    }
+    buffer_ += "re W n\n";
+    resetState();
+}
+
+void Canvas::endClip() {
+    endTransform();
+}
+
+void Canvas::fillBox(const Box& box, Rgb color) {
+    std::string operators;
+    appendColor(operators, color);
+    operators += "rg ";
+    for (const double value : {box.x, height_ - box.bottom(), box.width, box.height}) {
+        appendNumber(operators, value);
+        operators += ' ';
+    }
+    draw(operators + "re f\n", 0);
+}
+
+void Canvas::strokeLine(Point from, Point to, double width, Rgb color) {
+    std::string operators;
+    appendColor(operators, color);
+    operators += "RG ";
+    appendNumber(operators, width);
+    operators += " w ";
+    appendNumber(operators, from.x);
+    operators += ' ';
+    appendNumber(operators, height_ - from.y);
+    operators += " m ";
+    appendNumber(operators, to.x);
+    operators += ' ';
+    appendNumber(operators, height_ - to.y);
+    draw(operators + " l S\n", 0);
+}
+
+} // namespace kvtdruck::druckwerk

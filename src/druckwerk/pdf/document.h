@@ -1,0 +1,156 @@
+// The document that is being printed: its pages, fonts, bookmarks. Pages are written as they close.
+#pragma once
+
+#include "druckwerk/common/geometry.h"
+#include "druckwerk/druckwerk.h"
+#include "druckwerk/pdf/pdf_output.h"
+#include "druckwerk/text/font.h"
+
+#include <set>
+#include <tuple>
+
+namespace kvtdruck::druckwerk {
+
+/// A place in a page whose content is known only when the number of pages is.
+struct LateText {
+    int face = 0;
+    double size = 0;
+    Anchor anchor = Anchor::Start;
+    bool shift = false; ///< moves the text so that it keeps to its anchor; otherwise the number itself
+    bool operator<(const LateText& other) const {
+        return std::tie(face, size, anchor, shift) < std::tie(other.face, other.size, other.anchor, other.shift);
+    }
+};
+
+/// The content of one page.
+class Canvas {
+  public:
+    explicit Canvas(double pageHeight) : height_(pageHeight) {}
+
+    /// Sets a line of text; `at` is the left end of its baseline.
+    void show(const ShapedText& text, Point at, double size, Rgb color);
+    /// Sets a line that consists of `before`, the number of pages and `after`, anchored at `at`.
+    void showPageCount(const ShapedText& before, const ShapedText& after, Face& face, Point at, double size,
+                       Rgb color, Anchor anchor);
+    /// PDF operators for graphics, moved down by `down`; graphics with the same offset share one state.
+    void draw(std::string_view operators, double down);
+    /// Text shown by `show` until `endTransform` is mapped by `matrix`.
+    void beginTransform(const Matrix& matrix);
+    void endTransform();
+    /// Clips everything until `endClip`.
+    void beginClip(const Box& box);
+    void endClip();
+    void fillBox(const Box& box, Rgb color);
+    void strokeLine(Point from, Point to, double width, Rgb color);
+
+    double height() const { return height_; }
+    bool isEmpty() const { return parts_.empty() && buffer_.empty(); }
+    void clear();
+
+  private:
+    friend class PdfDocument;
+    struct Part {
+        std::string operators;
+        LateText late;
+    };
+    void endText();
+    void endGraphics();
+    void moveText(Point at, Rgb color);
+    void setFont(const Face& face, double size);
+    void showRun(const ShapedRun& run);
+    void drawPicture(const GlyphPicture& picture, Point at, double size);
+    void addLate(const LateText& late);
+    void resetState();
+
+    double height_;
+    std::string buffer_;
+    std::vector<Part> parts_;
+    bool inText_ = false;
+    bool inGraphics_ = false;
+    double down_ = 0;
+    std::int64_t lineX_ = 0; ///< where the current line of text begins, in hundredths of a point
+    std::int64_t lineY_ = 0;
+    int font_ = -1;
+    double size_ = 0;
+    bool colorKnown_ = false;
+    Rgb color_;
+};
+
+/// A colour as operands of a colour operator.
+void appendColor(std::string& out, Rgb color);
+
+/// What the document says about itself.
+struct DocumentInfo {
+    String title;
+    String author;
+    String creator;
+    PrintDate date;
+};
+
+/// A PDF document, written to a file that is complete when `finish` is through and is gone otherwise.
+class PdfDocument {
+  public:
+    PdfDocument(const std::filesystem::path& file, double width, double height, FontLibrary::Warn warn);
+
+    PdfOutput& output() { return output_; }
+    FontLibrary& fonts() { return fonts_; }
+    Canvas& canvas() { return canvas_; }
+    int pages() const { return pages_; }
+
+    void beginPage();
+    void endPage();
+    /// An entry of the outline at height `y` of the page in hand, below the entries of the levels before its own.
+    void bookmark(const std::vector<String>& path, double y);
+    /// The resource "/O<fill>_<stroke>" (opacities in thousandths).
+    void useOpacity(int fill, int stroke) { opacities_.insert({fill, stroke}); }
+    /// Makes the form object `object` the resource "/X<number>".
+    void useForm(int object) { forms_.push_back(object); }
+
+    /// Lets the number of pages be set in `face`.
+    void useFace(Face& face) { faces_[face.number()] = &face; }
+
+    void finish(const DocumentInfo& info);
+
+  private:
+    struct Bookmark {
+        std::size_t level;
+        String text;
+        int page;
+        double y;
+    };
+    /// Where an entry stands in the outline: the objects around it, 0 where there is none.
+    struct Links {
+        int parent = 0, previous = 0, next = 0, first = 0, last = 0;
+        int count = 0; ///< of the entries below, negative where they begin closed
+        std::string entries() const;
+    };
+    static constexpr int kPagesPerNode = 64;
+    int lateObject(const LateText& late);
+    void writeLateTexts();
+    void writePageTree();
+    void closeNode();
+    void writeResources();
+    int writeOutline();
+    std::vector<Links> linkBookmarks(const std::vector<int>& objects) const;
+
+    PdfOutput output_;
+    FontLibrary fonts_;
+    Canvas canvas_;
+    double width_;
+    FontLibrary::Warn warn_;
+    int pages_ = 0;
+    int root_;
+    int resources_;
+    int page_ = 0;
+    int node_ = 0;
+    std::vector<int> kids_;
+    std::vector<std::pair<int, int>> nodes_;
+    std::map<LateText, int> late_;
+    std::map<int, Face*> faces_;
+    std::set<std::pair<int, int>> opacities_;
+    std::vector<int> forms_;
+    std::vector<Bookmark> bookmarks_;
+    std::vector<String> bookmarkPath_;
+};
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,203 @@
+#include "values/variant.h"
+
+#include "values/conversion.h"
+#include "values/overloaded.h"
+#include "values/runtime_error.h"
+
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace kvtdruck {
+
+namespace {
+
+[[noreturn]] void fail(ErrorNumber number) {
+    throw RuntimeError(number);
+}
+
+double finite(double value) {
+    if (std::isinf(value))
+        fail(ErrorNumber::Overflow);
+    return value;
+}
+
+/// The double nearest to a Currency or Decimal value: found through its digits, which is where rounding happens
+/// once.
+template <class FixedPoint>
+double nearestDouble(const FixedPoint& value) {
+    const Locale& anyLocale = germanLocale();
+    return numberIn(textOf(value, anyLocale), anyLocale).value_or(0);
+}
+
+char16_t lowerCase(char16_t letter) {
+    return letter >= u'A' && letter <= u'Z' ? static_cast<char16_t>(letter + (u'a' - u'A')) : letter;
+}
+
+/// Whether both are the same but for the case of the letters A to Z.
+bool sameWord(StringView left, StringView right) {
+    if (left.size() != right.size())
+        return false;
+    for (std::size_t position = 0; position < left.size(); ++position)
+        if (lowerCase(left[position]) != lowerCase(right[position]))
+            return false;
+    return true;
+}
+
+std::optional<bool> truthIn(StringView text, const Locale& locale) {
+    if (sameWord(text, locale.trueText) || sameWord(text, u"True"))
+        return true;
+    if (sameWord(text, locale.falseText) || sameWord(text, u"False"))
+        return false;
+    return std::nullopt;
+}
+
+double numberOf(bool truth) {
+    return truth ? -1 : 0;
+}
+
+Comparison decided(bool equal) {
+    return equal ? Comparison::Equal : Comparison::Unequal;
+}
+
+template <class Whole>
+Whole rounded(double value) {
+    // The default rounding mode takes halves to the even neighbour.
+    const double nearest = std::nearbyint(value);
+    if (!(nearest >= std::numeric_limits<Whole>::min() && nearest <= std::numeric_limits<Whole>::max()))
+        fail(ErrorNumber::Overflow);
+    return static_cast<Whole>(nearest);
+}
+
+Date toDate(const Variant& value, const Locale& locale) {
+    if (const String* text = value.as<String>()) {
+        const auto date = dateIn(*text, locale);
+        if (!date)
+            fail(ErrorNumber::TypeMismatch);
+        return *date;
+    }
+    const Date date{toDouble(value, locale)};
+    textOf(date, locale); // raises the error of a date beyond the calendar
+    return date;
+}
+
+} // namespace
+
+Comparison compareWithNumber(const Variant& value, double number, const Locale& locale) {
+    return value.isNull() ? Comparison::Undecided : decided(toDouble(value, locale) == number);
+}
+
+Comparison compareWithBoolean(const Variant& value, bool truth, const Locale& locale) {
+    if (const String* text = value.as<String>())
+        if (const auto word = truthIn(*text, locale))
+            return decided(*word == truth);
+    return compareWithNumber(value, numberOf(truth), locale);
+}
+
+Comparison compareWithText(const Variant& value, StringView text, const Locale& locale) {
+    return value.isNull() ? Comparison::Undecided : decided(toText(value, locale) == text);
+}
+
+bool equals(const Variant& value, double number, const Locale& locale) {
+    return compareWithNumber(value, number, locale) == Comparison::Equal;
+}
+
+bool equals(const Variant& value, StringView text, const Locale& locale) {
+    return compareWithText(value, text, locale) == Comparison::Equal;
+}
+
+String toText(const Variant& value, const Locale& locale) {
+    return std::visit(
+        Overloaded{[](Empty) { return String(); }, [](Null) -> String { fail(ErrorNumber::InvalidUseOfNull); },
+                   [&](bool truth) { return truth ? locale.trueText : locale.falseText; },
+                   [](std::uint8_t number) { return decimal(number); },
+                   [](std::int16_t number) { return decimal(number); },
+                   [](std::int32_t number) { return decimal(number); }, [](const String& text) { return text; },
+                   [](const ObjectRef&) -> String { fail(ErrorNumber::TypeMismatch); },
+                   [](ErrorValue) -> String { fail(ErrorNumber::TypeMismatch); },
+                   [&](const auto& number) { return textOf(number, locale); }},
+        value.value());
+}
+
+double toDouble(const Variant& value, const Locale& locale) {
+    return std::visit(
+        Overloaded{[](Empty) { return 0.0; }, [](Null) -> double { fail(ErrorNumber::InvalidUseOfNull); },
+                   [](bool truth) { return numberOf(truth); },
+                   [](Currency amount) { return nearestDouble(amount); },
+                   [](const Decimal& number) { return nearestDouble(number); }, [](Date date) { return date.days; },
+                   [&](const String& text) {
+                       const auto number = numberIn(text, locale);
+                       if (!number)
+                           fail(ErrorNumber::TypeMismatch);
+                       return finite(*number);
+                   },
+                   [](const ObjectRef&) -> double { fail(ErrorNumber::TypeMismatch); },
+                   [](ErrorValue) -> double { fail(ErrorNumber::TypeMismatch); },
+                   [](auto number) { return static_cast<double>(number); }},
+        value.value());
+}
+
+float toSingle(const Variant& value, const Locale& locale) {
+    if (const float* number = value.as<float>())
+        return *number;
+    const double number = toDouble(value, locale);
+    if (std::abs(number) > std::numeric_limits<float>::max())
+        fail(ErrorNumber::Overflow);
+    return static_cast<float>(number);
+}
+
+std::int16_t toInteger(const Variant& value, const Locale& locale) {
+    if (const std::int16_t* number = value.as<std::int16_t>())
+        return *number;
+    return roundToInteger(toDouble(value, locale));
+}
+
+std::int32_t toLong(const Variant& value, const Locale& locale) {
+    if (const std::int32_t* number = value.as<std::int32_t>())
+        return *number;
+    return roundToLong(toDouble(value, locale));
+}
+
+bool toBoolean(const Variant& value, const Locale& locale) {
+    if (const String* text = value.as<String>())
+        if (const auto word = truthIn(*text, locale))
+            return *word;
+    return toDouble(value, locale) != 0;
+}
+
+std::int16_t roundToInteger(double value) {
+    return rounded<std::int16_t>(value);
+}
+
+std::int32_t roundToLong(double value) {
+    return rounded<std::int32_t>(value);
+}
+
+Variant coerced(const Variant& value, ValueType type, const Locale& locale) {
+    if (type == ValueType::Variant)
+        return value;
+    if (value.isNull())
+        fail(ErrorNumber::TypeMismatch);
+    switch (type) {
+    case ValueType::Boolean:
+        return toBoolean(value, locale);
+    case ValueType::Integer:
+        return toInteger(value, locale);
+    case ValueType::Long:
+        return toLong(value, locale);
+    case ValueType::Single:
+        return toSingle(value, locale);
+    case ValueType::Double:
+        return toDouble(value, locale);
+    case ValueType::Date:
+        return toDate(value, locale);
+    case ValueType::Text:
+        return toText(value, locale);
+    default:
+        if (!value.as<ObjectRef>())
+            fail(ErrorNumber::TypeMismatch);
+        return value;
+    }
+}
+
+} // namespace kvtdruck

@@ -1,0 +1,412 @@
+#include "cli/program_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <ostream>
+
+namespace kvtdruck::testing {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+class CommandLine : public HostTest {
+  protected:
+    std::string pdfText(const std::string& name) const {
+        return run({"pdftotext", "-layout", output(name), "-"}).output;
+    }
+    std::vector<std::string> toPdf(std::vector<std::string> more = {}) const {
+        more.insert(more.end(), {"--ausgabe", output("l.pdf")});
+        return more;
+    }
+    std::vector<std::string> toData(const std::string& format, std::vector<std::string> more = {}) const {
+        more.insert(more.end(), {"--format", format, "--ausgabe", output("l." + format)});
+        return more;
+    }
+    /// The files of that beginning in the test's folder.
+    std::size_t filesNamed(const std::string& beginning) const {
+        std::size_t count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            count += entry.path().filename().string().starts_with(beginning) ? 1 : 0;
+        return count;
+    }
+};
+
+// Printing
+
+TEST_F(CommandLine, PrintsOneYearOfARangeAndRecordsTheCalls) {
+    const auto outcome =
+        print("Umsatz", toPdf({"--von", "2022", "--bis", "2024", "--protokoll", output("protokoll.txt")}));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(outcome.output + outcome.errors, "") << "silent without a terminal";
+    EXPECT_THAT(run({"pdfinfo", output("l.pdf")}).output, HasSubstr("Pages:           1\n"));
+    const auto record = readFile(output("protokoll.txt"));
+    EXPECT_THAT(record,
+                AllOf(HasSubstr("LlDefineVariableExt(\"FnrName1\", \"Müller & Söhne GmbH\", 268435456) = 0\n"),
+                      HasSubstr("LlDefineVariableExt(\"Fuerjahr\", \"2022\", 134217728) = 0\n"),
+                      Not(HasSubstr("\"2023\"")), HasSubstr("LlPrintEnd(0) = 0\n")));
+}
+
+TEST_F(CommandLine, ShowsProgressOnATerminalAndLeavesACleanLine) {
+    std::string line;
+    for (const auto& argument : command("drucken", "Umsatz", toPdf()))
+        line += "'" + argument + "' ";
+    const auto outcome = run({"script", "-qec", line, "/dev/null"}, environment);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.output, AllOf(HasSubstr("Umsatz [ "), ::testing::EndsWith("\r\x1b[K")));
+}
+
+TEST_F(CommandLine, SameInputAndPrintDateGiveTheSameBytes) {
+    ASSERT_EQ(print("Umsatz", {"--druckdatum", "31.12.2024 08:15", "--ausgabe", output("a.pdf")}).exitCode, 0);
+    ASSERT_EQ(print("Umsatz", {"--druckdatum", "2024-12-31T08:15", "--ausgabe", output("b.pdf")}).exitCode, 0);
+    EXPECT_FALSE(readFile(output("a.pdf")).empty());
+    EXPECT_TRUE(readFile(output("a.pdf")) == readFile(output("b.pdf")));
+}
+
+TEST_F(CommandLine, AccountsWithoutAMonthLeaveItsColumnsOut) {
+    for (const std::string list : {"GemeinK", "NeutralA"}) {
+        const auto outcome = print(list, toPdf({"--jahr", "2024"}));
+        EXPECT_EQ(outcome.output + outcome.errors, "") << list;
+        auto page = pdfText("l.pdf");
+        page.resize(page.find('\f'));
+        const auto heading = page.find("Abweichung");
+        ASSERT_NE(heading, std::string::npos) << list;
+        EXPECT_EQ(page.find("Abweichung", heading + 1), std::string::npos) << page;
+    }
+}
+
+TEST_F(CommandLine, NumbersFollowTheLocale) {
+    ASSERT_EQ(print("Umsatz", toData("csv", {"--jahr", "2022", "--locale", "en-US"})).exitCode, 0);
+    EXPECT_THAT(readFile(output("l.csv")), AllOf(HasSubstr(";1582810.86;"), Not(HasSubstr(";1582810,86;"))));
+}
+
+struct ListCase {
+    const char* list;
+    std::vector<std::string> selections;
+};
+
+void PrintTo(const ListCase& list, std::ostream* out) {
+    *out << list.list;
+}
+
+class EveryList : public CommandLine, public ::testing::WithParamInterface<ListCase> {
+  protected:
+    std::vector<std::string> selections() const {
+        auto result = GetParam().selections;
+        const auto values = std::string(KVT_SOURCE_FOLDER "/demo/werte/") + GetParam().list + ".csv";
+        if (std::filesystem::exists(values))
+            result.insert(result.end(), {"--werte", values});
+        return result;
+    }
+};
+
+TEST_P(EveryList, PrintsPagesAndData) {
+    const auto pages = print(GetParam().list, toPdf(selections()));
+    EXPECT_EQ(pages.exitCode, 0) << pages.errors;
+    EXPECT_EQ(run({"qpdf", "--check", output("l.pdf")}).exitCode, 0);
+    EXPECT_THAT(pdfText("l.pdf"), HasSubstr("Müller & Söhne"));
+    for (const char* format : {"csv", "xlsx", "json"}) {
+        const auto data = print(GetParam().list, toData(format, selections()));
+        EXPECT_EQ(data.exitCode, 0) << format << data.errors;
+    }
+    const auto json = run({"jq", "-e", ".abschnitte | length > 0"}, {}, readFile(output("l.json")));
+    EXPECT_EQ(json.exitCode, 0) << json.errors;
+    EXPECT_EQ(run({"unzip", "-tq", output("l.xlsx")}).exitCode, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EveryList,
+                         ::testing::Values(ListCase{"Umsatz", {}}, ListCase{"MitUeber", {}},
+                                           ListCase{"Firma", {"--von", "2024"}},
+                                           ListCase{"GemeinK", {"--jahr", "2025", "--monat", "3"}},
+                                           ListCase{"NeutralA", {"--jahr", "2025", "--monat", "3"}},
+                                           ListCase{"MaKost", {"--monat-von", "1", "--monat-bis", "6"}},
+                                           ListCase{"MaZeit", {}}, ListCase{"MaStKost", {}},
+                                           ListCase{"MaStZeit", {"--mitarbeiter-von", "1"}}, ListCase{"KalkKo", {}},
+                                           ListCase{"MatUeber", {}}, ListCase{"Bilanz", {}}, ListCase{"BsEMa", {}},
+                                           ListCase{"BsEStd", {}}, ListCase{"BsEGes", {}}, ListCase{"KalkW", {}},
+                                           ListCase{"WasWenn", {}}, ListCase{"UmsatzHW", {}}),
+                         [](const auto& test) { return test.param.list; });
+
+// Listing
+
+TEST_F(CommandLine, ListsReportsAndCompanies) {
+    EXPECT_THAT(kvtdruck({"listen"}).output, HasSubstr("\nGemeinK   Gemeinkosten  "));
+    EXPECT_THAT(kvtdruck({"listen", "Bilanz"}).output, HasSubstr("Gewinn"));
+    const auto companies = kvtdruck({"firmen", "--datenbank", database()});
+    EXPECT_EQ(companies.exitCode, 0);
+    EXPECT_THAT(companies.output, StartsWith("1\tMüller & Söhne GmbH\tDresden\n"));
+}
+
+TEST_F(CommandLine, HelpIsGerman) {
+    const auto general = kvtdruck({"--hilfe"});
+    EXPECT_EQ(general.exitCode, 0);
+    EXPECT_THAT(general.output, AllOf(HasSubstr("Aufruf: kvtdruck [OPTIONEN] BEFEHL"), HasSubstr("Befehle:"),
+                                      Not(HasSubstr("Usage")), Not(HasSubstr("Options"))));
+    const auto printing = kvtdruck({"drucken", "--help"});
+    EXPECT_EQ(printing.exitCode, 0);
+    EXPECT_THAT(printing.output,
+                AllOf(HasSubstr("--konto-von KONTO"), Not(HasSubstr("REQUIRED")), Not(HasSubstr("Options"))));
+    EXPECT_EQ(kvtdruck({"--version"}).output, KVT_VERSION "\n");
+}
+
+// Wrong usage
+
+struct UsageCase {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* message;
+};
+
+void PrintTo(const UsageCase& usage, std::ostream* out) {
+    *out << usage.name;
+}
+
+class WrongUsage : public HostTest, public ::testing::WithParamInterface<UsageCase> {};
+
+TEST_P(WrongUsage, IsSaidInGermanWithExitCode2) {
+    const auto outcome = kvtdruck(GetParam().arguments);
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "Fehler: " + std::string(GetParam().message) + "\nHilfe gibt „kvtdruck --hilfe“.\n");
+}
+
+std::vector<std::string> printing(std::vector<std::string> more) {
+    more.insert(more.begin(), {"drucken", "Umsatz", "--datenbank", "d", "--firma", "1"});
+    return more;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, WrongUsage,
+    ::testing::Values(
+        UsageCase{
+            "NoCommand", {}, "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen."},
+        UsageCase{"NoList", {"drucken"}, "Es fehlt LISTE."},
+        UsageCase{"NoCompany", {"drucken", "Umsatz"}, "Es fehlt --firma."},
+        UsageCase{"UnknownList",
+                  {"drucken", "umsatz", "--firma", "1", "--datenbank", "d"},
+                  "Die Liste „umsatz“ gibt es nicht. Gemeint ist vielleicht „Umsatz“; alle Listen nennt „kvtdruck "
+                  "listen“."},
+        UsageCase{"NoDatabase",
+                  {"drucken", "Umsatz", "--firma", "1"},
+                  "Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT."},
+        UsageCase{
+            "CompanyIsNoNumber", {"drucken", "Umsatz", "--firma", "eins"}, "Das ist keine Zahl: --firma = eins"},
+        UsageCase{"UnknownOption", printing({"--unfug"}), "Unbekannte Angabe: --unfug"},
+        UsageCase{"OptionWithoutValue", printing({"--jahr"}), "--jahr braucht einen Wert (und nur einen)."},
+        UsageCase{"YearIsNoNumber", printing({"--jahr", "MMXX"}),
+                  "--jahr: „MMXX“ ist keine ganze Zahl von 1 bis 9999."},
+        UsageCase{"MonthTooLarge", printing({"--monat", "13"}), "--monat: „13“ ist keine ganze Zahl von 1 bis 12."},
+        UsageCase{"YearAndRange", printing({"--jahr", "2020", "--von", "2020"}),
+                  "Bitte entweder --jahr oder --von und --bis angeben."},
+        UsageCase{"ForeignSelection", printing({"--konto-von", "1"}),
+                  "--konto-von gilt nicht für die Liste Umsatz; sie kennt --jahr, --von, --bis."},
+        UsageCase{"ForeignValues", printing({"--werte", "w.csv"}), "--werte gilt nicht für die Liste Umsatz."},
+        UsageCase{"ValuesMissing",
+                  {"drucken", "Bilanz", "--datenbank", "d", "--firma", "1"},
+                  "Die Liste Bilanz braucht --werte DATEI."},
+        UsageCase{"YearMissing",
+                  {"drucken", "GemeinK", "--datenbank", "d", "--firma", "1"},
+                  "Die Liste GemeinK braucht --jahr."},
+        UsageCase{"DataWithoutFile", printing({"--format", "csv"}), "--format für Daten braucht --ausgabe DATEI."},
+        UsageCase{"UnknownFormat", printing({"--format", "odt"}),
+                  "--format: „odt“ ist nicht möglich; es gibt csv|json|pdf|xlsx."},
+        UsageCase{"FileAndPrinter", printing({"--ausgabe", "a", "--drucker", "b"}),
+                  "--ausgabe und --drucker gehen nicht zusammen."},
+        UsageCase{"TrayOfAFile", printing({"--ausgabe", "a", "--fach", "2"}),
+                  "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht mit --ausgabe."},
+        UsageCase{"BrokenPageRange", printing({"--seiten", "3-"}),
+                  "--seiten: „3-“ ist kein Seitenbereich wie 1-3,7."},
+        UsageCase{"BrokenPrintDate", printing({"--druckdatum", "31.2.2024"}),
+                  "--druckdatum „31.2.2024“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15."}),
+    [](const auto& test) { return test.param.name; });
+
+// Bad input
+
+TEST_F(CommandLine, AnUnknownCompanyIsNamed) {
+    auto arguments = command("drucken", "Umsatz", toPdf());
+    arguments[4] = "99";
+    const auto outcome = run(arguments, environment);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.errors, "Fehler: Die allgemeinen Firmendaten für die Firma 99 sind nicht vorhanden.\n");
+}
+
+TEST_F(CommandLine, AMissingDatabaseIsNamedAndNotCreated) {
+    std::filesystem::remove(database());
+    for (const auto& outcome : {print("Umsatz", toPdf()), kvtdruck({"firmen", "--datenbank", database()})}) {
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.errors, HasSubstr("Die Datenbank „" + database() + "“ konnte nicht geöffnet werden."));
+    }
+    EXPECT_FALSE(std::filesystem::exists(database()));
+}
+
+TEST_F(CommandLine, ADatabaseWithoutTablesIsNamed) {
+    writeFile(database(), "");
+    for (const auto& outcome : {print("Umsatz", toPdf()), kvtdruck({"firmen", "--datenbank", database()})}) {
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.errors,
+                    AllOf(HasSubstr("konnten nicht gelesen werden"), HasSubstr("no such table: firma")));
+    }
+}
+
+TEST_F(CommandLine, NoDataIsSaid) {
+    const auto outcome = print("Umsatz", toPdf({"--jahr", "1949"}));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.errors, "Fehler: Es sind keine Daten für den Ausdruck vorhanden.\n");
+    EXPECT_EQ(filesNamed("l.pdf"), 0u);
+}
+
+TEST_F(CommandLine, AWrongFileOfValuesIsNamedWithItsPlace) {
+    writeFile(folder / "w.csv", "Jahr;Gewinn\n2024;1.5\n");
+    const auto outcome = print("Bilanz", toPdf({"--werte", output("w.csv")}));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, StartsWith("Fehler: " + output("w.csv") + ", Zeile 2, Spalte 2: "));
+}
+
+class EveryFormat : public CommandLine, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(EveryFormat, AnOutputFolderThatCannotBeWrittenIsAnError) {
+    writeFile(folder / "datei", "");
+    for (const auto& file : {output("gibtsnicht/l"), output("datei/l")}) {
+        const auto outcome = print("Umsatz", {"--format", GetParam(), "--ausgabe", file});
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.errors, AllOf(StartsWith("Fehler: "), HasSubstr(file)));
+    }
+}
+
+TEST_P(EveryFormat, AFullDiskIsAnErrorAndLeavesNoHalfFile) {
+    const auto disk = folder / "disk";
+    std::filesystem::create_directory(disk);
+    auto arguments = command("drucken", "MaStKost", {"--format", GetParam(), "--ausgabe", (disk / "l").string()});
+    // The disk exists within the command only; what it holds at the end is listed before it is gone.
+    const std::string script =
+        R"(d=$1; shift; mount -t tmpfs -o size=8k none "$d" && { "$@"; r=$?; ls "$d"; exit $r; })";
+    arguments.insert(arguments.begin(),
+                     {"unshare", "--map-root-user", "--mount", "sh", "-c", script, "sh", disk.string()});
+    const auto outcome = run(arguments, environment);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("Fehler: "), HasSubstr("Datenträger voll")));
+    EXPECT_EQ(outcome.output, "");
+}
+
+TEST_P(EveryFormat, ATextOfAMegabyteInANamePrints) {
+    execute("UPDATE firma SET name1 = replace(hex(zeroblob(500000)), '00', 'Aä');");
+    const auto outcome = print("Umsatz", {"--jahr", "2023", "--format", GetParam(), "--ausgabe", output("l")});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_GT(std::filesystem::file_size(output("l")), 0u);
+}
+
+TEST_P(EveryFormat, InfiniteFiguresPrint) {
+    execute("UPDATE umsatz SET iumsatzdm = 9e999, iumsatzdm_01 = -9e999, iumsatzdm_02 = NULL;");
+    const auto outcome = print("Umsatz", {"--jahr", "2023", "--format", GetParam(), "--ausgabe", output("l")});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_GT(std::filesystem::file_size(output("l")), 0u);
+}
+
+TEST_P(EveryFormat, CtrlCLeavesTheOldFile) {
+    execute(
+        "INSERT INTO mitarbeiter (fnr, nummer, name) WITH RECURSIVE n(i) AS (SELECT 10000 UNION ALL SELECT i + 1 "
+        "FROM n WHERE i < 400000) SELECT 1, i, 'Name' FROM n;");
+    const auto file = output("l");
+    writeFile(file, "alt");
+    Program program(
+        command("drucken", "MitUeber", {"--format", GetParam(), "--ausgabe", file, "--protokoll", output("p")}),
+        environment);
+    ASSERT_TRUE(waitUntil([&] { return readFile(output("p")).find("LlPrintFields()") != std::string::npos; }));
+    program.signal(SIGINT);
+    const auto outcome = program.wait();
+    EXPECT_EQ(outcome.exitCode, 130) << outcome.errors;
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(readFile(file), "alt");
+    EXPECT_EQ(filesNamed("l"), 1u) << "nothing unfinished is left";
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EveryFormat, ::testing::Values("pdf", "csv", "xlsx", "json"),
+                         [](const auto& test) { return std::string(test.param); });
+
+TEST_F(CommandLine, ABrokenLayoutIsNamedWithFileAndReason) {
+    std::filesystem::create_directories(layouts());
+    writeFile(layouts() / "Umsatz.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\">\n<g>\n</svg>\n");
+    const auto outcome = print("Umsatz", toPdf());
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("Umsatz.svg"), HasSubstr("kein wohlgeformtes XML")));
+    EXPECT_EQ(filesNamed("l.pdf"), 0u);
+}
+
+TEST_F(CommandLine, ShippedLayoutsAreCopiedOnceAndChangedOnesAreKept) {
+    ASSERT_EQ(print("Umsatz", toPdf()).exitCode, 0);
+    const auto layout = layouts() / "Umsatz.svg";
+    const auto changed = readFile(layout) + "<!-- geändert -->";
+    writeFile(layout, changed);
+    std::filesystem::remove(layouts() / "Firma.svg");
+    ASSERT_EQ(print("Umsatz", toPdf()).exitCode, 0);
+    EXPECT_EQ(readFile(layout), changed);
+    EXPECT_TRUE(std::filesystem::exists(layouts() / "Firma.svg"));
+}
+
+TEST_F(CommandLine, AnApplicationFolderCanBeChosen) {
+    ASSERT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder / "app" / "DB" / "BerichteLLVT" / "Umsatz.svg"));
+    EXPECT_FALSE(std::filesystem::exists(layouts()));
+}
+
+// Preview
+
+class Preview : public HostTest {
+  protected:
+    /// A viewer that notes the head of what it shows, and its process, and then does what the test asks of it.
+    void installViewer(const std::string& work) const {
+        writeScript(folder / "bin" / "evince", "head -c 5 \"$1\" >" + output("kopf") + "\necho $$ >" +
+                                                   output("nummer") + ".neu\nmv " + output("nummer") + ".neu " +
+                                                   output("nummer") + "\n" + work);
+    }
+    bool viewerRuns() const {
+        const auto number = readFile(output("nummer"));
+        return !number.empty() && ::kill(std::stoi(number), 0) == 0;
+    }
+};
+
+TEST_F(Preview, StaysUntilEnterAndThenEndsTheViewerAndRemovesTheFile) {
+    installViewer("exec sleep 1000");
+    Program program(command("vorschau", "Umsatz"), environment);
+    ASSERT_TRUE(waitUntil([&] { return viewerRuns(); }));
+    EXPECT_EQ(readFile(output("kopf")), "%PDF-");
+    EXPECT_EQ(previewFiles(), 1u);
+    program.write("\n");
+    const auto outcome = program.wait();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_TRUE(waitUntil([&] { return !viewerRuns(); }));
+    EXPECT_EQ(previewFiles(), 0u);
+}
+
+TEST_F(Preview, EndsWhenTheViewerIsClosed) {
+    installViewer("exit 0");
+    const auto outcome = run(command("vorschau", "Umsatz"), environment);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(readFile(output("kopf")), "%PDF-");
+    EXPECT_EQ(previewFiles(), 0u);
+}
+
+TEST_F(Preview, CtrlCEndsTheViewer) {
+    installViewer("exec sleep 1000");
+    Program program(command("vorschau", "Umsatz"), environment);
+    ASSERT_TRUE(waitUntil([&] { return viewerRuns(); }));
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait().exitCode, 130);
+    EXPECT_TRUE(waitUntil([&] { return !viewerRuns(); }));
+    EXPECT_EQ(previewFiles(), 0u);
+}
+
+TEST_F(Preview, WithoutAViewerTheUserLearnsWhereTheFileIs) {
+    environment["PATH"] = (folder / "bin").string();
+    const auto outcome = run(command("vorschau", "Umsatz"), environment);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors,
+                AllOf(HasSubstr("kein PDF-Betrachter installiert"), HasSubstr("sie liegt als PDF in ")));
+    EXPECT_EQ(previewFiles(), 1u);
+}
+
+} // namespace
+} // namespace kvtdruck::testing

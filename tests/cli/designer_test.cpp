@@ -1,0 +1,132 @@
+#include "cli/program_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+namespace kvtdruck::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+/// A stand-in for Inkscape: it keeps what it was opened on and then does what the test asks of it.
+class DesignerTest : public HostTest {
+  protected:
+    void installDesigner(const std::string& work) const {
+        writeScript(folder / "bin" / "inkscape",
+                    "for file; do :; done\ncp \"$file\" " + (folder / "opened.svg").string() + "\n" + work);
+    }
+    Outcome design(const std::string& list, const std::vector<std::string>& more = {}) const {
+        return run(command("gestalten", list, more), environment);
+    }
+    std::string opened() const { return readFile(folder / "opened.svg"); }
+    std::filesystem::path layout(const std::string& list) const { return layouts() / (list + ".svg"); }
+};
+
+TEST_F(DesignerTest, ShowsVariablesAndFieldsBesideThePage) {
+    installDesigner("");
+    const auto outcome = design("Umsatz");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(opened(), HasSubstr("inkscape:label=\"Feldliste\""));
+    EXPECT_THAT(opened(), HasSubstr(">{{FnrName1}}</text>"));
+    EXPECT_THAT(opened(), HasSubstr(">{{IUmsatzDM_12}}</text>"));
+}
+
+TEST_F(DesignerTest, ALayoutThatWasNotSavedStaysAsItWas) {
+    installDesigner("");
+    design("Umsatz");
+    EXPECT_EQ(readFile(layout("Umsatz")), readFile(KVT_SOURCE_FOLDER "/layouts/Umsatz.svg"));
+}
+
+TEST_F(DesignerTest, ASavedLayoutLosesTheFieldListOnly) {
+    installDesigner("sed -i 's/<\\/svg>/<!-- gespeichert --><\\/svg>/' \"$file\"");
+    EXPECT_EQ(design("Umsatz").exitCode, 0);
+    EXPECT_THAT(readFile(layout("Umsatz")), HasSubstr("<!-- gespeichert -->"));
+    EXPECT_THAT(readFile(layout("Umsatz")), Not(HasSubstr("Feldliste")));
+}
+
+TEST_F(DesignerTest, WhatTheUserLeavesInTheFieldListIsKept) {
+    // One text of the list is moved, one copied onto the page's layers, and something is drawn into the list.
+    installDesigner("sed -i -e 's/x=\"[0-9.]*\" y=\"6\"/x=\"33\" y=\"44\"/' -e "
+                    "'s/\\(inkscape:label=\"Feldliste\">\\)/\\1<rect id=\"neu\"\\/>/' \"$file\"");
+    const auto outcome = design("Umsatz");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(outcome.errors, HasSubstr("liegen jetzt in der Ebene „Hintergrund“"));
+    const auto saved = readFile(layout("Umsatz"));
+    EXPECT_THAT(saved, HasSubstr("inkscape:label=\"Hintergrund\"><rect id=\"neu\"/>"));
+    EXPECT_THAT(saved, HasSubstr("<text x=\"33\" y=\"44\""));
+    EXPECT_THAT(saved, Not(HasSubstr("feldliste")));
+    EXPECT_THAT(saved, Not(HasSubstr("Feldliste")));
+}
+
+TEST_F(DesignerTest, AMissingLayoutBeginsAsTheGeneratedOne) {
+    installDesigner("");
+    design("Umsatz"); // copies the shipped layouts
+    const auto program = folder / "allein" / "bin" / "kvtdruck";
+    std::filesystem::create_directories(program.parent_path());
+    std::filesystem::copy_file(KVT_PROGRAM, program); // without shipped layouts beside it
+    std::filesystem::remove(layout("Umsatz"));
+    auto arguments = command("gestalten", "Umsatz");
+    arguments[0] = program.string();
+
+    EXPECT_EQ(run(arguments, environment).exitCode, 0);
+    EXPECT_THAT(opened(), HasSubstr("{{IUmsatzDM_01"));
+    EXPECT_FALSE(std::filesystem::exists(layout("Umsatz"))) << "nothing was saved";
+
+    installDesigner("sed -i 's/<\\/svg>/<!-- gespeichert --><\\/svg>/' \"$file\"");
+    EXPECT_EQ(run(arguments, environment).exitCode, 0);
+    EXPECT_THAT(readFile(layout("Umsatz")), HasSubstr("<!-- gespeichert -->"));
+}
+
+TEST_F(DesignerTest, TellsWhatIsWrongWithASavedLayout) {
+    installDesigner("sed -i 's/{{Ueberschrift}}/{{Ueberschrift/' \"$file\"");
+    const auto outcome = design("Umsatz");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("Platzhalter ohne Ende"));
+}
+
+TEST_F(DesignerTest, AFailingOrMissingDesignerIsAnError) {
+    installDesigner("exit 3");
+    const auto failed = design("Umsatz");
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_THAT(failed.errors, HasSubstr("Das Zeichenprogramm Inkscape wurde mit einem Fehler beendet."));
+    EXPECT_EQ(readFile(layout("Umsatz")), readFile(KVT_SOURCE_FOLDER "/layouts/Umsatz.svg"));
+
+    environment["PATH"] = "/nirgends";
+    const auto missing = design("Umsatz");
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_THAT(missing.errors, HasSubstr("Das Zeichenprogramm Inkscape ist nicht installiert."));
+    EXPECT_EQ(readFile(layout("Umsatz")), readFile(KVT_SOURCE_FOLDER "/layouts/Umsatz.svg"));
+}
+
+class EveryLayout : public DesignerTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(EveryLayout, IsInOrder) {
+    const std::string list = GetParam();
+    const bool hasAccounts = list == "GemeinK" || list == "NeutralA";
+    const auto outcome =
+        run(command("pruefen", list,
+                    hasAccounts ? std::vector<std::string>{"--jahr", "2025"} : std::vector<std::string>{}),
+            environment);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("Unbekannter Name")));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EveryLayout,
+                         ::testing::Values("Umsatz", "MitUeber", "Firma", "GemeinK", "NeutralA", "MaKost", "MaZeit",
+                                           "MaStKost", "MaStZeit", "KalkKo", "MatUeber", "Bilanz", "BsEMa",
+                                           "BsEStd", "BsEGes", "KalkW", "WasWenn", "UmsatzHW"));
+
+TEST_F(DesignerTest, CheckFindsABrokenLayoutWithoutOpeningIt) {
+    ASSERT_EQ(run(command("pruefen", "Umsatz"), environment).exitCode, 0);
+    writeFile(layout("Umsatz"), "<svg");
+    const auto outcome = run(command("pruefen", "Umsatz"), environment);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("Umsatz.svg"));
+    EXPECT_THAT(outcome.errors, HasSubstr("kein wohlgeformtes XML"));
+    EXPECT_TRUE(opened().empty());
+}
+
+} // namespace
+} // namespace kvtdruck::testing
