@@ -1,6 +1,7 @@
 #include "druckwerk/svg/path_data.h"
 
 #include <charconv>
+#include <numbers>
 #include <optional>
 
 namespace kvtdruck::druckwerk {
@@ -8,7 +9,6 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr double kCircle = 0.5522847498; // control points of a quarter circle, 4/3 (sqrt 2 - 1)
-constexpr double kPi = 3.14159265358979323846;
 constexpr std::size_t kMaximumSegments = 200000;
 
 /// Reads numbers and flags from path data.
@@ -64,7 +64,7 @@ void appendArc(Outline& outline, Point from, double rx, double ry, double degree
         outline.push_back({'L', {to}});
         return;
     }
-    const double phi = degrees * kPi / 180;
+    const double phi = degrees * std::numbers::pi / 180;
     const double cosine = std::cos(phi);
     const double sine = std::sin(phi);
     const double dx = (from.x - to.x) / 2;
@@ -91,10 +91,11 @@ void appendArc(Outline& outline, Point from, double rx, double ry, double degree
     const double begin = std::atan2((y - cy) / ry, (x - cx) / rx);
     double sweepAngle = std::atan2((-y - cy) / ry, (-x - cx) / rx) - begin;
     if (sweep && sweepAngle < 0)
-        sweepAngle += 2 * kPi;
+        sweepAngle += 2 * std::numbers::pi;
     else if (!sweep && sweepAngle > 0)
-        sweepAngle -= 2 * kPi;
-    const int parts = std::max(1, static_cast<int>(std::ceil(std::fabs(sweepAngle) / (kPi / 2) - 1e-9)));
+        sweepAngle -= 2 * std::numbers::pi;
+    const int parts =
+        std::max(1, static_cast<int>(std::ceil(std::fabs(sweepAngle) / (std::numbers::pi / 2) - 1e-9)));
     const double step = sweepAngle / parts;
     const double handle = 4.0 / 3 * std::tan(step / 4);
     for (int i = 0; i < parts; ++i) {
