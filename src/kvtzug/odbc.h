@@ -32,6 +32,8 @@ struct Parameter {
     /// A value as a column's buffer holds it.
     Parameter(SQLSMALLINT type, std::span<const std::byte> value);
 
+    bool operator==(const Parameter&) const = default;
+
     SQLSMALLINT type;
     std::vector<std::byte> bytes;
 };

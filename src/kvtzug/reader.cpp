@@ -82,7 +82,13 @@ Variant Reader::call(MemberId member, std::span<const Variant> arguments) {
         return operate(index - class_.columns.size(), arguments);
     if (!asked_[index])
         askFor(index);
-    return atEnd() ? rowset_.nothing(index) : rowset_.value(index, row_);
+    return valueOf(index);
+}
+
+Variant Reader::valueOf(std::size_t column) const {
+    if (gone_)
+        return (*gone_)[column];
+    return atEnd() ? rowset_.nothing(column) : rowset_.value(column, row_);
 }
 
 void Reader::put(MemberId, std::span<const Variant>, const Variant&) {
@@ -129,61 +135,70 @@ bool Reader::read(const ReadOperation& operation, std::span<const Variant> argum
         parameters_.push_back(argument == kProductMode
                                   ? parameterOf(productMode_, ValueType::Integer)
                                   : parameterOf(arguments[argument], operation.arguments[argument]));
-    fetchBlock({});
+    fetchBlock(From::First);
     return !class_.single || !atEnd();
 }
 
 bool Reader::moveFirst() {
-    if (behind_.empty())
+    if (firstBlock_)
         row_ = 0;
     else
-        fetchBlock({});
+        fetchBlock(From::First);
     return !atEnd();
 }
 
 bool Reader::moveNext() {
     if (atEnd())
         return false;
-    ++row_;
+    if (gone_)
+        gone_.reset();
+    else
+        ++row_;
     // A block that is not full is the last one.
     if (row_ == fetched_ && fetched_ == rowset_.rows())
-        fetchBlock(lastKey());
+        fetchBlock(From::BehindKey, keyOf(fetched_ - 1));
     return !atEnd();
 }
 
-std::vector<Parameter> Reader::lastKey() const {
+std::vector<Parameter> Reader::keyOf(std::size_t row) const {
     std::vector<Parameter> key;
     for (const auto column : key_)
-        key.push_back(rowset_.parameter(column, fetched_ - 1));
+        key.push_back(rowset_.parameter(column, row));
     return key;
 }
 
-/// Takes a column along from now on. The first block has all columns, so only a later one is queried again.
+/// Takes a column along from now on. The first block has all columns, so only a later one is queried again, from
+/// the current record on: a block may have fewer rows than the one before, and others may have written meanwhile. A
+/// record that they have deleted keeps the values that were in hand.
 void Reader::askFor(std::size_t column) {
     asked_[column] = true;
-    if (atEnd() || behind_.empty())
+    if (firstBlock_ || gone_ || atEnd())
         return;
-    const auto row = row_;
-    fetchBlock(behind_);
-    row_ = row;
+    std::vector<Variant> values;
+    for (std::size_t other = 0; other < asked_.size(); ++other)
+        values.push_back(std::ranges::count(selection_, other) ? valueOf(other) : rowset_.nothing(other));
+    const auto key = keyOf(row_);
+    fetchBlock(From::Key, key);
+    if (atEnd() || keyOf(0) != key)
+        gone_ = std::move(values);
 }
 
-/// Queries the rows behind the key `behind`, or the first ones without a key; again with wider buffers where a text
-/// did not fit. Behind the first block only those columns are queried that anybody has asked for: drivers turn
-/// every number into text and back, which for the months that a report does not print would cost more than all
-/// else.
-void Reader::fetchBlock(std::vector<Parameter> behind) {
-    behind_ = std::move(behind);
+/// Queries the rows from the first one, from the key `key`, or behind it; again with wider buffers where a text did
+/// not fit. Behind the first block only those columns are queried that anybody has asked for: drivers turn every
+/// number into text and back, which for the months that a report does not print would cost more than all else.
+void Reader::fetchBlock(From from, std::vector<Parameter> key) {
+    firstBlock_ = from == From::First;
+    gone_.reset();
     row_ = fetched_ = 0;
     selection_.clear();
     for (std::size_t column = 0; column < asked_.size(); ++column)
-        if (behind_.empty() || asked_[column])
+        if (firstBlock_ || asked_[column])
             selection_.push_back(column);
     auto parameters = parameters_;
-    parameters.insert(parameters.end(), behind_.begin(), behind_.end());
+    parameters.insert(parameters.end(), key.begin(), key.end());
     std::size_t fetched = 0;
     do {
-        const auto query = sql(!behind_.empty());
+        const auto query = sql(from);
         if (trace_)
             trace_(query);
         Statement statement(connection_,
@@ -195,7 +210,7 @@ void Reader::fetchBlock(std::vector<Parameter> behind) {
     fetched_ = fetched;
 }
 
-String Reader::sql(bool goingOn) const {
+String Reader::sql(From from) const {
     const auto names = [this](const std::vector<std::size_t>& columns) {
         std::vector<String> result;
         result.reserve(columns.size());
@@ -203,12 +218,13 @@ String Reader::sql(bool goingOn) const {
             result.push_back(class_.columns[column].column);
         return result;
     };
-    const auto key = names(key_);
+    const auto key = joined(names(key_));
     String result = u"SELECT " + joined(names(selection_)) + u" FROM " + String(class_.tables) + u" WHERE " +
                     String(operation_->condition);
-    if (goingOn)
-        result += u" AND (" + joined(key) + u") > (" + joined(std::vector<String>(key.size(), u"?")) + u")";
-    return result + u" ORDER BY " + joined(key) + u" LIMIT " + decimal(static_cast<long long>(rowset_.rows()));
+    if (from != From::First)
+        result += u" AND (" + key + (from == From::Key ? u") >= (" : u") > (") +
+                  joined(std::vector<String>(key_.size(), u"?")) + u")";
+    return result + u" ORDER BY " + key + u" LIMIT " + decimal(static_cast<long long>(rowset_.rows()));
 }
 
 } // namespace kvtdruck

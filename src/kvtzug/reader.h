@@ -9,6 +9,7 @@
 #include "values/variant.h"
 
 #include <memory>
+#include <optional>
 
 namespace kvtdruck {
 
@@ -26,17 +27,21 @@ class Reader : public Object {
     void put(MemberId member, std::span<const Variant> arguments, const Variant& value) override;
 
   private:
+    /// Where a block begins.
+    enum class From { First, Key, BehindKey };
+
     Variant operate(std::size_t operation, std::span<const Variant> arguments);
     bool connect(std::span<const Variant> arguments);
     bool read(const ReadOperation& operation, std::span<const Variant> arguments);
-    bool atEnd() const { return row_ >= fetched_; }
+    bool atEnd() const { return !gone_ && row_ >= fetched_; }
     bool moveFirst();
     bool moveNext();
 
-    std::vector<Parameter> lastKey() const;
-    void fetchBlock(std::vector<Parameter> behind);
+    Variant valueOf(std::size_t column) const;
+    std::vector<Parameter> keyOf(std::size_t row) const;
+    void fetchBlock(From from, std::vector<Parameter> key = {});
     void askFor(std::size_t column);
-    String sql(bool goingOn) const;
+    String sql(From from) const;
 
     const ReaderClass& class_;
     std::shared_ptr<Connections> connections_;
@@ -47,11 +52,13 @@ class Reader : public Object {
     Variant productMode_;
     const ReadOperation* operation_ = nullptr;
     std::vector<Parameter> parameters_;
-    std::vector<Parameter> behind_; ///< the key that the block in hand begins behind; empty for the first block
-    std::vector<bool> asked_;       ///< by column: whether a getter has asked for it
+    bool firstBlock_ = true;             ///< whether the block in hand is the first
+    std::vector<bool> asked_;            ///< by column: whether a getter has asked for it
     std::vector<std::size_t> selection_; ///< the columns of the block in hand
     std::size_t fetched_ = 0;
     std::size_t row_ = 0;
+    /// The values of the current record where it is no longer in the database; it stands before the block then.
+    std::optional<std::vector<Variant>> gone_;
 };
 
 } // namespace kvtdruck
