@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 namespace {
 
 constexpr Object::MemberId kValueId = 1;
@@ -52,4 +52,4 @@ Variant& ParameterArray::addressed(std::span<const Variant> arguments) {
     return cell(std::size_t(row), std::size_t(column));
 }
 
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

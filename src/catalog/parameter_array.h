@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 
 /// A two-dimensional array of variants. A cell outside of it is run-time error 9.
 class ParameterArray final : public Object {
@@ -30,4 +30,4 @@ class ParameterArray final : public Object {
     std::vector<Variant> cells_;
 };
 
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

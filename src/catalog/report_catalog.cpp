@@ -1,13 +1,13 @@
 #include "catalog/report_catalog.h"
 
-#include "cli/usage_error.h"
+#include "catalog/usage_error.h"
 
 #include <algorithm>
 #include <array>
 #include <numeric>
 #include <utility>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 namespace {
 
 using enum Selection;
@@ -221,27 +221,27 @@ constexpr std::int16_t kOverheads = 1;
 constexpr std::int16_t kNeutralAccounts = 2;
 
 constexpr std::array kReports{
-    Report{"Umsatz", "Umsatz", kYears, {}, kOneYear},
-    Report{"MitUeber", "Mitarbeiter-Übersicht", kEverything, {}, {}},
-    Report{"Firma", "Allgemeine Firmendaten", kYearRange, {}, {}},
-    Report{"GemeinK", "Gemeinkosten", kAccounts, {}, kOneAccount, kOverheads},
-    Report{"NeutralA", "Neutrale Aufwendungen", kAccounts, {}, kOneAccount, kNeutralAccounts},
-    Report{"MaKost", "Mitarbeiter-Kosten", kEmployees, {}, kOneEmployee},
-    Report{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, {}, kOneEmployee},
-    Report{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, {}, kOneEmployee},
-    Report{"MaStZeit", "Mitarbeiter-Stammblatt-Zeiten", kEmployeesOnly, {}, kOneEmployee},
-    Report{"KalkKo", "Kalkulatorische Kosten", kYears, {}, kOneYear},
-    Report{"MatUeber", "Materialübersicht", kYears, {}, kOneYear},
-    Report{"Bilanz", "Bilanzkennzahlen", {}, kBilanz, {}},
-    Report{"BsEMa", "Betriebsübersicht Mitarbeiter", {}, kBsEMa, {}},
-    Report{"BsEStd", "Betriebsübersicht je Stunde", {}, kBsEStd, {}},
-    Report{"BsEGes", "Betriebsübersicht Gesamt", {}, kBsEStd, "Die erste Zeile trägt die Stunden."},
-    Report{"KalkW", "Kalkulationswerte", {}, kKalkW, {}},
-    Report{"WasWenn", "Was Wäre Wenn", {}, kWasWenn, {}},
-    Report{"UmsatzHW", "Umsatz Handwerk", {}, kUmsatzHW, {}},
+    ReportEntry{"Umsatz", "Umsatz", kYears, {}, kOneYear},
+    ReportEntry{"MitUeber", "Mitarbeiter-Übersicht", kEverything, {}, {}},
+    ReportEntry{"Firma", "Allgemeine Firmendaten", kYearRange, {}, {}},
+    ReportEntry{"GemeinK", "Gemeinkosten", kAccounts, {}, kOneAccount, kOverheads},
+    ReportEntry{"NeutralA", "Neutrale Aufwendungen", kAccounts, {}, kOneAccount, kNeutralAccounts},
+    ReportEntry{"MaKost", "Mitarbeiter-Kosten", kEmployees, {}, kOneEmployee},
+    ReportEntry{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, {}, kOneEmployee},
+    ReportEntry{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, {}, kOneEmployee},
+    ReportEntry{"MaStZeit", "Mitarbeiter-Stammblatt-Zeiten", kEmployeesOnly, {}, kOneEmployee},
+    ReportEntry{"KalkKo", "Kalkulatorische Kosten", kYears, {}, kOneYear},
+    ReportEntry{"MatUeber", "Materialübersicht", kYears, {}, kOneYear},
+    ReportEntry{"Bilanz", "Bilanzkennzahlen", {}, kBilanz, {}},
+    ReportEntry{"BsEMa", "Betriebsübersicht Mitarbeiter", {}, kBsEMa, {}},
+    ReportEntry{"BsEStd", "Betriebsübersicht je Stunde", {}, kBsEStd, {}},
+    ReportEntry{"BsEGes", "Betriebsübersicht Gesamt", {}, kBsEStd, "Die erste Zeile trägt die Stunden."},
+    ReportEntry{"KalkW", "Kalkulationswerte", {}, kKalkW, {}},
+    ReportEntry{"WasWenn", "Was Wäre Wenn", {}, kWasWenn, {}},
+    ReportEntry{"UmsatzHW", "Umsatz Handwerk", {}, kUmsatzHW, {}},
 };
 
-bool takes(const Report& report, Selection selection) {
+bool takes(const ReportEntry& report, Selection selection) {
     const auto fills = [selection](const Cell& cell) {
         return cell.kind != Kind::True &&
                (cell.first == selection || (cell.kind == Kind::NoneGiven && cell.second == selection));
@@ -254,14 +254,14 @@ const SelectionOption& optionOf(Selection selection) {
     return *std::ranges::find(kSelectionOptions, selection, &SelectionOption::selection);
 }
 
-std::string selectionsText(const Report& report) {
+std::string selectionsText(const ReportEntry& report) {
     std::string text;
     for (const auto* option : report.selections())
         text += (text.empty() ? "" : ", ") + std::string(option->option);
     return text;
 }
 
-void refuseForeign(const Report& report, const Selections& selections) {
+void refuseForeign(const ReportEntry& report, const Selections& selections) {
     for (const auto& [selection, value] : selections) {
         if (takes(report, selection))
             continue;
@@ -273,7 +273,7 @@ void refuseForeign(const Report& report, const Selections& selections) {
 }
 
 /// The selections with one year spread to the range that it stands for.
-Selections spread(const Report& report, Selections selections) {
+Selections spread(const ReportEntry& report, Selections selections) {
     const auto year = selections.find(Year);
     if (year == selections.end() || !takes(report, YearFrom))
         return selections;
@@ -283,7 +283,7 @@ Selections spread(const Report& report, Selections selections) {
     return selections;
 }
 
-Variant valueOf(const Report& report, const Cell& cell, const Selections& selections) {
+Variant valueOf(const ReportEntry& report, const Cell& cell, const Selections& selections) {
     const auto given = selections.find(cell.first);
     switch (cell.kind) {
     case Kind::True:
@@ -324,19 +324,19 @@ std::span<const SelectionOption> selectionOptions() {
     return kSelectionOptions;
 }
 
-std::span<const Report> reports() {
+std::span<const ReportEntry> reports() {
     return kReports;
 }
 
-std::size_t Report::rows() const {
+std::size_t ReportEntry::rows() const {
     return std::ranges::find(columns, Second, &ValueColumn::rows) == columns.end() ? 1 : 2;
 }
 
-std::size_t Report::width() const {
+std::size_t ReportEntry::width() const {
     return isFedByValues() ? std::ranges::max(columns, {}, &ValueColumn::column).column + 1 : cells.size();
 }
 
-std::vector<const SelectionOption*> Report::selections() const {
+std::vector<const SelectionOption*> ReportEntry::selections() const {
     std::vector<const SelectionOption*> result;
     for (const auto& option : kSelectionOptions)
         if (takes(*this, option.selection))
@@ -344,23 +344,24 @@ std::vector<const SelectionOption*> Report::selections() const {
     return result;
 }
 
-const Report* findReport(std::string_view listName) {
-    const auto* found = std::ranges::find(kReports, listName, &Report::listName);
+const ReportEntry* findReport(std::string_view listName) {
+    const auto* found = std::ranges::find(kReports, listName, &ReportEntry::listName);
     return found == kReports.end() ? nullptr : found;
 }
 
 std::string_view nearestListName(std::string_view listName) {
-    return std::ranges::min(kReports, {}, [&](const Report& report) { return distance(report.listName, listName); })
+    return std::ranges::min(kReports, {},
+                            [&](const ReportEntry& report) { return distance(report.listName, listName); })
         .listName;
 }
 
-Selections selectionsForDesign(const Report& report, Selections selections) {
+Selections selectionsForDesign(const ReportEntry& report, Selections selections) {
     if (takes(report, Month))
         selections.try_emplace(Month, 1);
     return selections;
 }
 
-std::shared_ptr<ParameterArray> parameterArray(const Report& report, const Selections& selections) {
+std::shared_ptr<ParameterArray> parameterArray(const ReportEntry& report, const Selections& selections) {
     refuseForeign(report, selections);
     const auto given = spread(report, selections);
     auto array = std::make_shared<ParameterArray>(report.rows(), report.width());
@@ -369,4 +370,4 @@ std::shared_ptr<ParameterArray> parameterArray(const Report& report, const Selec
     return array;
 }
 
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 
 /// What a user can select by an option.
 enum class Selection {
@@ -67,7 +67,7 @@ struct ValueColumn {
     std::string_view meaning;
 };
 
-struct Report {
+struct ReportEntry {
     std::string_view listName;
     std::string_view title;
     std::span<const Cell> cells;
@@ -85,10 +85,10 @@ struct Report {
 };
 
 /// All reports, in the component's order.
-std::span<const Report> reports();
+std::span<const ReportEntry> reports();
 
 /// The report of that list name (letter case matters), or nullptr.
-const Report* findReport(std::string_view listName);
+const ReportEntry* findReport(std::string_view listName);
 
 /// The name that comes closest to a mistyped one.
 std::string_view nearestListName(std::string_view listName);
@@ -96,10 +96,10 @@ std::string_view nearestListName(std::string_view listName);
 /// The parameter array of a report that reads its figures itself; all cells are Empty for one that is fed by a file
 /// of values, and the designer learns every name from them. Throws a `UsageError` for a selection that the report
 /// does not take, or one that it needs.
-std::shared_ptr<ParameterArray> parameterArray(const Report& report, const Selections& selections);
+std::shared_ptr<ParameterArray> parameterArray(const ReportEntry& report, const Selections& selections);
 
 /// The selections with which a report defines every name that its layout may use: a report with months defines
 /// their values only for a month that is given.
-Selections selectionsForDesign(const Report& report, Selections selections);
+Selections selectionsForDesign(const ReportEntry& report, Selections selections);
 
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

@@ -10,7 +10,7 @@
 #include <optional>
 #include <regex>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 namespace {
 
 struct RawCell {
@@ -176,7 +176,7 @@ Variant valueOf(const std::string& text, const Place& place) {
     return fromUtf8(text);
 }
 
-const ValueColumn* findColumn(const Report& report, const std::string& name) {
+const ValueColumn* findColumn(const ReportEntry& report, const std::string& name) {
     const auto found = std::ranges::find(report.columns, name, &ValueColumn::name);
     return found == report.columns.end() ? nullptr : &*found;
 }
@@ -185,7 +185,7 @@ const ValueColumn* findColumn(const Report& report, const std::string& name) {
 constexpr std::string_view kUnread = "-";
 
 /// Whether the line names columns: it holds no number, and one of its cells is a column's name without quotes.
-bool isHeading(const Report& report, const Line& line) {
+bool isHeading(const ReportEntry& report, const Line& line) {
     static const std::regex beginsAsNumber(R"([+-]?\d.*)");
     const auto isNumber = [](const RawCell& cell) {
         return !cell.quoted && std::regex_match(cell.text, beginsAsNumber);
@@ -194,7 +194,7 @@ bool isHeading(const Report& report, const Line& line) {
     return std::ranges::none_of(line.cells, isNumber) && std::ranges::any_of(line.cells, isName);
 }
 
-std::string namesOf(const Report& report) {
+std::string namesOf(const ReportEntry& report) {
     std::string names;
     for (const auto& column : report.columns)
         names += (names.empty() ? "" : ", ") + std::string(column.name);
@@ -204,7 +204,7 @@ std::string namesOf(const Report& report) {
 /// For each of a line's cells the array's column; none for a cell that is passed over.
 using Columns = std::vector<std::optional<std::size_t>>;
 
-Columns columnsOf(const Report& report, const Line& heading, const std::string& file) {
+Columns columnsOf(const ReportEntry& report, const Line& heading, const std::string& file) {
     Columns columns;
     for (std::size_t i = 0; i < heading.cells.size(); ++i) {
         const Place place{file, heading.number, i + 1};
@@ -232,13 +232,14 @@ Columns columnsInOrder(std::size_t count) {
 }
 
 /// Columns that the array needs for a file without a heading, which may hold more than the report reads.
-std::size_t widthOf(const Report& report, const Columns& columns) {
+std::size_t widthOf(const ReportEntry& report, const Columns& columns) {
     return std::max(report.width(), std::ranges::max(columns).value_or(0) + 1);
 }
 
 } // namespace
 
-std::shared_ptr<ParameterArray> parseValues(const Report& report, std::string_view text, const std::string& file) {
+std::shared_ptr<ParameterArray> parseValues(const ReportEntry& report, std::string_view text,
+                                            const std::string& file) {
     auto lines = Scanner(text, file).lines();
     Columns columns;
     if (!lines.empty() && isHeading(report, lines.front())) {
@@ -268,7 +269,7 @@ std::shared_ptr<ParameterArray> parseValues(const Report& report, std::string_vi
     return array;
 }
 
-std::shared_ptr<ParameterArray> readValues(const Report& report, const std::filesystem::path& file) {
+std::shared_ptr<ParameterArray> readValues(const ReportEntry& report, const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     if (!stream || std::filesystem::is_directory(file))
         throw ValuesError("Die Datei " + file.string() + " kann nicht gelesen werden.");
@@ -276,4 +277,4 @@ std::shared_ptr<ParameterArray> readValues(const Report& report, const std::file
     return parseValues(report, text, file.string());
 }
 
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 
 /// A file of values that can't be read or is wrong; the text is German, with file, line, column and reason.
 class ValuesError : public std::runtime_error {
@@ -21,9 +21,10 @@ class ValuesError : public std::runtime_error {
 /// columns in their places; without one they stand in the array's own order from column 0. A cell's kind follows
 /// from its text: nothing is Empty, a German number is a Double, a date a Date, Wahr and Falsch are Booleans,
 /// anything else and everything in quotes is text. `file` names the source in errors.
-std::shared_ptr<ParameterArray> parseValues(const Report& report, std::string_view text, const std::string& file);
+std::shared_ptr<ParameterArray> parseValues(const ReportEntry& report, std::string_view text,
+                                            const std::string& file);
 
 /// As `parseValues`, with the contents of `file`.
-std::shared_ptr<ParameterArray> readValues(const Report& report, const std::filesystem::path& file);
+std::shared_ptr<ParameterArray> readValues(const ReportEntry& report, const std::filesystem::path& file);
 
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

@@ -2,12 +2,12 @@
 #pragma once
 
 #include "cli/console.h"
-#include "module/library.h"
+#include "module/clsFehler.h"
 
 namespace kvtdruck::cli {
 
 /// Makes error-report objects that write to `console`, which outlives them.
-class ErrorReports final : public FehlerFactory {
+class ErrorReports final : public ErrorReportFactory {
   public:
     explicit ErrorReports(Console& console) : console_(console) {}
     std::unique_ptr<clsFehler> create() override;

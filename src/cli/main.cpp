@@ -1,10 +1,10 @@
 // kvtdruck: the component's host on Linux.
+#include "catalog/usage_error.h"
 #include "cli/cancellation.h"
 #include "cli/console.h"
 #include "cli/options.h"
 #include "cli/report_list.h"
 #include "cli/report_run.h"
-#include "cli/usage_error.h"
 #include "platform/posix/posix_platform.h"
 
 #include <filesystem>
@@ -32,7 +32,7 @@ int guardedRun(int argc, const char* const* argv) {
     Console console;
     try {
         return run(argc, argv, console);
-    } catch (const UsageError& error) {
+    } catch (const catalog::UsageError& error) {
         console.error(std::string(error.what()) + "\nHilfe gibt „kvtdruck --hilfe“.");
         return kWrongUsage;
     } catch (const RuntimeError& error) {

@@ -1,6 +1,6 @@
 #include "cli/options.h"
 
-#include "cli/usage_error.h"
+#include "catalog/usage_error.h"
 #include "platform/posix/posix_platform.h"
 
 #include <CLI/CLI.hpp>
@@ -94,11 +94,11 @@ void addReport(CLI::App& command, Options& options, bool required) {
         .add_option_function<std::string>(
             "LISTE",
             [&options](const std::string& name) {
-                options.report = findReport(name);
+                options.report = catalog::findReport(name);
                 if (!options.report)
-                    throw UsageError("Die Liste „" + name + "“ gibt es nicht. Gemeint ist vielleicht „" +
-                                     std::string(nearestListName(name)) +
-                                     "“; alle Listen nennt „kvtdruck listen“.");
+                    throw catalog::UsageError("Die Liste „" + name + "“ gibt es nicht. Gemeint ist vielleicht „" +
+                                              std::string(catalog::nearestListName(name)) +
+                                              "“; alle Listen nennt „kvtdruck listen“.");
             },
             "Name der Liste, siehe „kvtdruck listen“")
         ->required(required)
@@ -108,7 +108,7 @@ void addReport(CLI::App& command, Options& options, bool required) {
 void addSelections(CLI::App& command, Options& options) {
     addDatabase(command, options);
     command.add_option("--firma", options.company, "Firmennummer")->type_name("NUMMER")->group("Daten")->required();
-    for (const auto& option : selectionOptions())
+    for (const auto& option : catalog::selectionOptions())
         command
             .add_option_function<std::int32_t>(
                 std::string(option.option),
@@ -134,7 +134,7 @@ void addGeneral(CLI::App& command, Options& options) {
                 try {
                     options.locale = localeByName(name);
                 } catch (const RuntimeError& error) {
-                    throw UsageError("--locale " + name + ": " + toUtf8(error.description()));
+                    throw catalog::UsageError("--locale " + name + ": " + toUtf8(error.description()));
                 }
             },
             "Schreibweise von Zahlen und Daten, wie de-DE (Vorgabe), de-CH, en-US")
@@ -146,8 +146,8 @@ void addGeneral(CLI::App& command, Options& options) {
             [&options](const std::string& text) {
                 const auto date = dateIn(text);
                 if (!date)
-                    throw UsageError("--druckdatum „" + text +
-                                     "“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15.");
+                    throw catalog::UsageError("--druckdatum „" + text +
+                                              "“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15.");
                 options.printDate = *date;
             },
             "Druckdatum (sonst jetzt); gleiche Daten und gleiches Datum geben das gleiche PDF")
@@ -238,24 +238,25 @@ std::string germanFor(const CLI::ParseError& error) {
 void check(const Options& options) {
     const bool readsDatabase = options.command != Command::ListReports;
     if (readsDatabase && options.database.empty() && options.connectionString.empty())
-        throw UsageError("Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT.");
+        throw catalog::UsageError("Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT.");
     if (options.data && options.output.empty())
-        throw UsageError("--format für Daten braucht --ausgabe DATEI.");
+        throw catalog::UsageError("--format für Daten braucht --ausgabe DATEI.");
     if (options.data && options.askForPrinter)
-        throw UsageError("--druckerauswahl gibt es nur für gedruckte Seiten.");
+        throw catalog::UsageError("--druckerauswahl gibt es nur für gedruckte Seiten.");
     const auto& printing = options.printing;
     const bool hasPrinterOptions = printing.copies != 1 || !printing.pages.empty() || !printing.tray.empty() ||
                                    printing.sides != druckwerk::Sides::AsPrinter;
     if (hasPrinterOptions && !options.output.empty() && !options.askForPrinter)
-        throw UsageError(
+        throw catalog::UsageError(
             "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht mit --ausgabe.");
     if (!options.report || options.command == Command::ListReports)
         return;
     const bool needsValues = options.command == Command::Print || options.command == Command::Preview;
     if (options.report->isFedByValues() && !options.valuesFile && needsValues)
-        throw UsageError("Die Liste " + std::string(options.report->listName) + " braucht --werte DATEI.");
+        throw catalog::UsageError("Die Liste " + std::string(options.report->listName) + " braucht --werte DATEI.");
     if (!options.report->isFedByValues() && options.valuesFile)
-        throw UsageError("--werte gilt nicht für die Liste " + std::string(options.report->listName) + ".");
+        throw catalog::UsageError("--werte gilt nicht für die Liste " + std::string(options.report->listName) +
+                                  ".");
 }
 
 void addCommands(CLI::App& app, Options& options) {
@@ -298,7 +299,7 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv) {
         app.exit(success, std::cout, std::cerr);
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
-        throw UsageError(germanFor(error));
+        throw catalog::UsageError(germanFor(error));
     }
     check(options);
     return options;

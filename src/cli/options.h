@@ -17,12 +17,12 @@ enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies }
 
 struct Options {
     Command command{};
-    const Report* report = nullptr; ///< set for every command on a list; may be set for `ListReports`
+    const catalog::ReportEntry* report = nullptr; ///< set for every command on a list; may be set for `ListReports`
 
     std::string database;         ///< an SQLite file; empty where
     std::string connectionString; ///< an ODBC connection string is given
     double company = 0;
-    Selections selections;
+    catalog::Selections selections;
     std::optional<std::filesystem::path> valuesFile;
 
     std::filesystem::path output;              ///< empty: to a printer
@@ -37,7 +37,7 @@ struct Options {
 };
 
 /// What a command line asks for. Nothing where help or the version was asked for, which is then written to standard
-/// output. Throws a `UsageError`.
+/// output. Throws a `catalog::UsageError`.
 std::optional<Options> parseCommandLine(int argc, const char* const* argv);
 
 } // namespace kvtdruck::cli

@@ -15,7 +15,7 @@ std::string padded(std::string_view text, std::size_t width) {
     return std::string(text) + std::string(letters < width ? width - letters : 0, ' ') + "  ";
 }
 
-std::string selectionsOf(const Report& report) {
+std::string selectionsOf(const catalog::ReportEntry& report) {
     if (report.isFedByValues())
         return "--werte";
     std::string text;
@@ -24,19 +24,19 @@ std::string selectionsOf(const Report& report) {
     return text;
 }
 
-bool isNeeded(const Report& report, Selection selection) {
-    return std::ranges::any_of(report.cells, [&](const Cell& cell) {
-        return cell.kind == Cell::Kind::MustBeGiven && cell.first == selection;
+bool isNeeded(const catalog::ReportEntry& report, catalog::Selection selection) {
+    return std::ranges::any_of(report.cells, [&](const catalog::Cell& cell) {
+        return cell.kind == catalog::Cell::Kind::MustBeGiven && cell.first == selection;
     });
 }
 
-std::string_view nameOf(ValueColumn::Rows rows) {
+std::string_view nameOf(catalog::ValueColumn::Rows rows) {
     switch (rows) {
-    case ValueColumn::Rows::First:
+    case catalog::ValueColumn::Rows::First:
         return "erste Zeile";
-    case ValueColumn::Rows::Second:
+    case catalog::ValueColumn::Rows::Second:
         return "zweite Zeile";
-    case ValueColumn::Rows::Each:
+    case catalog::ValueColumn::Rows::Each:
         return "jede Zeile";
     }
     return {};
@@ -47,12 +47,12 @@ std::string_view nameOf(ValueColumn::Rows rows) {
 std::string describeReports() {
     std::size_t name = 0;
     std::size_t title = 0;
-    for (const auto& report : reports()) {
+    for (const auto& report : catalog::reports()) {
         name = std::max(name, lettersOf(report.listName));
         title = std::max(title, lettersOf(report.title));
     }
     std::string text;
-    for (const auto& report : reports()) {
+    for (const auto& report : catalog::reports()) {
         auto line = padded(report.listName, name) + padded(report.title, title) + selectionsOf(report);
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + "\n";
@@ -60,7 +60,7 @@ std::string describeReports() {
     return text;
 }
 
-std::string describeReport(const Report& report) {
+std::string describeReport(const catalog::ReportEntry& report) {
     auto text = std::string(report.listName) + ": " + std::string(report.title) + "\n";
     if (!report.note.empty())
         text += std::string(report.note) + "\n";

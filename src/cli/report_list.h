@@ -11,6 +11,6 @@ namespace kvtdruck::cli {
 std::string describeReports();
 
 /// Everything about one report: its selections, or the columns of its file of values.
-std::string describeReport(const Report& report);
+std::string describeReport(const catalog::ReportEntry& report);
 
 } // namespace kvtdruck::cli

@@ -27,11 +27,12 @@ std::shared_ptr<OdbcConnection> connectionOf(const Options& options) {
                                                 : fromUtf8(options.connectionString));
 }
 
-std::shared_ptr<ParameterArray> arrayOf(const Options& options) {
+std::shared_ptr<catalog::ParameterArray> arrayOf(const Options& options) {
     const bool designs = options.command == Command::Design || options.command == Command::Check;
-    auto array = parameterArray(*options.report, designs ? selectionsForDesign(*options.report, options.selections)
-                                                         : options.selections);
-    return options.valuesFile ? readValues(*options.report, *options.valuesFile) : array;
+    auto array = catalog::parameterArray(*options.report,
+                                         designs ? catalog::selectionsForDesign(*options.report, options.selections)
+                                                 : options.selections);
+    return options.valuesFile ? catalog::readValues(*options.report, *options.valuesFile) : array;
 }
 
 std::int16_t printModeOf(Command command) {
@@ -52,13 +53,13 @@ class ReportRun {
     ReportRun(const Options& options, Console& console)
         : options_(options), console_(console), printing_(options.printing), array_(arrayOf(options)),
           folder_(prepareApplicationFolder(options.folder)), platform_(options.locale), errors_(console),
-          modul_(platform_, kvtzug_, errors_), jobs_(modul_), engine_(options.data ? dataExport() : druckwerk()) {
+          state_(platform_, kvtzug_, errors_), jobs_(state_), engine_(options.data ? dataExport() : druckwerk()) {
         if (options.record)
             startRecord();
     }
 
     int run() {
-        clsDruckManager manager(modul_, jobs_, recorder_ ? *recorder_ : *engine_);
+        clsDruckManager manager(state_, jobs_, recorder_ ? *recorder_ : *engine_);
         manager.fkt_Init(connectionOf(options_));
         const bool done = manager.fkt_Drucken(printModeOf(options_.command), options_.company, array_,
                                               fromUtf8(folder_.string()), fromUtf8(options_.report->listName),
@@ -161,12 +162,12 @@ class ReportRun {
     Console& console_;
     druckwerk::PrintSettings printing_;
     bool dialogCancelled_ = false;
-    std::shared_ptr<ParameterArray> array_;
+    std::shared_ptr<catalog::ParameterArray> array_;
     std::filesystem::path folder_;
     PosixPlatform platform_;
     OdbcKvtzug kvtzug_;
     ErrorReports errors_;
-    Modul modul_;
+    ComponentState state_;
     basLL80 jobs_;
     std::unique_ptr<FormFactory> engine_;
     std::ofstream record_;
@@ -184,13 +185,13 @@ int listCompanies(const Options& options, Console& console) {
     OdbcKvtzug kvtzug;
     PosixPlatform platform(options.locale);
     ErrorReports errors(console);
-    Modul modul(platform, kvtzug, errors);
+    ComponentState state(platform, kvtzug, errors);
     try {
-        Leser reader(modul, companies);
+        Leser reader(state, companies);
         if (!reader.Verbinde(connectionOf(options)) || !reader.Lese(companies.leseAlle, {}))
             throw RuntimeError(ErrorNumber::InternalError);
         Mitglied number(u"Fnr", ValueType::Text), name(u"Name1", ValueType::Text), town(u"Ort", ValueType::Text);
-        const auto text = [&](Mitglied& getter) { return toUtf8(toText(reader.wert(getter), modul.locale())); };
+        const auto text = [&](Mitglied& getter) { return toUtf8(toText(reader.wert(getter), state.locale())); };
         for (; !reader.Ende(); reader.MoveNext())
             console.notice(text(number) + "\t" + text(name) + "\t" + text(town));
     } catch (const RuntimeError& error) {

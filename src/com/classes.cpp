@@ -31,7 +31,7 @@ class ManagerClass final : public AutomationClass<_clsDruckManager> {
     }
 
   private:
-    clsDruckManager manager_{component().modul, component().jobTable, component().forms};
+    clsDruckManager manager_{component().state, component().jobTable, component().forms};
 };
 
 /// One of the eighteen report classes. The report object itself lives for one request.
@@ -58,7 +58,7 @@ class ReportClass final : public AutomationClass<Interface> {
                                        in(parray),
                                        String(in(pPrevPath)),
                                        in(pAktind_ArrAllPrints)};
-            return boolOf(neu({shared.modul, shared.jobTable}, auftrag)->fkt_Drucken());
+            return boolOf(neu({shared.state, shared.jobTable}, auftrag)->fkt_Drucken());
         });
     }
 };

@@ -77,7 +77,7 @@ class ComControl final : public Control {
             set(variants[count - 1 - i], texts[i], arguments[i]);
         DISPPARAMS parameters{variants, nullptr, static_cast<UINT>(count), 0};
         return toLong(invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters),
-                      component().modul.locale());
+                      component().state.locale());
     }
 
     void put(std::int32_t dispatchId, bool value) override {

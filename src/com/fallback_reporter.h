@@ -1,7 +1,7 @@
 // The error report of last resort.
 #pragma once
 
-#include "module/library.h"
+#include "module/clsFehler.h"
 
 namespace kvtdruck::com {
 

@@ -137,7 +137,7 @@ class FormularClass final : public AutomationClass<_clsDruckFormular> {
         return S_OK;
     }
 
-    clsDruckFormular formular_{component().modul, component().forms};
+    clsDruckFormular formular_{component().state, component().forms};
 };
 
 /// An adapter of another maker. A failing call is a run-time error of the procedure that makes it.
@@ -210,10 +210,10 @@ class ForeignFormular final : public DruckFormular {
 
   private:
     bool truth(StringView operation, std::initializer_list<Variant> arguments) {
-        return toBoolean(call(operation, arguments), component().modul.locale());
+        return toBoolean(call(operation, arguments), component().state.locale());
     }
     std::int32_t number(StringView operation, std::initializer_list<Variant> arguments = {}) {
-        return toLong(call(operation, arguments), component().modul.locale());
+        return toLong(call(operation, arguments), component().state.locale());
     }
     Variant call(StringView operation, std::initializer_list<Variant> arguments = {}) {
         const auto member = ids_.try_emplace(operation, DISPID_UNKNOWN).first;

@@ -10,30 +10,30 @@
 namespace kvtdruck::com {
 namespace {
 
-struct State {
+struct Shared {
     WindowsPlatform platform;
     ComKvtzug kvtzug;
     ComFehlerFactory fehler;
     ComFormFactory forms;
-    Modul modul{platform, kvtzug, fehler};
-    basLL80 jobTable{modul};
+    ComponentState state{platform, kvtzug, fehler};
+    basLL80 jobTable{state};
 };
 
 // Never destroyed by the end of the process: COM is gone by then, and the foreign objects with it.
-State* state = nullptr;
+Shared* shared = nullptr;
 
 } // namespace
 
 std::atomic<long> liveObjects = 0;
 
 Component component() {
-    if (!state)
-        state = new State;
-    return {state->modul, state->jobTable, state->forms};
+    if (!shared)
+        shared = new Shared;
+    return {shared->state, shared->jobTable, shared->forms};
 }
 
 void releaseComponent() {
-    delete std::exchange(state, nullptr);
+    delete std::exchange(shared, nullptr);
 }
 
 HMODULE ownModule() {

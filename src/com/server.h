@@ -3,7 +3,7 @@
 
 #include "com/com_ptr.h"
 #include "manager/basLL80.h"
-#include "module/modul.h"
+#include "module/component_state.h"
 
 #include <oaidl.h>
 
@@ -14,7 +14,7 @@ namespace kvtdruck::com {
 
 /// What all objects of the DLL share within the process.
 struct Component {
-    Modul& modul;
+    ComponentState& state;
     basLL80& jobTable;
     FormFactory& forms;
 };

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dataaccess/members.h"
-#include "module/modul.h"
+#include "module/component_state.h"
 #include "values/variant.h"
 
 #include <initializer_list>
@@ -35,7 +35,7 @@ class Mitglied {
 /// The company's general data (`clsZugFirmaAllg`), connected and positioned by the print manager.
 class FirmaAllg {
   public:
-    FirmaAllg(Modul& modul, ObjectRef objekt) : modul_(modul), objekt_(std::move(objekt)) {}
+    FirmaAllg(ComponentState& state, ObjectRef objekt) : state_(state), objekt_(std::move(objekt)) {}
 
     const ObjectRef& objekt() const { return objekt_; }
     bool Verbinde(const ObjectRef& pADOCon);
@@ -46,7 +46,7 @@ class FirmaAllg {
   private:
     Variant rufe(StringView name, ValueType typ, std::initializer_list<Variant> argumente = {});
 
-    Modul& modul_;
+    ComponentState& state_;
     ObjectRef objekt_;
 };
 
@@ -54,7 +54,7 @@ class FirmaAllg {
 class Leser {
   public:
     /// Creates the object; run-time error 429 where that fails.
-    Leser(Modul& modul, const Zugklasse& klasse);
+    Leser(ComponentState& state, const Zugklasse& klasse);
 
     bool Verbinde(const ObjectRef& pADOCon);
     bool Lese(StringView operation, std::initializer_list<Variant> argumente);
@@ -63,12 +63,12 @@ class Leser {
     void MoveNext();
 
     /// The current record's value; `getter` belongs to this reader.
-    Variant wert(Mitglied& getter) { return getter.rufe(objekt_, modul_.locale()); }
+    Variant wert(Mitglied& getter) { return getter.rufe(objekt_, state_.locale()); }
 
     const Zugklasse& klasse() const { return klasse_; }
 
   private:
-    Modul& modul_;
+    ComponentState& state_;
     const Zugklasse& klasse_;
     ObjectRef objekt_;
     Mitglied eof_{kEOF, ValueType::Boolean};
@@ -79,7 +79,7 @@ class Leser {
 /// The host's parameter array (`XArrayDB`), addressed by row and column.
 class Parameterfeld {
   public:
-    Parameterfeld(Modul& modul, ObjectRef objekt) : modul_(modul), objekt_(std::move(objekt)) {}
+    Parameterfeld(ComponentState& state, ObjectRef objekt) : state_(state), objekt_(std::move(objekt)) {}
 
     /// The cell's value; run-time error 9 where the array has no such cell.
     Variant Value(std::int32_t zeile, std::int32_t spalte);
@@ -100,7 +100,7 @@ class Parameterfeld {
     void normalisiereBereich();
 
   private:
-    Modul& modul_;
+    ComponentState& state_;
     ObjectRef objekt_;
     Mitglied value_{kValue, ValueType::Variant};
     Mitglied count_{kCount, ValueType::Long};

@@ -1,6 +1,7 @@
 #include "engine/clsDruckFormular.h"
 
 #include "dataaccess/zugriff.h"
+#include "module/error_rule.h"
 
 namespace kvtdruck {
 namespace {
@@ -20,7 +21,7 @@ String mitTrenner(StringView pfad) {
 // --------------------------------------------------------------------------------------------------------------
 
 Variant clsDruckFormular::fkt_Starte_Form() {
-    return abgesichert(modul_, {kKlasse, u"fkt_Starte_Form"}, [&] {
+    return guarded(state_, {kKlasse, u"fkt_Starte_Form"}, [&] {
         frmDruck_ = formFactory_.create();
         frmDruck_->ll60().put(kEigenschaftBeimLaden, true);
         return true;
@@ -28,8 +29,8 @@ Variant clsDruckFormular::fkt_Starte_Form() {
 }
 
 void clsDruckFormular::fkt_Form_Hide() {
-    weiterBeiFehler([&] {
-        Form& form = gesetzt(frmDruck_);
+    skippingErrors([&] {
+        Form& form = required(frmDruck_);
         if (form.visible())
             form.hide();
     });
@@ -45,7 +46,7 @@ void clsDruckFormular::fkt_Form_Unload() {
 template <class Aufruf>
 std::int32_t clsDruckFormular::rufe(Aufruf&& aufruf) noexcept {
     std::int32_t rc = kEngineSuccess;
-    weiterBeiFehler([&] { rc = aufruf(gesetzt(frmDruck_)); });
+    skippingErrors([&] { rc = aufruf(required(frmDruck_)); });
     return rc;
 }
 
@@ -58,10 +59,10 @@ std::int32_t clsDruckFormular::PrFehler(std::int32_t pRC, StringView pText) {
         return pRC;
     if (pRC == kEngineSuccess)
         return -1;
-    weiterBeiFehler([&] {
-        modul_.melde({kKlasse, u"PrFehler"},
-                     u"List & Label\r\nFehler " + decimal(pRC) + u" bei " + String(pText) +
-                         u"\r\nDie Fehlercodes sind im L&L handbuch Seite 238 beschrieben.");
+    skippingErrors([&] {
+        state_.report({kKlasse, u"PrFehler"},
+                      u"List & Label\r\nFehler " + decimal(pRC) + u" bei " + String(pText) +
+                          u"\r\nDie Fehlercodes sind im L&L handbuch Seite 238 beschrieben.");
     });
     return 0;
 }
@@ -70,7 +71,7 @@ std::int32_t clsDruckFormular::beurteile(std::int32_t rc, StringView text, Strin
     if (rc == kEngineSuccess)
         return PrFehler(rc, text);
     std::int32_t urteil = 0;
-    weiterBeiFehler([&] { urteil = PrFehler(rc, String(text) + String(zusatz)); });
+    skippingErrors([&] { urteil = PrFehler(rc, String(text) + String(zusatz)); });
     return urteil;
 }
 
@@ -99,7 +100,7 @@ bool clsDruckFormular::LlDefineFieldExt(StringView pFeldname, StringView pFeldin
 bool clsDruckFormular::LlDefineLayout(const Variant& pTitel, std::int32_t pObjekttyp, StringView pObjektname) {
     String titel;
     const auto rc = rufe([&](Form& form) {
-        titel = toText(pTitel, modul_.locale());
+        titel = toText(pTitel, state_.locale());
         return form.ll60().call(Operation::LlDefineLayout, {form.hWnd(), titel, pObjekttyp, pObjektname});
     });
     return beurteile(rc, u"LlDefineLayout ", titel) != 0;
@@ -154,9 +155,9 @@ std::int32_t clsDruckFormular::LlPrintOptionsDialog(StringView pText) {
 // The control has no member DrForm, so this chain fails and the job goes on: aborting through the adapter has no
 // effect, and hosts have never seen another behaviour.
 void clsDruckFormular::LlPrintAbort() {
-    weiterBeiFehler([&] {
-        const auto& locale = modul_.locale();
-        const auto drForm = gesetzt(frmDruck_).ll60().member(u"DrForm");
+    skippingErrors([&] {
+        const auto& locale = state_.locale();
+        const auto drForm = required(frmDruck_).ll60().member(u"DrForm");
         const auto ll60 = Mitglied(u"ll60", ValueType::Object).rufe(drForm, locale);
         Mitglied(u"LlPrintAbort", ValueType::Variant).rufe(*ll60.as<ObjectRef>(), locale);
     });
@@ -211,8 +212,8 @@ void clsDruckFormular::LlStgsysStorageClose(std::int32_t pHSTG) {
 
 bool clsDruckFormular::FKT_Lösche_Druckerbeschreibung(StringView pPfad) {
     // Reports under the name of another procedure; the host's error log depends on it.
-    return abgesichert(modul_, {kKlasse, u"FKT_Setze_Rand_Formular"}, [&] {
-        const auto dateien = modul_.platform().createFileSystem();
+    return guarded(state_, {kKlasse, u"FKT_Setze_Rand_Formular"}, [&] {
+        const auto dateien = state_.platform().createFileSystem();
         for (const StringView endung : {u".lsp", u".lsv"}) {
             const auto datei = String(pPfad) + String(endung);
             if (dateien->exists(datei))

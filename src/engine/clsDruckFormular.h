@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/DruckFormular.h"
-#include "module/modul.h"
+#include "module/component_state.h"
 
 #include <memory>
 
@@ -14,7 +14,7 @@ namespace kvtdruck {
 /// no state but the form, which it unloads when it is destroyed.
 class clsDruckFormular final : public DruckFormular {
   public:
-    clsDruckFormular(Modul& modul, FormFactory& formFactory) : modul_(modul), formFactory_(formFactory) {}
+    clsDruckFormular(ComponentState& state, FormFactory& formFactory) : state_(state), formFactory_(formFactory) {}
     ~clsDruckFormular() override = default; // unloads the form
 
     bool FKT_DefiniereVariablen_AllgemeineFirmendaten(const ObjectRef& pZuDbFnrAllg,
@@ -57,7 +57,7 @@ class clsDruckFormular final : public DruckFormular {
     /// `PrFehler` on `rc`; `zusatz` follows the operation's `text` in the message.
     std::int32_t beurteile(std::int32_t rc, StringView text, StringView zusatz = {}) noexcept;
 
-    Modul& modul_;
+    ComponentState& state_;
     FormFactory& formFactory_;
     std::unique_ptr<Form> frmDruck_;
 };

@@ -1,6 +1,7 @@
 // The company letterhead that all layouts share.
 #include "dataaccess/zugriff.h"
 #include "engine/clsDruckFormular.h"
+#include "module/error_rule.h"
 #include "values/conversion.h"
 
 namespace kvtdruck {
@@ -50,10 +51,10 @@ class Anschrift {
 
 bool clsDruckFormular::FKT_DefiniereVariablen_AllgemeineFirmendaten(const ObjectRef& pZuDbFnrAllg,
                                                                     StringView pListenUeberschrift) {
-    const Prozedur prozedur{u"clsDruckFormular", u"FKT_DefiniereVariablen_AllgemeineFirmendaten"};
-    return abgesichert(modul_, prozedur, [&] {
-        FirmaAllg firma(modul_, pZuDbFnrAllg);
-        const auto& locale = modul_.locale();
+    const Procedure prozedur{u"clsDruckFormular", u"FKT_DefiniereVariablen_AllgemeineFirmendaten"};
+    return guarded(state_, prozedur, [&] {
+        FirmaAllg firma(state_, pZuDbFnrAllg);
+        const auto& locale = state_.locale();
         const auto anschrift = Anschrift(firma, locale).zeile();
         const auto definiere = [&](StringView name, StringView wert) {
             LlDefineVariableExt(name, wert, kTypeText);

@@ -2,7 +2,7 @@
 // demo/schema.sql.
 #pragma once
 
-#include "module/library.h"
+#include "module/data_library.h"
 #include "values/object.h"
 #include "values/text.h"
 
@@ -41,7 +41,7 @@ class Connections {
 };
 
 /// The library. Its objects may outlive it.
-class OdbcKvtzug : public Kvtzug {
+class OdbcKvtzug : public DataLibrary {
   public:
     /// Is told every SQL statement that is executed.
     using Trace = std::function<void(StringView sql)>;

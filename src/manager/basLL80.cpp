@@ -19,7 +19,7 @@ void basLL80::ErzeugeTabelle() {
 }
 
 std::int16_t basLL80::Zeilenzahl() {
-    return roundToInteger(static_cast<double>(gesetzt(Akt_ArrAllPrints_).size()));
+    return roundToInteger(static_cast<double>(required(Akt_ArrAllPrints_).size()));
 }
 
 Druckzeile& basLL80::Zeile(std::int16_t zeile) {
@@ -38,9 +38,9 @@ std::int16_t basLL80::HaengeZeileAn() {
 // -----------------------------------------------------------------------------------------------------------
 
 void basLL80::Init_FileSystem() {
-    weiterBeiFehler([this] {
+    skippingErrors([this] {
         if (!dateien_)
-            dateien_ = modul_.platform().createFileSystem();
+            dateien_ = state_.platform().createFileSystem();
     });
 }
 
@@ -51,38 +51,38 @@ void basLL80::Loesche_Previewdateien(StringView listenname, StringView prevPath,
         if (dateien().exists(datei))
             dateien().remove(datei, false);
     };
-    weiterBeiFehler([&] {
+    skippingErrors([&] {
         if (const auto& behaltene = Zeile(zeile).previewName; !behaltene.empty())
             loesche(behaltene);
     });
     // Without a list name this is the file ".ll".
-    weiterBeiFehler([&] { loesche(listenname); });
+    skippingErrors([&] { loesche(listenname); });
 }
 
 bool basLL80::fkt_Terminiere_Review(StringView listenname, StringView prevPath, std::int16_t zeile) {
-    return abgesichert(modul_, {kModul, u"fkt_Terminiere_Review"}, [&] {
+    return guarded(state_, {kModul, u"fkt_Terminiere_Review"}, [&] {
         Init_FileSystem();
         auto& druck = Zeile(zeile);
         if (druck.prozess != 0 && druck.istPreview) {
-            modul_.platform().processes().terminate(druck.prozess);
+            state_.platform().processes().terminate(druck.prozess);
             druck.prozess = 0;
         }
         Loesche_Previewdateien(listenname, prevPath, zeile);
-        modul_.platform().processPendingMessages();
+        state_.platform().processPendingMessages();
         return true;
     });
 }
 
 bool basLL80::fkt_Aktiviere_Preview(StringView listenname, StringView prevPath, std::int16_t zeile) {
-    return abgesichert(modul_, {kModul, u"fkt_Aktiviere_Preview"}, [&] {
+    return guarded(state_, {kModul, u"fkt_Aktiviere_Preview"}, [&] {
         Init_FileSystem();
         const auto name = Zeile(zeile).previewName;
         dateien().rename(previewDatei(prevPath, listenname), name + u".ll");
-        modul_.platform().processPendingMessages();
+        state_.platform().processPendingMessages();
         // Without a folder: the viewer is found through the search path.
         const auto befehl = u"llview12.exe \"" + previewDatei(prevPath, name) + u"\"";
         // The row is sought anew: the host may have printed while its messages were processed.
-        Zeile(zeile).prozess = modul_.platform().processes().start(befehl);
+        Zeile(zeile).prozess = state_.platform().processes().start(befehl);
         return true;
     });
 }

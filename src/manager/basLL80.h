@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/DruckFormular.h"
-#include "module/modul.h"
+#include "module/error_rule.h"
 #include "reports/bericht.h"
 
 #include <memory>
@@ -33,7 +33,7 @@ struct Druckzeile {
 /// The module-level job table and the procedures on it, shared by all managers of the process.
 class basLL80 final : public Vorschau {
   public:
-    explicit basLL80(Modul& modul) : modul_(modul) {}
+    explicit basLL80(ComponentState& state) : state_(state) {}
 
     /// A fresh table with the one row 0, which no job uses; every registered row is forgotten, viewers keep
     /// running.
@@ -53,9 +53,9 @@ class basLL80 final : public Vorschau {
 
   private:
     void Init_FileSystem();
-    FileSystem& dateien() { return gesetzt(dateien_); }
+    FileSystem& dateien() { return required(dateien_); }
 
-    Modul& modul_;
+    ComponentState& state_;
     std::optional<std::vector<Druckzeile>> Akt_ArrAllPrints_;
     std::unique_ptr<FileSystem> dateien_;
 };

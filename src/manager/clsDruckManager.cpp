@@ -1,6 +1,7 @@
 #include "manager/clsDruckManager.h"
 
 #include "engine/clsDruckFormular.h"
+#include "module/error_rule.h"
 #include "values/conversion.h"
 
 namespace kvtdruck {
@@ -47,7 +48,7 @@ std::span<const Launcher> alleLauncher() {
 }
 
 bool clsDruckManager::fkt_Init(const ObjectRef& pADOCon) {
-    return abgesichert(modul_, {kKlasse, u"fkt_Init"}, [&] {
+    return guarded(state_, {kKlasse, u"fkt_Init"}, [&] {
         connection_ = pADOCon;
         basLL80_.ErzeugeTabelle();
         return false; // never set to True: hosts know it so
@@ -57,7 +58,7 @@ bool clsDruckManager::fkt_Init(const ObjectRef& pADOCon) {
 // Reports nothing: a failing step is skipped.
 bool clsDruckManager::Terminate_Preview(std::int32_t pParentHwnd) {
     bool ergebnis = true;
-    weiterBeiFehler([&] {
+    skippingErrors([&] {
         for (std::int16_t zeile = 0; zeile < basLL80_.Zeilenzahl(); ++zeile) {
             const auto& druck = basLL80_.Zeile(zeile);
             if (druck.parentHwnd == pParentHwnd)
@@ -70,8 +71,8 @@ bool clsDruckManager::Terminate_Preview(std::int32_t pParentHwnd) {
 bool clsDruckManager::fkt_Drucken(std::int16_t pPrintMode, double pFnr, const ObjectRef& pParArray,
                                   StringView pApppath, StringView pListenname, bool pDruckmitDruckerauswahl,
                                   std::int32_t pParentHwnd, std::int16_t pSelmoraFuer) {
-    return abgesichert(modul_, {kKlasse, u"fkt_Drucken"}, [&] {
-        modul_.pSelmoraFuer = pSelmoraFuer;
+    return guarded(state_, {kKlasse, u"fkt_Drucken"}, [&] {
+        state_.pSelmoraFuer = pSelmoraFuer;
         if (!Lese_Allgemeine_Firmendaten(pFnr))
             return false;
         // The request's own: a host that prints again while its messages are processed changes none of them.
@@ -82,7 +83,7 @@ bool clsDruckManager::fkt_Drucken(std::int16_t pPrintMode, double pFnr, const Ob
         if (!fkt_Registriere_Druckauftrag(pPrintMode, listenname, pParentHwnd, prevPath))
             return false;
         if (pPrintMode == kVorschau)
-            gesetzt(basLL80_.Zeile(aktZeile_).formular).LlPreviewSetTempPath(prevPath);
+            required(basLL80_.Zeile(aktZeile_).formular).LlPreviewSetTempPath(prevPath);
         for (const auto& launcher : kLauncher) {
             if (launcher.listenname == listenname)
                 return Starte(launcher, {pPrintMode, pFnr, connection_, firma, nullptr, listenPath, listenname,
@@ -93,27 +94,27 @@ bool clsDruckManager::fkt_Drucken(std::int16_t pPrintMode, double pFnr, const Ob
 }
 
 bool clsDruckManager::Starte(const Launcher& launcher, Druckauftrag auftrag) {
-    return abgesichert(modul_, {kKlasse, launcher.prozedur}, [&] {
+    return guarded(state_, {kKlasse, launcher.prozedur}, [&] {
         // Held here as well: the window's next job may replace the row's adapter while this one runs.
         const auto formular = basLL80_.Zeile(aktZeile_).formular;
         auftrag.pDrFormDll = formular.get();
-        return launcher.bericht({modul_, basLL80_}, std::move(auftrag))->fkt_Drucken();
+        return launcher.bericht({state_, basLL80_}, std::move(auftrag))->fkt_Drucken();
     });
 }
 
 bool clsDruckManager::Lese_Allgemeine_Firmendaten(double pFnr) {
-    const Prozedur prozedur{kKlasse, u"Lese_Allgemeine_Firmendaten"};
-    return abgesichert(modul_, prozedur, [&] {
-        firma_ = modul_.kvtzug().create(clsZugFirmaAllg);
-        FirmaAllg firma(modul_, firma_);
+    const Procedure prozedur{kKlasse, u"Lese_Allgemeine_Firmendaten"};
+    return guarded(state_, prozedur, [&] {
+        firma_ = state_.dataLibrary().create(clsZugFirmaAllg);
+        FirmaAllg firma(state_, firma_);
         if (!firma.Verbinde(connection_)) {
-            modul_.melde(prozedur, u"Die allgemeinen Firmendaten konnten nicht gelesen werden");
+            state_.report(prozedur, u"Die allgemeinen Firmendaten konnten nicht gelesen werden");
             return false;
         }
         if (firma.LeseFirmaAllg(pFnr))
             return true;
-        modul_.melde(prozedur, u"Die allgemeinen Firmendaten für die Firma " + textOf(pFnr, modul_.locale()) +
-                                   u" sind nicht vorhanden.");
+        state_.report(prozedur, u"Die allgemeinen Firmendaten für die Firma " + textOf(pFnr, state_.locale()) +
+                                    u" sind nicht vorhanden.");
         return false;
     });
 }
@@ -121,10 +122,10 @@ bool clsDruckManager::Lese_Allgemeine_Firmendaten(double pFnr) {
 bool clsDruckManager::fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname,
                                                    std::int32_t pParentHwnd, StringView pPrevPath) {
     // Reports under a blank name; the host's error log depends on it.
-    return abgesichert(modul_, {kKlasse, u" "}, [&] {
+    return guarded(state_, {kKlasse, u" "}, [&] {
         aktZeile_ = kKeineZeile;
         aktZeile_ = WaehleZeile(pListenname, pParentHwnd, pPrevPath);
-        const auto formular = std::make_shared<clsDruckFormular>(modul_, formFactory_);
+        const auto formular = std::make_shared<clsDruckFormular>(state_, formFactory_);
         basLL80_.Zeile(aktZeile_).formular = formular;
         formular->fkt_Starte_Form();
 
@@ -133,7 +134,7 @@ bool clsDruckManager::fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, Stri
         druck.listenname = pListenname;
         druck.istPreview = false;
         druck.prozess = 0;
-        druck.previewName = previewName(pListenname, modul_.platform().now(), modul_.locale());
+        druck.previewName = previewName(pListenname, state_.platform().now(), state_.locale());
         druck.prevPath = pPrevPath;
         if (pPrintMode == kVorschau)
             druck.istPreview = true;

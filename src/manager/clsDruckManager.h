@@ -23,11 +23,11 @@ struct Launcher {
 /// All launchers, in the order of comparison.
 std::span<const Launcher> alleLauncher();
 
-/// `modul`, `basLL80` and the form factory outlive the manager.
+/// `state`, `basLL80` and the form factory outlive the manager.
 class clsDruckManager {
   public:
-    clsDruckManager(Modul& modul, basLL80& basLL80, FormFactory& formFactory)
-        : modul_(modul), basLL80_(basLL80), formFactory_(formFactory) {}
+    clsDruckManager(ComponentState& state, basLL80& basLL80, FormFactory& formFactory)
+        : state_(state), basLL80_(basLL80), formFactory_(formFactory) {}
     clsDruckManager(const clsDruckManager&) = delete;
     clsDruckManager& operator=(const clsDruckManager&) = delete;
 
@@ -50,7 +50,7 @@ class clsDruckManager {
     std::int16_t WaehleZeile(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath);
     bool Starte(const Launcher& launcher, Druckauftrag auftrag);
 
-    Modul& modul_;
+    ComponentState& state_;
     basLL80& basLL80_;
     FormFactory& formFactory_;
     ObjectRef connection_;

@@ -21,7 +21,7 @@ constexpr std::int32_t kModusVorschau = 512;
 
 Bericht::Bericht(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse, StringView titel)
     : umgebung_(umgebung), auftrag_(std::move(auftrag)), klasse_(klasse), titel_(titel),
-      firma_(umgebung.modul, auftrag_.pZuDbFnrAllg), parray_(umgebung.modul, auftrag_.parray),
+      firma_(umgebung.state, auftrag_.pZuDbFnrAllg), parray_(umgebung.state, auftrag_.parray),
       layoutdatei_(auftrag_.pListenPath + u"\\" + auftrag_.pListenname) {}
 
 bool Bericht::fkt_Drucken() {
@@ -104,11 +104,11 @@ void Bericht::BeginneDefinitionen() {
 // ------------------------------------------------------------------------------------------------------------
 
 bool Bericht::Prozedurrumpf(StringView name, const std::function<bool()>& rumpf) {
-    return abgesichert(modul(), {klasse_, name}, rumpf);
+    return guarded(state(), {klasse_, name}, rumpf);
 }
 
 void Bericht::Melde(StringView prozedur, StringView text) {
-    modul().melde({klasse_, prozedur}, text);
+    state().report({klasse_, prozedur}, text);
 }
 
 void Bericht::Definiere(Ziel ziel, StringView name, StringView inhalt, std::int32_t typ) {
@@ -122,7 +122,7 @@ void Bericht::Definiere(Ziel ziel, GebundeneTabelle& tabelle, const Satz& satz) 
 }
 
 String Bericht::Inhalt(const Quelle& quelle, Mitglied& getter, const Satz& satz) {
-    const auto abgerufen = [&] { return gesetzt(satz.leser).wert(getter); };
+    const auto abgerufen = [&] { return required(satz.leser).wert(getter); };
     return std::visit(
         Overloaded{
             [&](const Firmennummer&) { return textOf(auftrag_.pFnr, locale()); },

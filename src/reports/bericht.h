@@ -3,6 +3,7 @@
 
 #include "dataaccess/zugriff.h"
 #include "engine/DruckFormular.h"
+#include "module/error_rule.h"
 #include "reports/tabelle.h"
 
 #include <functional>
@@ -20,7 +21,7 @@ class Vorschau {
 
 /// What a report needs of the component around it; both outlive the report.
 struct Berichtsumgebung {
-    Modul& modul;
+    ComponentState& state;
     Vorschau& vorschau;
 };
 
@@ -82,10 +83,10 @@ class Bericht {
     void DruckeZeile();
     void Melde(StringView prozedur, StringView text);
 
-    Modul& modul() { return umgebung_.modul; }
-    const Locale& locale() { return umgebung_.modul.locale(); }
+    ComponentState& state() { return umgebung_.state; }
+    const Locale& locale() { return umgebung_.state.locale(); }
     const Druckauftrag& auftrag() const { return auftrag_; }
-    DruckFormular& adapter() { return gesetzt(auftrag_.pDrFormDll); }
+    DruckFormular& adapter() { return required(auftrag_.pDrFormDll); }
     FirmaAllg& firma() { return firma_; }
     Parameterfeld& parray() { return parray_; }
     StringView waehrung() const { return waehrung_; }

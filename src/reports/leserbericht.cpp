@@ -30,7 +30,7 @@ bool Leserbericht::OeffneLeser(std::optional<Leser>& leser, const Zugklasse& kla
     return Prozedurrumpf(meldung.prozedur, [&] {
         const bool neu = !leser.has_value();
         if (neu)
-            leser.emplace(modul(), klasse);
+            leser.emplace(state(), klasse);
         if ((!neu || leser->Verbinde(auftrag().pADOCon)) && lese())
             return true;
         Melde(meldung.prozedur, meldung.text);

@@ -1,6 +1,6 @@
 #include "reports/tabelle.h"
 
-#include "module/modul.h"
+#include "module/error_rule.h"
 #include "values/conversion.h"
 
 #include <cmath>
@@ -89,7 +89,7 @@ GebundeneTabelle::GebundeneTabelle(const Tabelle& tabelle, const Zugklasse* klas
 
 String fkt_Datum_Text(const Variant& datum, const Locale& locale) noexcept {
     String text;
-    weiterBeiFehler([&] {
+    skippingErrors([&] {
         if (datum.isNull() || equals(datum, 0.0, locale))
             return;
         const auto tag = coerced(datum, ValueType::Date, locale).as<Date>()->days;

@@ -1,6 +1,6 @@
 #include "catalog/report_catalog.h"
+#include "catalog/usage_error.h"
 #include "cli/report_list.h"
-#include "cli/usage_error.h"
 
 #include "cli/program.h"
 #include "manager/clsDruckManager.h"
@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 namespace {
 
 using enum Selection;
@@ -91,11 +91,11 @@ TEST(ReportCatalog, ListNamesAreExactAndTheNearestIsFound) {
 }
 
 TEST(ReportList, NamesEveryReportAndItsSelections) {
-    const auto text = describeReports();
+    const auto text = cli::describeReports();
     for (const auto& report : reports())
         EXPECT_THAT(text, ::testing::HasSubstr(std::string(report.listName) + " "));
     EXPECT_THAT(text, ::testing::HasSubstr("--jahr --konto-von --konto-bis --monat\n"));
-    EXPECT_THAT(describeReport(*findReport("GemeinK")), ::testing::HasSubstr("ein Jahr (nötig)"));
+    EXPECT_THAT(cli::describeReport(*findReport("GemeinK")), ::testing::HasSubstr("ein Jahr (nötig)"));
 }
 
 TEST(ReportList, DocumentationHasEveryColumn) {
@@ -146,4 +146,4 @@ TEST_F(ParameterArrayTest, ForeignCellsAndMembersAreRunTimeErrors) {
 }
 
 } // namespace
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

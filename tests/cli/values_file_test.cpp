@@ -5,18 +5,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 namespace {
 
-const Report& bilanz() {
+const ReportEntry& bilanz() {
     return *findReport("Bilanz");
 }
 
-std::shared_ptr<ParameterArray> parse(std::string_view text, const Report& report = bilanz()) {
+std::shared_ptr<ParameterArray> parse(std::string_view text, const ReportEntry& report = bilanz()) {
     return parseValues(report, text, "w.csv");
 }
 
-std::string errorOf(std::string_view text, const Report& report = bilanz()) {
+std::string errorOf(std::string_view text, const ReportEntry& report = bilanz()) {
     try {
         parse(text, report);
     } catch (const ValuesError& error) {
@@ -124,4 +124,4 @@ INSTANTIATE_TEST_SUITE_P(All, SampleValues,
                          ::testing::Values("Bilanz", "BsEMa", "BsEStd", "BsEGes", "KalkW", "WasWenn", "UmsatzHW"));
 
 } // namespace
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog

@@ -37,23 +37,26 @@ Ref<AdoConnection> adoConnection() {
 
 /// A request for a report of the sample company, and how the command line is asked for the same.
 struct Request {
-    std::shared_ptr<cli::ParameterArray> array;
+    std::shared_ptr<catalog::ParameterArray> array;
     std::string options;
 };
 
-Request requestFor(const cli::Report& report) {
+Request requestFor(const catalog::ReportEntry& report) {
     if (report.isFedByValues()) {
         const auto file = "werte/" + std::string(report.listName) + ".csv";
-        return {cli::readValues(report, std::filesystem::path(setting(L"KVT_DEMO")) / file), " --werte " + file};
+        return {catalog::readValues(report, std::filesystem::path(setting(L"KVT_DEMO")) / file),
+                " --werte " + file};
     }
-    const auto hasToBeGiven = [](const cli::Cell& cell) { return cell.kind == cli::Cell::Kind::MustBeGiven; };
+    const auto hasToBeGiven = [](const catalog::Cell& cell) {
+        return cell.kind == catalog::Cell::Kind::MustBeGiven;
+    };
     if (std::ranges::none_of(report.cells, hasToBeGiven))
-        return {cli::parameterArray(report, {}), ""};
-    return {cli::parameterArray(report, {{cli::Selection::Year, 2024}, {cli::Selection::Month, 3}}),
+        return {catalog::parameterArray(report, {}), ""};
+    return {catalog::parameterArray(report, {{catalog::Selection::Year, 2024}, {catalog::Selection::Month, 3}}),
             " --jahr 2024 --monat 3"};
 }
 
-Ref<IDispatch> comArray(cli::ParameterArray& cells) {
+Ref<IDispatch> comArray(catalog::ParameterArray& cells) {
     auto copy = newArray(static_cast<long>(cells.rows()), static_cast<long>(cells.columns()));
     for (std::size_t row = 0; row < cells.rows(); ++row)
         for (std::size_t column = 0; column < cells.columns(); ++column) {
@@ -64,7 +67,8 @@ Ref<IDispatch> comArray(cli::ParameterArray& cells) {
     return copy;
 }
 
-class EveryReport : public HostTest, public testing::WithParamInterface<std::tuple<const cli::Report*, Mode>> {
+class EveryReport : public HostTest,
+                    public testing::WithParamInterface<std::tuple<const catalog::ReportEntry*, Mode>> {
   protected:
     /// Leaves what makes the command line do the same.
     void noteCommand(const std::string& options) const {
@@ -94,9 +98,9 @@ TEST_P(EveryReport, WithAConnectionOfAdo) {
     EXPECT_EQ(worker->Terminate_Preview(&window, &result), S_OK);
 }
 
-std::vector<const cli::Report*> everyReport() {
-    std::vector<const cli::Report*> all;
-    for (const auto& report : cli::reports())
+std::vector<const catalog::ReportEntry*> everyReport() {
+    std::vector<const catalog::ReportEntry*> all;
+    for (const auto& report : catalog::reports())
         all.push_back(&report);
     return all;
 }

@@ -147,7 +147,7 @@ class FakeFehler final : public clsFehler {
     World& world_;
 };
 
-class FakeFehlerFactory final : public FehlerFactory {
+class FakeFehlerFactory final : public ErrorReportFactory {
   public:
     explicit FakeFehlerFactory(World& world) : world_(world) {}
     std::unique_ptr<clsFehler> create() override {

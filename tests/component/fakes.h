@@ -79,7 +79,7 @@ class Array : public Object {
 };
 
 /// The whole host: engine, data access, files, processes, clock, error log.
-class World final : public Platform, public Kvtzug {
+class World final : public Platform, public DataLibrary {
   public:
     Outside outside;
     Locale userLocale = germanLocale();
@@ -110,10 +110,10 @@ class World final : public Platform, public Kvtzug {
     void processPendingMessages() override;
     Date now() override { return clock; }
     const Locale& locale() override { return userLocale; }
-    // Kvtzug
+    // DataLibrary
     ObjectRef create(StringView className) override;
 
-    FehlerFactory& fehler() { return *fehler_; }
+    ErrorReportFactory& fehler() { return *fehler_; }
     FormFactory& forms() { return *forms_; }
 
     /// The results scripted for an operation's calls, counted over the world's life.
@@ -123,7 +123,7 @@ class World final : public Platform, public Kvtzug {
   private:
     std::map<Operation, int> counts_;
     std::unique_ptr<Processes> processes_;
-    std::unique_ptr<FehlerFactory> fehler_;
+    std::unique_ptr<ErrorReportFactory> fehler_;
     std::unique_ptr<FormFactory> forms_;
 };
 

@@ -56,9 +56,9 @@ class Host {
     }
 
     World world;
-    Modul modul{world, world, world.fehler()};
-    basLL80 jobs{modul};
-    clsDruckManager manager{modul, jobs, world.forms()};
+    ComponentState state{world, world, world.fehler()};
+    basLL80 jobs{state};
+    clsDruckManager manager{state, jobs, world.forms()};
 };
 
 /// A run-time error as the host's log gets it.

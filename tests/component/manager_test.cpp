@@ -82,7 +82,7 @@ TEST_F(Manager, InitForgetsEveryRow) {
 }
 
 TEST_F(Manager, ManagersShareTheTable) {
-    clsDruckManager other(host.modul, host.jobs, host.world.forms());
+    clsDruckManager other(host.state, host.jobs, host.world.forms());
     preview();
     EXPECT_TRUE(other.Terminate_Preview(kWindow));
     EXPECT_THAT(host.world.ended, ElementsAre(1001));
@@ -116,7 +116,7 @@ TEST_F(Manager, ACompanyThatCannotBeConnectedIsReported) {
 TEST_F(Manager, TheProductModeIsKeptBeforeAnythingElse) {
     host.world.readers["clsZugFirmaAllg"].answers[u"Verbinde"] = false;
     host.print({.array = allYears(), .productMode = 9});
-    EXPECT_EQ(host.modul.pSelmoraFuer, 9);
+    EXPECT_EQ(host.state.pSelmoraFuer, 9);
 }
 
 TEST_F(Manager, WithoutInitTheRegistrationFailsUnderABlankName) {
@@ -368,7 +368,7 @@ class Adapter : public ::testing::Test {
     std::string lastCall() { return world().engineCalls.back(); }
 
     Host host;
-    clsDruckFormular adapter{host.modul, host.world.forms()};
+    clsDruckFormular adapter{host.state, host.world.forms()};
 };
 
 Report engineError(int code, const std::string& operation) {
@@ -531,7 +531,7 @@ TEST_F(Adapter, WithoutAFormEverythingSucceeds) {
 }
 
 TEST_F(Adapter, AFormThatCannotBeLoadedIsReported) {
-    clsDruckFormular other(host.modul, world().forms());
+    clsDruckFormular other(host.state, world().forms());
     world().outside.failAt = world().outside.calls.size();
     EXPECT_EQ(other.fkt_Starte_Form(), Variant(false));
     EXPECT_THAT(world().reports, ElementsAre(injected("clsDruckFormular", "fkt_Starte_Form")));
@@ -560,7 +560,7 @@ TEST_F(Adapter, AFailingRemovalIsReportedUnderAnotherName) {
 TEST_F(Adapter, TheFormGoesWithTheAdapter) {
     const auto live = world().outside.live;
     {
-        clsDruckFormular other(host.modul, world().forms());
+        clsDruckFormular other(host.state, world().forms());
         other.fkt_Starte_Form();
         EXPECT_EQ(world().outside.live, live + 1);
     }

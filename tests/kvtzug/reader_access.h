@@ -11,9 +11,10 @@ namespace kvtdruck::test {
 
 class ReaderAccess {
   public:
-    ReaderAccess(Kvtzug& library, StringView className) : object_(library.create(className)) {}
+    ReaderAccess(DataLibrary& library, StringView className) : object_(library.create(className)) {}
     /// Created and connected.
-    ReaderAccess(Kvtzug& library, StringView className, StringView connectionString, std::int16_t productMode = 0)
+    ReaderAccess(DataLibrary& library, StringView className, StringView connectionString,
+                 std::int16_t productMode = 0)
         : ReaderAccess(library, className) {
         call(u"Verbinde", {ObjectRef(std::make_shared<OdbcConnection>(String(connectionString))), productMode});
     }

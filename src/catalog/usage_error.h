@@ -1,9 +1,9 @@
-// A call of the program that makes no sense.
+// A request that makes no sense.
 #pragma once
 
 #include <stdexcept>
 
-namespace kvtdruck::cli {
+namespace kvtdruck::catalog {
 
 /// The user has asked for something in a wrong way; the text is German, UTF-8.
 class UsageError : public std::runtime_error {
@@ -11,4 +11,4 @@ class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-} // namespace kvtdruck::cli
+} // namespace kvtdruck::catalog
