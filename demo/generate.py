@@ -577,8 +577,8 @@ def figures(actual):
     return result
 
 
-OVERVIEW = [("Umsatz", "sales"), ("Material", "material"), ("Produktive Löhne", "wages"),
-            ("Deckungsbeitrag", "margin"), ("Unproduktive Löhne und Gehälter", "unproductive"),
+OVERVIEW = [("Umsatz", "sales"), ("Material", "material"), ("Produktive Lohnkosten", "wages"),
+            ("Deckungsbeitrag", "margin"), ("Unproduktive Lohnkosten", "unproductive"),
             ("Gemeinkosten", "overheads"), ("Betriebsergebnis", "operating"),
             ("Kalkulatorische Kosten", "imputed"), ("Kalkulatorisches Ergebnis", "result")]
 
@@ -623,7 +623,7 @@ def write_arrays():
     per_hour[0] |= period
     write_array("BsEStd", columns, per_hour)
 
-    whole = [overview_row("Verrechenbare Stunden", target["hours"], actual["hours"], 100, 100)]
+    whole = [overview_row("Berechenbare Stunden", target["hours"], actual["hours"], 100, 100)]
     whole += [overview_row(text, target[key], actual[key], share(target, key), share(actual, key))
               for text, key in OVERVIEW]
     whole[0] |= period

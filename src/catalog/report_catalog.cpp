@@ -74,7 +74,7 @@ constexpr std::array kBilanz{
     ValueColumn{5, "ZinsFK", First, "Zinsen auf Fremdkapital"},
     ValueColumn{6, "Bilanz", First, "Bilanzsumme"},
     ValueColumn{7, "Abschr", First, "Abschreibungen"},
-    ValueColumn{8, "Rueckst", First, "Rückstellungen"},
+    ValueColumn{8, "Rueckst", First, "Rückstellungen (im Fremdkapital enthalten)"},
     ValueColumn{9, "FK", First, "Fremdkapital"},
     ValueColumn{10, "LFK", First, "langfristiges Fremdkapital"},
     ValueColumn{11, "Anlage", First, "Anlagevermögen"},

@@ -22,8 +22,10 @@ SVG = "{http://www.w3.org/2000/svg}"
 LAYER = "{http://www.inkscape.org/namespaces/inkscape}label"
 # Bands that show sums, or values of more than one record.
 OTHER_BANDS = ("Gruppenkopf", "Gruppenfuß", "Summe", "Übertrag", "Vortrag", "Seitenfuß", "Feldliste")
-# Conditions that are understood here: none, or one name that equals a text or a number, or does not.
-CONDITION = re.compile(r"(?:(\w+) (=|<>) (?:'([^']*)'|(\d+)))?")
+# Conditions that are understood here: none, or one name that equals a text, a number or another name, or does not.
+CONDITION = re.compile(r"(?:(\w+) (=|<>) (?:'([^']*)'|(\d+)|([A-Za-z]\w*)))?")
+MONTHS = ("Januar", "Februar", "März", "April", "Mai", "Juni", "Juli", "August", "September", "Oktober", "November",
+          "Dezember")
 ENGINE_NAMES = {"Seite", "Seiten", "Druckdatum", "Seitenzeile", "Zeile"}
 
 
@@ -35,6 +37,8 @@ def german(text, pattern):
     """A value as a pattern shows it."""
     if not pattern or not re.fullmatch(r"-?\d+(,\d+)?", text):
         return text
+    if pattern in ("MMM", "MMMM"):
+        return MONTHS[int(text) - 1][:3 if pattern == "MMM" else None]
     number = decimal.Decimal(text.replace(",", "."))
     parts = pattern.split(";")
     part = parts[0]
@@ -104,8 +108,9 @@ def grouped(texts):
 
 def filled(field, values):
     """The text that a field shows of a record; empty where its condition does not hold."""
-    text, (name, comparison, word, figure) = field
-    if name and (values.get(name, "") == (word or figure or "")) != (comparison == "="):
+    text, (name, comparison, word, figure, other) = field
+    wanted = values.get(other, "") if other else word or figure or ""
+    if name and (values.get(name, "") == wanted) != (comparison == "="):
         return ""
     shown = re.sub(r"{{(\w+)(?:\|([^}]*))?}}", lambda found: german(values.get(found[1], ""), found[2]), text)
     return re.sub(r"\s+", " ", shown).strip()

@@ -133,6 +133,15 @@ TEST(DatePattern, ShowsPartsOfADate) {
     EXPECT_EQ(formattedDate(u"29.02.2000", u"dddd"), "Dienstag");
 }
 
+TEST(DatePattern, NamesTheMonthOfANumber) {
+    EXPECT_EQ(formattedDate(u"3", u"MMMM"), "März");
+    EXPECT_EQ(formattedDate(u"12", u"MMM"), "Dez");
+    EXPECT_EQ(formattedDate(u"07.03.2024", u"MMMM"), "März");
+    for (const StringView text : {u"0", u"13", u"1,5", u"-1"})
+        EXPECT_EQ(formattedDate(text, u"MMMM"), toUtf8(text));
+    EXPECT_EQ(formattedDate(u"3", u"d. MMMM"), "3");
+}
+
 TEST(DatePattern, LeavesAloneWhatIsNoDate) {
     for (const StringView text :
          {u"", u"unbekannt", u"31.13.2024", u"00:00:00", u"1.2", u"1.2.3.4.5.6.7", u"99999.1.1"})

@@ -347,6 +347,16 @@ std::optional<Calendar> calendarOf(StringView text) {
     return date;
 }
 
+/// The month that a number from 1 to 12 stands for.
+std::optional<Calendar> monthOf(StringView text) {
+    const Number number = Number::parse(text);
+    if (!number.isNumber() || number.scale != 0 || number.digits < 1 || number.digits > 12)
+        return std::nullopt;
+    Calendar month;
+    month.month = static_cast<int>(number.digits);
+    return month;
+}
+
 void appendPadded(int value, std::size_t width, String& out) {
     const String digits = decimal(value);
     out.append(width > digits.size() ? width - digits.size() : 0, u'0');
@@ -365,7 +375,9 @@ void DatePattern::append(StringView date, String& out) const {
                                                            u"September", u"Oktober", u"November", u"Dezember"};
     static constexpr std::array<StringView, 7> kDays = {u"Sonntag",    u"Montag",  u"Dienstag", u"Mittwoch",
                                                         u"Donnerstag", u"Freitag", u"Samstag"};
-    const auto found = calendarOf(date);
+    auto found = calendarOf(date);
+    if (!found && pattern_.find_first_not_of(u'M') == String::npos)
+        found = monthOf(date);
     if (!found) {
         out += date;
         return;

@@ -61,7 +61,8 @@ class DatePattern {
     explicit DatePattern(StringView pattern) : pattern_(pattern) {}
     /// Whether `pattern` asks for a date rather than a number.
     static bool describes(StringView pattern);
-    /// `date` as "dd.MM.yyyy" with or without a time; anything else is appended as it is.
+    /// `date` as "dd.MM.yyyy" with or without a time; for a pattern of M alone a number from 1 to 12 is a month as
+    /// well. Anything else is appended as it is.
     void append(StringView date, String& out) const;
 
   private:
