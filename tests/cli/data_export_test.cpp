@@ -190,6 +190,31 @@ TEST_F(DataExportTest, ANewFieldBeginsNewNames) {
                 HasSubstr("Felder;\"A\"\r\nF;\"1\"\r\nFelder;\"A\";\"B\"\r\nF;\"1\";\"2\"\r\n"));
 }
 
+TEST_F(DataExportTest, JobsThatShareAFileGoOnInIt) {
+    options.format = DataFormat::Json;
+    JobPlace place{true, {}};
+    options.place = &place;
+    printSample();
+    EXPECT_FALSE(std::filesystem::exists(options.output)) << "it is not complete yet";
+    form = factory->create();
+    place.more = false;
+    printSample();
+    const auto years = testing::run({"jq", "-c", "[.abschnitte[].variablen.Jahr]"}, {}, readFile(options.output));
+    EXPECT_EQ(years.output, "[2023,2024,2023,2024]\n") << years.errors;
+    EXPECT_THAT(filesLeft(), ElementsAre("daten"));
+}
+
+TEST_F(DataExportTest, AFailedJobDropsTheSharedFile) {
+    JobPlace place{true, {}};
+    options.place = &place;
+    printSample();
+    form = factory->create();
+    ASSERT_EQ(start(), kEngineSuccess);
+    EXPECT_EQ(control().call(Operation::PrintEnd), kEngineSuccess);
+    form.reset();
+    EXPECT_THAT(filesLeft(), ElementsAre());
+}
+
 TEST_F(DataExportTest, OperationsOutsideOfAJobAreErrors) {
     EXPECT_EQ(record(), kWrongOrder);
     EXPECT_EQ(control().call(Operation::LlDefineLayout, {WindowHandle{}, u"Titel", kList, u"Layout"}), kNotOffered);

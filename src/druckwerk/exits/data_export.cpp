@@ -48,17 +48,17 @@ class Definitions {
     bool isNew_ = false;
 };
 
-/// The file of a job: written beside its place and moved there when it is complete. A device or a pipe is written
-/// at once, and a link stays one.
-class Job {
+/// The file of a job, or of several that share it: written beside its place and moved there when it is complete. A
+/// device or a pipe is written at once, and a link stays one.
+class OpenFile {
   public:
-    explicit Job(const DataExportOptions& options)
+    explicit OpenFile(const DataExportOptions& options)
         : target_(std::filesystem::weakly_canonical(options.output)), atOnce_(isDevice(target_)),
           unfinished_(atOnce_ ? target_.string() : target_.string() + ".unfertig-" + std::to_string(::getpid())),
           writer_(openWriter(options.format, unfinished_, options.locale, options.warn)) {}
-    Job(const Job&) = delete;
-    Job& operator=(const Job&) = delete;
-    ~Job() {
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile() {
         writer_.reset();
         std::error_code ignored;
         if (!atOnce_)
@@ -83,9 +83,22 @@ class Job {
     std::unique_ptr<RecordWriter> writer_;
 };
 
+} // namespace
+
+/// The file that jobs write into, while it is open.
+struct DataFile {
+    std::optional<OpenFile> open;
+};
+
+namespace {
+
 class DataExport final : public Control {
   public:
-    explicit DataExport(std::shared_ptr<const DataExportOptions> options) : options_(std::move(options)) {}
+    DataExport(std::shared_ptr<const DataExportOptions> options, std::shared_ptr<DataFile> file)
+        : options_(std::move(options)), file_(std::move(file)) {}
+    DataExport(const DataExport&) = delete;
+    DataExport& operator=(const DataExport&) = delete;
+    ~DataExport() override { drop(); } // a report that stopped on an error leaves its job behind
 
     std::int32_t call(Operation operation, std::span<const Argument> arguments) override {
         switch (operation) {
@@ -118,7 +131,7 @@ class DataExport final : public Control {
         case Operation::LlPrintEnd:
             return inJob([&] { finish(); });
         case Operation::PrintEnd:
-            job_.reset();
+            drop();
             return kEngineSuccess;
         default:
             return report(
@@ -136,18 +149,26 @@ class DataExport final : public Control {
     }
 
     void start() {
-        job_.reset();
+        drop();
         failed_ = false;
         variablesChanged_ = true;
-        job_.emplace(*options_);
+        if (!file_->open)
+            file_->open.emplace(*options_);
+        inJob_ = true;
+    }
+
+    void drop() {
+        if (inJob_)
+            file_->open.reset();
+        inJob_ = false;
     }
 
     void writeRecord() {
         if (variablesChanged_)
-            job_->writer().variables(variables_.values());
+            file_->open->writer().variables(variables_.values());
         variablesChanged_ = false;
         if (!fields_.values().empty())
-            job_->writer().record(fields_.values());
+            file_->open->writer().record(fields_.values());
     }
 
     void showProgress(std::span<const Argument> arguments) const {
@@ -157,8 +178,11 @@ class DataExport final : public Control {
     }
 
     void finish() {
-        job_->finish();
-        job_.reset();
+        if (!options_->place || !options_->place->more) {
+            file_->open->finish();
+            file_->open.reset();
+        }
+        inJob_ = false;
     }
 
     /// The result of a step of an open job. The rest of a job that has failed is answered like a cancelled one, so
@@ -167,7 +191,7 @@ class DataExport final : public Control {
     std::int32_t inJob(Step&& step) {
         if (failed_ || (options_->cancelled && *options_->cancelled))
             return kEngineCancelled;
-        if (!job_)
+        if (!inJob_)
             return report({kWrongOrder, "Es ist kein Druckauftrag offen."});
         return guarded(step);
     }
@@ -186,7 +210,7 @@ class DataExport final : public Control {
 
     /// A job that could not write once writes no more; its file is dropped.
     std::int32_t outputFailed(const std::string& reason) {
-        job_.reset();
+        drop();
         failed_ = true;
         return report({kOutputFailed, options_->output.string() + " kann nicht geschrieben werden: " + reason});
     }
@@ -202,12 +226,14 @@ class DataExport final : public Control {
     Definitions fields_;
     bool variablesChanged_ = true;
     bool failed_ = false;
-    std::optional<Job> job_;
+    std::shared_ptr<DataFile> file_;
+    bool inJob_ = false;
 };
 
 class DataExportForm final : public Form {
   public:
-    explicit DataExportForm(std::shared_ptr<const DataExportOptions> options) : control_(std::move(options)) {}
+    DataExportForm(std::shared_ptr<const DataExportOptions> options, std::shared_ptr<DataFile> file)
+        : control_(std::move(options), std::move(file)) {}
     Control& ll60() override { return control_; }
     WindowHandle hWnd() override { return {}; }
     bool visible() override { return false; }
@@ -220,10 +246,11 @@ class DataExportForm final : public Form {
 } // namespace
 
 DataExportFormFactory::DataExportFormFactory(DataExportOptions options)
-    : options_(std::make_shared<const DataExportOptions>(std::move(options))) {}
+    : options_(std::make_shared<const DataExportOptions>(std::move(options))), file_(std::make_shared<DataFile>()) {
+}
 
 std::unique_ptr<Form> DataExportFormFactory::create() {
-    return std::make_unique<DataExportForm>(options_);
+    return std::make_unique<DataExportForm>(options_, file_);
 }
 
 } // namespace kvtdruck::druckwerk

@@ -28,10 +28,16 @@ struct DataExportOptions {
     std::function<void(const Progress&)> progress;
     /// Set from anywhere to cancel the job in hand.
     const std::atomic<bool>* cancelled = nullptr;
+    /// The place of the job in hand: whether another one's records follow in the same file. Without it every job
+    /// makes a file of its own.
+    const JobPlace* place = nullptr;
 };
 
+struct DataFile;
+
 /// Makes forms that carry the data control. They have no window. The output file appears, complete, when a job has
-/// ended well; a job that was cancelled or has failed leaves the file that was there before.
+/// ended well; a job that was cancelled or has failed leaves the file that was there before. Jobs of one factory
+/// may share the file; when one of them fails, the file is dropped.
 class DataExportFormFactory final : public FormFactory {
   public:
     explicit DataExportFormFactory(DataExportOptions options);
@@ -39,6 +45,7 @@ class DataExportFormFactory final : public FormFactory {
 
   private:
     std::shared_ptr<const DataExportOptions> options_;
+    std::shared_ptr<DataFile> file_;
 };
 
 } // namespace kvtdruck::druckwerk
