@@ -76,13 +76,41 @@ struct Job {
     std::filesystem::path objectName;
     bool preview = false;
     bool failed = false;
-    std::optional<Layout> layout;            ///< until the first page
-    std::unique_ptr<TemporaryFolder> folder; ///< for a document that goes to a printer
+    std::optional<Layout> layout; ///< until the first page
     std::filesystem::path output;
     std::unique_ptr<PrintJob> print; ///< from the first page on
 };
 
 } // namespace
+
+class OpenDocument {
+  public:
+    bool isOpen() const { return pdf_.has_value(); }
+    PdfDocument& pdf() { return *pdf_; }
+    /// Whether it goes to a printer: then it lies in a temporary folder.
+    bool isForPrinter() const { return folder_ != nullptr; }
+    const std::filesystem::path& file() const { return file_; }
+    const DocumentInfo& info() const { return info_; }
+
+    void open(const std::filesystem::path& file, std::unique_ptr<TemporaryFolder> folder, DocumentInfo info,
+              const FontLibrary::Warn& warn) {
+        drop();
+        folder_ = std::move(folder);
+        file_ = file;
+        info_ = std::move(info);
+        pdf_.emplace(file_, warn);
+    }
+    void drop() {
+        pdf_.reset();
+        folder_.reset();
+    }
+
+  private:
+    std::unique_ptr<TemporaryFolder> folder_;
+    std::filesystem::path file_;
+    DocumentInfo info_;
+    std::optional<PdfDocument> pdf_;
+};
 
 std::filesystem::path nativePath(StringView path) {
     std::string native = toUtf8(path);
@@ -97,7 +125,12 @@ std::filesystem::path layoutFile(StringView objectName) {
 /// The state behind the control: definitions, and the print job where there is one.
 class Druckwerk::Engine {
   public:
-    explicit Engine(std::shared_ptr<const Options> options) : options_(std::move(options)) {}
+    Engine(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)
+        : options_(std::move(options)),
+          document_(document ? std::move(document) : std::make_shared<OpenDocument>()) {}
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    ~Engine() { dropJob(); }
 
     std::int32_t call(Operation operation, std::span<const Argument> arguments) {
         try {
@@ -137,7 +170,7 @@ class Druckwerk::Engine {
         if (job_) { // the rest of the job is answered like a cancelled one, so that it ends without a second
                     // message
             job_->failed = true;
-            job_->print.reset();
+            dropPages();
         }
         return code;
     }
@@ -153,7 +186,13 @@ class Druckwerk::Engine {
     Layout loadLayout(const std::filesystem::path& objectName);
     std::int32_t askForOptions();
     void turnPage();
+    void openDocument();
+    std::vector<String> bookmark() const;
     std::int32_t endJob();
+    std::int32_t finishDocument();
+    void dropPages();
+    void dropJob();
+    bool moreFollows() const { return options_->place != nullptr && options_->place->more; }
     std::int32_t design(std::span<const Argument> arguments);
     std::int32_t deletePreview(std::span<const Argument> arguments) const;
     DocumentInfo documentInfo() const;
@@ -162,6 +201,7 @@ class Druckwerk::Engine {
     Definitions definitions_;
     EngineError lastError_;
     std::filesystem::path previewFolder_;
+    std::shared_ptr<OpenDocument> document_;
     std::optional<Job> job_;
     std::set<std::string> warned_;
 };
@@ -198,7 +238,7 @@ std::int32_t Druckwerk::Engine::perform(Operation operation, std::span<const Arg
     case Operation::LlStgsysDrawPage:
         return fail(kNotOffered, "„" + toUtf8(nameOf(operation)) + "“ gibt es in dieser Druckausgabe nicht");
     case Operation::PrintEnd:
-        job_.reset();
+        dropJob();
         return kEngineSuccess;
     default:
         return performPrinting(operation, arguments);
@@ -211,7 +251,7 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
         return fail(kWrongOrder, "„" + toUtf8(nameOf(operation)) + "“ ohne begonnenen Druck");
     if (job_->failed || isCancelled()) {
         if (operation == Operation::LlPrintEnd)
-            job_.reset();
+            dropJob();
         return kEngineCancelled;
     }
     switch (operation) {
@@ -259,7 +299,7 @@ Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& objectName) {
 }
 
 void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
-    job_.reset(); // a report that stopped on an error leaves its job behind
+    dropJob(); // a report that stopped on an error leaves its job behind
     warned_.clear();
     lastError_ = {};
     definitions_.release();
@@ -286,7 +326,7 @@ std::int32_t Druckwerk::Engine::askForOptions() {
     std::string message;
     const std::int32_t code = options_->optionsDialog(request, message);
     if (code == kEngineCancelled)
-        job_.reset();
+        dropJob();
     else if (code != kEngineSuccess)
         return fail(code, message);
     else
@@ -296,18 +336,54 @@ std::int32_t Druckwerk::Engine::askForOptions() {
 
 void Druckwerk::Engine::turnPage() {
     if (!job_->print) {
-        if (job_->output.empty()) {
-            if (!options_->deliver)
-                throw Fault(kOutputFailed, "Für den Druck ist weder eine Datei noch ein Drucker angegeben");
-            job_->folder = newTemporaryFolder();
-            job_->output = job_->folder->path() / (job_->listName + ".pdf");
-        }
-        job_->print = std::make_unique<PrintJob>(std::move(*job_->layout), definitions_, job_->output,
-                                                 job_->objectName.parent_path(), options_->printDate,
+        if (!document_->isOpen())
+            openDocument();
+        job_->print = std::make_unique<PrintJob>(std::move(*job_->layout), definitions_, document_->pdf(),
+                                                 job_->objectName.parent_path(), bookmark(), options_->printDate,
                                                  [this](const std::string& message) { warn(message); });
         job_->layout.reset();
     }
     job_->print->beginPage();
+}
+
+/// A document's file and title are those of its first job.
+void Druckwerk::Engine::openDocument() {
+    auto file = job_->output;
+    std::unique_ptr<TemporaryFolder> folder;
+    if (file.empty()) {
+        if (!options_->deliver)
+            throw Fault(kOutputFailed, "Für den Druck ist weder eine Datei noch ein Drucker angegeben");
+        folder = newTemporaryFolder();
+        file = folder->path() / (job_->listName + ".pdf");
+    }
+    // The document may outlive this engine.
+    const auto warned = std::make_shared<std::set<std::string>>();
+    document_->open(file, std::move(folder), documentInfo(),
+                    [options = options_, warned](const std::string& message) {
+                        if (warned->insert(message).second && options->warn)
+                            options->warn(message);
+                    });
+}
+
+std::vector<String> Druckwerk::Engine::bookmark() const {
+    std::vector<String> path;
+    if (options_->place != nullptr)
+        for (const auto& level : options_->place->bookmark)
+            path.push_back(fromUtf8(level));
+    return path;
+}
+
+/// Takes out what the job has printed. A document that other jobs share keeps their pages.
+void Druckwerk::Engine::dropPages() {
+    job_->print.reset();
+    if (!moreFollows())
+        document_->drop();
+}
+
+void Druckwerk::Engine::dropJob() {
+    if (job_ && job_->print)
+        dropPages();
+    job_.reset();
 }
 
 DocumentInfo Druckwerk::Engine::documentInfo() const {
@@ -319,12 +395,19 @@ DocumentInfo Druckwerk::Engine::documentInfo() const {
 std::int32_t Druckwerk::Engine::endJob() {
     if (!job_->print)
         turnPage();
-    job_->print->finish(documentInfo());
+    job_->print->finish();
+    job_.reset();
+    return moreFollows() ? kEngineSuccess : finishDocument();
+}
+
+std::int32_t Druckwerk::Engine::finishDocument() {
+    document_->pdf().finish(document_->info());
     std::int32_t code = kEngineSuccess;
     std::string message;
-    if (job_->folder)
-        code = options_->deliver({job_->output, toUtf8(documentInfo().title), job_->print->pages()}, message);
-    job_.reset();
+    if (document_->isForPrinter())
+        code = options_->deliver({document_->file(), toUtf8(document_->info().title), document_->pdf().pages()},
+                                 message);
+    document_->drop();
     return code == kEngineSuccess ? code : fail(code, message);
 }
 
@@ -350,8 +433,8 @@ std::int32_t Druckwerk::Engine::deletePreview(std::span<const Argument> argument
     return kEngineSuccess;
 }
 
-Druckwerk::Druckwerk(std::shared_ptr<const Options> options)
-    : engine_(std::make_unique<Engine>(std::move(options))) {}
+Druckwerk::Druckwerk(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)
+    : engine_(std::make_unique<Engine>(std::move(options), std::move(document))) {}
 Druckwerk::~Druckwerk() = default;
 
 std::int32_t Druckwerk::call(Operation operation, std::span<const Argument> arguments) {
@@ -372,7 +455,8 @@ namespace {
 
 class DruckwerkForm final : public Form {
   public:
-    explicit DruckwerkForm(std::shared_ptr<const Options> options) : control_(std::move(options)) {}
+    DruckwerkForm(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)
+        : control_(std::move(options), std::move(document)) {}
     Control& ll60() override { return control_; }
     WindowHandle hWnd() override { return {}; }
     bool visible() override { return false; }
@@ -385,10 +469,10 @@ class DruckwerkForm final : public Form {
 } // namespace
 
 DruckwerkFormFactory::DruckwerkFormFactory(Options options)
-    : options_(std::make_shared<const Options>(std::move(options))) {}
+    : options_(std::make_shared<const Options>(std::move(options))), document_(std::make_shared<OpenDocument>()) {}
 
 std::unique_ptr<Form> DruckwerkFormFactory::create() {
-    return std::make_unique<DruckwerkForm>(options_);
+    return std::make_unique<DruckwerkForm>(options_, document_);
 }
 
 std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known) {

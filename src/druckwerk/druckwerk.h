@@ -81,6 +81,15 @@ struct DesignRequest {
     std::vector<Definition> definitions; ///< in the order in which the report defined them
 };
 
+/// How a job's pages go into a document that several jobs share: one behind the other, with page numbers and an
+/// outline that run through.
+struct JobPlace {
+    /// The next job goes on in the same document, which stays open. Read when a job ends.
+    bool more = false;
+    /// The entries of the outline around the job's own, outermost first. Read when the job's first page begins.
+    std::vector<std::string> bookmark;
+};
+
 /// Surroundings of the engine. Texts are UTF-8; every hook may be empty and is called on the caller's thread.
 struct Options {
     /// The PDF file that a print job writes. Empty: the document goes to `deliver`.
@@ -98,14 +107,22 @@ struct Options {
     std::function<void(const EngineError&)> error;
     /// Set from anywhere (a signal handler) to cancel the job in hand.
     const std::atomic<bool>* cancelled = nullptr;
+    /// The place of the job in hand, which the owner may change from job to job. Without it every job makes a
+    /// document of its own.
+    const JobPlace* place = nullptr;
     PrintDate printDate;
     std::string creator = "KVTDruck";
 };
 
+/// A document that stays open between the jobs that share it. It is dropped, and its file with it, when it was not
+/// finished.
+class OpenDocument;
+
 /// One control of the embedded engine. It holds the variables and fields, and at most one open print job.
 class Druckwerk final : public Control {
   public:
-    explicit Druckwerk(std::shared_ptr<const Options> options);
+    /// Jobs that share a document find it in `document`; without it they can share one within this control only.
+    explicit Druckwerk(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document = {});
     ~Druckwerk() override;
 
     using Control::call;
@@ -121,7 +138,8 @@ class Druckwerk final : public Control {
     std::unique_ptr<Engine> engine_;
 };
 
-/// Makes forms that carry the embedded engine. They have no window.
+/// Makes forms that carry the embedded engine. They have no window. The forms of one factory share the open
+/// document.
 class DruckwerkFormFactory final : public FormFactory {
   public:
     explicit DruckwerkFormFactory(Options options);
@@ -129,6 +147,7 @@ class DruckwerkFormFactory final : public FormFactory {
 
   private:
     std::shared_ptr<const Options> options_;
+    std::shared_ptr<OpenDocument> document_;
 };
 
 /// The file system's path for a path as the component composes it ("\" between its parts).

@@ -55,10 +55,11 @@ std::string drawElements(const Layout& layout, const std::filesystem::path& fold
 
 } // namespace
 
-void embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder) {
-    const std::string pdf = drawElements(layout, layoutFolder);
-    for (const int form : importPages(document.output(), pdf))
-        document.useForm(form);
+int embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder) {
+    const auto source = layoutFolder.string() + '\n' + layout.foreignSource;
+    if (const auto first = document.formsOf(source))
+        return *first;
+    return document.useForms(source, importPages(document.output(), drawElements(layout, layoutFolder)));
 }
 
 } // namespace kvtdruck::druckwerk

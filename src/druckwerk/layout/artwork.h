@@ -5,8 +5,8 @@
 
 namespace kvtdruck::druckwerk {
 
-/// Draws each foreign element of the layout once and makes it a form of the document, in their order. Raises a
-/// Fault where the SVG library refuses one.
-void embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder);
+/// Makes each foreign element of the layout a form of the document, in their order; gives the number of the first.
+/// What a document has of an earlier job is used again. Raises a Fault where the SVG library refuses an element.
+int embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder);
 
 } // namespace kvtdruck::druckwerk

@@ -21,11 +21,13 @@ double heightOf(const std::optional<Band>& band) {
 
 } // namespace
 
-PrintJob::PrintJob(Layout layout, Definitions& definitions, const std::filesystem::path& output,
-                   const std::filesystem::path& layoutFolder, const PrintDate& date, FontLibrary::Warn warn)
+PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
+                   const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
+                   FontLibrary::Warn warn)
     : layout_(std::move(layout)), definitions_(definitions), warn_(warn), printDate_(textOf(date)),
-      document_(output, layout_.width, layout_.height, warn), setter_(document_, std::move(warn)),
-      top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+      document_(document), bookmark_(std::move(bookmark)), begin_(document.mark()),
+      setter_(document_, std::move(warn)), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+    document_.setPageSize(layout_.width, layout_.height);
     double closing = heightOf(layout_.sum);
     for (const Group& group : layout_.groups)
         closing += heightOf(group.foot);
@@ -33,8 +35,13 @@ PrintJob::PrintJob(Layout layout, Definitions& definitions, const std::filesyste
     for (const auto& [fill, stroke] : layout_.opacities)
         document_.useOpacity(fill, stroke);
     if (!layout_.foreignIds.empty())
-        embedArtwork(document_, layout_, layoutFolder);
+        firstForm_ = embedArtwork(document_, layout_, layoutFolder);
     prepareFonts();
+}
+
+PrintJob::~PrintJob() {
+    if (!finished_)
+        document_.dropSince(begin_);
 }
 
 void PrintJob::prepareFonts() {
@@ -63,6 +70,8 @@ void PrintJob::beginPage() {
         closePage();
     }
     document_.beginPage();
+    if (!bookmark_.empty() && document_.mark() == begin_)
+        document_.bookmark(bookmark_, 0);
     definitions_.mark(Moment::PageBegin);
     layout_.aggregates.reset(kPageScope);
     pageOpen_ = true;
@@ -246,12 +255,10 @@ void PrintJob::closeTable() {
     flow(*layout_.sum, Moment::Printed, growth);
 }
 
-void PrintJob::finish(const DocumentInfo& info) {
-    if (!pageOpen_ && document_.pages() == 0)
-        beginPage();
+void PrintJob::finish() {
     if (pageOpen_)
         closePage();
-    document_.finish(info);
+    finished_ = true;
 }
 
 // --- Bands
@@ -312,12 +319,12 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
     } else if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
         drawChart(**chart, now, printDate_, down, canvas, setter_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
-        canvas.draw("/X" + std::to_string(foreign->form) + " Do\n", down);
+        canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
     }
 }
 
 void PrintJob::addBookmark(const Band& band, const Scene& now, double y) {
-    std::vector<String> path;
+    std::vector<String> path = bookmark_;
     for (const TextTemplate& level : band.bookmark)
         level.append(now, printDate_, path.emplace_back());
     document_.bookmark(path, y);

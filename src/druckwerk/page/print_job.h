@@ -9,9 +9,16 @@ namespace kvtdruck::druckwerk {
 
 class PrintJob {
   public:
-    /// The layout must be one that may be printed.
-    PrintJob(Layout layout, Definitions& definitions, const std::filesystem::path& output,
-             const std::filesystem::path& layoutFolder, const PrintDate& date, FontLibrary::Warn warn);
+    /// The layout must be one that may be printed. The job's pages go behind those that `document` has; `bookmark`
+    /// are the entries of the outline around its own, outermost first. Both `document` and `definitions` outlive
+    /// the job.
+    PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
+             const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
+             FontLibrary::Warn warn);
+    PrintJob(const PrintJob&) = delete;
+    PrintJob& operator=(const PrintJob&) = delete;
+    /// A job that has not come to its end takes its pages out again.
+    ~PrintJob();
 
     /// Closes the page in hand and begins the next.
     void beginPage();
@@ -19,8 +26,8 @@ class PrintJob {
     bool printLine();
     /// Prints what closes the table, on a new page where it has to.
     void closeTable();
-    /// Closes the page in hand and completes the file.
-    void finish(const DocumentInfo& info);
+    /// Closes the page in hand: the job's pages stay.
+    void finish();
 
     bool hasPage() const { return pageOpen_; }
     int pages() const { return document_.pages(); }
@@ -54,7 +61,11 @@ class PrintJob {
     Definitions& definitions_;
     FontLibrary::Warn warn_;
     String printDate_;
-    PdfDocument document_;
+    PdfDocument& document_;
+    std::vector<String> bookmark_;
+    PdfDocument::Mark begin_;
+    bool finished_ = false;
+    int firstForm_ = 0;
     TextSetter setter_;
     const double top_;
     const double bottom_;

@@ -10,6 +10,14 @@ std::string reference(int object) {
     return std::to_string(object) + " 0 R";
 }
 
+std::string mediaBox(double width, double height) {
+    std::string entry = "/MediaBox[0 0 ";
+    appendNumber(entry, width);
+    entry += ' ';
+    appendNumber(entry, height);
+    return entry + "]";
+}
+
 std::string pdfDate(const PrintDate& date) {
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "(D:%04d%02d%02d%02d%02d%02d)", date.year, date.month, date.day,
@@ -19,9 +27,28 @@ std::string pdfDate(const PrintDate& date) {
 
 } // namespace
 
-PdfDocument::PdfDocument(const std::filesystem::path& file, double width, double height, FontLibrary::Warn warn)
-    : output_(file), fonts_(output_, warn), canvas_(height), width_(width), warn_(std::move(warn)),
-      root_(output_.allocate()), resources_(output_.allocate()) {}
+PdfDocument::PdfDocument(const std::filesystem::path& file, FontLibrary::Warn warn)
+    : output_(file), fonts_(output_, warn), warn_(std::move(warn)), root_(output_.allocate()),
+      resources_(output_.allocate()) {}
+
+void PdfDocument::setPageSize(double width, double height) {
+    size_ = {width, height};
+    if (pages_ == 0)
+        firstSize_ = size_;
+    canvas_.setHeight(height);
+}
+
+int PdfDocument::useForms(const std::string& source, const std::vector<int>& objects) {
+    const auto first = static_cast<int>(forms_.size());
+    forms_.insert(forms_.end(), objects.begin(), objects.end());
+    sources_.emplace(source, first);
+    return first;
+}
+
+std::optional<int> PdfDocument::formsOf(const std::string& source) const {
+    const auto found = sources_.find(source);
+    return found == sources_.end() ? std::nullopt : std::optional(found->second);
+}
 
 void PdfDocument::beginPage() {
     canvas_.clear();
@@ -50,25 +77,19 @@ void PdfDocument::endPage() {
         contents += reference(lateObject(part.late)) + " ";
     }
     addStream(canvas_.buffer_);
-    if (node_ == 0)
-        node_ = output_.allocate();
-    output_.writeObject(page_, "<</Type/Page/Parent " + reference(node_) + "/Contents[" + contents + "]>>");
+    if (kids_.size() == nodes_.size() * kPagesPerNode)
+        nodes_.push_back(output_.allocate());
+    output_.writeObject(page_, "<</Type/Page/Parent " + reference(nodes_[kids_.size() / kPagesPerNode]) +
+                                   (size_ == firstSize_ ? "" : mediaBox(size_.width, size_.height)) + "/Contents[" +
+                                   contents + "]>>");
     kids_.push_back(page_);
-    if (kids_.size() == kPagesPerNode)
-        closeNode();
 }
 
-void PdfDocument::closeNode() {
-    if (kids_.empty())
-        return;
-    std::string body =
-        "<</Type/Pages/Parent " + reference(root_) + "/Count " + std::to_string(kids_.size()) + "/Kids[";
-    for (const int kid : kids_)
-        body += reference(kid) + " ";
-    output_.writeObject(node_, body + "]>>");
-    nodes_.emplace_back(node_, static_cast<int>(kids_.size()));
-    kids_.clear();
-    node_ = 0;
+void PdfDocument::dropSince(const Mark& mark) {
+    pages_ = static_cast<int>(mark.pages);
+    kids_.resize(mark.pages);
+    bookmarks_.resize(mark.bookmarks);
+    bookmarkPath_.clear();
 }
 
 void PdfDocument::bookmark(const std::vector<String>& path, double y) {
@@ -80,7 +101,7 @@ void PdfDocument::bookmark(const std::vector<String>& path, double y) {
     for (; level < path.size(); ++level) {
         if (bookmarks_.size() == kMaximumBookmarks)
             return warn_("Mehr als " + std::to_string(kMaximumBookmarks) + " Lesezeichen; die weiteren fehlen");
-        bookmarks_.push_back({level, path[level], page_, y});
+        bookmarks_.push_back({level, path[level], page_, canvas_.height() - y});
     }
     bookmarkPath_ = path;
 }
@@ -104,15 +125,19 @@ void PdfDocument::writeLateTexts() {
 }
 
 void PdfDocument::writePageTree() {
-    closeNode();
-    std::string body = "<</Type/Pages/MediaBox[0 0 ";
-    appendNumber(body, width_);
-    body += ' ';
-    appendNumber(body, canvas_.height());
-    body += "]/Resources " + reference(resources_) + "/Count " + std::to_string(pages_) + "/Kids[";
-    for (const auto& [node, count] : nodes_)
-        body += reference(node) + " ";
-    output_.writeObject(root_, body + "]>>");
+    std::string root = "<</Type/Pages" + mediaBox(firstSize_.width, firstSize_.height) + "/Resources " +
+                       reference(resources_) + "/Count " + std::to_string(kids_.size()) + "/Kids[";
+    for (std::size_t first = 0; first < kids_.size(); first += kPagesPerNode) {
+        const std::size_t count = std::min(kPagesPerNode, kids_.size() - first);
+        const int node = nodes_[first / kPagesPerNode];
+        std::string body =
+            "<</Type/Pages/Parent " + reference(root_) + "/Count " + std::to_string(count) + "/Kids[";
+        for (std::size_t i = first; i < first + count; ++i)
+            body += reference(kids_[i]) + " ";
+        output_.writeObject(node, body + "]>>");
+        root += reference(node) + " ";
+    }
+    output_.writeObject(root_, root + "]>>");
 }
 
 void PdfDocument::writeResources() {
@@ -139,7 +164,7 @@ int PdfDocument::writeOutline() {
         const Bookmark& bookmark = bookmarks_[i];
         std::string body = links[i].entries() + "/Title " + pdfText(bookmark.text) + "/Dest[" +
                            reference(bookmark.page) + "/XYZ null ";
-        appendNumber(body, canvas_.height() - bookmark.y);
+        appendNumber(body, bookmark.y);
         output_.writeObject(objects[i], "<<" + body + " null]>>");
     }
     output_.writeObject(objects.back(), "<<" + links.back().entries() + "/Type/Outlines>>");

@@ -6,6 +6,7 @@
 #include "druckwerk/pdf/pdf_output.h"
 #include "druckwerk/text/font.h"
 
+#include <optional>
 #include <set>
 #include <tuple>
 
@@ -25,7 +26,7 @@ struct LateText {
 /// The content of one page.
 class Canvas {
   public:
-    explicit Canvas(double pageHeight) : height_(pageHeight) {}
+    explicit Canvas(double pageHeight = 0) : height_(pageHeight) {}
 
     /// Sets a line of text; `at` is the left end of its baseline.
     void show(const ShapedText& text, Point at, double size, Rgb color);
@@ -44,6 +45,8 @@ class Canvas {
     void strokeLine(Point from, Point to, double width, Rgb color);
 
     double height() const { return height_; }
+    /// The height of the pages to come.
+    void setHeight(double pageHeight) { height_ = pageHeight; }
     bool isEmpty() const { return parts_.empty() && buffer_.empty(); }
     void clear();
 
@@ -90,33 +93,53 @@ struct DocumentInfo {
 /// A PDF document, written to a file that is complete when `finish` is through and is gone otherwise.
 class PdfDocument {
   public:
-    PdfDocument(const std::filesystem::path& file, double width, double height, FontLibrary::Warn warn);
+    PdfDocument(const std::filesystem::path& file, FontLibrary::Warn warn);
 
     PdfOutput& output() { return output_; }
     FontLibrary& fonts() { return fonts_; }
     Canvas& canvas() { return canvas_; }
     int pages() const { return pages_; }
 
+    /// The size of the pages to come, in points. It has to be given before the first page.
+    void setPageSize(double width, double height);
     void beginPage();
     void endPage();
     /// An entry of the outline at height `y` of the page in hand, below the entries of the levels before its own.
     void bookmark(const std::vector<String>& path, double y);
     /// The resource "/O<fill>_<stroke>" (opacities in thousandths).
     void useOpacity(int fill, int stroke) { opacities_.insert({fill, stroke}); }
-    /// Makes the form object `object` the resource "/X<number>".
-    void useForm(int object) { forms_.push_back(object); }
+    /// Makes the form objects `objects` of `source` the resources "/X<number>" and those after it; gives that
+    /// number.
+    int useForms(const std::string& source, const std::vector<int>& objects);
+    /// The number of the first form of `source`, where the document has it.
+    std::optional<int> formsOf(const std::string& source) const;
 
     /// Lets the number of pages be set in `face`.
     void useFace(Face& face) { faces_[face.number()] = &face; }
 
+    /// A state of the document between two pages.
+    struct Mark {
+        std::size_t pages;
+        std::size_t bookmarks;
+        bool operator==(const Mark&) const = default;
+    };
+    Mark mark() const { return {kids_.size(), bookmarks_.size()}; }
+    /// Takes out every page and bookmark since `mark`.
+    void dropSince(const Mark& mark);
+
     void finish(const DocumentInfo& info);
 
   private:
+    struct Size {
+        double width = 0;
+        double height = 0;
+        bool operator==(const Size&) const = default;
+    };
     struct Bookmark {
         std::size_t level;
         String text;
         int page;
-        double y;
+        double y; ///< above the page's lower edge
     };
     /// Where an entry stands in the outline: the objects around it, 0 where there is none.
     struct Links {
@@ -124,11 +147,10 @@ class PdfDocument {
         int count = 0; ///< of the entries below, negative where they begin closed
         std::string entries() const;
     };
-    static constexpr int kPagesPerNode = 64;
+    static constexpr std::size_t kPagesPerNode = 64;
     int lateObject(const LateText& late);
     void writeLateTexts();
     void writePageTree();
-    void closeNode();
     void writeResources();
     int writeOutline();
     std::vector<Links> linkBookmarks(const std::vector<int>& objects) const;
@@ -136,19 +158,20 @@ class PdfDocument {
     PdfOutput output_;
     FontLibrary fonts_;
     Canvas canvas_;
-    double width_;
     FontLibrary::Warn warn_;
+    Size size_;
+    Size firstSize_; ///< what pages have that say nothing else
     int pages_ = 0;
     int root_;
     int resources_;
     int page_ = 0;
-    int node_ = 0;
     std::vector<int> kids_;
-    std::vector<std::pair<int, int>> nodes_;
+    std::vector<int> nodes_; ///< of the page tree, each of `kPagesPerNode` pages
     std::map<LateText, int> late_;
     std::map<int, Face*> faces_;
     std::set<std::pair<int, int>> opacities_;
     std::vector<int> forms_;
+    std::map<std::string, int> sources_; ///< the first form of each source
     std::vector<Bookmark> bookmarks_;
     std::vector<String> bookmarkPath_;
 };
