@@ -5,9 +5,8 @@ form, beside what the layout puts on the same line, records follow one another d
 usage: printed_values.py PROGRAM LAYOUTS DATABASE LIST [OPTION…]
 
 Prints the report with its layout and with the layout as Inkscape saves it, and compares. What the engine was given comes
-from the program's own record of engine calls; numbers are formatted here once more.
+from the program's own record of engine calls; numbers are formatted once more.
 """
-import decimal
 import json
 import os
 import pathlib
@@ -18,47 +17,19 @@ import sys
 import tempfile
 import xml.etree.ElementTree
 
+from german import german
+
 SVG = "{http://www.w3.org/2000/svg}"
 LAYER = "{http://www.inkscape.org/namespaces/inkscape}label"
 # Bands that show sums, or values of more than one record.
 OTHER_BANDS = ("Gruppenkopf", "Gruppenfuß", "Summe", "Übertrag", "Vortrag", "Seitenfuß", "Feldliste")
 # Conditions that are understood here: none, or one name that equals a text, a number or another name, or does not.
 CONDITION = re.compile(r"(?:(\w+) (=|<>) (?:'([^']*)'|(\d+)|([A-Za-z]\w*)))?")
-MONTHS = ("Januar", "Februar", "März", "April", "Mai", "Juni", "Juli", "August", "September", "Oktober", "November",
-          "Dezember")
 ENGINE_NAMES = {"Seite", "Seiten", "Druckdatum", "Seitenzeile", "Zeile"}
 
 
 def fail(text):
     sys.exit(f"{sys.argv[4]}: {text}")
-
-
-def german(text, pattern):
-    """A value as a pattern shows it."""
-    if not pattern or not re.fullmatch(r"-?\d+(,\d+)?", text):
-        return text
-    if pattern in ("MMM", "MMMM"):
-        return MONTHS[int(text) - 1][:3 if pattern == "MMM" else None]
-    number = decimal.Decimal(text.replace(",", "."))
-    parts = pattern.split(";")
-    part = parts[0]
-    sign = "-" if number < 0 and len(parts) < 2 else ""
-    if number < 0 and len(parts) > 1:
-        part = parts[1]
-    if number == 0 and len(parts) > 2:
-        part = parts[2]
-    before, figures, after = re.fullmatch(r"([^#0.,]*)([#0.,]*)(.*)", part).groups()
-    if not figures:
-        return before + after
-    whole, _, places = figures.partition(",")
-    rounded = abs(number).quantize(decimal.Decimal(1).scaleb(-len(places)), decimal.ROUND_HALF_UP)
-    digits, _, fraction = f"{rounded:f}".partition(".")
-    fraction = fraction[:places.count("0")] + fraction[places.count("0"):].rstrip("0")
-    digits = digits.lstrip("0").rjust(whole.count("0"), "0")
-    if "." in whole:
-        digits = re.sub(r"(?<=\d)(?=(\d{3})+$)", ".", digits)
-    sign = sign if rounded else ""
-    return before + sign + digits + ("," + fraction if fraction else "") + after
 
 
 def records_by_page(record):
