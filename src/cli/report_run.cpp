@@ -21,8 +21,8 @@ namespace {
 /// The one window that this host has, as the component counts windows.
 constexpr std::int32_t kWindow = 1;
 
-std::shared_ptr<OdbcConnection> connectionOf(const Options& options) {
-    return std::make_shared<OdbcConnection>(options.connectionString.empty()
+std::shared_ptr<HostConnection> connectionOf(const Options& options) {
+    return std::make_shared<HostConnection>(options.connectionString.empty()
                                                 ? sqliteConnection(fromUtf8(options.database))
                                                 : fromUtf8(options.connectionString));
 }
@@ -165,7 +165,7 @@ class ReportRun {
     std::shared_ptr<catalog::ParameterArray> array_;
     std::filesystem::path folder_;
     PosixPlatform platform_;
-    OdbcKvtzug kvtzug_;
+    ReferenceKvtzug kvtzug_;
     ErrorReports errors_;
     ComponentState state_;
     basLL80 jobs_;
@@ -182,7 +182,7 @@ int runReport(const Options& options, Console& console) {
 
 int listCompanies(const Options& options, Console& console) {
     constexpr Zugklasse companies{u"clsZugFirmen", u"LeseFirmenAlle", {}};
-    OdbcKvtzug kvtzug;
+    ReferenceKvtzug kvtzug;
     PosixPlatform platform(options.locale);
     ErrorReports errors(console);
     ComponentState state(platform, kvtzug, errors);

@@ -13,19 +13,19 @@ constexpr Object::MemberId kConnectionStringId = 1;
 
 } // namespace
 
-Object::MemberId OdbcConnection::idOf(StringView name) {
+Object::MemberId HostConnection::idOf(StringView name) {
     if (!sameName(name, kConnectionString))
         throw RuntimeError(ErrorNumber::MemberNotFound);
     return kConnectionStringId;
 }
 
-Variant OdbcConnection::call(MemberId member, std::span<const Variant>) {
+Variant HostConnection::call(MemberId member, std::span<const Variant>) {
     if (member != kConnectionStringId)
         throw RuntimeError(ErrorNumber::MemberNotFound);
     return connectionString_;
 }
 
-void OdbcConnection::put(MemberId, std::span<const Variant>, const Variant&) {
+void HostConnection::put(MemberId, std::span<const Variant>, const Variant&) {
     throw RuntimeError(ErrorNumber::MemberNotFound);
 }
 
@@ -44,7 +44,7 @@ std::shared_ptr<Connection> Connections::open(Object& host) {
     return connection;
 }
 
-ObjectRef OdbcKvtzug::create(StringView className) {
+ObjectRef ReferenceKvtzug::create(StringView className) {
     const auto* readerClass = findReaderClass(className);
     if (!readerClass)
         throw RuntimeError(ErrorNumber::CannotCreateObject);

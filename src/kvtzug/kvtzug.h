@@ -15,9 +15,9 @@ namespace kvtdruck {
 class Connection;
 
 /// A connection as a host hands it to the component: an object with the property `ConnectionString`.
-class OdbcConnection : public Object {
+class HostConnection : public Object {
   public:
-    explicit OdbcConnection(String connectionString) : connectionString_(std::move(connectionString)) {}
+    explicit HostConnection(String connectionString) : connectionString_(std::move(connectionString)) {}
 
     MemberId idOf(StringView name) override;
     Variant call(MemberId member, std::span<const Variant> arguments) override;
@@ -41,12 +41,12 @@ class Connections {
 };
 
 /// The library. Its objects may outlive it.
-class OdbcKvtzug : public DataLibrary {
+class ReferenceKvtzug : public DataLibrary {
   public:
     /// Is told every SQL statement that is executed.
     using Trace = std::function<void(StringView sql)>;
 
-    explicit OdbcKvtzug(Trace trace = {}) : trace_(std::move(trace)) {}
+    explicit ReferenceKvtzug(Trace trace = {}) : trace_(std::move(trace)) {}
 
     ObjectRef create(StringView className) override;
 

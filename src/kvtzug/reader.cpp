@@ -51,7 +51,8 @@ bool sameName(StringView left, StringView right) {
                       [](char16_t l, char16_t r) { return folded(l) == folded(r); });
 }
 
-Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections, OdbcKvtzug::Trace trace)
+Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections,
+               ReferenceKvtzug::Trace trace)
     : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)),
       rowset_(readerClass.columns, readerClass.single ? 1 : kBlockRows) {
     asked_.resize(readerClass.columns.size());

@@ -20,7 +20,7 @@ bool sameName(StringView left, StringView right);
 /// are; a return to the first record asks the database only when its block is no longer in hand.
 class Reader : public Object {
   public:
-    Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections, OdbcKvtzug::Trace trace);
+    Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections, ReferenceKvtzug::Trace trace);
 
     MemberId idOf(StringView name) override;
     Variant call(MemberId member, std::span<const Variant> arguments) override;
@@ -45,7 +45,7 @@ class Reader : public Object {
 
     const ReaderClass& class_;
     std::shared_ptr<Connections> connections_;
-    OdbcKvtzug::Trace trace_;
+    ReferenceKvtzug::Trace trace_;
     std::vector<std::size_t> key_;
     Rowset rowset_;
     std::shared_ptr<Connection> connection_;

@@ -34,7 +34,7 @@ class SampleFigures : public testing::Test {
     }
 
     SqliteDatabase database_;
-    OdbcKvtzug library_;
+    ReferenceKvtzug library_;
 };
 
 TEST_F(SampleFigures, MonthsAddUpToYears) {

@@ -16,7 +16,7 @@ class ReaderAccess {
     ReaderAccess(DataLibrary& library, StringView className, StringView connectionString,
                  std::int16_t productMode = 0)
         : ReaderAccess(library, className) {
-        call(u"Verbinde", {ObjectRef(std::make_shared<OdbcConnection>(String(connectionString))), productMode});
+        call(u"Verbinde", {ObjectRef(std::make_shared<HostConnection>(String(connectionString))), productMode});
     }
 
     Variant call(StringView member, const std::vector<Variant>& arguments = {}) const {

@@ -32,7 +32,7 @@ class Readers : public testing::Test {
 
     std::unique_ptr<Database> database_ = createDatabase();
     int queries_ = 0;
-    OdbcKvtzug library_{[this](StringView) { ++queries_; }};
+    ReferenceKvtzug library_{[this](StringView) { ++queries_; }};
 };
 
 class SampleCompany : public Readers {
@@ -567,8 +567,8 @@ TEST_F(Readers, InfinitiesPassAndNaNPassesWhereTheDatabaseHoldsIt) {
 
 TEST_F(Readers, ReadersShareAConnectionWhichClosesWithTheLast) {
     Connections connections;
-    OdbcConnection host(database_->connectionString());
-    OdbcConnection sameHost(database_->connectionString());
+    HostConnection host(database_->connectionString());
+    HostConnection sameHost(database_->connectionString());
     std::weak_ptr<Connection> watched;
     {
         const auto first = connections.open(host);
@@ -611,7 +611,7 @@ TEST_F(Readers, MistakesInCallsAreRuntimeErrors) {
     EXPECT_EQ(number([&] { turnover.call(u"LeseUmsatzAlle", {}); }), 450);
     EXPECT_EQ(number([&] { turnover.call(u"MoveNext", {1.0}); }), 450);
     EXPECT_EQ(number([&] { turnover.call(u"LeseUmsatzAlle", {u"eins"}); }), long(ErrorNumber::TypeMismatch));
-    OdbcConnection host(u"");
+    HostConnection host(u"");
     EXPECT_EQ(number([&] { host.idOf(u"State"); }), long(ErrorNumber::MemberNotFound));
 }
 

@@ -30,7 +30,7 @@ class SqliteFiles : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    OdbcKvtzug library_;
+    ReferenceKvtzug library_;
 };
 
 TEST_F(SqliteFiles, AMissingFileIsToldAndNotCreated) {
@@ -70,7 +70,7 @@ TEST(SqliteMemory, StaysFlatHoweverManyRecordsThereAre) {
         "INSERT INTO firma (fnr, name1) VALUES (1, 'Firma');\n"
         "INSERT INTO umsatz (fnr, jahr, iumsatzdm) WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 "
         "FROM n WHERE i < 100000) SELECT 1, i, i FROM n;\n");
-    OdbcKvtzug library;
+    ReferenceKvtzug library;
     const ReaderAccess turnover(library, u"clsZugUmsatz", database.connectionString());
     const auto peak = [] {
         rusage usage{};

@@ -74,7 +74,7 @@ class WalkedStaff : public testing::TestWithParam<unsigned> {
 
     std::mt19937 random_{GetParam()};
     std::unique_ptr<Database> database_ = createDatabase();
-    OdbcKvtzug library_;
+    ReferenceKvtzug library_;
     std::map<int, std::array<std::string, kTexts.size()>> texts_;
     std::set<int> deleted_;
 };

@@ -23,8 +23,8 @@ namespace {
 HINSTANCE library = nullptr;
 
 /// The data access with all its classes. Its open connections are shared, so one lasts as long as the library.
-OdbcKvtzug& dataAccess() {
-    static OdbcKvtzug kvtzug;
+ReferenceKvtzug& dataAccess() {
+    static ReferenceKvtzug kvtzug;
     return kvtzug;
 }
 
