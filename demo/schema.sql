@@ -1,4 +1,4 @@
--- The tables of the reference data access, in SQL that SQLite and PostgreSQL both take. A column bears the name of the
+-- The tables of the reference data access, in SQL that SQLite, PostgreSQL and MariaDB take. A column bears the name of the
 -- getter that reads it; "I" columns are actual figures, "S" and "s" columns target figures. Amounts are in the company's
 -- currency ("DM" in a name is historical), rates and shares in percent, times in hours or days.
 
@@ -15,7 +15,7 @@ CREATE TABLE firma (
 
 -- Turnover by year, with its months.
 CREATE TABLE umsatz (
-    fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
+    fnr DOUBLE PRECISION NOT NULL REFERENCES firma (fnr),
     jahr DOUBLE PRECISION NOT NULL,
     iumsatzdm DOUBLE PRECISION,
     iumsatzdm_01 DOUBLE PRECISION, iumsatzdm_02 DOUBLE PRECISION, iumsatzdm_03 DOUBLE PRECISION,
@@ -32,7 +32,7 @@ CREATE TABLE umsatz (
 
 -- The company's settings of a year. Rates are the full rates, employer and employee together.
 CREATE TABLE firma_jahre (
-    fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
+    fnr DOUBLE PRECISION NOT NULL REFERENCES firma (fnr),
     jahr DOUBLE PRECISION NOT NULL,
     anzahlfeiertage DOUBLE PRECISION, anzahlfeiertageson DOUBLE PRECISION, anzahlfeiertagesam DOUBLE PRECISION,
     jahrestage DOUBLE PRECISION, anzahlsonntage DOUBLE PRECISION, anzahlsamstage DOUBLE PRECISION,
@@ -61,7 +61,7 @@ CREATE TABLE firma_jahre (
 
 -- Public holidays by federal state.
 CREATE TABLE feiertage (
-    bundesland TEXT NOT NULL,
+    bundesland VARCHAR(50) NOT NULL,
     jahr DOUBLE PRECISION NOT NULL,
     fdatum DATE NOT NULL,
     feiertag TEXT NOT NULL,
@@ -70,7 +70,7 @@ CREATE TABLE feiertage (
 
 -- Employees.
 CREATE TABLE mitarbeiter (
-    fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
+    fnr DOUBLE PRECISION NOT NULL REFERENCES firma (fnr),
     nummer DOUBLE PRECISION NOT NULL,
     anrede TEXT, vorname TEXT, name TEXT, name3 TEXT,
     art TEXT,   -- kind of employment
@@ -109,7 +109,7 @@ CREATE TABLE mitarbeiter_jahre (
     ikalkulohn DOUBLE PRECISION, skalkulohn DOUBLE PRECISION,   -- imputed entrepreneur's wage
     kostensatzhw DOUBLE PRECISION,                              -- cost rate of the trade
     PRIMARY KEY (fnr, nummer, fjahr),
-    FOREIGN KEY (fnr, nummer) REFERENCES mitarbeiter
+    FOREIGN KEY (fnr, nummer) REFERENCES mitarbeiter (fnr, nummer)
 );
 
 -- An employee's costs and times of a month; month 13 is the year's total.
@@ -146,12 +146,12 @@ CREATE TABLE mitarbeiter_monate (
     iberstdjahr DOUBLE PRECISION, sberstdjahr DOUBLE PRECISION, -- chargeable hours
     iberstdtag DOUBLE PRECISION, sberstdtag DOUBLE PRECISION, -- chargeable hours per day of attendance
     PRIMARY KEY (fnr, fjahr, nummer, monat),
-    FOREIGN KEY (fnr, nummer, fjahr) REFERENCES mitarbeiter_jahre
+    FOREIGN KEY (fnr, nummer, fjahr) REFERENCES mitarbeiter_jahre (fnr, nummer, fjahr)
 );
 
 -- Accounts, or ranges of accounts, of a financial year.
 CREATE TABLE konten (
-    fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
+    fnr DOUBLE PRECISION NOT NULL REFERENCES firma (fnr),
     fjahr DOUBLE PRECISION NOT NULL,
     vkonto DOUBLE PRECISION NOT NULL, -- first and last account of the row
     ekonto DOUBLE PRECISION NOT NULL,
@@ -170,7 +170,7 @@ CREATE TABLE konten (
 
 -- Imputed costs of a year.
 CREATE TABLE kosten (
-    fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
+    fnr DOUBLE PRECISION NOT NULL REFERENCES firma (fnr),
     jahr DOUBLE PRECISION NOT NULL,
     dafa DOUBLE PRECISION, dsons DOUBLE PRECISION, dwag DOUBLE PRECISION, -- depreciation, others, risks
     qm DOUBLE PRECISION, qmpreis DOUBLE PRECISION,                        -- own premises: square metres, their price
@@ -183,7 +183,7 @@ CREATE TABLE kosten (
 
 -- Material by year, with its months: amounts, and their share of the turnover in percent.
 CREATE TABLE material (
-    fnr DOUBLE PRECISION NOT NULL REFERENCES firma,
+    fnr DOUBLE PRECISION NOT NULL REFERENCES firma (fnr),
     jahr DOUBLE PRECISION NOT NULL,
     smatvkpr DOUBLE PRECISION, imatvkpr DOUBLE PRECISION, -- share of the sales price
     sujmatdm DOUBLE PRECISION, iujmatdm DOUBLE PRECISION, -- amount of the year

@@ -165,7 +165,7 @@ class ReportRun {
     std::shared_ptr<catalog::ParameterArray> array_;
     std::filesystem::path folder_;
     PosixPlatform platform_;
-    ReferenceKvtzug kvtzug_;
+    ReferenceKvtzug kvtzug_{{}, &cancelled()};
     ErrorReports errors_;
     ComponentState state_;
     basLL80 jobs_;

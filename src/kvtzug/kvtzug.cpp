@@ -1,6 +1,5 @@
 #include "kvtzug/kvtzug.h"
 
-#include "kvtzug/odbc.h"
 #include "kvtzug/reader.h"
 #include "values/runtime_error.h"
 #include "values/variant.h"
@@ -29,16 +28,12 @@ void HostConnection::put(MemberId, std::span<const Variant>, const Variant&) {
     throw RuntimeError(ErrorNumber::MemberNotFound);
 }
 
-String sqliteConnection(StringView file) {
-    return u"Driver=SQLite3;Database=" + String(file);
-}
-
 std::shared_ptr<Connection> Connections::open(Object& host) {
     const auto text = toText(host.call(host.idOf(kConnectionString), {}), germanLocale());
     auto& known = open_[text];
     auto connection = known.lock();
     if (!connection || !connection->alive()) {
-        connection = std::make_shared<Connection>(text);
+        connection = openConnection(text, cancelled_);
         known = connection;
     }
     return connection;

@@ -1,7 +1,8 @@
-// The reference data access: the reader classes that the reports expect, over any ODBC database with the schema of
-// demo/schema.sql.
+// The reference data access: the reader classes that the reports expect, over any database with the schema of
+// demo/schema.sql: an SQLite file, or whatever ODBC reaches.
 #pragma once
 
+#include "kvtzug/source.h"
 #include "module/data_library.h"
 #include "values/object.h"
 #include "values/text.h"
@@ -11,8 +12,6 @@
 #include <memory>
 
 namespace kvtdruck {
-
-class Connection;
 
 /// A connection as a host hands it to the component: an object with the property `ConnectionString`.
 class HostConnection : public Object {
@@ -27,16 +26,19 @@ class HostConnection : public Object {
     String connectionString_;
 };
 
-/// The connection string of an SQLite database file, which needs no data source to be configured.
-String sqliteConnection(StringView file);
-
-/// The open ODBC connections by their connection strings. A connection is open as long as a reader uses it.
+/// The open connections by their connection strings. A connection is open as long as a reader uses it.
 class Connections {
   public:
+    explicit Connections(Cancellation cancelled = nullptr) : cancelled_(cancelled) {}
+
     /// The connection that `host` names with its property `ConnectionString`: the open one, or a new one.
     std::shared_ptr<Connection> open(Object& host);
 
+    /// Whether the user has asked to stop.
+    bool isCancelled() const { return cancelled_ != nullptr && *cancelled_; }
+
   private:
+    Cancellation cancelled_;
     std::map<String, std::weak_ptr<Connection>> open_;
 };
 
@@ -46,13 +48,15 @@ class ReferenceKvtzug : public DataLibrary {
     /// Is told every SQL statement that is executed.
     using Trace = std::function<void(StringView sql)>;
 
-    explicit ReferenceKvtzug(Trace trace = {}) : trace_(std::move(trace)) {}
+    /// `cancelled` must outlive the library's objects.
+    explicit ReferenceKvtzug(Trace trace = {}, Cancellation cancelled = nullptr)
+        : trace_(std::move(trace)), connections_(std::make_shared<Connections>(cancelled)) {}
 
     ObjectRef create(StringView className) override;
 
   private:
     Trace trace_;
-    std::shared_ptr<Connections> connections_ = std::make_shared<Connections>();
+    std::shared_ptr<Connections> connections_;
 };
 
 } // namespace kvtdruck

@@ -1,22 +1,16 @@
 #include "kvtzug/odbc.h"
 
+#include "kvtzug/connection_string.h"
+#include "kvtzug/odbc_columns.h"
 #include "values/runtime_error.h"
 
 #include <algorithm>
+#include <cctype>
+#include <limits>
 #include <utility>
 
 namespace kvtdruck {
 namespace {
-
-char16_t lower(char16_t letter) {
-    return letter >= u'A' && letter <= u'Z' ? char16_t(letter - u'A' + u'a') : letter;
-}
-
-String lower(StringView text) {
-    String result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](char16_t letter) { return lower(letter); });
-    return result;
-}
 
 SQLWCHAR* wide(StringView text) {
     return reinterpret_cast<SQLWCHAR*>(const_cast<char16_t*>(text.data()));
@@ -55,8 +49,7 @@ String openingFailure(StringView connectionString, const Diagnosis& diagnosis) {
                          diagnosis.text.find(u"Can't open lib") != String::npos;
     if (missing && !driver.empty())
         return u"Der ODBC-Treiber „" + driver +
-               u"“ ist nicht eingerichtet („odbcinst -q -d“ nennt die vorhandenen; SQLite3 bringt das Paket "
-               u"libsqliteodbc mit).";
+               u"“ ist nicht eingerichtet („odbcinst -q -d“ nennt die vorhandenen).";
     if (missing)
         return u"Die ODBC-Datenquelle ist nicht eingerichtet.";
     const auto database = connectionAttribute(connectionString, u"Database");
@@ -64,37 +57,133 @@ String openingFailure(StringView connectionString, const Diagnosis& diagnosis) {
                             : u"Die Datenbank „" + database + u"“ konnte nicht geöffnet werden.";
 }
 
-/// SQLite's driver would answer a misspelled file name with a new empty database.
+/// SQLite's driver would answer a misspelled file name with a new empty database. Other drivers let the setting
+/// pass.
 String withoutCreating(StringView connectionString) {
-    String result(connectionString);
-    const bool sqlite = lower(connectionAttribute(connectionString, u"Driver")).find(u"sqlite") != String::npos;
-    if (sqlite && connectionAttribute(connectionString, u"NoCreat").empty())
-        result += u";NoCreat=1";
-    return result;
+    auto driver = connectionAttribute(connectionString, u"Driver");
+    std::ranges::transform(driver, driver.begin(),
+                           [](char16_t letter) { return letter < 0x80 ? char16_t(std::tolower(letter)) : letter; });
+    const bool creates =
+        driver.find(u"sqlite") != String::npos && connectionAttribute(connectionString, u"NoCreat").empty();
+    return String(connectionString) + (creates ? u";NoCreat=1" : u"");
+}
+
+/// One statement with its parameters and its columns' buffers.
+class OdbcQuery : public Query {
+  public:
+    OdbcQuery(std::shared_ptr<OdbcConnection> connection, String sentence, StringView sql,
+              const std::vector<CellType>& columns);
+    ~OdbcQuery() override { SQLFreeHandle(SQL_HANDLE_STMT, statement_); }
+
+    void execute(std::span<const Parameter> parameters) override;
+    bool step() override;
+    std::optional<double> number(std::size_t index) override { return columns_.number(index, row_); }
+    std::optional<Date> date(std::size_t index) override { return columns_.date(index, row_); }
+    std::optional<StringView> text(std::size_t index) override { return columns_.text(index, row_); }
+    /// A text that did not fit into its buffer makes the rows useless; the next execution has room for it.
+    bool finish() override;
+
+  private:
+    /// A parameter in the form that ODBC takes it.
+    struct Bound {
+        SQL_DATE_STRUCT date{};
+        SQLLEN length = 0;
+    };
+
+    void bind(std::size_t index);
+    void set(SQLINTEGER attribute, SQLPOINTER value) {
+        check(SQLSetStmtAttrW(statement_, attribute, value, SQL_IS_POINTER));
+    }
+    void check(SQLRETURN result) const {
+        if (!SQL_SUCCEEDED(result))
+            raise(sentence_, diagnose(SQL_HANDLE_STMT, statement_).text);
+    }
+
+    std::shared_ptr<OdbcConnection> connection_;
+    String sentence_;
+    OdbcColumns columns_;
+    std::vector<Parameter> parameters_;
+    std::vector<Bound> bound_;
+    SQLHSTMT statement_ = nullptr;
+    SQLULEN fetched_ = 0;
+    std::size_t row_ = 0;
+};
+
+OdbcQuery::OdbcQuery(std::shared_ptr<OdbcConnection> connection, String sentence, StringView sql,
+                     const std::vector<CellType>& columns)
+    : connection_(std::move(connection)), sentence_(std::move(sentence)), columns_(columns) {
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection_->handle(), &statement_)))
+        raise(sentence_, diagnose(SQL_HANDLE_DBC, connection_->handle()).text);
+    try {
+        check(SQLPrepareW(statement_, wide(sql), SQLINTEGER(sql.size())));
+        set(SQL_ATTR_ROW_BIND_TYPE, attributeValue(SQL_BIND_BY_COLUMN));
+        set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched_);
+    } catch (...) {
+        SQLFreeHandle(SQL_HANDLE_STMT, statement_);
+        throw;
+    }
+}
+
+void OdbcQuery::execute(std::span<const Parameter> parameters) {
+    SQLFreeStmt(statement_, SQL_CLOSE);
+    parameters_.assign(parameters.begin(), parameters.end());
+    bound_.resize(parameters_.size());
+    for (std::size_t i = 0; i < parameters_.size(); ++i)
+        bind(i);
+    set(SQL_ATTR_ROW_ARRAY_SIZE, attributeValue(columns_.rows()));
+    for (std::size_t i = 0; i < columns_.count(); ++i) {
+        auto& column = columns_[i];
+        check(SQLBindCol(statement_, SQLUSMALLINT(i + 1), column.type, column.values.data(), SQLLEN(column.width),
+                         column.lengths.data()));
+    }
+    check(SQLExecute(statement_));
+    fetched_ = row_ = 0;
+}
+
+void OdbcQuery::bind(std::size_t index) {
+    auto& [date, length] = bound_[index];
+    const auto bindAs = [&](SQLSMALLINT type, SQLSMALLINT sqlType, SQLULEN size, const void* value) {
+        check(SQLBindParameter(statement_, SQLUSMALLINT(index + 1), SQL_PARAM_INPUT, type, sqlType, size, 0,
+                               const_cast<void*>(value), length, &length));
+    };
+    if (const auto* number = std::get_if<double>(&parameters_[index])) {
+        length = sizeof *number;
+        bindAs(SQL_C_DOUBLE, SQL_DOUBLE, 0, number);
+    } else if (const auto* text = std::get_if<String>(&parameters_[index])) {
+        length = SQLLEN(text->size() * sizeof(char16_t));
+        bindAs(SQL_C_WCHAR, SQL_WVARCHAR, std::max<SQLULEN>(1, text->size()), text->data());
+    } else {
+        const auto day = dayOf(std::get<Date>(parameters_[index]));
+        date = {SQLSMALLINT(int(day.year())), SQLUSMALLINT(unsigned(day.month())),
+                SQLUSMALLINT(unsigned(day.day()))};
+        length = sizeof date;
+        bindAs(SQL_C_TYPE_DATE, SQL_TYPE_DATE, 10, &date); // characters of yyyy-mm-dd
+    }
+}
+
+bool OdbcQuery::step() {
+    if (++row_ < fetched_)
+        return true;
+    row_ = fetched_ = 0;
+    const auto result = SQLFetch(statement_);
+    if (result == SQL_NO_DATA)
+        return false;
+    check(result);
+    return columns_.holds(fetched_) && fetched_ > 0;
+}
+
+bool OdbcQuery::finish() {
+    SQLFreeStmt(statement_, SQL_CLOSE);
+    return !columns_.widen();
 }
 
 } // namespace
 
-String connectionAttribute(StringView connectionString, StringView name) {
-    for (StringView rest = connectionString; !rest.empty();) {
-        const auto braced = rest.find(u"={");
-        auto end = rest.find(u';');
-        if (braced < end)
-            end = rest.find(u';', std::min(rest.size(), rest.find(u'}', braced)));
-        const auto part = rest.substr(0, end);
-        const auto equals = part.find(u'=');
-        if (equals != StringView::npos && lower(trimmed(part.substr(0, equals))) == lower(name)) {
-            auto value = trimmed(part.substr(equals + 1));
-            if (value.size() >= 2 && value.front() == u'{' && value.back() == u'}')
-                value = value.substr(1, value.size() - 2);
-            return String(value);
-        }
-        rest = end == StringView::npos ? StringView() : rest.substr(end + 1);
-    }
-    return {};
-}
-
-Connection::Connection(StringView connectionString) {
+OdbcConnection::OdbcConnection(StringView connectionString) {
+    const auto complete = withoutCreating(connectionString);
+    if (complete.size() > std::numeric_limits<SQLSMALLINT>::max())
+        raise(u"Die Datenbank konnte nicht geöffnet werden.",
+              u"Die Verbindungszeichenfolge ist länger als 32767 Zeichen.");
     const bool ready =
         SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, nullptr, &environment_)) &&
         SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, attributeValue(SQL_OV_ODBC3), 0)) &&
@@ -103,18 +192,14 @@ Connection::Connection(StringView connectionString) {
         release();
         raise(u"Die Datenbank konnte nicht geöffnet werden.", u"ODBC steht nicht zur Verfügung.");
     }
-    const auto complete = withoutCreating(connectionString);
     if (open(complete))
         return;
-    auto diagnosis = diagnose(SQL_HANDLE_DBC, connection_);
+    const auto diagnosis = diagnose(SQL_HANDLE_DBC, connection_);
     release();
-    for (const auto& secret : {connectionAttribute(complete, u"PWD"), connectionAttribute(complete, u"Password")})
-        if (!secret.empty())
-            diagnosis.text = without(diagnosis.text, secret);
-    raise(openingFailure(complete, diagnosis), diagnosis.text);
+    raise(openingFailure(complete, diagnosis), withoutPasswords(diagnosis.text, complete));
 }
 
-bool Connection::open(StringView connectionString) {
+bool OdbcConnection::open(StringView connectionString) {
     if (SQL_SUCCEEDED(SQLDriverConnectW(connection_, nullptr, wide(connectionString),
                                         SQLSMALLINT(connectionString.size()), nullptr, 0, nullptr,
                                         SQL_DRIVER_NOPROMPT)))
@@ -122,106 +207,35 @@ bool Connection::open(StringView connectionString) {
 #ifndef _WIN32
     // For a driver without wide functions, as SQLite's is, unixODBC cuts every character to its lower byte. Such a
     // driver takes UTF-8 as it is.
-    if (std::any_of(connectionString.begin(), connectionString.end(),
-                    [](char16_t letter) { return letter > 0x7F; })) {
-        auto bytes = toUtf8(connectionString);
-        return SQL_SUCCEEDED(SQLDriverConnect(connection_, nullptr, reinterpret_cast<SQLCHAR*>(bytes.data()),
+    const auto bytes = toUtf8(connectionString);
+    if (bytes.size() > connectionString.size() && bytes.size() <= std::numeric_limits<SQLSMALLINT>::max())
+        return SQL_SUCCEEDED(SQLDriverConnect(connection_, nullptr,
+                                              reinterpret_cast<SQLCHAR*>(const_cast<char*>(bytes.data())),
                                               SQLSMALLINT(bytes.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT));
-    }
 #endif
     return false;
 }
 
-Connection::~Connection() {
+OdbcConnection::~OdbcConnection() {
     SQLDisconnect(connection_);
     release();
 }
 
-void Connection::release() noexcept {
+void OdbcConnection::release() noexcept {
     if (connection_)
         SQLFreeHandle(SQL_HANDLE_DBC, connection_);
     if (environment_)
         SQLFreeHandle(SQL_HANDLE_ENV, environment_);
 }
 
-bool Connection::alive() const {
+std::unique_ptr<Query> OdbcConnection::query(String sentence, StringView sql, std::vector<CellType> columns) {
+    return std::make_unique<OdbcQuery>(shared_from_this(), std::move(sentence), sql, columns);
+}
+
+bool OdbcConnection::alive() const {
     SQLUINTEGER dead = SQL_CD_FALSE;
     const auto result = SQLGetConnectAttrW(connection_, SQL_ATTR_CONNECTION_DEAD, &dead, sizeof dead, nullptr);
     return !SQL_SUCCEEDED(result) || dead == SQL_CD_FALSE;
-}
-
-Parameter::Parameter(StringView text)
-    : Parameter(SQL_C_WCHAR, std::as_bytes(std::span(text.data(), text.size()))) {}
-
-Parameter::Parameter(double number) : Parameter(SQL_C_DOUBLE, std::as_bytes(std::span(&number, 1))) {}
-
-Parameter::Parameter(SQLSMALLINT cType, std::span<const std::byte> value)
-    : type(cType), bytes(value.begin(), value.end()) {}
-
-Statement::Statement(std::shared_ptr<Connection> connection, String sentence, StringView sql,
-                     std::vector<Parameter> parameters)
-    : connection_(std::move(connection)), sentence_(std::move(sentence)), parameters_(std::move(parameters)),
-      lengths_(parameters_.size()) {
-    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection_->handle(), &statement_)))
-        raise(sentence_, diagnose(SQL_HANDLE_DBC, connection_->handle()).text);
-    try {
-        check(SQLPrepareW(statement_, wide(sql), SQLINTEGER(sql.size())));
-        for (std::size_t i = 0; i < parameters_.size(); ++i)
-            bindParameter(SQLUSMALLINT(i + 1), parameters_[i]);
-    } catch (...) {
-        SQLFreeHandle(SQL_HANDLE_STMT, statement_);
-        throw;
-    }
-}
-
-Statement::~Statement() {
-    SQLFreeHandle(SQL_HANDLE_STMT, statement_);
-}
-
-void Statement::bindParameter(SQLUSMALLINT number, Parameter& parameter) {
-    auto& length = lengths_[number - 1U];
-    length = SQLLEN(parameter.bytes.size());
-    SQLSMALLINT sqlType = SQL_DOUBLE;
-    SQLULEN size = 0;
-    if (parameter.type == SQL_C_WCHAR) {
-        sqlType = SQL_WVARCHAR;
-        size = std::max<SQLULEN>(1, parameter.bytes.size() / sizeof(char16_t));
-    } else if (parameter.type == SQL_C_TYPE_DATE) {
-        sqlType = SQL_TYPE_DATE;
-        size = 10; // characters of yyyy-mm-dd
-    }
-    // An empty text is no NULL, so it needs an address all the same.
-    static std::byte nothing{};
-    auto* value = parameter.bytes.empty() ? &nothing : parameter.bytes.data();
-    check(SQLBindParameter(statement_, number, SQL_PARAM_INPUT, parameter.type, sqlType, size, 0, value, length,
-                           &length));
-}
-
-void Statement::bindColumn(SQLUSMALLINT number, SQLSMALLINT type, std::byte* values, std::size_t width,
-                           SQLLEN* lengths) {
-    check(SQLBindCol(statement_, number, type, values, SQLLEN(width), lengths));
-}
-
-std::size_t Statement::fetch(std::size_t rows) {
-    SQLULEN fetched = 0;
-    set(SQL_ATTR_ROW_BIND_TYPE, attributeValue(SQL_BIND_BY_COLUMN));
-    set(SQL_ATTR_ROW_ARRAY_SIZE, attributeValue(rows));
-    set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched);
-    check(SQLExecute(statement_));
-    const auto result = SQLFetch(statement_);
-    if (result == SQL_NO_DATA)
-        return 0;
-    check(result);
-    return std::size_t(fetched);
-}
-
-void Statement::set(SQLINTEGER attribute, SQLPOINTER value) {
-    check(SQLSetStmtAttrW(statement_, attribute, value, SQL_IS_POINTER));
-}
-
-void Statement::check(SQLRETURN result) const {
-    if (!SQL_SUCCEEDED(result))
-        raise(sentence_, diagnose(SQL_HANDLE_STMT, statement_).text);
 }
 
 } // namespace kvtdruck

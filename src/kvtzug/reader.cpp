@@ -21,9 +21,6 @@ char16_t folded(char16_t letter) {
     return letter >= u'a' && letter <= u'z' ? char16_t(letter - u'a' + u'A') : letter;
 }
 
-/// Rows of a block, as long as they are not wide.
-constexpr std::size_t kBlockRows = 1024;
-
 String joined(const std::vector<String>& words) {
     String result;
     for (const auto& word : words)
@@ -40,8 +37,8 @@ void checkCount(std::span<const Variant> arguments, std::size_t count) {
 Parameter parameterOf(const Variant& argument, ValueType type) {
     const auto value = coerced(argument, type, germanLocale());
     if (const auto* text = value.as<String>())
-        return Parameter(*text);
-    return Parameter(toDouble(value, germanLocale()));
+        return *text;
+    return toDouble(value, germanLocale());
 }
 
 } // namespace
@@ -54,7 +51,7 @@ bool sameName(StringView left, StringView right) {
 Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections,
                ReferenceKvtzug::Trace trace)
     : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)),
-      rowset_(readerClass.columns, readerClass.single ? 1 : kBlockRows) {
+      rowset_(readerClass.columns) {
     asked_.resize(readerClass.columns.size());
     for (const auto getter : readerClass.key) {
         key_.push_back(std::size_t(std::ranges::find(readerClass.columns, getter, &Column::getter) -
@@ -108,7 +105,7 @@ Variant Reader::operate(std::size_t operation, std::span<const Variant> argument
     checkCount(arguments, 0);
     switch (operation) {
     case EndOfData:
-        return atEnd();
+        return !hasRecord();
     case MoveFirst:
         return moveFirst();
     default:
@@ -122,6 +119,8 @@ bool Reader::connect(std::span<const Variant> arguments) {
     if (!host || !*host)
         throw RuntimeError(ErrorNumber::ObjectNotSet);
     productMode_ = coerced(arguments[1], ValueType::Integer, germanLocale());
+    query_.reset();
+    sql_.clear();
     connection_ = connections_->open(**host);
     return true;
 }
@@ -145,20 +144,19 @@ bool Reader::moveFirst() {
         row_ = 0;
     else
         fetchBlock(From::First);
-    return !atEnd();
+    return hasRecord();
 }
 
 bool Reader::moveNext() {
-    if (atEnd())
+    if (!hasRecord())
         return false;
     if (gone_)
         gone_.reset();
     else
         ++row_;
-    // A block that is not full is the last one.
-    if (row_ == fetched_ && fetched_ == rowset_.rows())
-        fetchBlock(From::BehindKey, keyOf(fetched_ - 1));
-    return !atEnd();
+    if (row_ == rowset_.rows() && !rowset_.isLast())
+        fetchBlock(From::BehindKey, keyOf(rowset_.rows() - 1));
+    return hasRecord();
 }
 
 std::vector<Parameter> Reader::keyOf(std::size_t row) const {
@@ -184,31 +182,48 @@ void Reader::askFor(std::size_t column) {
         gone_ = std::move(values);
 }
 
-/// Queries the rows from the first one, from the key `key`, or behind it; again with wider buffers where a text did
-/// not fit. Behind the first block only those columns are queried that anybody has asked for: drivers turn every
-/// number into text and back, which for the months that a report does not print would cost more than all else.
+/// Queries the rows from the first one, from the key `key`, or behind it. Behind the first block only those columns
+/// are queried that anybody has asked for: turning the months that a report does not print into numbers would cost
+/// more than all else.
 void Reader::fetchBlock(From from, std::vector<Parameter> key) {
     firstBlock_ = from == From::First;
     gone_.reset();
-    row_ = fetched_ = 0;
+    rowset_.clear();
+    row_ = 0;
     selection_.clear();
     for (std::size_t column = 0; column < asked_.size(); ++column)
         if (firstBlock_ || asked_[column])
             selection_.push_back(column);
     auto parameters = parameters_;
     parameters.insert(parameters.end(), key.begin(), key.end());
-    std::size_t fetched = 0;
+    try {
+        query(from, parameters);
+    } catch (const RuntimeError&) {
+        query_.reset();
+        sql_.clear();
+        rowset_.clear();
+        // Who has asked to stop wants no message of a walk that ends.
+        if (firstBlock_ || !connections_->isCancelled())
+            throw;
+    }
+}
+
+void Reader::query(From from, std::span<const Parameter> parameters) {
+    const auto text = sql(from);
+    if (text != sql_) {
+        std::vector<CellType> types;
+        for (const auto column : selection_)
+            types.push_back(cellTypeOf(class_.columns[column].type));
+        query_ = connection_->query(u"Die Daten von " + String(class_.name) + u" konnten nicht gelesen werden.",
+                                    text, std::move(types));
+        sql_ = text;
+    }
     do {
-        const auto query = sql(from);
         if (trace_)
-            trace_(query);
-        Statement statement(connection_,
-                            u"Die Daten von " + String(class_.name) + u" konnten nicht gelesen werden.", query,
-                            parameters);
-        rowset_.bind(statement, selection_);
-        fetched = statement.fetch(rowset_.rows());
-    } while (rowset_.widen(fetched));
-    fetched_ = fetched;
+            trace_(text);
+        query_->execute(parameters);
+        rowset_.fill(*query_, selection_);
+    } while (!query_->finish());
 }
 
 String Reader::sql(From from) const {
@@ -225,7 +240,8 @@ String Reader::sql(From from) const {
     if (from != From::First)
         result += u" AND (" + key + (from == From::Key ? u") >= (" : u") > (") +
                   joined(std::vector<String>(key_.size(), u"?")) + u")";
-    return result + u" ORDER BY " + key + u" LIMIT " + decimal(static_cast<long long>(rowset_.rows()));
+    return result + u" ORDER BY " + key + u" LIMIT " +
+           decimal(class_.single ? 1 : static_cast<long long>(rowset_.most()));
 }
 
 } // namespace kvtdruck

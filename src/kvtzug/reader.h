@@ -3,9 +3,9 @@
 #pragma once
 
 #include "kvtzug/kvtzug.h"
-#include "kvtzug/odbc.h"
 #include "kvtzug/reader_class.h"
 #include "kvtzug/rowset.h"
+#include "kvtzug/source.h"
 #include "values/variant.h"
 
 #include <memory>
@@ -17,7 +17,8 @@ namespace kvtdruck {
 bool sameName(StringView left, StringView right);
 
 /// A reader answers the members of its class. Rows are fetched in blocks, so memory stays flat however many there
-/// are; a return to the first record asks the database only when its block is no longer in hand.
+/// are; a return to the first record asks the database only when its block is no longer in hand. Once the user has
+/// asked to stop, every walk is at its end.
 class Reader : public Object {
   public:
     Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections, ReferenceKvtzug::Trace trace);
@@ -33,7 +34,8 @@ class Reader : public Object {
     Variant operate(std::size_t operation, std::span<const Variant> arguments);
     bool connect(std::span<const Variant> arguments);
     bool read(const ReadOperation& operation, std::span<const Variant> arguments);
-    bool atEnd() const { return !gone_ && row_ >= fetched_; }
+    bool atEnd() const { return !gone_ && row_ >= rowset_.rows(); }
+    bool hasRecord() const { return !atEnd() && !connections_->isCancelled(); }
     bool moveFirst();
     bool moveNext();
 
@@ -41,6 +43,7 @@ class Reader : public Object {
     std::vector<Parameter> keyOf(std::size_t row) const;
     void fetchBlock(From from, std::vector<Parameter> key = {});
     void askFor(std::size_t column);
+    void query(From from, std::span<const Parameter> parameters);
     String sql(From from) const;
 
     const ReaderClass& class_;
@@ -55,7 +58,8 @@ class Reader : public Object {
     bool firstBlock_ = true;             ///< whether the block in hand is the first
     std::vector<bool> asked_;            ///< by column: whether a getter has asked for it
     std::vector<std::size_t> selection_; ///< the columns of the block in hand
-    std::size_t fetched_ = 0;
+    String sql_;
+    std::unique_ptr<Query> query_; ///< prepared from `sql_`
     std::size_t row_ = 0;
     /// The values of the current record where it is no longer in the database; it stands before the block then.
     std::optional<std::vector<Variant>> gone_;

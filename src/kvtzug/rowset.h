@@ -1,57 +1,65 @@
-// The rows in hand: one block of a result, bound column by column, so that a value is found by row and column
-// alone.
+// The rows in hand: one block of a query's rows, so that a value is found by row and column alone.
 #pragma once
 
-#include "kvtzug/odbc.h"
 #include "kvtzug/reader_class.h"
+#include "kvtzug/source.h"
 
 #include <cstddef>
 #include <vector>
 
 namespace kvtdruck {
 
-/// Buffers for one block of rows. The block's size follows from the width of a row, so memory stays flat.
+/// One block of rows. It is as long as about a megabyte takes, so memory stays flat.
 class Rowset {
   public:
-    /// A block has `most` rows, or fewer where rows are wide.
-    Rowset(const std::vector<Column>& columns, std::size_t most);
+    explicit Rowset(const std::vector<Column>& columns);
 
-    /// Rows that a block holds.
+    /// Rows that a block has at most; it has fewer where texts are long.
+    std::size_t most() const { return most_; }
+
+    /// Takes the rows of `query`, whose columns are the columns `selection`, in that order. What the other columns
+    /// give has no meaning from then on.
+    void fill(Query& query, const std::vector<std::size_t>& selection);
+    void clear();
+
     std::size_t rows() const { return rows_; }
-
-    /// Binds the buffers of the columns `selection` to the columns of `statement`, in that order. What the others
-    /// hold has no meaning from then on.
-    void bind(Statement& statement, const std::vector<std::size_t>& selection);
-
-    /// Makes room for every text that did not fit into its buffer; gives whether there was one. The block is lost
-    /// then, and must be queried again.
-    bool widen(std::size_t fetchedRows);
+    /// Whether `fill` took the last row.
+    bool isLast() const { return last_; }
 
     /// The value of a column in a row of the block. A NULL is the type's zero, or Null for an optional date.
     Variant value(std::size_t column, std::size_t row) const;
 
-    /// The value of a column in a row of the block, for a statement that goes on from there.
+    /// The value of a key's column in a row of the block, for a query that goes on from there.
     Parameter parameter(std::size_t column, std::size_t row) const;
 
     /// What a column gives where there is no record.
-    Variant nothing(std::size_t column) const;
+    Variant nothing(std::size_t column) const { return nothing(types_[column]); }
 
   private:
-    struct Buffer {
-        ColumnType type;
-        std::size_t width;
-        std::vector<std::byte> values;
-        std::vector<SQLLEN> lengths;
+    /// A number, a date's days, or where in `texts_` the text lies.
+    struct Cell {
+        enum class Content : std::uint8_t { Nothing, Number, Text } content;
+        std::uint32_t length; ///< of the text
+        union {
+            double number;
+            std::size_t begin; ///< of the text
+        };
     };
 
-    void allocate();
-    const std::byte* at(const Buffer& buffer, std::size_t row) const {
-        return buffer.values.data() + row * buffer.width;
-    }
+    Cell cellOf(Query& query, std::size_t index, ColumnType type);
+    const Cell& cell(std::size_t column, std::size_t row) const { return cells_[row * types_.size() + column]; }
+    StringView textOf(const Cell& cell) const { return StringView(texts_).substr(cell.begin, cell.length); }
+    static Variant nothing(ColumnType type);
 
-    std::vector<Buffer> buffers_;
+    std::vector<ColumnType> types_;
     std::size_t most_;
+    std::vector<Cell> cells_;
+    String texts_;
     std::size_t rows_ = 0;
+    bool last_ = true;
 };
+
+/// As what a query reads a column.
+CellType cellTypeOf(ColumnType type);
 
 } // namespace kvtdruck

@@ -96,15 +96,19 @@ std::string toUtf8(StringView text) {
 
 String fromUtf8(std::string_view text) {
     String utf16;
-    utf16.reserve(text.size());
-    for (std::size_t position = 0; position < text.size();) {
-        const std::size_t length = sequenceLength(static_cast<unsigned char>(text[position]));
-        const bool whole = length != 0 && length <= text.size() - position;
-        const auto codePoint = whole ? decodedSequence(text.substr(position, length)) : std::nullopt;
-        appendUtf16(utf16, codePoint.value_or(replacement));
+    appendFromUtf8(utf16, text);
+    return utf16;
+}
+
+void appendFromUtf8(String& text, std::string_view utf8) {
+    text.reserve(text.size() + utf8.size());
+    for (std::size_t position = 0; position < utf8.size();) {
+        const std::size_t length = sequenceLength(static_cast<unsigned char>(utf8[position]));
+        const bool whole = length != 0 && length <= utf8.size() - position;
+        const auto codePoint = whole ? decodedSequence(utf8.substr(position, length)) : std::nullopt;
+        appendUtf16(text, codePoint.value_or(replacement));
         position += codePoint ? length : 1;
     }
-    return utf16;
 }
 
 StringView trimmed(StringView text) {

@@ -15,6 +15,9 @@ std::string toUtf8(StringView text);
 /// UTF-16 of `text`. The three-byte form of a surrogate is taken back; any other malformed byte becomes U+FFFD.
 String fromUtf8(std::string_view text);
 
+/// Appends `fromUtf8(utf8)` to `text`.
+void appendFromUtf8(String& text, std::string_view utf8);
+
 /// `text` without leading and trailing blanks (U+0020 only, as `Trim` does it).
 StringView trimmed(StringView text);
 

@@ -14,7 +14,6 @@ class SampleServer : public test::Database {
     }
 
     String connectionString() const override { return server_.connectionString(); }
-    bool holdsNaN() const override { return true; }
     bool takesWideSql() const override { return true; }
 
   private:

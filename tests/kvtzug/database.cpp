@@ -12,17 +12,18 @@ namespace kvtdruck::test {
 
 namespace {
 
-void run(const Connection& connection, std::string sql, bool wide) {
+void run(const OdbcConnection& connection, std::string sql, bool wide) {
     SQLHSTMT statement = nullptr;
     SQLAllocHandle(SQL_HANDLE_STMT, connection.handle(), &statement);
     auto wideSql = fromUtf8(sql);
     const auto result = wide ? SQLExecDirectW(statement, reinterpret_cast<SQLWCHAR*>(wideSql.data()), SQL_NTS)
                              : SQLExecDirect(statement, reinterpret_cast<SQLCHAR*>(sql.data()), SQL_NTS);
     SQLCHAR message[SQL_MAX_MESSAGE_LENGTH] = "";
-    if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
+    const bool failed = !SQL_SUCCEEDED(result) && result != SQL_NO_DATA;
+    if (failed)
         SQLGetDiagRec(SQL_HANDLE_STMT, statement, 1, nullptr, nullptr, message, sizeof message, nullptr);
     SQLFreeHandle(SQL_HANDLE_STMT, statement);
-    if (*message)
+    if (failed)
         throw std::runtime_error(reinterpret_cast<char*>(message) + (" in " + sql.substr(0, 200)));
 }
 
@@ -35,7 +36,11 @@ std::string withoutComments(std::string sql) {
 } // namespace
 
 void Database::execute(std::string_view text) const {
-    const Connection connection(connectionString());
+    executeOn(writingConnectionString(), text);
+}
+
+void Database::executeOn(StringView connectionString, std::string_view text) const {
+    const OdbcConnection connection(connectionString);
     // Drivers stumble over apostrophes in comments.
     const auto bare = withoutComments(std::string(text));
     std::string_view sql = bare;

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace kvtdruck::test {
@@ -18,15 +19,24 @@ class Database {
     Database& operator=(const Database&) = delete;
     virtual ~Database() = default;
 
+    /// What readers connect with.
     virtual String connectionString() const = 0;
-    /// Whether a number column can hold a NaN.
-    virtual bool holdsNaN() const = 0;
+    /// What the tests themselves connect with, through ODBC.
+    virtual String writingConnectionString() const { return connectionString(); }
+    /// A NaN and an infinity in SQL; "" where a number column can't hold one.
+    virtual std::string nan() const { return ""; }
+    virtual std::string infinity() const { return ""; }
+    /// The longest text that a TEXT column holds and that is worth a test.
+    virtual std::size_t longestText() const { return 1000010; }
     /// Whether the driver takes SQL as UTF-16; else it takes UTF-8.
     virtual bool takesWideSql() const = 0;
     /// Executes statements that end in ";" at the end of a line.
     void execute(std::string_view text) const;
     /// Executes demo/<name>.
     void executeDemoFile(const char* name) const;
+
+  protected:
+    void executeOn(StringView connectionString, std::string_view text) const;
 };
 
 /// A new database of the kind that the test program is about.

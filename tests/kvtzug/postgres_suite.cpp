@@ -19,7 +19,8 @@ class PostgresDatabase : public Database {
         return server.connectionString();
     }
     bool takesWideSql() const override { return true; }
-    bool holdsNaN() const override { return true; }
+    std::string nan() const override { return "'NaN'"; }
+    std::string infinity() const override { return "'Infinity'"; }
 };
 
 } // namespace
