@@ -2,10 +2,11 @@
 #include "kvtzug/postgres_server.h"
 
 // The driver itself loses a few bytes for every statement that the server refuses.
-extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier): the sanitizer's name
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier): the sanitizer's name
+extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:psqlodbcw.so";
-} // NOLINT(bugprone-reserved-identifier)
+}
 
 namespace kvtdruck::test {
 namespace {
