@@ -1,6 +1,7 @@
 // The engine's own failures on their way to the operation that answers their code.
 #pragma once
 
+#include "druckwerk/common/engine_codes.h"
 #include "platform/posix/posix_platform.h"
 
 #include <cerrno>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "control/control.h"
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/common/options.h"
 #include "values/locale.h"
 
 #include <atomic>

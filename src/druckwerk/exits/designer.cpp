@@ -1,5 +1,8 @@
 #include "druckwerk/exits/designer.h"
 
+#include "druckwerk/layout/layout_check.h"
+#include "druckwerk/layout/layout_generator.h"
+
 #include <pugixml.hpp>
 
 #include <cerrno>

@@ -1,7 +1,7 @@
 // The variables and fields that a report defines, by slot.
 #pragma once
 
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/common/definition.h"
 #include "druckwerk/expression/number.h"
 
 #include <deque>

@@ -1,7 +1,6 @@
 #include "druckwerk/expression/number.h"
 
 #include "druckwerk/common/fault.h"
-#include "druckwerk/druckwerk.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,7 @@
 // A layout as it is printed: bands of shapes, texts and charts, compiled from the SVG once for each print job.
 #pragma once
 
+#include "druckwerk/common/finding.h"
 #include "druckwerk/expression/text_template.h"
 #include "druckwerk/pdf/document.h"
 #include "druckwerk/svg/path_data.h"

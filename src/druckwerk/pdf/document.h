@@ -2,7 +2,7 @@
 #pragma once
 
 #include "druckwerk/common/geometry.h"
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/common/print_date.h"
 #include "druckwerk/pdf/pdf_output.h"
 #include "druckwerk/text/font.h"
 

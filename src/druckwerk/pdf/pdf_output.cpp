@@ -1,7 +1,6 @@
 #include "druckwerk/pdf/pdf_output.h"
 
 #include "druckwerk/common/fault.h"
-#include "druckwerk/druckwerk.h"
 
 #include <array>
 #include <cerrno>

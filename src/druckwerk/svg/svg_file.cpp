@@ -1,7 +1,6 @@
 #include "druckwerk/svg/svg_file.h"
 
 #include "druckwerk/common/fault.h"
-#include "druckwerk/druckwerk.h"
 #include "druckwerk/svg/svg_style.h"
 
 #include <algorithm>

@@ -2,7 +2,6 @@
 
 #include "druckwerk/common/deleter.h"
 #include "druckwerk/common/fault.h"
-#include "druckwerk/druckwerk.h"
 
 #include <algorithm>
 #include <cmath>

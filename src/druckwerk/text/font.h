@@ -1,6 +1,7 @@
 // Fonts: found through fontconfig, measured and shaped with HarfBuzz, embedded as subsets.
 #pragma once
 
+#include "druckwerk/common/font_request.h"
 #include "druckwerk/pdf/pdf_output.h"
 #include "values/text.h"
 
@@ -9,7 +10,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -17,17 +17,6 @@ struct hb_face_t;
 struct hb_font_t;
 
 namespace kvtdruck::druckwerk {
-
-/// A font as a layout asks for it.
-struct FontRequest {
-    std::vector<std::string> families;
-    int weight = 400;
-    bool italic = false;
-    bool operator==(const FontRequest&) const = default;
-    bool operator<(const FontRequest& other) const {
-        return std::tie(families, weight, italic) < std::tie(other.families, other.weight, other.italic);
-    }
-};
 
 /// A picture of a character (an emoji), placed as an image. Lengths are in ems.
 struct GlyphPicture {
