@@ -1,6 +1,7 @@
 #include "druckwerk/exits/record_writer.h"
 
 #include "control/recording_control.h"
+#include "values/characters.h"
 #include "values/conversion.h"
 
 #include <xlsxwriter.h>
@@ -267,21 +268,7 @@ class XlsxWriter final : public RecordWriter {
                 warn_("Ein Text hat mehr als 32.767 Zeichen; in der XLSX-Datei steht nur sein Anfang.");
         }
         if (!value.empty())
-            check(worksheet_write_string(sheet.sheet, sheet.next, column, wellFormed(value).c_str(), format));
-    }
-
-    /// UTF-8 without the single halves of surrogate pairs, which would spoil the file's XML.
-    static std::string wellFormed(StringView value) {
-        String text(value);
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const bool pair =
-                (text[i] & 0xfc00) == 0xd800 && i + 1 < text.size() && (text[i + 1] & 0xfc00) == 0xdc00;
-            if (pair)
-                ++i;
-            else if ((text[i] & 0xf800) == 0xd800)
-                text[i] = u'\xfffd';
-        }
-        return toUtf8(text);
+            check(worksheet_write_string(sheet.sheet, sheet.next, column, toUtf8(wellFormed(value)).c_str(), format));
     }
 
     static void check(lxw_error result) {

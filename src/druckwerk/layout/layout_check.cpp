@@ -2,33 +2,11 @@
 
 #include "druckwerk/common/fault.h"
 #include "druckwerk/layout/layout.h"
+#include "values/letters.h"
 
 #include <algorithm>
 
 namespace kvtdruck::druckwerk {
-
-namespace {
-
-/// Edits between two names, letter case aside, up to a small limit.
-std::size_t distance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
-        row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t above = row[j];
-            const bool same = std::tolower(static_cast<unsigned char>(a[i - 1])) ==
-                              std::tolower(static_cast<unsigned char>(b[j - 1]));
-            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
-            diagonal = above;
-        }
-    }
-    return row[b.size()];
-}
-
-} // namespace
 
 std::vector<std::string> unknownNames(const Layout& layout, const Definitions& definitions) {
     std::vector<std::string> messages;
@@ -41,7 +19,7 @@ std::vector<std::string> unknownNames(const Layout& layout, const Definitions& d
         std::size_t least = name.size() < 200 ? std::min<std::size_t>(3, name.size() / 2 + 1) : 0;
         for (const auto& definition : known)
             if (definition.name.size() < 200)
-                if (const std::size_t edits = distance(name, definition.name); edits < least) {
+                if (const std::size_t edits = editDistance(name, definition.name); edits < least) {
                     least = edits;
                     nearest = &definition;
                 }

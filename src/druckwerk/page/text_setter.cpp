@@ -1,5 +1,7 @@
 #include "druckwerk/page/text_setter.h"
 
+#include "values/characters.h"
+
 namespace kvtdruck::druckwerk {
 
 namespace {
@@ -25,13 +27,6 @@ double roomOf(const TextItem& item) {
 std::size_t linesIn(const TextItem& item, double growth) {
     const double room = item.box->bottom() + growth - item.baseline.y - kDescent * item.size;
     return 1 + static_cast<std::size_t>(std::max(0.0, (room + kTolerance) / (item.size * kLineSpacing)));
-}
-
-/// `length`, or one less where it would part a surrogate pair.
-std::size_t wholeCharacters(StringView text, std::size_t length) {
-    const bool parts =
-        length > 0 && length < text.size() && text[length - 1] >= 0xD800 && text[length - 1] < 0xDC00;
-    return parts ? length - 1 : length;
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "druckwerk/common/geometry.h"
 #include "druckwerk/common/print_date.h"
 #include "druckwerk/pdf/pdf_output.h"
-#include "druckwerk/text/font.h"
+#include "druckwerk/text/font_library.h"
 
 #include <optional>
 #include <set>

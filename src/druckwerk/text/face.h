@@ -1,16 +1,16 @@
-// Fonts: found through fontconfig, measured and shaped with HarfBuzz, embedded as subsets.
+// One font within one document, measured with HarfBuzz and embedded as a subset.
 #pragma once
 
-#include "druckwerk/common/font_request.h"
 #include "druckwerk/pdf/pdf_output.h"
 #include "values/text.h"
 
 #include <array>
-#include <functional>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 struct hb_face_t;
@@ -18,11 +18,12 @@ struct hb_font_t;
 
 namespace kvtdruck::druckwerk {
 
-/// A picture of a character (an emoji), placed as an image. Lengths are in ems.
-struct GlyphPicture {
-    int image = 0; ///< number of the image in the document's resources
-    double left = 0, bottom = 0, width = 0, height = 0;
-};
+/// Whether the character shows nothing and may be missing in a font: joiners, marks of direction, soft hyphens,
+/// variants.
+bool isIgnorable(char32_t c);
+
+/// One code of a font as two bytes of a PDF string.
+void appendCode(std::string& out, std::uint16_t code);
 
 /// One font within one document: what of it was used gets codes of its own, from 1, in the order of first use. A
 /// code stands for a glyph and the text it shows, so that text taken from the document is exactly what was printed.
@@ -110,94 +111,6 @@ class Face {
     std::unordered_map<std::uint32_t, std::int16_t> kerning_;
     std::vector<Code> codes_;
     std::map<std::pair<std::uint32_t, String>, std::uint16_t> codeByText_;
-};
-
-/// A stretch of text in one font and on one height.
-struct ShapedRun {
-    Face* face = nullptr;
-    std::string
-        glyphs; ///< "[(…)-20(…)", the operand of TJ without its end; where `kerned` is false, "[" is not needed
-    bool kerned = false;
-    double width = 0;                      ///< in ems
-    double rise = 0;                       ///< in ems
-    const GlyphPicture* picture = nullptr; ///< drawn in the place of the glyphs, which then are blank
-};
-
-/// One line of text, ready to be placed; it can be used again and again.
-class ShapedText {
-  public:
-    double width = 0; ///< in ems
-    std::size_t count = 0;
-    const ShapedRun& run(std::size_t i) const { return runs_[i]; }
-
-    void clear() {
-        count = 0;
-        width = 0;
-    }
-    ShapedRun& add(Face& face) {
-        if (count == runs_.size())
-            runs_.emplace_back();
-        ShapedRun& run = runs_[count++];
-        run.face = &face;
-        run.glyphs.assign("[(");
-        run.kerned = false;
-        run.width = run.rise = 0;
-        run.picture = nullptr;
-        return run;
-    }
-    void dropLast() { --count; }
-
-  private:
-    std::vector<ShapedRun> runs_;
-};
-
-/// The fonts of one document.
-class FontLibrary {
-  public:
-    using Warn = std::function<void(const std::string&)>;
-
-    FontLibrary(PdfOutput& output, Warn warn);
-    ~FontLibrary();
-
-    /// The face that is installed for `request`, or its substitute (with a warning). Raises a Fault where there is
-    /// no font at all.
-    Face& face(const FontRequest& request);
-
-    /// Sets `text` as one line. Line ends and control characters are taken as blanks.
-    void shape(StringView text, Face& face, ShapedText& out);
-
-    /// Width of `text` in ems.
-    double measure(StringView text, Face& face);
-
-    /// Writes all fonts that were used; gives the entries of the resource dictionaries /Font and /XObject.
-    std::string embedFonts();
-    std::string imageResources() const;
-
-  private:
-    struct Sorted; // fontconfig's list of all fonts, in order of likeness
-    static bool shapePlainly(StringView text, Face& face, ShapedText& out);
-    void shapeFully(StringView text, Face& face, ShapedText& out);
-    struct TextRun;
-    std::vector<TextRun> splitRuns(const std::u32string& text, Face& face);
-    static void orderAsSeen(std::vector<TextRun>& runs);
-    void shapeRun(const std::u32string& text, const TextRun& characters, Face& base, ShapedText& out);
-    static void appendPicture(ShapedRun& run, const GlyphPicture* glyphPicture, Face& base, StringView text);
-    static void appendGlyph(ShapedRun& run, std::uint32_t glyph, double offset, double advance, StringView text);
-    Face& faceFor(char32_t c, Face& preferred);
-    std::pair<Face*, std::string> firstWith(char32_t c, bool picturesOnly);
-    Face* open(const std::string& file, int index);
-    const GlyphPicture* picture(Face& face, std::uint32_t glyph);
-
-    PdfOutput& output_;
-    Warn warn_;
-    std::map<FontRequest, Face*> byRequest_;
-    std::map<std::pair<std::string, int>, std::unique_ptr<Face>> byFile_;
-    std::vector<Face*> faces_;
-    std::unique_ptr<Sorted> sorted_;
-    std::map<char32_t, Face*> fallbacks_;
-    std::map<std::pair<Face*, std::uint32_t>, std::unique_ptr<GlyphPicture>> pictures_;
-    std::vector<int> images_;
-    ShapedText measured_;
 };
 
 } // namespace kvtdruck::druckwerk
