@@ -3,7 +3,7 @@
 
 #include "druckwerk/common/finding.h"
 #include "druckwerk/expression/text_template.h"
-#include "druckwerk/pdf/document.h"
+#include "druckwerk/page/document.h"
 #include "druckwerk/svg/path_data.h"
 #include "druckwerk/svg/svg_style.h"
 

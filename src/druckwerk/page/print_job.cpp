@@ -1,6 +1,6 @@
 #include "druckwerk/page/print_job.h"
 
-#include "druckwerk/layout/artwork.h"
+#include "druckwerk/page/artwork.h"
 
 namespace kvtdruck::druckwerk {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "druckwerk/layout/layout.h"
-#include "druckwerk/pdf/document.h"
+#include "druckwerk/page/document.h"
 
 namespace kvtdruck::druckwerk {
 

@@ -1,4 +1,4 @@
-#include "druckwerk/pdf/document.h"
+#include "druckwerk/page/document.h"
 
 #include <charconv>
 #include <cmath>

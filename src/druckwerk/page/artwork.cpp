@@ -1,4 +1,4 @@
-#include "druckwerk/layout/artwork.h"
+#include "druckwerk/page/artwork.h"
 
 #include "druckwerk/common/deleter.h"
 #include "druckwerk/common/fault.h"
