@@ -1,5 +1,6 @@
 #include "druckwerk/druckwerk.h"
 
+#include "control/print_mode.h"
 #include "druckwerk/common/fault.h"
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/layout/layout_check.h"
@@ -14,8 +15,6 @@
 namespace kvtdruck::druckwerk {
 
 namespace {
-
-constexpr std::int32_t kPrintModePreview = 512;
 
 std::unique_ptr<TemporaryFolder> newTemporaryFolder() {
     try {

@@ -32,8 +32,8 @@ void appendUtf16(String& text, char32_t codePoint) {
 }
 
 std::size_t wholeCharacters(StringView text, std::size_t length) {
-    const bool parts = length > 0 && length < text.size() && isHighSurrogate(text[length - 1]) &&
-                       isLowSurrogate(text[length]);
+    const bool parts =
+        length > 0 && length < text.size() && isHighSurrogate(text[length - 1]) && isLowSurrogate(text[length]);
     return parts ? length - 1 : length;
 }
 

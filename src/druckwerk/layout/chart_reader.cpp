@@ -93,7 +93,7 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
     auto chart = std::make_unique<Chart>();
     chart->kind = kind->second;
     chart->box = boxOf(parts.rect, parts.rectContext.matrix, "Rechteck des Diagramms");
-    chart->font = context.style.font;
+    chart->font = band.reading().layout.fontNumber(context.style.font);
     chart->size = context.style.fontSize * context.matrix.scale();
     if (chart->size < 0.5 || chart->size > 200)
         invalid("Schriftgröße des Diagramms ist ungültig");
@@ -107,7 +107,6 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
             invalid("data-rows geht nur in Summe und Gruppenfuß");
         chart->rows.emplace(fromUtf8(rows), band.definitions(), nullptr, band.target().scope);
         band.noteSlots(chart->rows->slots());
-        band.reading().layout.rowCharts.push_back(chart.get());
     }
     readSeries(band, node, *chart);
     for (const auto& label : listOf(node, "data-labels")) {
@@ -116,6 +115,11 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
     }
     if (chart->rows && chart->labels.size() > 1)
         invalid("data-labels braucht mit data-rows genau eine Beschriftung");
+    if (chart->rows) {
+        auto& rowCharts = band.reading().layout.rowCharts;
+        chart->rowChart = rowCharts.size();
+        rowCharts.push_back(chart.get());
+    }
     band.add(std::move(chart), context);
 }
 

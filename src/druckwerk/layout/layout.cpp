@@ -1,9 +1,10 @@
 #include "druckwerk/layout/layout.h"
 
 #include "druckwerk/common/fault.h"
+#include "druckwerk/pdf/pdf_syntax.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <sstream>
 
@@ -44,6 +45,12 @@ double Layout::flowTop() const {
 
 double Layout::flowBottom() const {
     return footer ? footer->top : height - kBottomMargin;
+}
+
+std::size_t Layout::fontNumber(const FontRequest& font) {
+    const auto found = std::find(fonts.begin(), fonts.end(), font);
+    return static_cast<std::size_t>(found == fonts.end() ? fonts.insert(found, font) - fonts.begin()
+                                                         : found - fonts.begin());
 }
 
 std::string readLayoutFile(const std::filesystem::path& file) {

@@ -3,7 +3,6 @@
 
 #include "druckwerk/common/finding.h"
 #include "druckwerk/expression/text_template.h"
-#include "druckwerk/page/document.h"
 #include "druckwerk/svg/path_data.h"
 #include "druckwerk/svg/svg_style.h"
 
@@ -37,8 +36,8 @@ struct TextItem {
     explicit TextItem(TextTemplate filled) : text(std::move(filled)) {}
 
     TextTemplate text;
-    FontRequest font;
-    double size = 10; ///< in points
+    std::size_t font = 0; ///< among the layout's fonts
+    double size = 10;     ///< in points
     Rgb color;
     Anchor anchor = Anchor::Start;
     Point baseline;
@@ -48,7 +47,6 @@ struct TextItem {
     std::optional<Matrix>
         turned;              ///< for text that does not run upright: maps the text from the origin to its place
     std::string description; ///< for messages
-    Face* face = nullptr;    ///< found when a print job begins
 };
 
 struct Chart {
@@ -63,15 +61,12 @@ struct Chart {
     std::vector<Series> series;
     std::vector<TextTemplate> labels;
     NumberPattern format{u"#.##0"};
-    FontRequest font;
-    double size = 7;
+    std::size_t font = 0; ///< among the layout's fonts
+    double size = 7;      ///< in points
     Rgb textColor;
-    Face* face = nullptr;
     std::optional<Expression> rows; ///< which lines are its points; without it the points are in the series
+    std::size_t rowChart = 0;       ///< with `rows`: its place among the layout's charts of lines
     AggregateScope scope = kTableScope;
-    // what lines have given so far
-    std::vector<std::vector<double>> collected;
-    std::vector<String> collectedLabels;
     std::string description;
 };
 
@@ -116,7 +111,8 @@ struct Layout {
     std::optional<Band> columnHead, row, carriedIn, carriedOut, sum, footer;
     std::vector<Group> groups;
     Aggregates aggregates;
-    std::vector<Chart*> rowCharts;
+    std::vector<FontRequest> fonts;
+    std::vector<const Chart*> rowCharts;
     std::set<std::pair<int, int>> opacities;
     std::vector<std::string> foreignIds;
     std::string foreignSource;         ///< the SVG with an id for each foreign element
@@ -125,23 +121,9 @@ struct Layout {
 
     double flowTop() const;
     double flowBottom() const;
-    /// Calls `visit` for each band there is.
-    template <class Visit>
-    void forEachBand(Visit&& visit);
+    /// The number of the font among `fonts`, where it is added if it is new.
+    std::size_t fontNumber(const FontRequest& font);
 };
-
-template <class Visit>
-void Layout::forEachBand(Visit&& visit) {
-    for (auto& band : page)
-        visit(band);
-    for (auto* band : {&columnHead, &row, &carriedIn, &carriedOut, &sum, &footer})
-        if (*band)
-            visit(**band);
-    for (auto& group : groups)
-        for (auto* band : {&group.head, &group.foot})
-            if (*band)
-                visit(**band);
-}
 
 /// Reads the layout `source` (SVG text), called `name` in messages, from folder `folder`. What prevents printing is
 /// among the findings as an error; then nothing useful is returned.

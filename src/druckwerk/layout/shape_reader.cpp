@@ -1,6 +1,7 @@
 // Shapes in plain colours become outlines with the PDF operators that paint them; what else is drawn is left to the
 // SVG library.
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/pdf/pdf_syntax.h"
 
 #include <cmath>
 

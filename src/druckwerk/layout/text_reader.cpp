@@ -91,7 +91,7 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
     const Matrix& matrix = piece.context.matrix;
     TextItem item(
         TextTemplate(fromUtf8(collapsed(piece.text)), band.definitions(), band.aggregates(), band.target().scope));
-    item.font = style.font;
+    item.font = band.reading().layout.fontNumber(style.font);
     band.noteSlots(item.text.slots(), piece.context.conditions.empty());
     item.size = style.fontSize * matrix.scale();
     item.color = style.fill.color;

@@ -1,4 +1,6 @@
-#include "druckwerk/page/document.h"
+#include "druckwerk/page/canvas.h"
+
+#include "druckwerk/pdf/pdf_syntax.h"
 
 #include <charconv>
 #include <cmath>
@@ -16,17 +18,6 @@ void appendHundredths(std::string& out, std::int64_t value) {
 }
 
 } // namespace
-
-void appendColor(std::string& out, Rgb color) {
-    for (const std::uint8_t part : {color.red, color.green, color.blue}) {
-        std::array<char, 8> text;
-        const int thousandths = (part * 1000 + 127) / 255;
-        const int written = thousandths == 1000 ? std::snprintf(text.data(), text.size(), "1 ")
-                            : thousandths == 0  ? std::snprintf(text.data(), text.size(), "0 ")
-                                                : std::snprintf(text.data(), text.size(), ".%03d ", thousandths);
-        out.append(text.data(), static_cast<std::size_t>(written));
-    }
-}
 
 void Canvas::clear() {
     buffer_.clear();

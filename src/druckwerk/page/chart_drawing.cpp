@@ -42,12 +42,15 @@ struct Scale {
 /// One chart while it is drawn.
 class Drawing {
   public:
-    Drawing(const Chart& chart, const Scene& scene, const String& printDate, double down, Canvas& canvas,
-            TextSetter& setter)
-        : chart_(chart), canvas_(canvas), setter_(setter), area_(chart.box) {
+    Drawing(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter)
+        : chart_(chart), canvas_(canvas), setter_(setter), area_(chart.box), values_(std::move(points.values)),
+          labels_(std::move(points.labels)) {
         area_.y += down;
-        takeValues(scene);
-        takeLabels(scene, printDate);
+        for (auto& series : values_) {
+            for (double& value : series)
+                value = std::isfinite(value) ? value : 0;
+            points_ = std::max(points_, series.size());
+        }
     }
 
     void draw() {
@@ -70,35 +73,7 @@ class Drawing {
     }
 
   private:
-    void takeValues(const Scene& scene) {
-        if (chart_.rows) {
-            values_ = chart_.collected;
-        } else {
-            for (const auto& series : chart_.series) {
-                auto& points = values_.emplace_back();
-                for (const auto& value : series.values)
-                    points.push_back(value.evaluate(scene));
-            }
-        }
-        for (auto& points : values_) {
-            for (double& value : points)
-                value = std::isfinite(value) ? value : 0;
-            points_ = std::max(points_, points.size());
-        }
-    }
-
-    void takeLabels(const Scene& scene, const String& printDate) {
-        if (chart_.rows) {
-            labels_ = chart_.collectedLabels;
-            return;
-        }
-        for (const auto& label : chart_.labels) {
-            labels_.emplace_back();
-            label.append(scene, printDate, labels_.back());
-        }
-    }
-
-    Face& face() { return *chart_.face; }
+    Face& face() { return setter_.face(chart_.font); }
     double textWidth(StringView text) { return setter_.width(text, face(), chart_.size); }
 
     void text(StringView text, Point at, Anchor anchor) {
@@ -316,28 +291,33 @@ class Drawing {
 
 } // namespace
 
-void collectPoint(Chart& chart, const Scene& scene, const String& printDate, const FontLibrary::Warn& warn) {
+ChartPoints pointsOf(const Chart& chart, const Scene& scene, const String& printDate) {
+    ChartPoints points;
+    for (const auto& series : chart.series) {
+        auto& values = points.values.emplace_back();
+        for (const auto& value : series.values)
+            values.push_back(value.evaluate(scene));
+    }
+    for (const auto& label : chart.labels)
+        label.append(scene, printDate, points.labels.emplace_back());
+    return points;
+}
+
+void collectPoint(const Chart& chart, const Scene& scene, const String& printDate, ChartPoints& points,
+                  const FontLibrary::Warn& warn) {
     if (!chart.rows->holds(scene))
         return;
-    chart.collected.resize(chart.series.size());
-    if (chart.collected[0].size() == kMostPoints)
+    points.values.resize(chart.series.size());
+    if (points.values[0].size() == kMostPoints)
         return warn(chart.description + " zeigt nur die ersten " + std::to_string(kMostPoints) + " Zeilen");
     for (std::size_t i = 0; i < chart.series.size(); ++i)
-        chart.collected[i].push_back(chart.series[i].values[0].evaluate(scene));
-    if (!chart.labels.empty()) {
-        chart.collectedLabels.emplace_back();
-        chart.labels[0].append(scene, printDate, chart.collectedLabels.back());
-    }
+        points.values[i].push_back(chart.series[i].values[0].evaluate(scene));
+    if (!chart.labels.empty())
+        chart.labels[0].append(scene, printDate, points.labels.emplace_back());
 }
 
-void forgetPoints(Chart& chart) {
-    chart.collected.clear();
-    chart.collectedLabels.clear();
-}
-
-void drawChart(const Chart& chart, const Scene& scene, const String& printDate, double down, Canvas& canvas,
-               TextSetter& setter) {
-    Drawing(chart, scene, printDate, down, canvas, setter).draw();
+void drawChart(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter) {
+    Drawing(chart, std::move(points), down, canvas, setter).draw();
 }
 
 } // namespace kvtdruck::druckwerk

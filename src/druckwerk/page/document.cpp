@@ -1,5 +1,7 @@
 #include "druckwerk/page/document.h"
 
+#include "druckwerk/pdf/pdf_syntax.h"
+
 namespace kvtdruck::druckwerk {
 
 namespace {

@@ -24,9 +24,10 @@ double heightOf(const std::optional<Band>& band) {
 PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
                    const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
                    FontLibrary::Warn warn)
-    : layout_(std::move(layout)), definitions_(definitions), warn_(warn), printDate_(textOf(date)),
-      document_(document), bookmark_(std::move(bookmark)), begin_(document.mark()),
-      setter_(document_, std::move(warn)), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+    : aggregates_(std::move(layout.aggregates)), layout_(std::move(layout)), definitions_(definitions), warn_(warn),
+      printDate_(textOf(date)), document_(document), bookmark_(std::move(bookmark)), begin_(document.mark()),
+      setter_(document_, layout_.fonts, std::move(warn)), points_(layout_.rowCharts.size()),
+      top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
     document_.setPageSize(layout_.width, layout_.height);
     double closing = heightOf(layout_.sum);
     for (const Group& group : layout_.groups)
@@ -36,7 +37,6 @@ PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& documen
         document_.useOpacity(fill, stroke);
     if (!layout_.foreignIds.empty())
         firstForm_ = embedArtwork(document_, layout_, layoutFolder);
-    prepareFonts();
 }
 
 PrintJob::~PrintJob() {
@@ -44,23 +44,11 @@ PrintJob::~PrintJob() {
         document_.dropSince(begin_);
 }
 
-void PrintJob::prepareFonts() {
-    layout_.forEachBand([&](Band& band) {
-        for (Item& item : band.items) {
-            if (auto* text = std::get_if<TextItem>(&item.content))
-                text->face = &document_.fonts().face(text->font);
-            else if (auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content))
-                (*chart)->face = &document_.fonts().face((*chart)->font);
-        }
-    });
-}
-
 Scene PrintJob::scene(Moment moment) const {
-    return {definitions_, layout_.aggregates, moment, document_.pages(), tableLines_, pageLines_};
+    return {definitions_, aggregates_, moment, document_.pages(), tableLines_, pageLines_};
 }
 
-// --- Pages
-// ------------------------------------------------------------------------------------------------------------
+// --- Pages ---
 
 void PrintJob::beginPage() {
     if (pageOpen_) {
@@ -73,7 +61,7 @@ void PrintJob::beginPage() {
     if (!bookmark_.empty() && document_.mark() == begin_)
         document_.bookmark(bookmark_, 0);
     definitions_.mark(Moment::PageBegin);
-    layout_.aggregates.reset(kPageScope);
+    aggregates_.reset(kPageScope);
     pageOpen_ = true;
     pageBound_ = pageFull_ = carries_ = false;
     pageLines_ = 0;
@@ -104,8 +92,7 @@ void PrintJob::closePage() {
     pageOpen_ = false;
 }
 
-// --- Lines
-// ------------------------------------------------------------------------------------------------------------
+// --- Lines ---
 
 bool PrintJob::printLine() {
     if (!layout_.row)
@@ -154,9 +141,9 @@ bool PrintJob::printSheet() {
 }
 
 void PrintJob::takeLineIntoAccount() {
-    layout_.aggregates.accumulate(scene(Moment::Now));
-    for (Chart* chart : layout_.rowCharts)
-        collectPoint(*chart, scene(Moment::Now), printDate_, warn_);
+    aggregates_.accumulate(scene(Moment::Now));
+    for (std::size_t i = 0; i < points_.size(); ++i)
+        collectPoint(*layout_.rowCharts[i], scene(Moment::Now), printDate_, points_[i], warn_);
 }
 
 void PrintJob::drawRow(double growth) {
@@ -180,8 +167,7 @@ bool PrintJob::wantsNewPage(std::size_t brokenGroup) const {
     return asks(layout_.row);
 }
 
-// --- Groups
-// -----------------------------------------------------------------------------------------------------------
+// --- Groups ---
 
 std::size_t PrintJob::firstBrokenGroup() const {
     for (std::size_t level = 0; level < openGroups_; ++level)
@@ -209,10 +195,10 @@ bool PrintJob::closeGroups(std::size_t level) {
 void PrintJob::openGroups() {
     for (; openGroups_ < layout_.groups.size(); ++openGroups_) {
         const auto level = static_cast<AggregateScope>(openGroups_);
-        layout_.aggregates.reset(level);
-        for (Chart* chart : layout_.rowCharts)
-            if (chart->scope == level)
-                forgetPoints(*chart);
+        aggregates_.reset(level);
+        for (std::size_t i = 0; i < points_.size(); ++i)
+            if (layout_.rowCharts[i]->scope == level)
+                points_[i] = {};
         const auto& head = layout_.groups[openGroups_].head;
         if (head && holds(*head, Moment::Now))
             flow(*head, Moment::Now, 0);
@@ -237,8 +223,7 @@ double PrintJob::heightOfHeads(bool freshPage) const {
     return height;
 }
 
-// --- The end
-// ----------------------------------------------------------------------------------------------------------
+// --- The end ---
 
 void PrintJob::closeTable() {
     if (tableClosed_ || !pageOpen_)
@@ -261,8 +246,7 @@ void PrintJob::finish() {
     finished_ = true;
 }
 
-// --- Bands
-// ------------------------------------------------------------------------------------------------------------
+// --- Bands ---
 
 bool PrintJob::holds(const Band& band, Moment moment) const {
     return !band.condition || band.condition->holds(scene(moment));
@@ -316,8 +300,10 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
             canvas.draw(shape->operators(layout_.height, band.bottom() - kEdge, growth), down);
         else
             canvas.draw(shape->compiled, down);
-    } else if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
-        drawChart(**chart, now, printDate_, down, canvas, setter_);
+    } else if (const auto* found = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
+        const Chart& chart = **found;
+        drawChart(chart, chart.rows ? points_[chart.rowChart] : pointsOf(chart, now, printDate_), down, canvas,
+                  setter_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
         canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
     }

@@ -4,8 +4,6 @@
 
 #include <array>
 #include <cerrno>
-#include <charconv>
-#include <cmath>
 #include <cstring>
 #include <fcntl.h>
 #include <libdeflate.h>
@@ -18,8 +16,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
-constexpr double kMaximumNumber = 1e9; // beyond it, and for NaN, there is nothing to be seen on a page
-constexpr int kCompressionLevel = 1;   // level 6 makes the files a tenth smaller and takes four times as long
+constexpr int kCompressionLevel = 1; // level 6 makes the files a tenth smaller and takes four times as long
 
 } // namespace
 
@@ -148,36 +145,6 @@ void PdfOutput::finish(int catalog, int info) {
     if (!temporary_.empty() && ::rename(temporary_.c_str(), file_.c_str()) != 0)
         fail(errno);
     temporary_.clear();
-}
-
-void appendNumber(std::string& out, double value) {
-    if (!(std::fabs(value) < kMaximumNumber))
-        value = 0;
-    auto hundredths = static_cast<std::int64_t>(value < 0 ? value * 100 - 0.5 : value * 100 + 0.5);
-    std::array<char, 24> buffer;
-    char* at = buffer.data();
-    if (hundredths < 0) {
-        *at++ = '-';
-        hundredths = -hundredths;
-    }
-    at = std::to_chars(at, buffer.data() + buffer.size(), hundredths / 100).ptr;
-    const auto decimals = static_cast<int>(hundredths % 100);
-    if (decimals != 0) {
-        *at++ = '.';
-        *at++ = static_cast<char>('0' + decimals / 10);
-        if (decimals % 10 != 0)
-            *at++ = static_cast<char>('0' + decimals % 10);
-    }
-    out.append(buffer.data(), at);
-}
-
-std::string pdfText(std::u16string_view text) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string out = "<FEFF";
-    for (const char16_t c : text)
-        for (int shift = 12; shift >= 0; shift -= 4)
-            out += kDigits[(c >> shift) & 15];
-    return out + ">";
 }
 
 } // namespace kvtdruck::druckwerk

@@ -49,9 +49,4 @@ class PdfOutput {
     libdeflate_compressor* compressor_;
 };
 
-/// `value` with at most two decimals, as PDF numbers are written.
-void appendNumber(std::string& out, double value);
-/// A PDF text string (UTF-16 in hexadecimal) of UTF-16 `text`.
-std::string pdfText(std::u16string_view text);
-
 } // namespace kvtdruck::druckwerk

@@ -1,6 +1,7 @@
 // A face in the document: what of it was used, as a subset with its own codes.
 #include "druckwerk/common/deleter.h"
 #include "druckwerk/common/fault.h"
+#include "druckwerk/pdf/pdf_syntax.h"
 #include "druckwerk/text/face.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // Text into glyphs: plain text of one font directly, anything else by direction, script and font.
 #include "druckwerk/common/deleter.h"
+#include "druckwerk/pdf/pdf_syntax.h"
 #include "druckwerk/text/font_library.h"
 #include "values/characters.h"
 
