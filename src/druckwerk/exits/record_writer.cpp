@@ -268,7 +268,8 @@ class XlsxWriter final : public RecordWriter {
                 warn_("Ein Text hat mehr als 32.767 Zeichen; in der XLSX-Datei steht nur sein Anfang.");
         }
         if (!value.empty())
-            check(worksheet_write_string(sheet.sheet, sheet.next, column, toUtf8(wellFormed(value)).c_str(), format));
+            check(
+                worksheet_write_string(sheet.sheet, sheet.next, column, toUtf8(wellFormed(value)).c_str(), format));
     }
 
     static void check(lxw_error result) {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <libxml/parser.h>
 #include <map>
 #include <optional>
 
@@ -17,37 +16,9 @@ constexpr int kMaximumDepth = 64;
 constexpr int kMaximumElements = 20000;
 constexpr long kMaximumCopies = 10000; // elements that `use` may make
 constexpr std::uint32_t kMaximumPixels = 8192;
-constexpr std::string_view kSvgNamespace = "http://www.w3.org/2000/svg";
-
-std::string_view view(const xmlChar* text) {
-    return text == nullptr ? std::string_view() : std::string_view(reinterpret_cast<const char*>(text));
-}
 
 std::string at(const xmlNode* node) {
     return "Zeile " + std::to_string(lineOf(node)) + ": ";
-}
-
-std::string reasonOf(const xmlError& error) {
-    switch (error.code) {
-    case XML_ERR_DOCUMENT_EMPTY:
-        return "die Datei ist leer";
-    case XML_ERR_TAG_NAME_MISMATCH:
-        return "öffnendes und schließendes Element passen nicht zusammen";
-    case XML_ERR_TAG_NOT_FINISHED:
-    case XML_ERR_DOCUMENT_END:
-        return "das Ende fehlt oder dahinter steht noch etwas";
-    case XML_ERR_INVALID_CHAR:
-    case XML_ERR_INVALID_ENCODING:
-    case XML_ERR_UNKNOWN_ENCODING:
-        return "ungültige Zeichenkodierung (erwartet wird UTF-8)";
-    case XML_ERR_UNDECLARED_ENTITY:
-    case XML_WAR_UNDECLARED_ENTITY:
-        return "unbekannte Entität";
-    case XML_ERR_ENTITY_LOOP:
-        return "Entität im Kreis";
-    default:
-        return std::string(trimmedAscii(error.message == nullptr ? "" : error.message));
-    }
 }
 
 /// Goes through the whole tree once, before anything is made of it.
@@ -57,7 +28,7 @@ class Inspection {
         if (document->intSubset != nullptr && document->intSubset->children != nullptr)
             throw Fault(kLayoutRefused, "Entitäten und eigene Dokumenttypen sind nicht erlaubt");
         for (const xmlNode* node = document->children; node != nullptr; node = node->next)
-            if (node->type == XML_PI_NODE && view(node->name) == "xml-stylesheet")
+            if (node->type == XML_PI_NODE && viewOf(node->name) == "xml-stylesheet")
                 throw Fault(kLayoutRefused, "Verweis nach außen ist nicht erlaubt: xml-stylesheet");
         xmlNode* root = xmlDocGetRootElement(document);
         if (root == nullptr)
@@ -82,7 +53,7 @@ class Inspection {
             inspectAttributes(node, name);
         if (name == "style")
             for (const xmlNode* text = node->children; text != nullptr; text = text->next)
-                inspectUrls(node, view(text->content));
+                inspectUrls(node, viewOf(text->content));
         if (const std::string id = attribute(node, "id"); !id.empty())
             byId_.emplace(id, node);
         forEachChild(node, [&](xmlNode* child) { inspect(child, depth + 1); });
@@ -92,7 +63,7 @@ class Inspection {
         for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next) {
             const std::string value = attribute(node, reinterpret_cast<const char*>(attr->name));
             inspectUrls(node, value);
-            if (view(attr->name) != "href" || name.empty() || name == "a")
+            if (viewOf(attr->name) != "href" || name.empty() || name == "a")
                 continue;
             if (name == "image")
                 inspectImage(node, value);
@@ -194,18 +165,14 @@ class Inspection {
 } // namespace
 
 SvgFile::SvgFile(const std::string& source, const std::filesystem::path& folder) {
-    const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context(xmlNewParserCtxt(),
-                                                                               xmlFreeParserCtxt);
-    document_.reset(
-        xmlCtxtReadMemory(context.get(), source.data(), static_cast<int>(source.size()), nullptr, nullptr,
-                          XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOCDATA));
-    const xmlError* error = xmlCtxtGetLastError(context.get());
-    if (error != nullptr && (!document_ || error->level >= XML_ERR_ERROR)) {
+    XmlError error;
+    document_ = parseXml(source, error);
+    if (!document_) {
         const bool entities = source.find("<!ENTITY") != std::string::npos;
         throw Fault(entities ? kLayoutRefused : kLayoutMalformed,
-                    "Zeile " + std::to_string(error->line) + ": " +
+                    "Zeile " + std::to_string(error.line) + ": " +
                         (entities ? "Entitäten und eigene Dokumenttypen sind nicht erlaubt"
-                                  : "Datei ist kein wohlgeformtes XML: " + reasonOf(*error)));
+                                  : "Datei ist kein wohlgeformtes XML: " + error.reason));
     }
     const Inspection inspection(document_.get(), folder);
 }
@@ -215,59 +182,7 @@ xmlNode* SvgFile::root() const {
 }
 
 std::string SvgFile::text() const {
-    xmlChar* buffer = nullptr;
-    int size = 0;
-    xmlDocDumpMemoryEnc(document_.get(), &buffer, &size, "UTF-8");
-    std::string text(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(size));
-    xmlFree(buffer);
-    return text;
-}
-
-std::string_view svgName(const xmlNode* node) {
-    return node->ns != nullptr && view(node->ns->href) == kSvgNamespace ? view(node->name) : std::string_view();
-}
-
-std::string_view localName(const xmlNode* node) {
-    return view(node->name);
-}
-
-std::string attribute(const xmlNode* node, const char* name) {
-    for (xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next)
-        if (view(attr->name) == name) {
-            xmlChar* value = xmlNodeListGetString(node->doc, attr->children, 1);
-            std::string text(view(value));
-            xmlFree(value);
-            return text;
-        }
-    return {};
-}
-
-bool hasAttribute(const xmlNode* node, const char* name) {
-    for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next)
-        if (view(attr->name) == name)
-            return true;
-    return false;
-}
-
-bool hasClass(const xmlNode* node, std::string_view cssClass) {
-    const std::string classes = attribute(node, "class");
-    const auto words = splitWords(classes);
-    return std::find(words.begin(), words.end(), cssClass) != words.end();
-}
-
-long lineOf(const xmlNode* node) {
-    return xmlGetLineNo(node);
-}
-
-void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit) {
-    for (xmlNode* child = node->children; child != nullptr; child = child->next)
-        if (child->type == XML_ELEMENT_NODE)
-            visit(child);
-}
-
-void forEachElement(xmlNode* node, const std::function<void(xmlNode*)>& visit) {
-    visit(node);
-    forEachChild(node, [&](xmlNode* child) { forEachElement(child, visit); });
+    return textOf(document_.get());
 }
 
 } // namespace kvtdruck::druckwerk
