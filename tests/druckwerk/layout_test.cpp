@@ -372,6 +372,18 @@ TEST_F(LayoutTest, ChartLabelsAreBrokenInTheWidthThatTheAxisLeaves) {
     }
 }
 
+TEST_F(LayoutTest, AChartThatIsTooSmallForItsFontEnds) {
+    // Without a font size it is 16 units: the numbers at the axis alone are wider than the chart.
+    for (const char* kind : {"bars", "lines", "target", "share"})
+        for (const int width : {1, 20, 40, 60, 80})
+            printed(
+                page(layer("Seitenkopf", 0, 90,
+                           "<g class='chart' data-chart='" + std::string(kind) +
+                               "' data-series='=Betrag*10000000, Betrag, Betrag; Nr, Nr, Nr' data-labels='Januar; "
+                               "Februar; M'><rect x='5' y='5' width='" +
+                               std::to_string(width) + "' height='60'/></g>")));
+}
+
 TEST_F(LayoutTest, AChartWithoutFiguresIsEmptyNotWrong) {
     printed(page(layer(
         "Seitenkopf", 0, 90,

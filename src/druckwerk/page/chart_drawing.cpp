@@ -42,9 +42,10 @@ struct Scale {
 /// One chart while it is drawn.
 class Drawing {
   public:
-    Drawing(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter)
-        : chart_(chart), canvas_(canvas), setter_(setter), area_(chart.box), values_(std::move(points.values)),
-          labels_(std::move(points.labels)) {
+    Drawing(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter,
+            const FontLibrary::Warn& warn)
+        : chart_(chart), canvas_(canvas), setter_(setter), warn_(warn), area_(chart.box),
+          values_(std::move(points.values)), labels_(std::move(points.labels)) {
         area_.y += down;
         for (auto& series : values_) {
             for (double& value : series)
@@ -60,6 +61,8 @@ class Drawing {
         if (chart_.kind == Chart::Kind::Share)
             return drawShares();
         layOutAxis();
+        if (area_.width <= 0 || area_.height <= 0)
+            return warn_(chart_.description + " ist für seine Schriftgröße zu klein und bleibt leer");
         drawGrid();
         drawLabels();
         const bool lines = chart_.kind == Chart::Kind::Lines;
@@ -180,12 +183,14 @@ class Drawing {
             }
         }
         // A smaller size keeps words whole.
-        const double size = chart_.size * std::clamp(slot() * kLabelShare / widestWord, kSmallestLabel, 1.0);
+        const double fitting = widestWord > 0 ? slot() * kLabelShare / widestWord : 1;
+        const double size = chart_.size * std::clamp(fitting, kSmallestLabel, 1.0);
         // Where there is no room even for parts of them, labels are thinned out.
         const double room = slot() * kLabelShare;
-        const bool dense = widest > room && room < size * 4;
-        const auto step =
-            dense ? static_cast<std::size_t>(std::ceil(std::min(widest, size * 8) / room)) : std::size_t{1};
+        if (widest <= room || room >= size * 4)
+            return {size, room, 1};
+        const double wanted = room > 0 ? std::ceil(std::min(widest, size * 8) / room) : 1;
+        const auto step = static_cast<std::size_t>(std::clamp(wanted, 1.0, static_cast<double>(points_)));
         return {size, room * static_cast<double>(step), step};
     }
 
@@ -281,6 +286,7 @@ class Drawing {
     const Chart& chart_;
     Canvas& canvas_;
     TextSetter& setter_;
+    const FontLibrary::Warn& warn_;
     Box area_;
     Scale scale_;
     std::vector<std::vector<double>> values_;
@@ -316,8 +322,9 @@ void collectPoint(const Chart& chart, const Scene& scene, const String& printDat
         chart.labels[0].append(scene, printDate, points.labels.emplace_back());
 }
 
-void drawChart(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter) {
-    Drawing(chart, std::move(points), down, canvas, setter).draw();
+void drawChart(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter,
+               const FontLibrary::Warn& warn) {
+    Drawing(chart, std::move(points), down, canvas, setter, warn).draw();
 }
 
 } // namespace kvtdruck::druckwerk

@@ -18,6 +18,7 @@ ChartPoints pointsOf(const Chart& chart, const Scene& scene, const String& print
 void collectPoint(const Chart& chart, const Scene& scene, const String& printDate, ChartPoints& points,
                   const FontLibrary::Warn& warn);
 /// Draws the chart, moved down by `down`.
-void drawChart(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter);
+void drawChart(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter,
+               const FontLibrary::Warn& warn);
 
 } // namespace kvtdruck::druckwerk

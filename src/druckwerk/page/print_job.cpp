@@ -303,7 +303,7 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
     } else if (const auto* found = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
         const Chart& chart = **found;
         drawChart(chart, chart.rows ? points_[chart.rowChart] : pointsOf(chart, now, printDate_), down, canvas,
-                  setter_);
+                  setter_, warn_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
         canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
     }
