@@ -4,11 +4,13 @@
 #include "druckwerk/common/definition.h"
 #include "druckwerk/common/engine_codes.h"
 #include "druckwerk/common/print_date.h"
+#include "platform/posix/atomic_file.h"
 
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,10 +53,16 @@ struct JobPlace {
     std::vector<std::string> bookmark;
 };
 
+/// Takes a file that is complete and not yet in its place.
+using FinishedSink = std::function<void(std::unique_ptr<AtomicFile>)>;
+
 /// Surroundings of the engine. Texts are UTF-8; every hook may be empty and is called on the caller's thread.
 struct Options {
     /// The PDF file that a print job writes. Empty: the document goes to `deliver`.
     std::filesystem::path output;
+    /// Takes the complete file of a job, which has its place once it is committed. Where this is empty, a job that
+    /// has ended well commits it.
+    FinishedSink finished;
     /// Hands a finished document to a printer; answers 0 or an engine code, having put its message into `message`.
     std::function<std::int32_t(const Document& document, std::string& message)> deliver;
     /// Lets the user choose printer or file before a job; answers 0, -99 or an engine code.
