@@ -1,15 +1,18 @@
 #include "druckwerk/exits/designer.h"
 
+#include "druckwerk/common/fault.h"
 #include "druckwerk/exits/palette.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
 
 #include <cerrno>
-#include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <optional>
 #include <sstream>
+#include <system_error>
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,13 +27,6 @@ std::optional<std::string> readFile(const std::filesystem::path& file) {
     std::ostringstream text;
     text << stream.rdbuf();
     return text.str();
-}
-
-bool writeFile(const std::filesystem::path& file, const std::string& text) {
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream << text;
-    stream.close();
-    return !stream.fail();
 }
 
 /// Runs the designer on `file` and waits for its end; gives 0 or an errno. It gets an application of its own, so
@@ -50,60 +46,79 @@ int runDesigner(const std::filesystem::path& file) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : ECHILD;
 }
 
-/// The layout while it is in the designer: with the palette beside its page. It is put back afterwards, without the
-/// palette where the user has saved it, else as it was.
-class LayoutInDesign {
+/// A copy of the layout for the designer, with the palette beside its page. It lies beside the layout, where
+/// pictures that the layout names are found, and is gone with the object.
+class WorkingCopy {
   public:
-    LayoutInDesign(const DesignRequest& request, const std::string& svg, bool isNew)
-        : file_(request.layout), original_(svg), isNew_(isNew) {
-        // A damaged layout is opened as it is; the check says what is wrong with it.
-        shown_ = withPalette(svg, request.definitions).value_or(svg);
+    WorkingCopy(const std::filesystem::path& layout, const std::string& text) : shown_(text) {
+        std::string name =
+            (layout.parent_path() / (layout.stem().string() + "-wird-gestaltet-XXXXXX.svg")).string();
+        const int descriptor = ::mkostemps(name.data(), 4, O_CLOEXEC); // behind the name comes ".svg"
+        if (descriptor < 0)
+            throw std::system_error(errno, std::generic_category());
+        file_ = name;
+        ::close(descriptor);
+    }
+    WorkingCopy(const WorkingCopy&) = delete;
+    WorkingCopy& operator=(const WorkingCopy&) = delete;
+    ~WorkingCopy() {
+        std::error_code ignored;
+        std::filesystem::remove(file_, ignored);
     }
 
-    /// Whether the user has left objects in the palette's layer.
-    bool hasStrays() const { return hasStrays_; }
-
-    bool open() const { return writeFile(file_, shown_); }
-
-    /// Gives false where the file can't be read or written.
-    bool putBack() {
-        const auto saved = readFile(file_);
-        if (!saved)
-            return false;
-        if (*saved != shown_)
-            return writeFile(file_, withoutPalette(*saved, hasStrays_).value_or(*saved));
-        if (isNew_)
-            return std::filesystem::remove(file_);
-        return writeFile(file_, original_);
+    const std::filesystem::path& file() const { return file_; }
+    void write() const { writeAtomically(file_, shown_, AtomicFile::Access::Mask); }
+    /// What the user has saved; nothing where it is as it was shown.
+    std::optional<std::string> saved() const {
+        auto text = readFile(file_);
+        if (!text)
+            throw std::system_error(ENOENT, std::generic_category());
+        return *text == shown_ ? std::nullopt : text;
     }
 
   private:
     std::filesystem::path file_;
-    std::string original_;
     std::string shown_;
-    bool isNew_;
-    bool hasStrays_ = false;
 };
+
+/// What became of a layout in the designer.
+struct Designed {
+    int error = 0; ///< an errno of the designer
+    bool hasStrays = false;
+};
+
+Designed openInDesigner(const DesignRequest& request) {
+    const auto existing = readFile(request.layout);
+    const std::string svg = existing ? *existing : generateLayout(request.definitions);
+    // A damaged layout is opened as it is; the check says what is wrong with it.
+    const WorkingCopy copy(request.layout, withPalette(svg, request.definitions).value_or(svg));
+    copy.write();
+    Designed designed;
+    designed.error = runDesigner(copy.file());
+    if (const auto saved = copy.saved())
+        writeAtomically(request.layout, withoutPalette(*saved, designed.hasStrays).value_or(*saved),
+                        AtomicFile::Access::Mask);
+    return designed;
+}
 
 } // namespace
 
 std::int32_t design(const DesignRequest& request, const FindingSink& findings, std::string& message) {
-    const auto existing = readFile(request.layout);
-    LayoutInDesign layout(request, existing ? *existing : generateLayout(request.definitions), !existing);
-    if (!layout.open()) {
-        message = "Die Layoutdatei " + request.layout.string() + " kann nicht geschrieben werden.";
+    Designed designed;
+    try {
+        designed = openInDesigner(request);
+    } catch (const std::system_error& error) {
+        message = "Die Layoutdatei " + request.layout.string() +
+                  " kann nicht geschrieben werden: " + reasonForWriting(error.code().value()) + ".";
         return kDesignFailed;
     }
-    const int error = runDesigner(request.layout);
-    if (!layout.putBack())
-        message = "Die Layoutdatei " + request.layout.string() + " kann nicht geschrieben werden.";
-    else if (error == ENOENT)
+    if (designed.error == ENOENT)
         message = "Das Zeichenprogramm Inkscape ist nicht installiert.";
-    else if (error != 0)
+    else if (designed.error != 0)
         message = "Das Zeichenprogramm Inkscape wurde mit einem Fehler beendet.";
     if (!message.empty())
         return kDesignFailed;
-    if (layout.hasStrays())
+    if (designed.hasStrays)
         findings(
             {false, 0, "Objekte, die in der Ebene „Feldliste“ lagen, liegen jetzt in der Ebene „Hintergrund“."});
     if (std::filesystem::exists(request.layout))
