@@ -137,8 +137,9 @@ class Druckwerk::Engine {
     void turnPage();
     void openDocument();
     std::vector<String> bookmark() const;
+    static void commit(AtomicFile& file);
     std::int32_t endJob();
-    std::int32_t finishDocument();
+    std::int32_t finishDocument(bool preview);
     void dropPages();
     void dropJob();
     bool moreFollows() const { return options_->place != nullptr && options_->place->more; }
@@ -340,16 +341,30 @@ DocumentInfo Druckwerk::Engine::documentInfo() const {
             fromUtf8(options_->creator), options_->printDate};
 }
 
+void Druckwerk::Engine::commit(AtomicFile& file) {
+    try {
+        file.commit();
+    } catch (const std::system_error& error) {
+        throw outputFault(file.target(), error);
+    }
+}
+
 std::int32_t Druckwerk::Engine::endJob() {
     if (!job_->print)
         turnPage();
     job_->print->finish();
+    const bool preview = job_->preview;
     job_.reset();
-    return moreFollows() ? kEngineSuccess : finishDocument();
+    return moreFollows() ? kEngineSuccess : finishDocument(preview);
 }
 
-std::int32_t Druckwerk::Engine::finishDocument() {
-    document_->pdf().finish(document_->info());
+/// A preview and what goes to a printer are needed at once; any other file is its taker's.
+std::int32_t Druckwerk::Engine::finishDocument(bool preview) {
+    auto file = document_->pdf().finish(document_->info());
+    if (options_->finished && !preview && !document_->isForPrinter())
+        options_->finished(std::move(file));
+    else
+        commit(*file);
     std::int32_t code = kEngineSuccess;
     std::string message;
     if (document_->isForPrinter())

@@ -12,8 +12,8 @@ namespace kvtdruck::druckwerk {
 /// The layout `svg` with the list beside its page; nothing where it is no well-formed XML.
 std::optional<std::string> withPalette(const std::string& svg, const std::vector<Definition>& definitions);
 
-/// The layout without the list; nothing where it is no well-formed XML. What the user has drawn, moved or changed in
-/// the list's layer is kept in the background, and `hasStrays` says that there was any.
+/// The layout without the list; nothing where it is no well-formed XML. What the user has drawn, moved or changed
+/// in the list's layer is kept in the background, and `hasStrays` says that there was any.
 std::optional<std::string> withoutPalette(const std::string& svg, bool& hasStrays);
 
 } // namespace kvtdruck::druckwerk

@@ -24,7 +24,7 @@ struct DocumentInfo {
     PrintDate date;
 };
 
-/// A PDF document, written to a file that is complete when `finish` is through and is gone otherwise.
+/// A PDF document.
 class PdfDocument {
   public:
     PdfDocument(const std::filesystem::path& file, FontLibrary::Warn warn);
@@ -61,7 +61,8 @@ class PdfDocument {
     /// Takes out every page and bookmark since `mark`.
     void dropSince(const Mark& mark);
 
-    void finish(const DocumentInfo& info);
+    /// Gives the file, which is complete and not yet in its place.
+    std::unique_ptr<AtomicFile> finish(const DocumentInfo& info);
 
   private:
     struct Size {
