@@ -219,6 +219,89 @@ TEST_F(LayoutTest, CyclicAndMultiplyingUseIsRefused) {
                 HasSubstr("vervielfacht"));
 }
 
+// Which of two attributes with the same name a reader takes is up to it, so each is looked at.
+TEST_F(LayoutTest, AnAttributeCannotHideBehindAnotherOfItsName) {
+    const std::string q = "xmlns:q='http://example.org/q' ";
+    for (const std::string hidden :
+         {"<use xlink:href='#a' href='http://example.org/a.svg#b'/>", "<use href='#a' xlink:href='andere.svg#b'/>",
+          "<image xlink:href='#a' href='../../../etc/passwd'/>",
+          "<image href='file:///etc/passwd' xlink:href='#a'/>",
+          "<rect q:style='fill:red' style='fill:url(http://example.org/a.svg#b)' width='1' height='1'/>"})
+        EXPECT_THAT(error(row("<g id='a' " + q + ">" + hidden + "</g>"), kLayoutRefused),
+                    HasSubstr("Verweis nach außen ist nicht erlaubt"))
+            << hidden;
+}
+
+TEST_F(LayoutTest, UseCannotMultiplyBehindAnotherAttribute) {
+    std::string nested = "<rect id='n0' width='1' height='1'/>";
+    for (int i = 1; i < 25; ++i) {
+        const std::string inner = "<use xlink:href='#leer' href='#n" + std::to_string(i - 1) + "'/>";
+        nested.append("<g id='n").append(std::to_string(i)).append("'>").append(inner).append(inner).append("</g>");
+    }
+    EXPECT_THAT(error(row("<defs><g id='leer'/>" + nested + "</defs><use href='#n24'/>"), kLayoutRefused),
+                HasSubstr("vervielfacht"));
+}
+
+/// Elements without ids that each use a large one count as well.
+TEST_F(LayoutTest, UsesWithoutIdsAreCounted) {
+    std::string large = "<g id='gross'>";
+    for (int i = 0; i < 5000; ++i)
+        large += "<path/>";
+    large += "</g>";
+    std::string uses;
+    for (int i = 0; i < 20; ++i)
+        uses += "<use href='#gross'/>";
+    EXPECT_THAT(error(row("<defs>" + large + "</defs>" + uses), kLayoutRefused), HasSubstr("vervielfacht"));
+}
+
+TEST_F(LayoutTest, MarkersAtManyPointsAreCounted) {
+    std::string marker = "<marker id='m'>";
+    for (int i = 0; i < 100; ++i)
+        marker += "<path/>";
+    std::string path = "M0 0";
+    for (int i = 0; i < 1000; ++i)
+        path += "L1 1";
+    for (const std::string how : {"marker-mid='url(#m)'", "style='marker-mid:url(#m)'"})
+        EXPECT_THAT(
+            error(row("<defs>" + marker + "</marker></defs><path " + how + " d='" + path + "'/>"), kLayoutRefused),
+            HasSubstr("vervielfacht"));
+}
+
+TEST_F(LayoutTest, AChainOfUsesIsNoDeeperThanElementsMayBe) {
+    std::string chain = "<rect id='k0' width='1' height='1'/>";
+    for (int i = 1; i < 9000; ++i)
+        chain += "<use id='k" + std::to_string(i) + "' href='#k" + std::to_string(i - 1) + "'/>";
+    EXPECT_THAT(error(row(chain), kLayoutRefused), HasSubstr("64 Ebenen"));
+}
+
+TEST_F(LayoutTest, PicturesWithinTheLayoutAreMeasured) {
+    // The head of a PNG of 60,000 by 60,000 pixels.
+    const std::string huge = "data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAA6mAAAOpgCAYAAAA=";
+    EXPECT_THAT(error(row("<image href='" + huge + "'/>"), kLayoutRefused), HasSubstr("größer als 8192 Pixel"));
+    EXPECT_THAT(error(row("<image href='data:image/svg+xml;base64,PHN2Zy8+'/>")), HasSubstr("weder PNG noch JPEG"));
+}
+
+TEST_F(LayoutTest, FiltersThatCostMoreThanTheirAreaAreRefused) {
+    for (const char* name : {"feTurbulence", "feConvolveMatrix", "feImage", "feMorphology", "feDiffuseLighting"})
+        EXPECT_THAT(error(row("<defs><filter id='f'><" + std::string(name) + "/></filter></defs>"), kLayoutRefused),
+                    HasSubstr(name));
+}
+
+TEST_F(LayoutTest, IncludedFilesAreRefused) {
+    EXPECT_THAT(
+        error(row("<xi:include xmlns:xi='http://www.w3.org/2001/XInclude' href='/etc/passwd'/>"), kLayoutRefused),
+        HasSubstr("xi:include"));
+}
+
+TEST_F(LayoutTest, AttributesAndTextsWithPlaceholdersAreBounded) {
+    std::string attributes;
+    for (int i = 0; i < 300; ++i)
+        attributes += " a" + std::to_string(i) + "='1'";
+    EXPECT_THAT(error(row("<g" + attributes + "/>"), kLayoutRefused), HasSubstr("250 Attribute"));
+    EXPECT_THAT(error(row(field(5, 5, 40, "{{Name}}" + std::string(10'000, 'x'))), kLayoutRefused),
+                HasSubstr("länger als 10.000 Zeichen"));
+}
+
 TEST_F(LayoutTest, DepthSizeAndNumberAreBounded) {
     std::string deep;
     for (int i = 0; i < 100; ++i)

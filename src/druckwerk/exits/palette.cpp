@@ -33,13 +33,6 @@ const xmlChar* xml(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
 
-std::string labelOf(const xmlNode* node) {
-    xmlChar* value = xmlGetNsProp(node, xml("label"), xml(kInkscape));
-    std::string label(viewOf(value));
-    xmlFree(value);
-    return label;
-}
-
 void setLabel(xmlNode* layer, const char* label) {
     xmlNs* inkscape = xmlSearchNsByHref(layer->doc, layer, xml(kInkscape));
     if (inkscape == nullptr)
@@ -74,7 +67,7 @@ std::string describe(xmlNode* text) {
 bool removePalette(xmlNode* svg) {
     bool kept = false;
     for (xmlNode* palette : childrenOf(svg)) {
-        if (labelOf(palette) != kPalette)
+        if (layerLabel(palette) != kPalette)
             continue;
         for (xmlNode* text : childrenOf(palette))
             if (hasAttribute(text, kMark) && attribute(text, kMark) == describe(text))

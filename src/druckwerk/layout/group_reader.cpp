@@ -51,7 +51,7 @@ bool isKind(std::string_view label, std::string_view kind) {
 
 void readGroups(Reading& reading, xmlNode* root) {
     forEachChild(root, [&](xmlNode* node) {
-        const std::string label = attribute(node, "label");
+        const std::string label = layerLabel(node);
         if (svgName(node) != "g" || (!isKind(label, "Gruppenkopf") && !isKind(label, "Gruppenfuß")))
             return;
         Style style;

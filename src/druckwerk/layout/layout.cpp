@@ -2,6 +2,7 @@
 
 #include "druckwerk/common/fault.h"
 #include "druckwerk/pdf/pdf_syntax.h"
+#include "druckwerk/svg/limits.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -14,7 +15,6 @@ namespace {
 
 constexpr double kPointsPerMillimetre = 72 / 25.4;
 constexpr double kBottomMargin = 10 * kPointsPerMillimetre; // where a layout has no footer
-constexpr std::uintmax_t kMaximumFileSize = 20'000'000;
 
 } // namespace
 
@@ -60,7 +60,7 @@ std::string readLayoutFile(const std::filesystem::path& file) {
     if (error || !in)
         throw Fault(kLayoutUnreadable, "Das Layout „" + file.string() + "“ kann nicht gelesen werden: " +
                                            reasonForReading(error ? error.value() : errno));
-    if (size > kMaximumFileSize)
+    if (size > limits::kFileSize)
         throw Fault(kLayoutRefused, "Das Layout „" + file.string() + "“ ist größer als 20 MB");
     std::ostringstream text;
     text << in.rdbuf();

@@ -90,7 +90,7 @@ void readLoose(Reading& reading, xmlNode* node, const Context& root) {
 void readLayers(Reading& reading, xmlNode* svg, const Context& root) {
     bool layers = false;
     forEachChild(svg, [&](xmlNode* node) {
-        const std::string label = svgName(node) == "g" ? attribute(node, "label") : "";
+        const std::string label = svgName(node) == "g" ? layerLabel(node) : "";
         layers = layers || !label.empty();
         reading.located(node, label, [&] {
             label.empty() ? readLoose(reading, node, root) : readLayer(reading, node, label, root);

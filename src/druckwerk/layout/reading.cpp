@@ -20,10 +20,9 @@ void Reading::report(std::int32_t code, const xmlNode* node, const std::string& 
 }
 
 void Reading::applyStyle(const xmlNode* node, Style& style) const {
-    for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next) {
-        const auto* property = reinterpret_cast<const char*>(attr->name);
-        style.apply(property, attribute(node, property));
-    }
+    for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next)
+        if (attr->ns == nullptr)
+            style.apply(viewOf(attr->name), valueOf(attr));
     sheet.apply(style, localName(node), attribute(node, "class"), attribute(node, "id"));
     for (const auto& [property, value] : parseDeclarations(attribute(node, "style")))
         style.apply(property, value);

@@ -1,5 +1,6 @@
 // Texts and fields: pieces of a text element become one text with its place, or are left to the SVG library.
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/svg/limits.h"
 
 #include <algorithm>
 
@@ -87,6 +88,8 @@ std::vector<TextPiece> piecesOf(BandBuilder& band, const xmlNode* node, const Co
 }
 
 TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node) {
+    if (piece.text.size() > limits::kTextWithPlaceholders && piece.text.find("{{") != std::string::npos)
+        throw Fault(kLayoutRefused, "Text mit Platzhaltern ist länger als 10.000 Zeichen");
     const Style& style = piece.context.style;
     const Matrix& matrix = piece.context.matrix;
     TextItem item(

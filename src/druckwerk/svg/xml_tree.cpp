@@ -11,6 +11,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr std::string_view kSvgNamespace = "http://www.w3.org/2000/svg";
+constexpr std::string_view kInkscapeNamespace = "http://www.inkscape.org/namespaces/inkscape";
 
 std::string reasonOf(const xmlError& error) {
     switch (error.code) {
@@ -73,22 +74,36 @@ std::string_view localName(const xmlNode* node) {
     return viewOf(node->name);
 }
 
+std::string valueOf(const xmlAttr* attribute) {
+    xmlChar* value = xmlNodeListGetString(attribute->doc, attribute->children, 1);
+    std::string text(viewOf(value));
+    xmlFree(value);
+    return text;
+}
+
+namespace {
+
+const xmlAttr* find(const xmlNode* node, std::string_view name, std::string_view space) {
+    for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next)
+        if (viewOf(attr->name) == name && (attr->ns == nullptr ? "" : viewOf(attr->ns->href)) == space)
+            return attr;
+    return nullptr;
+}
+
+} // namespace
+
 std::string attribute(const xmlNode* node, const char* name) {
-    for (xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next)
-        if (viewOf(attr->name) == name) {
-            xmlChar* value = xmlNodeListGetString(node->doc, attr->children, 1);
-            std::string text(viewOf(value));
-            xmlFree(value);
-            return text;
-        }
-    return {};
+    const xmlAttr* found = find(node, name, "");
+    return found == nullptr ? "" : valueOf(found);
 }
 
 bool hasAttribute(const xmlNode* node, const char* name) {
-    for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next)
-        if (viewOf(attr->name) == name)
-            return true;
-    return false;
+    return find(node, name, "") != nullptr;
+}
+
+std::string layerLabel(const xmlNode* node) {
+    const xmlAttr* found = find(node, "label", kInkscapeNamespace);
+    return found == nullptr ? "" : valueOf(found);
 }
 
 bool hasClass(const xmlNode* node, std::string_view cssClass) {

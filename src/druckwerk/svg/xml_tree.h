@@ -37,8 +37,11 @@ std::string_view viewOf(const xmlChar* text);
 std::string_view svgName(const xmlNode* node);
 /// The element's name, whatever its namespace.
 std::string_view localName(const xmlNode* node);
-/// An attribute by its name without prefix; "" where there is none.
+/// An attribute without a namespace, as all of SVG's own are; "" where there is none.
 std::string attribute(const xmlNode* node, const char* name);
+std::string valueOf(const xmlAttr* attribute);
+/// The name that the drawing program shows for a layer.
+std::string layerLabel(const xmlNode* node);
 bool hasAttribute(const xmlNode* node, const char* name);
 bool hasClass(const xmlNode* node, std::string_view cssClass);
 long lineOf(const xmlNode* node);

@@ -22,6 +22,9 @@ namespace kvtdruck::druckwerk {
 /// variants.
 bool isIgnorable(char32_t c);
 
+/// Widths of glyphs are thousandths of an em in PDF.
+inline constexpr double kPdfUnits = 1000;
+
 /// One code of a font as two bytes of a PDF string.
 void appendCode(std::string& out, std::uint16_t code);
 

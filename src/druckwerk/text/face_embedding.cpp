@@ -17,8 +17,6 @@ using Blob = std::unique_ptr<hb_blob_t, Deleter<hb_blob_destroy>>;
 using SubsetInput = std::unique_ptr<hb_subset_input_t, Deleter<hb_subset_input_destroy>>;
 using SubsetPlan = std::unique_ptr<hb_subset_plan_t, Deleter<hb_subset_plan_destroy>>;
 
-constexpr double kPdfUnits = 1000;
-
 std::string hexadecimal(StringView text) {
     const std::string withMark = pdfText(text);
     return withMark.substr(5, withMark.size() - 6);

@@ -17,8 +17,6 @@ namespace {
 
 using Buffer = std::unique_ptr<hb_buffer_t, Deleter<hb_buffer_destroy>>;
 
-constexpr double kPdfUnits = 1000;
-
 void appendAdjustment(std::string& out, double ems) {
     out += ')';
     appendNumber(out, -ems * kPdfUnits);
