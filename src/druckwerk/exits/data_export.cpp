@@ -12,7 +12,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 /// Variables or fields in the order of their first definition.
-class Definitions {
+class NamedValues {
   public:
     /// Takes a definition; gives whether it changed anything.
     bool define(StringView name, StringView text, bool numeric) {
@@ -116,7 +116,7 @@ class DataExport final : public Control {
     ObjectRef member(StringView) override { throw RuntimeError(ErrorNumber::MemberNotFound); }
 
   private:
-    static bool define(Definitions& definitions, std::span<const Argument> arguments) {
+    static bool define(NamedValues& definitions, std::span<const Argument> arguments) {
         return definitions.define(std::get<StringView>(arguments[0]), std::get<StringView>(arguments[1]),
                                   std::get<std::int32_t>(arguments[2]) == kTypeNumeric);
     }
@@ -199,8 +199,8 @@ class DataExport final : public Control {
     }
 
     std::shared_ptr<const DataExportOptions> options_;
-    Definitions variables_;
-    Definitions fields_;
+    NamedValues variables_;
+    NamedValues fields_;
     bool variablesChanged_ = true;
     bool failed_ = false;
     std::shared_ptr<DataFile> file_;
