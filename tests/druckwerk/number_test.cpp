@@ -1,6 +1,6 @@
-#include "druckwerk/expression/number.h"
-
 #include "druckwerk/common/fault.h"
+#include "druckwerk/expression/date_pattern.h"
+#include "druckwerk/expression/number_pattern.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,0 +1,34 @@
+// The patterns that numbers are printed in.
+#pragma once
+
+#include "druckwerk/expression/number.h"
+
+#include <vector>
+
+namespace kvtdruck::druckwerk {
+
+/// A German number pattern such as "#.##0,00;-#.##0,00;–".
+class NumberPattern {
+  public:
+    /// Raises a Fault with the reason where `pattern` is none.
+    explicit NumberPattern(StringView pattern);
+    void append(const Number& number, String& out) const;
+
+  private:
+    struct Part {
+        String prefix;
+        String suffix;
+        int integerDigits = 0;
+        int minimumDecimals = 0;
+        int maximumDecimals = 0;
+        bool grouped = false;
+        bool percent = false;
+        bool hasDigits = false;
+    };
+    class PartReader;
+    static void appendDigits(const Part& part, const char* digits, int count, int decimals, String& out);
+    void appendLarge(const Number& number, String& out) const;
+    std::vector<Part> parts_;
+};
+
+} // namespace kvtdruck::druckwerk
