@@ -1,8 +1,7 @@
-#include "druckwerk/expression/expression.h"
-
 #include "druckwerk/common/fault.h"
 #include "druckwerk/expression/text_template.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace kvtdruck::druckwerk {
@@ -13,7 +12,7 @@ class ExpressionTest : public ::testing::Test {
     void define(const char* name, const char* value, bool numeric = true) {
         definitions.define(fromUtf8(name), fromUtf8(value), numeric, true);
     }
-    Scene scene() const { return {definitions, aggregates, Moment::Now, 3, 12, 2}; }
+    Scene scene() const { return {definitions, totals, Moment::Now, 3, 12, 2}; }
     double value(const char* source, AggregateScope scope = kTableScope) {
         return Expression(fromUtf8(source), definitions, &aggregates, scope).evaluate(scene());
     }
@@ -36,6 +35,7 @@ class ExpressionTest : public ::testing::Test {
 
     Definitions definitions;
     Aggregates aggregates;
+    Totals totals{aggregates};
 };
 
 TEST_F(ExpressionTest, Computes) {
@@ -95,17 +95,87 @@ TEST_F(ExpressionTest, WhatIsNoNumberCountsAsZero) {
     EXPECT_EQ(value("Unbekannt"), 0);
 }
 
+TEST_F(ExpressionTest, OperatorsBindAsInASpreadsheet) {
+    EXPECT_DOUBLE_EQ(value("-2^2"), -4);
+    EXPECT_DOUBLE_EQ(value("2^3^2"), 512);
+    EXPECT_DOUBLE_EQ(value("2^-1"), 0.5);
+    EXPECT_DOUBLE_EQ(value("10-4-3"), 3);
+    EXPECT_DOUBLE_EQ(value("24/4/2*3"), 9);
+    EXPECT_EQ(value("1+1=2 und 3>2 oder 1=0"), 1);
+    EXPECT_EQ(value("nicht nicht 5"), 1);
+    EXPECT_EQ(value("1=1 oder 1/0=1 und 0=1"), 1);
+}
+
+TEST_F(ExpressionTest, OnlyTheChosenBranchIsEvaluated) {
+    define("A", "0");
+    EXPECT_DOUBLE_EQ(value("wenn(A=0; 7; 1/A)"), 7);
+    EXPECT_FALSE(std::isfinite(value("1/A")));
+}
+
+TEST_F(ExpressionTest, TwoNamesAreEqualAsNumbersOrAsTexts) {
+    define("A", "2");
+    define("B", "2,0");
+    define("Ort", "Jena", false);
+    define("Land", "Thüringen", false);
+    EXPECT_EQ(value("A = B"), 1);
+    EXPECT_EQ(value("Ort = Land"), 0);
+    EXPECT_EQ(value("Ort <> Land"), 1);
+    EXPECT_EQ(value("Ort = Ort"), 1);
+}
+
+TEST_F(ExpressionTest, GivesTexts) {
+    define("KtoBetrArt", "0");
+    define("Vorname", "Eva", false);
+    define("Name", "Groß", false);
+    EXPECT_EQ(filled("{{=wenn(KtoBetrArt=0;'Kosten';'Ertrag')}}"), "Kosten");
+    EXPECT_EQ(filled("{{=wenn(KtoBetrArt=1;'Kosten';\"Ertrag\")}} "), "Ertrag ");
+    EXPECT_EQ(filled("{{=Vorname & ' ' & Name}}"), "Eva Groß");
+    EXPECT_EQ(filled("{{=wenn(Name='Groß'; Name; '–')}}"), "Groß");
+    EXPECT_EQ(value("wenn(KtoBetrArt=0;'Kosten';'Ertrag') = 'Kosten'"), 1);
+    EXPECT_EQ(value("Vorname & Name = 'EvaGroß'"), 1);
+}
+
+TEST_F(ExpressionTest, RefusesTextsWhereNumbersBelong) {
+    EXPECT_NE(refusal("'Kosten'").find("hier wird eine Zahl oder ein Vergleich gebraucht"), std::string::npos);
+    EXPECT_NE(refusal("'a' + 1").find("mit einem Text kann nicht gerechnet werden"), std::string::npos);
+    EXPECT_NE(refusal("wenn('a'; 1; 2)").find("mit einem Text"), std::string::npos);
+    EXPECT_NE(refusal("sum('a')").find("mit einem Text"), std::string::npos);
+    EXPECT_NE(refusal("'a' < 'b'").find("nur mit = oder <>"), std::string::npos);
+    EXPECT_NE(refusal("wenn(1; 'a'; 2) = 'a'").find("eine Zahl steht, wo ein Text gebraucht wird"),
+              std::string::npos);
+}
+
+TEST_F(ExpressionTest, NamesWithinAggregatesAreKept) {
+    const Expression expression(u"sum(A*B)/Kopf", definitions, &aggregates, kTableScope);
+    EXPECT_EQ(expression.slots(), (std::vector{definitions.slotOf(u"Kopf")}));
+    EXPECT_EQ(expression.aggregatedSlots(), (std::vector{definitions.slotOf(u"A"), definitions.slotOf(u"B")}));
+}
+
+TEST_F(ExpressionTest, EqualAggregatesAreShared) {
+    const Expression first(u"sum(A)+sum( A )", definitions, &aggregates, kTableScope);
+    EXPECT_EQ(aggregates.list().size(), 1U);
+    const Expression second(u"sum(A)", definitions, &aggregates, 0);
+    EXPECT_EQ(aggregates.list().size(), 2U);
+}
+
 TEST_F(ExpressionTest, RefusesWithReason) {
     EXPECT_NE(refusal("1 +").find("unerwartetes Ende"), std::string::npos);
     EXPECT_NE(refusal("(1").find("Klammer fehlt"), std::string::npos);
     EXPECT_NE(refusal("1 2").find("Operator fehlt"), std::string::npos);
     EXPECT_NE(refusal("foo(1)").find("unbekannte Funktion „foo“"), std::string::npos);
     EXPECT_NE(refusal("wenn(1;2)").find("zu wenige Argumente"), std::string::npos);
-    EXPECT_NE(refusal("a & b").find("unerwartetes Zeichen „&“"), std::string::npos);
+    EXPECT_NE(refusal("a ! b").find("unerwartetes Zeichen „!“"), std::string::npos);
     EXPECT_NE(refusal("Art = \"x").find("Anführungszeichen ohne Ende"), std::string::npos);
     EXPECT_NE(refusal("Seiten > 1").find("erst am Ende"), std::string::npos);
     EXPECT_NE(refusal("sum()").find("Argument fehlt"), std::string::npos);
-    EXPECT_NE(refusal("sum(sum(a))").find("hier nicht möglich"), std::string::npos);
+    EXPECT_NE(refusal("1+sum(avg(a))").find("„1+sum(avg(a))“: avg() steht innerhalb von sum()"), std::string::npos);
+    EXPECT_NE(refusal("count(a)").find("count() hat kein Argument"), std::string::npos);
+    EXPECT_NE(refusal("1 < 2 < 3").find("zwei Vergleiche hintereinander"), std::string::npos);
+    EXPECT_NE(refusal("a > 1.000").find("mehrdeutig"), std::string::npos);
+    EXPECT_NE(refusal("wenn(1;2;3;4)").find("zu viele Argumente"), std::string::npos);
+    EXPECT_NE(refusal("1 * * 2").find("unerwarteter Operator „*“"), std::string::npos);
+    EXPECT_NE(refusal("1)").find("unerwartete Klammer"), std::string::npos);
+    EXPECT_NE(refusal("1;2").find("unerwartetes Semikolon"), std::string::npos);
     EXPECT_NE(refusal("").find("Ungültiger Ausdruck"), std::string::npos);
     EXPECT_NE(refusal(std::string(3000, '1')).find("zu lang"), std::string::npos);
     EXPECT_NE(refusal(std::string(1990, '(')), "");
@@ -119,13 +189,13 @@ TEST_F(ExpressionTest, AggregatesRunOverTheirScope) {
     EXPECT_EQ(valueOf(average), 0);
     for (const char* amount : {"10,5", "-3", "0"}) {
         define("JWIst", amount);
-        aggregates.accumulate(scene());
+        totals.accumulate(scene());
     }
     EXPECT_DOUBLE_EQ(valueOf(sum), 7.5);
     EXPECT_DOUBLE_EQ(valueOf(average), 5);
     EXPECT_DOUBLE_EQ(valueOf(range), 13.5);
     EXPECT_EQ(valueOf(count), 3);
-    aggregates.reset(0);
+    totals.reset(0);
     EXPECT_EQ(valueOf(sum), 0);
     EXPECT_EQ(valueOf(count), 0);
     EXPECT_DOUBLE_EQ(valueOf(average), 5);
@@ -136,7 +206,7 @@ TEST_F(ExpressionTest, SumsOfManyAmountsStayExactToTheCent) {
     const Expression sum(u"sum(Betrag)", definitions, &aggregates, kTableScope);
     define("Betrag", "0,1");
     for (int i = 0; i < 1'000'000; ++i)
-        aggregates.accumulate(scene());
+        totals.accumulate(scene());
     EXPECT_EQ(valueOf(sum), 100000);
 }
 

@@ -35,7 +35,8 @@ TextTemplate::TextTemplate(StringView source, Definitions& definitions, Aggregat
     }
     if (pieces_.size() == 1) {
         const auto* value = std::get_if<Value>(&pieces_[0]);
-        loneNumber_ = std::holds_alternative<Computed>(pieces_[0]) ||
+        const auto* computed = std::get_if<Computed>(&pieces_[0]);
+        loneNumber_ = (computed != nullptr && !computed->expression.isText()) ||
                       (value != nullptr && std::holds_alternative<NumberPattern>(value->pattern));
     }
 }
@@ -46,8 +47,9 @@ TextTemplate::Piece TextTemplate::placeholder(StringView content, Definitions& d
     const StringView what = trimmed(content.substr(0, bar));
     const StringView pattern = bar == StringView::npos ? StringView() : trimmed(content.substr(bar + 1));
     if (!what.empty() && what[0] == u'=')
-        return Computed{Expression(what.substr(1), definitions, &aggregates, scope),
-                        NumberPattern(pattern.empty() ? StringView(u"0,##########") : pattern)};
+        return Computed{
+            Expression(what.substr(1), definitions, &aggregates, scope, Expression::Result::NumberOrText),
+            NumberPattern(pattern.empty() ? StringView(u"0,##########") : pattern)};
     if (!isName(what))
         throw Fault(kLayoutInvalid, "Ungültiger Platzhalter „{{" + toUtf8(content) +
                                         "}}“: ein Name, oder ein Ausdruck nach einem Gleichheitszeichen");
@@ -94,6 +96,8 @@ void TextTemplate::append(const Scene& scene, const String& printDate, String& o
     for (const auto& piece : pieces_)
         std::visit(Overloaded{[&](const String& text) { out += text; }, appendValue,
                               [&](const Computed& computed) {
+                                  if (computed.expression.isText())
+                                      return computed.expression.append(scene, out);
                                   const Number number = Number::of(computed.expression.evaluate(scene));
                                   if (number.isNumber())
                                       computed.pattern.append(number, out);

@@ -1,8 +1,8 @@
 // Texts with placeholders, compiled once and filled for every line.
 #pragma once
 
+#include "druckwerk/expression/aggregates.h"
 #include "druckwerk/expression/date_pattern.h"
-#include "druckwerk/expression/expression.h"
 #include "druckwerk/expression/number_pattern.h"
 
 #include <optional>

@@ -24,7 +24,7 @@ double heightOf(const std::optional<Band>& band) {
 PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
                    const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
                    FontLibrary::Warn warn)
-    : aggregates_(std::move(layout.aggregates)), layout_(std::move(layout)), definitions_(definitions), warn_(warn),
+    : layout_(std::move(layout)), totals_(layout_.aggregates), definitions_(definitions), warn_(warn),
       printDate_(textOf(date)), document_(document), bookmark_(std::move(bookmark)), begin_(document.mark()),
       setter_(document_, layout_.fonts, std::move(warn)), points_(layout_.rowCharts.size()),
       top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
@@ -45,7 +45,7 @@ PrintJob::~PrintJob() {
 }
 
 Scene PrintJob::scene(Moment moment) const {
-    return {definitions_, aggregates_, moment, document_.pages(), tableLines_, pageLines_};
+    return {definitions_, totals_, moment, document_.pages(), tableLines_, pageLines_};
 }
 
 // --- Pages ---
@@ -61,7 +61,7 @@ void PrintJob::beginPage() {
     if (!bookmark_.empty() && document_.mark() == begin_)
         document_.bookmark(bookmark_, 0);
     definitions_.mark(Moment::PageBegin);
-    aggregates_.reset(kPageScope);
+    totals_.reset(kPageScope);
     pageOpen_ = true;
     pageBound_ = pageFull_ = carries_ = false;
     pageLines_ = 0;
@@ -141,7 +141,7 @@ bool PrintJob::printSheet() {
 }
 
 void PrintJob::takeLineIntoAccount() {
-    aggregates_.accumulate(scene(Moment::Now));
+    totals_.accumulate(scene(Moment::Now));
     for (std::size_t i = 0; i < points_.size(); ++i)
         collectPoint(*layout_.rowCharts[i], scene(Moment::Now), printDate_, points_[i], warn_);
 }
@@ -195,7 +195,7 @@ bool PrintJob::closeGroups(std::size_t level) {
 void PrintJob::openGroups() {
     for (; openGroups_ < layout_.groups.size(); ++openGroups_) {
         const auto level = static_cast<AggregateScope>(openGroups_);
-        aggregates_.reset(level);
+        totals_.reset(level);
         for (std::size_t i = 0; i < points_.size(); ++i)
             if (layout_.rowCharts[i]->scope == level)
                 points_[i] = {};

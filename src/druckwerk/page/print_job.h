@@ -56,8 +56,8 @@ class PrintJob {
     void drawItem(const Item& item, const Band& band, const Scene& scene, double down, double growth);
     void addBookmark(const Band& band, const Scene& scene, double y);
 
-    Aggregates aggregates_; ///< the layout's, running over the lines
     const Layout layout_;
+    Totals totals_;
     Definitions& definitions_;
     FontLibrary::Warn warn_;
     String printDate_;

@@ -26,11 +26,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Aggregates aggregates;
     definitions.define(u"a", text, true, true);
     definitions.define(u"b", u"-1234,5", true, true);
-    const Scene scene{definitions, aggregates, Moment::Now, 1, 2, 3};
+    Totals totals(aggregates);
+    const Scene scene{definitions, totals, Moment::Now, 1, 2, 3};
     String out;
     refusable([&] {
         const Expression expression(text, definitions, &aggregates, kTableScope);
-        aggregates.accumulate(scene);
+        totals.accumulate(scene);
         expression.evaluate(scene);
     });
     refusable([&] { TextTemplate(text, definitions, aggregates, kTableScope).append(scene, u"01.02.2003", out); });
