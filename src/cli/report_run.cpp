@@ -111,6 +111,7 @@ class ReportRun {
         settings.progress = [this](const druckwerk::Progress& progress) { console_.progress(progress); };
         settings.cancelled = &cancelled();
         settings.printDate = options_.printDate;
+        settings.locale = options_.locale;
         return std::make_unique<druckwerk::DruckwerkFormFactory>(std::move(settings));
     }
 

@@ -76,6 +76,7 @@ class Druckwerk::Engine {
   public:
     Engine(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)
         : options_(std::move(options)),
+          definitions_(Contents(options_->locale, [this](const std::string& message) { warn(message); })),
           document_(document ? std::move(document) : std::make_shared<OpenDocument>()) {}
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;

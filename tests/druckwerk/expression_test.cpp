@@ -1,5 +1,6 @@
 #include "druckwerk/common/fault.h"
 #include "druckwerk/expression/text_template.h"
+#include "values/conversion.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@ class ExpressionTest : public ::testing::Test {
     void define(const char* name, const char* value, bool numeric = true) {
         definitions.define(fromUtf8(name), fromUtf8(value), numeric, true);
     }
-    Scene scene() const { return {definitions, totals, Moment::Now, 3, 12, 2}; }
+    Scene scene() const { return {definitions, totals, Moment::Now, 3, 12, 2, dateOf(2024, 3, 9, 14, 5)}; }
     double value(const char* source, AggregateScope scope = kTableScope) {
         return Expression(fromUtf8(source), definitions, &aggregates, scope).evaluate(scene());
     }
@@ -28,12 +29,13 @@ class ExpressionTest : public ::testing::Test {
     }
     std::string filled(const char* source) {
         String out;
-        TextTemplate(fromUtf8(source), definitions, aggregates, kTableScope)
-            .append(scene(), u"09.03.2024 14:05:00", out);
+        TextTemplate(fromUtf8(source), definitions, aggregates, kTableScope).append(scene(), out);
         return toUtf8(out);
     }
 
-    Definitions definitions;
+    std::vector<std::string> warnings;
+    Definitions definitions{
+        Contents(germanLocale(), [this](const std::string& message) { warnings.push_back(message); })};
     Aggregates aggregates;
     Totals totals{aggregates};
 };
@@ -225,8 +227,50 @@ TEST_F(ExpressionTest, FillsTemplates) {
     EXPECT_EQ(filled("{{Unbekannt}}"), "");
 }
 
+TEST_F(ExpressionTest, WhatIsNoNumberOrNoDateIsReportedOnceAndPrintedAsItIs) {
+    define("Betrag", "12.34");
+    EXPECT_EQ(filled("{{Betrag|0,00}} {{=Betrag*2|0}}"), "12.34 0");
+    define("Betrag", "abc");
+    EXPECT_EQ(filled("{{Betrag|0,00}}"), "abc");
+    EXPECT_EQ(warnings, std::vector<std::string>{"Der Inhalt von „Betrag“: „12.34“ ist keine Zahl wie 1.234,5"});
+    for (const char* text : {"257.01.2024", "31.13.2024", "unbekannt", "1.2", "1.2.3.4.5.6.7", "99999.1.1"}) {
+        define("Datum", text, false);
+        EXPECT_EQ(filled("{{Datum|TT.MM.JJJJ}}"), text);
+    }
+    ASSERT_EQ(warnings.size(), 2U);
+    EXPECT_EQ(warnings[1], "Der Inhalt von „Datum“: „257.01.2024“ ist kein Datum wie 31.12.2024");
+    for (const char* text : {"", " ", "00:00:00"}) { // missing, and the time of day that an empty date is
+        define("Tag", text, false);
+        EXPECT_EQ(filled("{{Tag|TT.MM.JJJJ}}"), text);
+    }
+    EXPECT_EQ(filled("{{Betrag}}"), "abc");
+    EXPECT_EQ(warnings.size(), 2U);
+}
+
+TEST_F(ExpressionTest, NamesTheMonthOfANumber) {
+    const auto month = [&](const char* content, const char* placeholder) {
+        define("Monat", content);
+        return filled(placeholder);
+    };
+    EXPECT_EQ(month("3", "{{Monat|MMMM}}"), "März");
+    EXPECT_EQ(month("12", "{{Monat|MMM}}"), "Dez");
+    EXPECT_EQ(month("07.03.2024", "{{Monat|MMMM}}"), "März");
+    for (const char* text : {"0", "13", "1,5", "-1"})
+        EXPECT_EQ(month(text, "{{Monat|MMMM}}"), text);
+    EXPECT_EQ(month("3", "{{Monat|T. MMMM}}"), "3");
+}
+
+TEST_F(ExpressionTest, TheMarkForThePageCountComesFromThePlaceholderAlone) {
+    define("Name",
+           "a\xEF\xBF\xBF"
+           "b",
+           false);
+    EXPECT_EQ(filled("{{Name}}{{=Name & 'x'}}"), "a\uFFFDba\uFFFDbx");
+    EXPECT_EQ(fromUtf8(filled("{{Seiten}}")), String(1, kPageCountMark));
+}
+
 TEST_F(ExpressionTest, RefusesTemplatesWithReason) {
-    for (const char* source : {"{{Name", "{{}}", "{{a b}}", "{{Name|x}}", "{{=}}"})
+    for (const char* source : {"{{Name", "{{}}", "{{a b}}", "{{Name|x}}", "{{=}}", "{{Name|tt.MM.JJJJ}}"})
         EXPECT_THROW(filled(source), Fault) << source;
 }
 

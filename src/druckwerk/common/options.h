@@ -5,6 +5,7 @@
 #include "druckwerk/common/engine_codes.h"
 #include "druckwerk/common/print_date.h"
 #include "platform/posix/atomic_file.h"
+#include "values/locale.h"
 
 #include <atomic>
 #include <cstdint>
@@ -80,6 +81,8 @@ struct Options {
     /// document of its own.
     const JobPlace* place = nullptr;
     PrintDate printDate;
+    /// The notation in which the report hands over numbers and dates, and in which they are printed.
+    Locale locale = germanLocale();
     std::string creator = "KVTDruck";
 };
 

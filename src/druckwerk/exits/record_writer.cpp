@@ -2,7 +2,7 @@
 
 #include "control/recording_control.h"
 #include "druckwerk/exits/xlsx_writer.h"
-#include "values/conversion.h"
+#include "values/characters.h"
 
 #include <algorithm>
 #include <array>
@@ -14,11 +14,11 @@
 
 namespace kvtdruck::druckwerk {
 
-std::optional<double> numberOf(const NamedValue& value, const Locale& locale) {
+std::optional<double> numberOf(const NamedValue& value, Contents& contents) {
     if (!value.numeric)
         return std::nullopt;
-    const auto number = numberIn(value.text, locale);
-    return number && std::isfinite(*number) ? number : std::nullopt;
+    const Number number = contents.number(value.name, value.text);
+    return number.isNumber() ? std::optional(number.value) : std::nullopt;
 }
 
 bool takeNames(std::vector<String>& known, std::span<const NamedValue> values) {
@@ -36,7 +36,7 @@ namespace {
 /// of names stands before the first values and wherever the names change.
 class CsvWriter final : public RecordWriter {
   public:
-    CsvWriter(AtomicFile& file, const Locale& locale) : file_(file), locale_(locale) {
+    CsvWriter(AtomicFile& file, Contents contents) : file_(file), contents_(std::move(contents)) {
         file_.write("\xEF\xBB\xBF"); // spreadsheets take the file for UTF-8 only with this mark
     }
 
@@ -60,7 +60,7 @@ class CsvWriter final : public RecordWriter {
     }
 
     void append(const NamedValue& value) {
-        if (value.numeric && (value.text.empty() || numberOf(value, locale_)))
+        if (value.numeric && (value.text.empty() || numberOf(value, contents_)))
             text_ += ";" + toUtf8(value.text);
         else
             quote(value.text);
@@ -68,7 +68,7 @@ class CsvWriter final : public RecordWriter {
 
     void quote(StringView text) {
         text_ += ";\"";
-        for (const char c : toUtf8(text))
+        for (const char c : toUtf8(wellFormed(text)))
             text_.append(c == '"' ? 2 : 1, c);
         text_ += '"';
     }
@@ -79,7 +79,7 @@ class CsvWriter final : public RecordWriter {
     }
 
     AtomicFile& file_;
-    Locale locale_;
+    Contents contents_;
     std::vector<String> variables_;
     std::vector<String> fields_;
     std::string text_;
@@ -88,7 +88,7 @@ class CsvWriter final : public RecordWriter {
 /// {"abschnitte": [{"variablen": {…}, "datensaetze": [{…}, …]}, …]}: a section begins where a variable changes.
 class JsonWriter final : public RecordWriter {
   public:
-    JsonWriter(AtomicFile& file, const Locale& locale) : file_(file), locale_(locale) {
+    JsonWriter(AtomicFile& file, Contents contents) : file_(file), contents_(std::move(contents)) {
         file_.write("{\"abschnitte\": [");
     }
 
@@ -113,7 +113,7 @@ class JsonWriter final : public RecordWriter {
             file_.write("\n ]}");
     }
 
-    std::string object(std::span<const NamedValue> values) const {
+    std::string object(std::span<const NamedValue> values) {
         std::string text = "{";
         for (const auto& value : values) {
             text += text.size() > 1 ? ", " : "";
@@ -124,8 +124,8 @@ class JsonWriter final : public RecordWriter {
         return text + "}";
     }
 
-    void append(std::string& text, const NamedValue& value) const {
-        if (const auto number = numberOf(value, locale_)) {
+    void append(std::string& text, const NamedValue& value) {
+        if (const auto number = numberOf(value, contents_)) {
             std::array<char, 32> digits{};
             const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), *number).ptr;
             text.append(digits.data(), end);
@@ -137,7 +137,7 @@ class JsonWriter final : public RecordWriter {
     }
 
     AtomicFile& file_;
-    Locale locale_;
+    Contents contents_;
     std::size_t sections_ = 0;
     std::size_t records_ = 0;
 };
@@ -145,14 +145,14 @@ class JsonWriter final : public RecordWriter {
 } // namespace
 
 std::unique_ptr<RecordWriter> openWriter(DataFormat format, AtomicFile& file, const Locale& locale,
-                                         std::function<void(std::string_view)> warn) {
+                                         const std::function<void(std::string_view)>& warn) {
     switch (format) {
     case DataFormat::Csv:
-        return std::make_unique<CsvWriter>(file, locale);
+        return std::make_unique<CsvWriter>(file, Contents(locale, warn));
     case DataFormat::Xlsx:
-        return openXlsxWriter(file, locale, std::move(warn));
+        return openXlsxWriter(file, Contents(locale, warn), warn);
     case DataFormat::Json:
-        return std::make_unique<JsonWriter>(file, locale);
+        return std::make_unique<JsonWriter>(file, Contents(locale, warn));
     }
     return nullptr;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "druckwerk/exits/data_export.h"
+#include "druckwerk/expression/contents.h"
 #include "platform/posix/atomic_file.h"
 #include "values/text.h"
 
@@ -34,15 +35,15 @@ class RecordWriter {
     virtual void finish() = 0;
 };
 
-/// The finite number that a numeric value holds; an empty value, a text in a numeric value and NaN hold none.
-std::optional<double> numberOf(const NamedValue& value, const Locale& locale);
+/// The number that a numeric value holds; an empty value and a text that is no number hold none.
+std::optional<double> numberOf(const NamedValue& value, Contents& contents);
 
 /// Whether the names of `values` differ from `known`, which then takes them.
 bool takeNames(std::vector<String>& known, std::span<const NamedValue> values);
 
 /// A writer for `format` on `file`, which outlives it and is committed by its owner; `locale` is the notation of
-/// numbers, `warn` takes what a format can't hold.
+/// numbers, `warn` takes what is no number in it and what a format can't hold.
 std::unique_ptr<RecordWriter> openWriter(DataFormat format, AtomicFile& file, const Locale& locale,
-                                         std::function<void(std::string_view)> warn);
+                                         const std::function<void(std::string_view)>& warn);
 
 } // namespace kvtdruck::druckwerk

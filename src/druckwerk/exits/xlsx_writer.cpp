@@ -139,8 +139,8 @@ class Sheet {
 
 class XlsxWriter final : public RecordWriter {
   public:
-    XlsxWriter(AtomicFile& file, const Locale& locale, std::function<void(std::string_view)> warn)
-        : file_(file), locale_(locale), warn_(std::move(warn)) {}
+    XlsxWriter(AtomicFile& file, Contents contents, std::function<void(std::string_view)> warn)
+        : file_(file), contents_(std::move(contents)), warn_(std::move(warn)) {}
 
     void variables(std::span<const NamedValue> values) override {
         ++section_;
@@ -165,7 +165,7 @@ class XlsxWriter final : public RecordWriter {
     void writeParts(ZipWriter& archive) const;
 
     AtomicFile& file_;
-    Locale locale_;
+    Contents contents_;
     std::function<void(std::string_view)> warn_;
     std::vector<std::unique_ptr<Sheet>> sheets_;
     Series variables_{"Variablen"};
@@ -187,7 +187,7 @@ void XlsxWriter::row(Series& series, std::span<const NamedValue> values) {
     sheet.beginRow();
     sheet.number(section_);
     for (const auto& value : values) {
-        if (const auto number = numberOf(value, locale_))
+        if (const auto number = numberOf(value, contents_))
             sheet.number(*number);
         else
             sheet.text(fitting(value.text), false);
@@ -257,9 +257,9 @@ void XlsxWriter::finish() {
 
 } // namespace
 
-std::unique_ptr<RecordWriter> openXlsxWriter(AtomicFile& file, const Locale& locale,
+std::unique_ptr<RecordWriter> openXlsxWriter(AtomicFile& file, Contents contents,
                                              std::function<void(std::string_view)> warn) {
-    return std::make_unique<XlsxWriter>(file, locale, std::move(warn));
+    return std::make_unique<XlsxWriter>(file, std::move(contents), std::move(warn));
 }
 
 } // namespace kvtdruck::druckwerk

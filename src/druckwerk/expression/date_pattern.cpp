@@ -1,61 +1,42 @@
 #include "druckwerk/expression/date_pattern.h"
 
-#include "druckwerk/expression/number.h"
+#include "druckwerk/common/fault.h"
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 namespace kvtdruck::druckwerk {
 
 namespace {
 
-bool isDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
-
-struct Calendar {
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-    int weekday() const { // 0 is Sunday
-        static constexpr std::array<int, 12> kOffsets = {0, 3, 2, 5, 0, 3, 5, 1, 4, 6, 2, 4};
-        const int y = month < 3 ? year - 1 : year;
-        return (y + y / 4 - y / 100 + y / 400 + kOffsets[static_cast<std::size_t>(month - 1)] + day) % 7;
-    }
+struct Letter {
+    char16_t written;
+    char16_t meaning;
+    std::size_t widest;
 };
+constexpr std::array<Letter, 10> kLetters = {{{u'd', u'd', 4},
+                                              {u'T', u'd', 4},
+                                              {u'M', u'M', 4},
+                                              {u'y', u'y', 4},
+                                              {u'J', u'y', 4},
+                                              {u'H', u'H', 2},
+                                              {u'h', u'H', 2},
+                                              {u'm', u'm', 2},
+                                              {u's', u's', 2},
+                                              {u'S', u's', 2}}};
 
-std::optional<Calendar> calendarOf(StringView text) {
-    std::array<int, 6> values{};
-    std::size_t count = 0;
-    bool inNumber = false;
-    for (const char16_t c : text) {
-        if (isDigit(c)) {
-            if (!inNumber && count++ == values.size())
-                return std::nullopt;
-            int& value = values[count - 1];
-            if (value > 9999)
-                return std::nullopt;
-            value = value * 10 + (c - u'0');
-            inNumber = true;
-        } else if (c == u'.' || c == u':' || c == u' ') {
-            inNumber = false;
-        } else {
-            return std::nullopt;
-        }
-    }
-    const Calendar date{values[2], values[1], values[0], values[3], values[4], values[5]};
-    if (count < 3 || date.day < 1 || date.day > 31 || date.month < 1 || date.month > 12 || date.year > 9999)
-        return std::nullopt;
-    return date;
+const Letter* letterOf(char16_t written) {
+    const auto found =
+        std::find_if(kLetters.begin(), kLetters.end(), [&](const Letter& it) { return it.written == written; });
+    return found == kLetters.end() ? nullptr : &*found;
 }
 
-/// The month that a number from 1 to 12 stands for.
-std::optional<Calendar> monthOf(StringView text) {
-    const Number number = Number::parse(text);
-    if (!number.isNumber() || number.scale != 0 || number.digits < 1 || number.digits > 12)
-        return std::nullopt;
-    Calendar month;
-    month.month = static_cast<int>(number.digits);
-    return month;
+bool isQuote(char16_t c) {
+    return c == u'"' || c == u'\'';
+}
+
+bool isLetter(char16_t c) {
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c >= 0xc0;
 }
 
 void appendPadded(int value, std::size_t width, String& out) {
@@ -64,62 +45,119 @@ void appendPadded(int value, std::size_t width, String& out) {
     out += digits;
 }
 
+[[noreturn]] void fail(StringView pattern, const std::string& reason) {
+    throw Fault(kLayoutInvalid, "Ungültiges Datumsformat „" + toUtf8(pattern) + "“: " + reason);
+}
+
 } // namespace
 
 bool DatePattern::describes(StringView pattern) {
-    return pattern.find_first_of(u"dMyHms") != StringView::npos && pattern.find_first_of(u"#0") == StringView::npos;
+    bool quoted = false;
+    bool date = false;
+    for (const char16_t c : pattern) {
+        if (c == u'"')
+            quoted = !quoted;
+        if (!quoted && (c == u'#' || c == u'0'))
+            return false;
+        date = date || (!quoted && letterOf(c) != nullptr);
+    }
+    return date;
 }
 
-void DatePattern::append(StringView date, String& out) const {
+DatePattern::DatePattern(StringView pattern) {
+    for (std::size_t i = 0; i < pattern.size();) {
+        const char16_t c = pattern[i];
+        if (isQuote(c)) {
+            const auto end = pattern.find(c, i + 1);
+            if (end == StringView::npos)
+                fail(pattern, "Anführungszeichen ohne Ende");
+            parts_.push_back({0, 0, String(pattern.substr(i + 1, end - i - 1))});
+            i = end + 1;
+            continue;
+        }
+        const auto end = std::min(pattern.find_first_not_of(c, i), pattern.size());
+        const std::size_t width = end - i;
+        const Letter* letter = letterOf(c);
+        if (letter == nullptr && isLetter(c))
+            fail(pattern,
+                 "„" + toUtf8(pattern.substr(i, 1)) +
+                     "“ steht für keinen Teil eines Datums (T, M, J, h, m, s); Text steht in Anführungszeichen");
+        if (letter != nullptr && (width > letter->widest || (letter->meaning == u'y' && width % 2 == 1)))
+            fail(pattern, "„" + toUtf8(pattern.substr(i, width)) + "“ hat zu viele oder zu wenige Buchstaben");
+        if (letter != nullptr)
+            parts_.push_back({letter->meaning, width});
+        else
+            parts_.push_back({0, 0, String(pattern.substr(i, width))});
+        i = end;
+    }
+    numeric_ = std::all_of(parts_.begin(), parts_.end(), [](const Part& part) {
+        const bool number = part.letter == u'y' || ((part.letter == u'd' || part.letter == u'M') && part.width < 3);
+        return number || (part.letter == 0 && part.text == u".");
+    });
+}
+
+void DatePattern::append(Date date, const Locale& locale, String& out) const {
+    const CalendarTime time = calendarTimeOf(date);
+    if (numeric_ && locale.shortDate.find(u"d.M") == String::npos)
+        appendInOrder(time, locale, out);
+    else
+        for (const Part& part : parts_)
+            appendPart(part, time, out);
+}
+
+void DatePattern::appendInOrder(const CalendarTime& time, const Locale& locale, String& out) const {
+    const auto separator = locale.shortDate.find_first_not_of(u"dMy");
+    bool first = true;
+    for (std::size_t i = 0; i < locale.shortDate.size(); ++i) {
+        const char16_t letter = locale.shortDate[i];
+        if (i > 0 && letter == locale.shortDate[i - 1])
+            continue;
+        const auto part = std::find_if(parts_.begin(), parts_.end(),
+                                       [&](const Part& it) { return it.letter != 0 && it.letter == letter; });
+        if (part == parts_.end())
+            continue;
+        if (!first && separator != String::npos)
+            out += locale.shortDate[separator];
+        first = false;
+        appendPart(*part, time, out);
+    }
+}
+
+void DatePattern::appendPart(const Part& part, const CalendarTime& time, String& out) {
     static constexpr std::array<StringView, 12> kMonths = {u"Januar",    u"Februar", u"März",     u"April",
                                                            u"Mai",       u"Juni",    u"Juli",     u"August",
                                                            u"September", u"Oktober", u"November", u"Dezember"};
     static constexpr std::array<StringView, 7> kDays = {u"Sonntag",    u"Montag",  u"Dienstag", u"Mittwoch",
                                                         u"Donnerstag", u"Freitag", u"Samstag"};
-    auto found = calendarOf(date);
-    if (!found && pattern_.find_first_not_of(u'M') == String::npos)
-        found = monthOf(date);
-    if (!found) {
-        out += date;
+    const auto month = static_cast<unsigned>(time.date.month());
+    const auto appendName = [&](StringView name, std::size_t shortened) {
+        out += name.substr(0, part.width == 3 ? shortened : name.size());
+    };
+    switch (part.letter) {
+    case u'd':
+        if (part.width < 3)
+            appendPadded(static_cast<int>(static_cast<unsigned>(time.date.day())), part.width, out);
+        else
+            appendName(kDays[std::chrono::weekday(std::chrono::sys_days(time.date)).c_encoding()], 2);
         return;
+    case u'M':
+        if (part.width < 3)
+            appendPadded(static_cast<int>(month), part.width, out);
+        else
+            appendName(kMonths[month - 1], 3);
+        return;
+    case u'y': {
+        const int year = static_cast<int>(time.date.year());
+        return appendPadded(part.width == 2 ? year % 100 : year, part.width, out);
     }
-    for (std::size_t i = 0; i < pattern_.size();) {
-        const char16_t c = pattern_[i];
-        if (c == u'"' || c == u'\'') {
-            const auto end = std::min(pattern_.find(c, i + 1), pattern_.size());
-            out.append(pattern_, i + 1, end - i - 1);
-            i = end + 1;
-            continue;
-        }
-        const auto end = std::min(pattern_.find_first_not_of(c, i), pattern_.size());
-        const std::size_t width = end - i;
-        const StringView month = kMonths[static_cast<std::size_t>(found->month - 1)];
-        const StringView day = kDays[static_cast<std::size_t>(found->weekday())];
-        switch (c) {
-        case u'd':
-            width < 3 ? appendPadded(found->day, width, out)
-                      : void(out += day.substr(0, width == 3 ? 2 : day.size()));
-            break;
-        case u'M':
-            width < 3 ? appendPadded(found->month, width, out)
-                      : void(out += month.substr(0, width == 3 ? 3 : month.size()));
-            break;
-        case u'y':
-            appendPadded(width == 2 ? found->year % 100 : found->year, width, out);
-            break;
-        case u'H':
-            appendPadded(found->hour, width, out);
-            break;
-        case u'm':
-            appendPadded(found->minute, width, out);
-            break;
-        case u's':
-            appendPadded(found->second, width, out);
-            break;
-        default:
-            out.append(width, c);
-        }
-        i = end;
+    case u'H':
+        return appendPadded(time.hour, part.width, out);
+    case u'm':
+        return appendPadded(time.minute, part.width, out);
+    case u's':
+        return appendPadded(time.second, part.width, out);
+    default:
+        out += part.text;
     }
 }
 

@@ -11,7 +11,7 @@ double Expression::number(NodeNumber number_, const Scene& scene) const {
     case Node::Kind::Constant:
         return node.constant;
     case Node::Kind::Value: {
-        const Number& value = scene.definitions.value(node.slot, scene.moment).number();
+        const Number& value = scene.definitions.number(node.slot, scene.moment);
         return value.isNumber() ? value.value : 0;
     }
     case Node::Kind::Total:
@@ -72,10 +72,16 @@ bool Expression::sameText(const Node& node, const Scene& scene) const {
 }
 
 bool Expression::sameValue(const Node& node, const Scene& scene) const {
-    const auto& left = scene.definitions.value(nodes_[node.operands[0]].slot, scene.moment);
-    const auto& right = scene.definitions.value(nodes_[node.operands[1]].slot, scene.moment);
-    return left.number().isNumber() && right.number().isNumber() ? left.number().value == right.number().value
-                                                                 : left.text == right.text;
+    const std::size_t left = nodes_[node.operands[0]].slot;
+    const std::size_t right = nodes_[node.operands[1]].slot;
+    const auto isNumber = [&](std::size_t slot) {
+        return Number::parse(scene.definitions.value(slot, scene.moment).text, scene.definitions.locale())
+            .isNumber();
+    };
+    if (isNumber(left) && isNumber(right))
+        return scene.definitions.number(left, scene.moment).value ==
+               scene.definitions.number(right, scene.moment).value;
+    return scene.definitions.value(left, scene.moment).text == scene.definitions.value(right, scene.moment).text;
 }
 
 void Expression::append(const Scene& scene, String& out) const {

@@ -20,6 +20,7 @@ struct Scene {
     int page = 0;
     std::int64_t line = 0;
     std::int64_t pageLine = 0;
+    Date printDate = {}; ///< with the time of day
 };
 
 /// Which lines an aggregate runs over: a group's level from 0, the table, or the page.

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <optional>
 #include <string>
 
 namespace kvtdruck::druckwerk {
@@ -11,6 +12,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr int kMaximumDigits = 18;
+constexpr std::int64_t kExactDouble = std::int64_t{1} << 53; // up to here a double holds every integer
 
 constexpr std::array<double, kMaximumDigits + 1> kPowers = {
     1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
@@ -19,74 +21,125 @@ bool isDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
 }
 
-/// Whether the points of `integer` stand between groups of three digits.
-bool isGrouped(StringView integer) {
-    auto group = integer.find(u'.');
-    if (group == 0 || group == StringView::npos || group > 3)
-        return false;
-    for (; group < integer.size(); group += 4)
-        if (integer[group] != u'.' || group + 4 > integer.size() ||
-            !std::all_of(integer.begin() + static_cast<std::ptrdiff_t>(group) + 1,
-                         integer.begin() + static_cast<std::ptrdiff_t>(group) + 4, isDigit))
+/// Brings the rarer spellings into the form -1234.5E-6.
+class Normalizer {
+  public:
+    Normalizer(StringView text, const Locale& locale) : rest_(trimmed(text)), locale_(locale) {}
+
+    std::optional<std::string> read() {
+        if (accept(u"-"))
+            plain_ += '-';
+        else
+            accept(u"+");
+        if (!integerPart())
+            return std::nullopt;
+        if (accept(locale_.decimalSign)) {
+            plain_ += '.';
+            if (digits() == 0)
+                return std::nullopt;
+        }
+        if (accept(u"E") || accept(u"e")) {
+            plain_ += 'e';
+            if (accept(u"-"))
+                plain_ += '-';
+            else
+                accept(u"+");
+            if (digits() == 0)
+                return std::nullopt;
+        }
+        return rest_.empty() ? std::optional(plain_) : std::nullopt;
+    }
+
+  private:
+    bool accept(StringView token) {
+        if (token.empty() || !rest_.starts_with(token))
             return false;
-    return true;
+        rest_.remove_prefix(token.size());
+        return true;
+    }
+
+    std::size_t digits() {
+        std::size_t count = 0;
+        for (; count < rest_.size() && isDigit(rest_[count]); ++count)
+            plain_ += static_cast<char>(rest_[count]);
+        rest_.remove_prefix(count);
+        return count;
+    }
+
+    /// Digits, or groups of three of them behind one of up to three.
+    bool integerPart() {
+        std::size_t group = digits();
+        if (group == 0)
+            return false;
+        for (bool first = true; accept(locale_.thousandsSeparator); first = false) {
+            if (first && group > 3)
+                return false;
+            group = digits();
+            if (group != 3)
+                return false;
+        }
+        return true;
+    }
+
+    StringView rest_;
+    const Locale& locale_;
+    std::string plain_;
+};
+
+/// The number of up to 18 digits that is written in the form -1234.5; anything else has but its value.
+Number exactOf(const std::string& plain) {
+    Number number;
+    number.kind = Number::Kind::None;
+    const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), number.value);
+    if (error != std::errc() || !std::isfinite(number.value))
+        return number;
+    const auto digits = std::count_if(plain.begin(), plain.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (digits > kMaximumDigits || plain.find('e') != std::string::npos)
+        return Number::of(number.value);
+    number.kind = Number::Kind::Exact;
+    for (const char c : plain)
+        if (c >= '0' && c <= '9')
+            number.digits = number.digits * 10 + (c - '0');
+    if (plain[0] == '-')
+        number.digits = -number.digits;
+    const auto point = plain.find('.');
+    number.scale = point == std::string::npos ? 0 : static_cast<int>(plain.size() - point - 1);
+    return number;
 }
 
-/// The rarer spellings: separators, exponents, more digits than fit.
-Number parseSlowly(StringView text) {
+Number parseSlowly(StringView text, const Locale& locale) {
+    if (const auto plain = Normalizer(text, locale).read())
+        return exactOf(*plain);
     Number none;
     none.kind = Number::Kind::None;
-    text = trimmed(text);
-    if (text.empty() || text.size() > 400)
-        return none;
-    const auto comma = text.find(u',');
-    const auto digitsBegin = text.find_first_of(u"0123456789.");
-    const auto integer =
-        digitsBegin == StringView::npos ? StringView() : text.substr(digitsBegin, comma - digitsBegin);
-    const bool pointsSeparate = comma != StringView::npos || isGrouped(integer);
-    std::string plain;
-    for (const char16_t c : text) {
-        if (c == u'.' && pointsSeparate)
-            continue;
-        if (c > 0x7e)
-            return none;
-        plain += c == u',' ? '.' : static_cast<char>(c);
-    }
-    const char* begin = plain.c_str() + (plain[0] == '+' ? 1 : 0);
-    const char* end = plain.c_str() + plain.size();
-    double value = 0;
-    const auto [rest, error] = std::from_chars(begin, end, value);
-    if (error != std::errc() || rest != end || !std::isfinite(value))
-        return none;
-    return Number::of(value);
+    return none;
 }
 
 } // namespace
 
-Number Number::parse(StringView text) {
+Number Number::parse(StringView text, const Locale& locale) {
     Number number;
     if (text.empty())
         return number;
+    const char16_t sign = locale.decimalSign.size() == 1 ? locale.decimalSign[0] : u'\0';
     std::size_t at = text[0] == u'-' ? 1 : 0;
     const std::size_t first = at;
     std::int64_t digits = 0;
-    std::size_t comma = 0;
+    std::size_t point = 0;
     for (; at < text.size(); ++at) {
         const char16_t c = text[at];
-        if (isDigit(c))
+        if (isDigit(c) && digits < kExactDouble)
             digits = digits * 10 + (c - u'0');
-        else if (c == u',' && comma == 0 && at > first)
-            comma = at + 1;
+        else if (c == sign && point == 0 && at > first)
+            point = at + 1;
         else
-            return parseSlowly(text);
-        if (at - first >= kMaximumDigits)
-            return parseSlowly(text);
+            return parseSlowly(text, locale);
     }
-    if (first == at || comma == at)
-        return parseSlowly(text);
+    if (first == at || point == at || digits > kExactDouble || at - first > kMaximumDigits)
+        return parseSlowly(text, locale);
     number.kind = Kind::Exact;
     number.digits = first != 0 ? -digits : digits;
-    number.scale = comma != 0 ? static_cast<int>(at - comma) : 0;
+    number.scale = point != 0 ? static_cast<int>(at - point) : 0;
     number.value = static_cast<double>(number.digits) / kPowers[static_cast<std::size_t>(number.scale)];
     return number;
 }

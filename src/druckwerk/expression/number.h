@@ -1,7 +1,7 @@
-// Numbers as the report hands them over (German text), with their decimal digits.
+// Numbers as the report hands them over, with their decimal digits.
 #pragma once
 
-#include "values/text.h"
+#include "values/locale.h"
 
 #include <cstdint>
 
@@ -15,14 +15,14 @@ struct Number {
         Exact,   ///< digits / 10^scale
         Large,   ///< only `value` is known
     };
-    double value = 0;
+    double value = 0; ///< the double nearest to the number
     std::int64_t digits = 0;
     int scale = 0;
     Kind kind = Kind::Missing;
 
-    /// Decimal comma, points between groups of three digits, an exponent; a lone point that can't stand between
-    /// groups is taken as the decimal sign.
-    static Number parse(StringView text);
+    /// The number that `text` is in the notation of `locale` and in no other: its decimal sign, its separator
+    /// between groups of three digits or none at all, an exponent; blanks around it.
+    static Number parse(StringView text, const Locale& locale);
     /// `value`, to 15 significant digits.
     static Number of(double value);
 

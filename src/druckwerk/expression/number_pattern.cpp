@@ -145,41 +145,45 @@ NumberPattern::NumberPattern(StringView pattern) {
                     "Ungültiges Zahlenformat „" + toUtf8(pattern) + "“: keine Ziffernstelle (# oder 0)");
 }
 
-void NumberPattern::appendDigits(const Part& part, const char* digits, int count, int decimals, String& out) {
-    const int integers = count - decimals;
+/// All digits without a sign between them, the last `decimals` of them behind the decimal sign.
+void NumberPattern::appendDigits(const Part& part, std::string_view digits, int decimals, const Locale& locale,
+                                 String& out) {
+    const int integers = static_cast<int>(digits.size()) - decimals;
     for (int i = std::max(integers, part.integerDigits); i > 0; --i) {
-        out += i > integers ? u'0' : static_cast<char16_t>(digits[integers - i]);
+        out += i > integers ? u'0' : static_cast<char16_t>(digits[static_cast<std::size_t>(integers - i)]);
         if (part.grouped && i > 1 && (i - 1) % 3 == 0)
-            out += u'.';
+            out += locale.thousandsSeparator;
     }
-    int shown = decimals;
-    while (shown > part.minimumDecimals && digits[integers + shown - 1] == '0')
-        --shown;
-    if (shown > 0)
-        out += u',';
-    for (int i = 0; i < shown; ++i)
-        out += static_cast<char16_t>(digits[integers + i]);
+    std::string_view behind = digits.substr(static_cast<std::size_t>(integers));
+    while (static_cast<int>(behind.size()) > part.minimumDecimals && behind.back() == '0')
+        behind.remove_suffix(1);
+    if (!behind.empty())
+        out += locale.decimalSign;
+    for (const char c : behind)
+        out += static_cast<char16_t>(c);
 }
 
-void NumberPattern::appendLarge(const Number& number, String& out) const {
+void NumberPattern::appendLarge(const Number& number, const Locale& locale, String& out) const {
     const Part& part = parts_[number.value < 0 && parts_.size() > 1 ? 1 : 0];
     if (number.value < 0 && parts_.size() == 1)
         out += u'-';
     out += part.prefix;
     if (part.hasDigits) {
+        // A percentage has its decimal sign two digits further on: a hundred times the number may be no double.
         std::array<char, 400> buffer{};
-        const double shown = std::fabs(number.value) * (part.percent ? 100 : 1);
-        const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), shown,
-                                           std::chars_format::fixed, part.maximumDecimals);
-        char* end = std::remove(buffer.data(), written.ptr, '.');
-        appendDigits(part, buffer.data(), static_cast<int>(end - buffer.data()), part.maximumDecimals, out);
+        const int decimals = part.maximumDecimals + (part.percent ? 2 : 0);
+        const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(number.value),
+                                           std::chars_format::fixed, decimals);
+        const char* end = std::remove(buffer.data(), written.ptr, '.');
+        appendDigits(part, {buffer.data(), static_cast<std::size_t>(end - buffer.data())}, part.maximumDecimals,
+                     locale, out);
     }
     out += part.suffix;
 }
 
-void NumberPattern::append(const Number& number, String& out) const {
+void NumberPattern::append(const Number& number, const Locale& locale, String& out) const {
     if (number.kind == Number::Kind::Large) {
-        appendLarge(number, out);
+        appendLarge(number, locale, out);
         return;
     }
     const Part& first = parts_[number.digits < 0 && parts_.size() > 1 && parts_[1].hasDigits ? 1 : 0];
@@ -194,7 +198,7 @@ void NumberPattern::append(const Number& number, String& out) const {
         std::array<char, 64> buffer;
         char* const end = buffer.data() + buffer.size();
         const char* const begin = writeDigits(shown, decimals, end);
-        appendDigits(part, begin, static_cast<int>(end - begin), decimals, out);
+        appendDigits(part, {begin, static_cast<std::size_t>(end - begin)}, decimals, locale, out);
     }
     out += part.suffix;
 }

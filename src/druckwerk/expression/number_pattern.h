@@ -3,16 +3,17 @@
 
 #include "druckwerk/expression/number.h"
 
+#include <string_view>
 #include <vector>
 
 namespace kvtdruck::druckwerk {
 
-/// A German number pattern such as "#.##0,00;-#.##0,00;–".
+/// A number pattern in German notation, such as "#.##0,00;-#.##0,00;–". What it prints has the signs of a locale.
 class NumberPattern {
   public:
     /// Raises a Fault with the reason where `pattern` is none.
     explicit NumberPattern(StringView pattern);
-    void append(const Number& number, String& out) const;
+    void append(const Number& number, const Locale& locale, String& out) const;
 
   private:
     struct Part {
@@ -26,8 +27,9 @@ class NumberPattern {
         bool hasDigits = false;
     };
     class PartReader;
-    static void appendDigits(const Part& part, const char* digits, int count, int decimals, String& out);
-    void appendLarge(const Number& number, String& out) const;
+    static void appendDigits(const Part& part, std::string_view digits, int decimals, const Locale& locale,
+                             String& out);
+    void appendLarge(const Number& number, const Locale& locale, String& out) const;
     std::vector<Part> parts_;
 };
 

@@ -19,7 +19,7 @@ class TextTemplate {
     /// Raises a Fault with the reason where a placeholder can't be understood.
     TextTemplate(StringView source, Definitions& definitions, Aggregates& aggregates, AggregateScope scope);
 
-    void append(const Scene& scene, const String& printDate, String& out) const;
+    void append(const Scene& scene, String& out) const;
 
     /// Whether it is one placeholder with a number pattern and nothing else.
     bool isLoneNumber() const { return loneNumber_; }
@@ -44,6 +44,10 @@ class TextTemplate {
         Expression expression;
         NumberPattern pattern;
     };
+    static void appendValue(const Value& piece, const Scene& scene, String& out);
+    static void appendComputed(const Computed& piece, const Scene& scene, String& out);
+    static void appendCounter(Counter piece, const Scene& scene, String& out);
+
     using Piece = std::variant<String, Value, Computed, Counter, PrintDateText>;
 
     Piece placeholder(StringView content, Definitions& definitions, Aggregates& aggregates, AggregateScope scope);

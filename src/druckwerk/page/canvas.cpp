@@ -122,23 +122,24 @@ void Canvas::addLate(const LateText& late) {
     buffer_.clear();
 }
 
-void Canvas::showPageCount(const ShapedText& before, const ShapedText& after, Face& face, Point at, double size,
-                           Rgb color, Anchor anchor) {
+void Canvas::showPageCount(std::span<const ShapedText> parts, Face& face, Point at, double size, Rgb color,
+                           Anchor anchor) {
     endText(); // the shift moves the line's beginning, so the line has a text object of its own
-    at.x -= (before.width + after.width) * size * shareLeft(anchor);
+    for (const ShapedText& part : parts)
+        at.x -= part.width * size * shareLeft(anchor);
     moveText(at, color);
     buffer_ += '\n';
-    if (anchor != Anchor::Start)
+    for (std::size_t count = 1; count < parts.size() && anchor != Anchor::Start; ++count)
         addLate({face.number(), size, anchor, true});
-    for (std::size_t i = 0; i < before.count; ++i) {
-        setFont(*before.run(i).face, size);
-        showRun(before.run(i));
-    }
-    setFont(face, size);
-    addLate({face.number(), size, Anchor::Start, false});
-    for (std::size_t i = 0; i < after.count; ++i) {
-        setFont(*after.run(i).face, size);
-        showRun(after.run(i));
+    for (const ShapedText& part : parts) {
+        if (&part != parts.data()) {
+            setFont(face, size);
+            addLate({face.number(), size, Anchor::Start, false});
+        }
+        for (std::size_t i = 0; i < part.count; ++i) {
+            setFont(*part.run(i).face, size);
+            showRun(part.run(i));
+        }
     }
     endText();
 }

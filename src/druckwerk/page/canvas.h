@@ -6,6 +6,7 @@
 #include "druckwerk/text/shaped_text.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -31,9 +32,9 @@ class Canvas {
 
     /// Sets a line of text; `at` is the left end of its baseline.
     void show(const ShapedText& text, Point at, double size, Rgb color);
-    /// Sets a line that consists of `before`, the number of pages and `after`, anchored at `at`.
-    void showPageCount(const ShapedText& before, const ShapedText& after, Face& face, Point at, double size,
-                       Rgb color, Anchor anchor);
+    /// Sets a line that consists of `parts` with the number of pages between them, anchored at `at`.
+    void showPageCount(std::span<const ShapedText> parts, Face& face, Point at, double size, Rgb color,
+                       Anchor anchor);
     /// PDF operators for graphics, moved down by `down`; graphics with the same offset share one state.
     void draw(std::string_view operators, double down);
     /// Text shown by `show` until `endTransform` is mapped by `matrix`.

@@ -42,9 +42,9 @@ struct Scale {
 /// One chart while it is drawn.
 class Drawing {
   public:
-    Drawing(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter,
-            const FontLibrary::Warn& warn)
-        : chart_(chart), canvas_(canvas), setter_(setter), warn_(warn), area_(chart.box),
+    Drawing(const Chart& chart, ChartPoints points, const Locale& locale, double down, Canvas& canvas,
+            TextSetter& setter, const FontLibrary::Warn& warn)
+        : chart_(chart), locale_(locale), canvas_(canvas), setter_(setter), warn_(warn), area_(chart.box),
           values_(std::move(points.values)), labels_(std::move(points.labels)) {
         area_.y += down;
         for (auto& series : values_) {
@@ -85,7 +85,7 @@ class Drawing {
 
     String formatted(double value) const {
         String out;
-        chart_.format.append(Number::of(value), out);
+        chart_.format.append(Number::of(value), locale_, out);
         return out;
     }
 
@@ -259,7 +259,7 @@ class Drawing {
     String percentage(std::size_t series, std::size_t point) const {
         static const NumberPattern kPattern(u"0,0 %");
         String out;
-        kPattern.append(Number::of(shareOf(series, point)), out);
+        kPattern.append(Number::of(shareOf(series, point)), locale_, out);
         return out;
     }
 
@@ -284,6 +284,7 @@ class Drawing {
     }
 
     const Chart& chart_;
+    const Locale& locale_;
     Canvas& canvas_;
     TextSetter& setter_;
     const FontLibrary::Warn& warn_;
@@ -297,7 +298,7 @@ class Drawing {
 
 } // namespace
 
-ChartPoints pointsOf(const Chart& chart, const Scene& scene, const String& printDate) {
+ChartPoints pointsOf(const Chart& chart, const Scene& scene) {
     ChartPoints points;
     for (const auto& series : chart.series) {
         auto& values = points.values.emplace_back();
@@ -305,12 +306,11 @@ ChartPoints pointsOf(const Chart& chart, const Scene& scene, const String& print
             values.push_back(value.evaluate(scene));
     }
     for (const auto& label : chart.labels)
-        label.append(scene, printDate, points.labels.emplace_back());
+        label.append(scene, points.labels.emplace_back());
     return points;
 }
 
-void collectPoint(const Chart& chart, const Scene& scene, const String& printDate, ChartPoints& points,
-                  const FontLibrary::Warn& warn) {
+void collectPoint(const Chart& chart, const Scene& scene, ChartPoints& points, const FontLibrary::Warn& warn) {
     if (!chart.rows->holds(scene))
         return;
     points.values.resize(chart.series.size());
@@ -319,12 +319,12 @@ void collectPoint(const Chart& chart, const Scene& scene, const String& printDat
     for (std::size_t i = 0; i < chart.series.size(); ++i)
         points.values[i].push_back(chart.series[i].values[0].evaluate(scene));
     if (!chart.labels.empty())
-        chart.labels[0].append(scene, printDate, points.labels.emplace_back());
+        chart.labels[0].append(scene, points.labels.emplace_back());
 }
 
-void drawChart(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter,
-               const FontLibrary::Warn& warn) {
-    Drawing(chart, std::move(points), down, canvas, setter, warn).draw();
+void drawChart(const Chart& chart, ChartPoints points, const Locale& locale, double down, Canvas& canvas,
+               TextSetter& setter, const FontLibrary::Warn& warn) {
+    Drawing(chart, std::move(points), locale, down, canvas, setter, warn).draw();
 }
 
 } // namespace kvtdruck::druckwerk

@@ -13,12 +13,11 @@ struct ChartPoints {
 };
 
 /// The points of a chart that has them in its series.
-ChartPoints pointsOf(const Chart& chart, const Scene& scene, const String& printDate);
+ChartPoints pointsOf(const Chart& chart, const Scene& scene);
 /// Takes the line that is being printed as a point of a chart of lines.
-void collectPoint(const Chart& chart, const Scene& scene, const String& printDate, ChartPoints& points,
-                  const FontLibrary::Warn& warn);
+void collectPoint(const Chart& chart, const Scene& scene, ChartPoints& points, const FontLibrary::Warn& warn);
 /// Draws the chart, moved down by `down`.
-void drawChart(const Chart& chart, ChartPoints points, double down, Canvas& canvas, TextSetter& setter,
-               const FontLibrary::Warn& warn);
+void drawChart(const Chart& chart, ChartPoints points, const Locale& locale, double down, Canvas& canvas,
+               TextSetter& setter, const FontLibrary::Warn& warn);
 
 } // namespace kvtdruck::druckwerk

@@ -1,19 +1,13 @@
 #include "druckwerk/page/print_job.h"
 
 #include "druckwerk/page/artwork.h"
+#include "values/conversion.h"
 
 namespace kvtdruck::druckwerk {
 
 namespace {
 
 constexpr double kTolerance = 0.01; // of a point
-
-String textOf(const PrintDate& date) {
-    std::array<char, 32> text{};
-    const int size = std::snprintf(text.data(), text.size(), "%02d.%02d.%04d %02d:%02d:%02d", date.day, date.month,
-                                   date.year, date.hour, date.minute, date.second);
-    return {text.data(), text.data() + size};
-}
 
 double heightOf(const std::optional<Band>& band) {
     return band ? band->height : 0;
@@ -25,9 +19,9 @@ PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& documen
                    const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
                    FontLibrary::Warn warn)
     : layout_(std::move(layout)), totals_(layout_.aggregates), definitions_(definitions), warn_(warn),
-      printDate_(textOf(date)), document_(document), bookmark_(std::move(bookmark)), begin_(document.mark()),
-      setter_(document_, layout_.fonts, std::move(warn)), points_(layout_.rowCharts.size()),
-      top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+      printDate_(dateOf(date.year, date.month, date.day, date.hour, date.minute, date.second)), document_(document),
+      bookmark_(std::move(bookmark)), begin_(document.mark()), setter_(document_, layout_.fonts, std::move(warn)),
+      points_(layout_.rowCharts.size()), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
     document_.setPageSize(layout_.width, layout_.height);
     double closing = heightOf(layout_.sum);
     for (const Group& group : layout_.groups)
@@ -45,7 +39,7 @@ PrintJob::~PrintJob() {
 }
 
 Scene PrintJob::scene(Moment moment) const {
-    return {definitions_, totals_, moment, document_.pages(), tableLines_, pageLines_};
+    return {definitions_, totals_, moment, document_.pages(), tableLines_, pageLines_, printDate_};
 }
 
 // --- Pages ---
@@ -143,7 +137,7 @@ bool PrintJob::printSheet() {
 void PrintJob::takeLineIntoAccount() {
     totals_.accumulate(scene(Moment::Now));
     for (std::size_t i = 0; i < points_.size(); ++i)
-        collectPoint(*layout_.rowCharts[i], scene(Moment::Now), printDate_, points_[i], warn_);
+        collectPoint(*layout_.rowCharts[i], scene(Moment::Now), points_[i], warn_);
 }
 
 void PrintJob::drawRow(double growth) {
@@ -265,7 +259,7 @@ double PrintJob::growthOf(const Band& band, Moment moment) {
             if (text == nullptr || !text->grows)
                 continue;
             text_.clear();
-            text->text.append(scene(moment), printDate_, text_);
+            text->text.append(scene(moment), text_);
             growth = std::max(growth, setter_.growthFor(*text, text_));
         }
     return growth;
@@ -292,7 +286,7 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
     Canvas& canvas = document_.canvas();
     if (const auto* text = std::get_if<TextItem>(&item.content)) {
         text_.clear();
-        text->text.append(now, printDate_, text_);
+        text->text.append(now, text_);
         setter_.set(*text, text_, down, growth);
     } else if (const auto* shape = std::get_if<Shape>(&item.content)) {
         constexpr double kEdge = 0.5 * 72 / 25.4; // what lies this close to the lower edge moves with it
@@ -302,8 +296,8 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
             canvas.draw(shape->compiled, down);
     } else if (const auto* found = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
         const Chart& chart = **found;
-        drawChart(chart, chart.rows ? points_[chart.rowChart] : pointsOf(chart, now, printDate_), down, canvas,
-                  setter_, warn_);
+        drawChart(chart, chart.rows ? points_[chart.rowChart] : pointsOf(chart, now), definitions_.locale(), down,
+                  canvas, setter_, warn_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
         canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
     }
@@ -312,7 +306,7 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
 void PrintJob::addBookmark(const Band& band, const Scene& now, double y) {
     std::vector<String> path = bookmark_;
     for (const TextTemplate& level : band.bookmark)
-        level.append(now, printDate_, path.emplace_back());
+        level.append(now, path.emplace_back());
     document_.bookmark(path, y);
 }
 

@@ -60,7 +60,7 @@ class PrintJob {
     Totals totals_;
     Definitions& definitions_;
     FontLibrary::Warn warn_;
-    String printDate_;
+    Date printDate_;
     PdfDocument& document_;
     std::vector<String> bookmark_;
     PdfDocument::Mark begin_;

@@ -48,11 +48,15 @@ void TextSetter::showLine(const TextItem& item, StringView text, Point at, doubl
 }
 
 void TextSetter::showPageCount(const TextItem& item, StringView text, Point at) {
-    const auto mark = text.find(kPageCountMark);
-    document_.useFace(faceOf(item));
-    document_.fonts().shape(text.substr(0, mark), faceOf(item), shaped_);
-    document_.fonts().shape(text.substr(mark + 1), faceOf(item), after_);
-    document_.canvas().showPageCount(shaped_, after_, faceOf(item), at, item.size, item.color, item.anchor);
+    Face& face = faceOf(item);
+    std::vector<ShapedText> parts;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const auto end = std::min(text.find(kPageCountMark, begin), text.size());
+        document_.fonts().shape(text.substr(begin, end - begin), face, parts.emplace_back());
+        begin = end + 1;
+    }
+    document_.useFace(face);
+    document_.canvas().showPageCount(parts, face, at, item.size, item.color, item.anchor);
 }
 
 void TextSetter::set(const TextItem& item, StringView text, double down, double growth) {

@@ -43,7 +43,6 @@ class TextSetter {
     std::vector<Face*> faces_;
     FontLibrary::Warn warn_;
     ShapedText shaped_;
-    ShapedText after_;
 };
 
 } // namespace kvtdruck::druckwerk
