@@ -143,6 +143,37 @@ TEST_F(LayoutTest, WhatALayoutCanGetWrong) {
     EXPECT_THAT(error(page(layer("Zeile", 20, 5, "") + layer("Zeile", 30, 5, ""))), HasSubstr("gibt es zweimal"));
 }
 
+TEST_F(LayoutTest, WhatIsNotUnderstoodIsReportedWithLineAndElement) {
+    const std::string text = field(5, 20, 20, "{{Nr}} {{Name}} {{Betrag|0}}");
+    for (const auto& [element, reason] :
+         {std::pair("<rect id='x' width='1' height='1' fill='darkredd'/>", "fill: darkredd"),
+          {"<rect id='x' width='1' height='1' style='stroke-width:breit'/>", "stroke-width: breit"},
+          {"<g id='x' transform='rotat(45)'/>", "transform: rotat(45)"},
+          {"<g id='x' style='transform:translate(1e9px,0)'/>", "transform: translate(1e9px,0)"},
+          {"<path id='x' d='M0 0 L 1'/>", "Pfad wird nur bis"},
+          {"<text id='x' style='font:bold 3px Arial'>x</text>", "font: bold 3px Arial"},
+          {"<text id='x' fill-opacity='0.5'>{{Nr}}</text>", "deckend"},
+          {"<style id='x'>rect { fill: rott }</style>", "fill: rott"}}) {
+        const auto found = findings(row(text + "\n\n" + element));
+        ASSERT_THAT(found, SizeIs(1)) << element;
+        EXPECT_FALSE(found[0].error);
+        EXPECT_THAT(found[0].message, HasSubstr("Zeile 4"));
+        EXPECT_THAT(found[0].message, HasSubstr(" id=\"x\">: "));
+        EXPECT_THAT(found[0].message, HasSubstr(reason));
+    }
+    EXPECT_THAT(error(row("<text x='links'>a</text>")), HasSubstr("ungültige Länge x=\"links\""));
+}
+
+TEST_F(LayoutTest, NamedColoursAndTransformsPrint) {
+    const auto content = [&](const std::string& element) {
+        printed(row(element));
+        return outputOf("qpdf --stream-data=uncompress '" + (folder / "out.pdf").string() + "' -");
+    };
+    EXPECT_THAT(content("<rect width='10' height='10' fill='DarkRed'/>"), HasSubstr(".545 0 0 rg"));
+    EXPECT_THAT(content("<rect width='10' height='10' style='transform:translate(10px-5px);fill:red'/>"),
+                HasSubstr("28.35 "));
+}
+
 TEST_F(LayoutTest, DamagedFiles) {
     EXPECT_THAT(error("", kLayoutMalformed), HasSubstr("kein wohlgeformtes XML"));
     EXPECT_THAT(error("<svg", kLayoutMalformed), HasSubstr("kein wohlgeformtes XML"));

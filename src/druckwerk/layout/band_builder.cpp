@@ -1,7 +1,5 @@
 #include "druckwerk/layout/band_builder.h"
 
-#include "druckwerk/svg/transform_list.h"
-
 #include <algorithm>
 #include <array>
 
@@ -40,10 +38,10 @@ void BandBuilder::readAttributes(const xmlNode* node) {
     }
 }
 
-Context BandBuilder::styled(const Context& outer, const xmlNode* node) const {
-    Context context{outer.matrix * parseTransform(attribute(node, "transform")), outer.style.inherited(),
-                    outer.conditions};
-    reading_.applyStyle(node, context.style);
+Context BandBuilder::styled(const Context& outer, const xmlNode* node) {
+    Context context{outer.matrix, outer.style.inherited(), outer.conditions};
+    reading_.applyStyle(node, band_.label, context.style);
+    context.matrix = context.matrix * context.style.transform;
     return context;
 }
 

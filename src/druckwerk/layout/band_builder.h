@@ -26,7 +26,7 @@ class BandBuilder {
     Band finish(const xmlNode* node);
 
     /// What holds for `node`, which lies in `outer`, its own condition left out.
-    Context styled(const Context& outer, const xmlNode* node) const;
+    Context styled(const Context& outer, const xmlNode* node);
     /// What holds for `node`, which lies in `outer`.
     Context within(const Context& outer, const xmlNode* node);
     void noteSlots(const std::vector<std::size_t>& slots, bool needed = true) {

@@ -1,5 +1,6 @@
 // Charts: their kind, points, labels and colours.
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/svg/color.h"
 
 #include <array>
 #include <map>
@@ -65,7 +66,7 @@ void readSeries(BandBuilder& band, const xmlNode* node, Chart& chart) {
             const auto color = parseColor(colors[i]);
             if (!color)
                 invalid("Ungültige Farbe „" + colors[i] + "“");
-            series.color = *color;
+            series.color = color->rgb;
         }
         if (series.values.empty() || (chart.rows && series.values.size() != 1))
             invalid("Reihe „" + text + "“ braucht " +

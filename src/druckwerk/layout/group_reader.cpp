@@ -55,7 +55,7 @@ void readGroups(Reading& reading, xmlNode* root) {
         if (svgName(node) != "g" || (!isKind(label, "Gruppenkopf") && !isKind(label, "Gruppenfuß")))
             return;
         Style style;
-        reading.applyStyle(node, style);
+        reading.applyStyle(node, label, style);
         reading.located(node, label, [&] {
             if (style.display)
                 addGroup(reading, keysOf(node));

@@ -51,7 +51,11 @@ void readStyleSheets(Reading& reading, xmlNode* root) {
             for (const xmlNode* part = node->children; part != nullptr; part = part->next)
                 if (part->content != nullptr)
                     text += reinterpret_cast<const char*>(part->content);
+            const std::size_t before = reading.sheet.notUnderstood().size();
             reading.sheet.add(text);
+            for (std::size_t i = before; i < reading.sheet.notUnderstood().size(); ++i)
+                reading.report(kLayoutInvalid, node, "",
+                               "„" + reading.sheet.notUnderstood()[i] + "“ wird nicht verstanden", false);
         });
     });
     for (const auto& selector : reading.sheet.ignored())
@@ -108,7 +112,7 @@ Layout readTree(const std::string& source, const std::string& name, const std::f
     Context root;
     root.matrix = readPage(reading, file.root());
     readStyleSheets(reading, file.root());
-    reading.applyStyle(file.root(), root.style);
+    reading.applyStyle(file.root(), "", root.style);
     readGroups(reading, file.root());
     readLayers(reading, file.root(), root);
     if (!reading.layout.foreignIds.empty())

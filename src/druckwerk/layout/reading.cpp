@@ -1,5 +1,7 @@
 #include "druckwerk/layout/reading.h"
 
+#include <algorithm>
+
 namespace kvtdruck::druckwerk {
 
 void invalid(const std::string& reason) {
@@ -16,16 +18,25 @@ void Reading::report(std::int32_t code, const xmlNode* node, const std::string& 
         const std::string id = attribute(node, "id");
         message += ", <" + std::string(localName(node)) + (id.empty() ? "" : " id=\"" + id + "\"") + ">";
     }
-    findings.push_back({error, code, message + ": " + reason});
+    message += ": " + reason;
+    const bool known = std::any_of(findings.begin(), findings.end(),
+                                   [&](const Finding& finding) { return finding.message == message; });
+    if (!known) // an element's style may be asked for more than once
+        findings.push_back({error, code, std::move(message)});
 }
 
-void Reading::applyStyle(const xmlNode* node, Style& style) const {
+void Reading::applyStyle(const xmlNode* node, const std::string& layer, Style& style) {
+    const auto apply = [&](const std::string& property, const std::string& value) {
+        if (!style.apply(property, value))
+            report(kLayoutInvalid, node, layer,
+                   "„" + property + ": " + value.substr(0, 80) + "“ wird nicht verstanden", false);
+    };
     for (const xmlAttr* attr = node->properties; attr != nullptr; attr = attr->next)
         if (attr->ns == nullptr)
-            style.apply(viewOf(attr->name), valueOf(attr));
+            apply(std::string(viewOf(attr->name)), valueOf(attr));
     sheet.apply(style, localName(node), attribute(node, "class"), attribute(node, "id"));
     for (const auto& [property, value] : parseDeclarations(attribute(node, "style")))
-        style.apply(property, value);
+        apply(property, value);
 }
 
 void Reading::noteSlots(const std::vector<std::size_t>& slots, Moment moment, bool needed) {

@@ -56,8 +56,9 @@ struct Reading {
         }
     }
 
-    /// Adds to `style` what the element's attributes, the style sheets and its own style say.
-    void applyStyle(const xmlNode* node, Style& style) const;
+    /// Adds to `style` what the element's attributes, the style sheets and its own style say. What is not
+    /// understood is reported.
+    void applyStyle(const xmlNode* node, const std::string& layer, Style& style);
 
     /// Remembers what the layout shows at `moment`. What only elements with a condition show may be missing
     /// (`needed` is false): the condition tells when it is there.

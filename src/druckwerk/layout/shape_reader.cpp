@@ -9,7 +9,7 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
-Outline outlineOf(const xmlNode* node, std::string_view name) {
+Outline outlineOf(BandBuilder& band, const xmlNode* node, std::string_view name) {
     if (name == "rect") {
         const double rx = lengthOf(node, "rx", lengthOf(node, "ry"));
         return rectangle(
@@ -23,9 +23,12 @@ Outline outlineOf(const xmlNode* node, std::string_view name) {
         return ellipse({lengthOf(node, "cx"), lengthOf(node, "cy")}, lengthOf(node, "r"), lengthOf(node, "r"));
     if (name == "ellipse")
         return ellipse({lengthOf(node, "cx"), lengthOf(node, "cy")}, lengthOf(node, "rx"), lengthOf(node, "ry"));
-    if (name == "path")
-        return parsePath(attribute(node, "d"));
-    return parsePolygon(attribute(node, "points"), name == "polygon");
+    bool whole = true;
+    Outline outline = name == "path" ? parsePath(attribute(node, "d"), whole)
+                                     : parsePolygon(attribute(node, "points"), name == "polygon", whole);
+    if (!whole)
+        band.warn(node, "Pfad wird nur bis zu seiner ersten unverständlichen Stelle gezeichnet");
+    return outline;
 }
 
 std::string dashesOf(const Style& style, double scale) {
@@ -73,7 +76,7 @@ bool containsText(const xmlNode* node, std::string_view what) {
 }
 
 void readShape(BandBuilder& band, const xmlNode* node, std::string_view name, const Context& context) {
-    Outline outline = outlineOf(node, name);
+    Outline outline = outlineOf(band, node, name);
     const Style& style = context.style;
     const bool fill = style.fill.kind == Paint::Kind::Color;
     const bool stroke = style.stroke.kind == Paint::Kind::Color && style.strokeWidth > 0;
@@ -83,8 +86,10 @@ void readShape(BandBuilder& band, const xmlNode* node, std::string_view name, co
     Shape shape;
     shape.outline = std::move(outline);
     const double scale = context.matrix.scale();
-    const auto fillOpacity = static_cast<int>(std::lround(style.fill.opacity * style.opacity * 1000));
-    const auto strokeOpacity = static_cast<int>(std::lround(style.stroke.opacity * style.opacity * 1000));
+    const auto fillOpacity =
+        static_cast<int>(std::lround(style.fill.opacity * style.fill.alpha * style.opacity * 1000));
+    const auto strokeOpacity =
+        static_cast<int>(std::lround(style.stroke.opacity * style.stroke.alpha * style.opacity * 1000));
     std::string special;
     if (fillOpacity < 1000 || strokeOpacity < 1000) {
         band.reading().layout.opacities.insert({fillOpacity, strokeOpacity});

@@ -45,7 +45,12 @@ void appendText(const char* text, const Context& context, std::vector<TextPiece>
 double firstLength(const xmlNode* node, const char* name, double otherwise) {
     const std::string text = attribute(node, name);
     const auto words = splitWords(text);
-    return words.empty() ? otherwise : parseLength(words[0]).value_or(otherwise);
+    if (words.empty())
+        return otherwise;
+    const auto value = parseLength(words[0]);
+    if (!value)
+        invalid(std::string("ungültige Länge ") + name + "=\"" + text.substr(0, 40) + "\"");
+    return *value;
 }
 
 /// The pieces of a text element: a new one wherever a tspan has a place of its own. `unusual` where only the
@@ -137,7 +142,9 @@ Fit fitOf(const xmlNode* node, const TextItem& item) {
 } // namespace
 
 void readText(BandBuilder& band, xmlNode* node, const Context& context, bool plain) {
-    bool unusual = !plain || context.style.stroke.kind != Paint::Kind::None;
+    const Style& style = context.style;
+    const bool opaque = style.opacity * style.fill.opacity * style.fill.alpha > 0.999;
+    bool unusual = !plain || !opaque || style.stroke.kind != Paint::Kind::None;
     std::vector<TextPiece> pieces = piecesOf(band, node, context, unusual);
     if (pieces.empty())
         return;
@@ -145,6 +152,11 @@ void readText(BandBuilder& band, xmlNode* node, const Context& context, bool pla
         for (std::size_t i = 1; i < pieces.size(); ++i)
             pieces[0].text += " " + pieces[i].text;
         pieces.resize(1);
+        if (unusual)
+            band.warn(
+                node,
+                "Text mit Platzhaltern wird in einer Farbe und einer Schrift, deckend und ohne Abstände, Linien "
+                "oder Umriss gedruckt");
     } else if (unusual) {
         readForeign(band, node, context);
         return;
