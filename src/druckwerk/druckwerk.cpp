@@ -244,7 +244,7 @@ Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& objectName) {
         else
             warn(finding.message);
     for (const auto& message : unknownNames(layout, definitions_))
-        warn(file.string() + ": " + message);
+        warn(file.string() + ", " + message);
     return layout;
 }
 

@@ -153,4 +153,14 @@ std::vector<std::size_t> TextTemplate::slots() const {
     return slots;
 }
 
+std::vector<std::size_t> TextTemplate::aggregatedSlots() const {
+    std::vector<std::size_t> slots;
+    for (const auto& piece : pieces_)
+        if (const auto* computed = std::get_if<Computed>(&piece)) {
+            const auto& found = computed->expression.aggregatedSlots();
+            slots.insert(slots.end(), found.begin(), found.end());
+        }
+    return slots;
+}
+
 } // namespace kvtdruck::druckwerk

@@ -27,6 +27,8 @@ class TextTemplate {
     bool hasPageCount() const { return hasPageCount_; }
     bool isConstant() const;
     std::vector<std::size_t> slots() const;
+    /// The slots of the names within its aggregates.
+    std::vector<std::size_t> aggregatedSlots() const;
 
     /// Whether `source` holds a placeholder.
     static bool hasPlaceholder(StringView source) { return source.find(u"{{") != StringView::npos; }

@@ -23,7 +23,7 @@ void BandBuilder::readAttributes(const xmlNode* node) {
         if (text.empty())
             return;
         into.emplace(fromUtf8(text), definitions(), &aggregates(), target_.scope);
-        noteSlots(into->slots());
+        note(*into, node);
     };
     condition("data-if", band_.condition);
     condition("data-new-page", band_.newPage);
@@ -33,7 +33,7 @@ void BandBuilder::readAttributes(const xmlNode* node) {
         const auto end = std::min(bookmark.find(" / ", begin), bookmark.size());
         band_.bookmark.emplace_back(fromUtf8(bookmark.substr(begin, end - begin)), definitions(), aggregates(),
                                     target_.scope);
-        noteSlots(band_.bookmark.back().slots());
+        note(band_.bookmark.back(), node);
         begin = end + 3;
     }
 }
@@ -51,7 +51,7 @@ Context BandBuilder::within(const Context& outer, const xmlNode* node) {
     if (!condition.empty()) {
         auto expression =
             std::make_shared<Expression>(fromUtf8(condition), definitions(), &aggregates(), target_.scope);
-        noteSlots(expression->slots());
+        note(*expression, node);
         context.conditions.push_back(std::move(expression));
     }
     return context;

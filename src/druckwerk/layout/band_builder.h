@@ -29,9 +29,15 @@ class BandBuilder {
     Context styled(const Context& outer, const xmlNode* node);
     /// What holds for `node`, which lies in `outer`.
     Context within(const Context& outer, const xmlNode* node);
-    void noteSlots(const std::vector<std::size_t>& slots, bool needed = true) {
-        reading_.noteSlots(slots, target_.moment, needed);
+    /// Remembers the names of an expression or a text of `node`, within its aggregates as well.
+    template <class Compiled>
+    void note(const Compiled& compiled, const xmlNode* node, bool needed = true) {
+        const std::string place = Reading::placeOf(node, band_.label);
+        reading_.keep(compiled.slots(), target_.moment);
+        reading_.noteNames(compiled.slots(), place, needed);
+        reading_.noteNames(compiled.aggregatedSlots(), place, needed);
     }
+    const std::string& label() const { return band_.label; }
     void warn(const xmlNode* node, const std::string& reason) {
         reading_.report(kLayoutInvalid, node, band_.label, reason, false);
     }

@@ -43,7 +43,7 @@ std::vector<std::string> pointsOf(const std::string& series) {
     return points;
 }
 
-void readSeries(BandBuilder& band, const xmlNode* node, Chart& chart) {
+void readSeries(BandBuilder& band, const xmlNode* node, const Context& context, Chart& chart) {
     static constexpr std::array<Rgb, 6> kColors = {{{0x1b, 0x3a, 0x5c},
                                                     {0x9d, 0xb8, 0xd2},
                                                     {0xd9, 0x82, 0x2b},
@@ -57,7 +57,7 @@ void readSeries(BandBuilder& band, const xmlNode* node, Chart& chart) {
         for (const auto& value : pointsOf(text)) {
             series.values.emplace_back(fromUtf8(value), band.definitions(),
                                        chart.rows ? nullptr : &band.aggregates(), band.target().scope);
-            band.noteSlots(series.values.back().slots());
+            band.note(series.values.back(), node, context.conditions.empty());
         }
         const std::size_t i = chart.series.size();
         series.legend = i < legends.size() ? legends[i] : "";
@@ -100,19 +100,20 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
         invalid("Schriftgröße des Diagramms ist ungültig");
     chart->textColor = context.style.fill.color;
     chart->scope = band.target().scope;
-    chart->description = "Diagramm (Zeile " + std::to_string(lineOf(node)) + ")";
+    chart->line = static_cast<int>(lineOf(node));
+    chart->description = "Diagramm (Zeile " + std::to_string(chart->line) + ", Ebene „" + band.label() + "“)";
     if (const std::string format = attribute(node, "data-format"); !format.empty())
         chart->format = NumberPattern(fromUtf8(format));
     if (const std::string rows = attribute(node, "data-rows"); !rows.empty() && rows != "0") {
         if (!band.target().rowsClose)
             invalid("data-rows geht nur in Summe und Gruppenfuß");
         chart->rows.emplace(fromUtf8(rows), band.definitions(), nullptr, band.target().scope);
-        band.noteSlots(chart->rows->slots());
+        band.note(*chart->rows, node);
     }
-    readSeries(band, node, *chart);
+    readSeries(band, node, context, *chart);
     for (const auto& label : listOf(node, "data-labels")) {
         chart->labels.emplace_back(fromUtf8(label), band.definitions(), band.aggregates(), band.target().scope);
-        band.noteSlots(chart->labels.back().slots());
+        band.note(chart->labels.back(), node, context.conditions.empty());
     }
     if (chart->rows && chart->labels.size() > 1)
         invalid("data-labels braucht mit data-rows genau eine Beschriftung");

@@ -28,7 +28,7 @@ int groupLevel(const Layout& layout, const std::vector<std::string>& keys) {
     return -1;
 }
 
-void addGroup(Reading& reading, const std::vector<std::string>& keys) {
+void addGroup(Reading& reading, const std::vector<std::string>& keys, const xmlNode* node) {
     if (keys.empty())
         invalid("Ebene braucht data-on mit dem Namen, bei dessen Wechsel eine Gruppe beginnt");
     if (groupLevel(reading.layout, keys) >= 0)
@@ -39,7 +39,8 @@ void addGroup(Reading& reading, const std::vector<std::string>& keys) {
         group.keys.push_back(reading.definitions.slotOf(fromUtf8(key)));
         reading.definitions.keep(group.keys.back(), Moment::Printed);
     }
-    reading.noteSlots(group.keys, Target{}.moment);
+    reading.keep(group.keys, Target{}.moment);
+    reading.noteNames(group.keys, Reading::placeOf(node, layerLabel(node)), true);
 }
 
 } // namespace
@@ -58,7 +59,7 @@ void readGroups(Reading& reading, xmlNode* root) {
         reading.applyStyle(node, label, style);
         reading.located(node, label, [&] {
             if (style.display)
-                addGroup(reading, keysOf(node));
+                addGroup(reading, keysOf(node), node);
         });
     });
 }

@@ -8,6 +8,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -47,6 +48,7 @@ struct TextItem {
     std::optional<Matrix>
         turned;              ///< for text that does not run upright: maps the text from the origin to its place
     std::string description; ///< for messages
+    int line = 0;            ///< in the layout's file
 };
 
 struct Chart {
@@ -68,6 +70,7 @@ struct Chart {
     std::size_t rowChart = 0;       ///< with `rows`: its place among the layout's charts of lines
     AggregateScope scope = kTableScope;
     std::string description;
+    int line = 0; ///< in the layout's file
 };
 
 /// An element that only the SVG library can draw, by its id.
@@ -115,9 +118,13 @@ struct Layout {
     std::vector<const Chart*> rowCharts;
     std::set<std::pair<int, int>> opacities;
     std::vector<std::string> foreignIds;
-    std::string foreignSource;         ///< the SVG with an id for each foreign element
-    std::set<std::size_t> slots;       ///< the names that it shows
-    std::set<std::size_t> neededSlots; ///< those of them that stand outside of conditions somewhere
+    std::string foreignSource; ///< the SVG with an id for each foreign element
+    /// A name that it shows or counts with.
+    struct NameUse {
+        std::string place;   ///< of the first use: line, layer and element
+        bool needed = false; ///< stands outside of conditions somewhere
+    };
+    std::map<std::size_t, NameUse> names; ///< by slot
 
     double flowTop() const;
     double flowBottom() const;

@@ -11,7 +11,7 @@ namespace kvtdruck::druckwerk {
 std::vector<std::string> unknownNames(const Layout& layout, const Definitions& definitions) {
     std::vector<std::string> messages;
     const auto known = definitions.list();
-    for (const std::size_t slot : layout.neededSlots) {
+    for (const auto& [slot, use] : layout.names) {
         if (definitions.isDefined(slot))
             continue;
         const std::string name = toUtf8(definitions.nameOf(slot));
@@ -23,13 +23,16 @@ std::vector<std::string> unknownNames(const Layout& layout, const Definitions& d
                     least = edits;
                     nearest = &definition;
                 }
-        messages.push_back("Unbekannter Name „" + name + "“" +
+        if (!use.needed && nearest == nullptr)
+            continue; // the condition tells when it is there
+        messages.push_back(use.place + ": Unbekannter Name „" + name + "“" +
                            (nearest == nullptr ? "" : " (ähnlich: „" + nearest->name + "“)"));
     }
     return messages;
 }
 
-std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known) {
+std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known,
+                                 bool unused) {
     Definitions definitions;
     for (const auto& definition : known)
         definitions.define(fromUtf8(definition.name), fromUtf8(definition.value), definition.numeric,
@@ -41,9 +44,9 @@ std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::v
         if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
             return findings;
         for (const auto& message : unknownNames(layout, definitions))
-            findings.push_back({false, kLayoutInvalid, file.string() + ": " + message});
+            findings.push_back({false, kLayoutInvalid, file.string() + ", " + message});
         for (const auto& definition : known)
-            if (layout.slots.count(definitions.slotOf(fromUtf8(definition.name))) == 0)
+            if (unused && !layout.names.contains(definitions.slotOf(fromUtf8(definition.name))))
                 findings.push_back({false, kLayoutInvalid,
                                     file.string() + ": " + (definition.field ? "Feld" : "Variable") + " „" +
                                         definition.name + "“ wird nicht gedruckt"});

@@ -1,5 +1,6 @@
 // From SVG to bands: geometry with all transforms applied, styles computed, placeholders and expressions compiled.
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/layout/layout_inspection.h"
 #include "druckwerk/layout/reading.h"
 
 #include <array>
@@ -115,6 +116,11 @@ Layout readTree(const std::string& source, const std::string& name, const std::f
     reading.applyStyle(file.root(), "", root.style);
     readGroups(reading, file.root());
     readLayers(reading, file.root(), root);
+    inspectNames(file.root(), [&](const xmlNode* node, const std::string& layer, const std::string& message) {
+        reading.report(kLayoutInvalid, node, layer, message, false);
+    });
+    for (const auto& message : inspectPlaces(reading.layout))
+        findings.push_back({false, kLayoutInvalid, name + ", " + message});
     if (!reading.layout.foreignIds.empty())
         reading.layout.foreignSource = file.text();
     return std::move(reading.layout);

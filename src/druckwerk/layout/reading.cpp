@@ -11,13 +11,8 @@ void invalid(const std::string& reason) {
 void Reading::report(std::int32_t code, const xmlNode* node, const std::string& layer, const std::string& reason,
                      bool error) {
     std::string message = name;
-    if (node != nullptr) {
-        message += ", Zeile " + std::to_string(lineOf(node));
-        if (!layer.empty())
-            message += ", Ebene „" + layer + "“";
-        const std::string id = attribute(node, "id");
-        message += ", <" + std::string(localName(node)) + (id.empty() ? "" : " id=\"" + id + "\"") + ">";
-    }
+    if (node != nullptr)
+        message += ", " + placeOf(node, layer);
     message += ": " + reason;
     const bool known = std::any_of(findings.begin(), findings.end(),
                                    [&](const Finding& finding) { return finding.message == message; });
@@ -39,14 +34,23 @@ void Reading::applyStyle(const xmlNode* node, const std::string& layer, Style& s
         apply(property, value);
 }
 
-void Reading::noteSlots(const std::vector<std::size_t>& slots, Moment moment, bool needed) {
+std::string Reading::placeOf(const xmlNode* node, const std::string& layer) {
+    const std::string id = attribute(node, "id");
+    return "Zeile " + std::to_string(lineOf(node)) + (layer.empty() ? "" : ", Ebene „" + layer + "“") + ", <" +
+           std::string(localName(node)) + (id.empty() ? "" : " id=\"" + id + "\"") + ">";
+}
+
+void Reading::noteNames(const std::vector<std::size_t>& slots, const std::string& place, bool needed) {
     for (const std::size_t slot : slots) {
-        layout.slots.insert(slot);
-        if (needed)
-            layout.neededSlots.insert(slot);
+        auto& use = layout.names.try_emplace(slot, Layout::NameUse{place}).first->second;
+        use.needed = use.needed || needed;
+    }
+}
+
+void Reading::keep(const std::vector<std::size_t>& slots, Moment moment) {
+    for (const std::size_t slot : slots)
         if (moment != Moment::Now)
             definitions.keep(slot, moment);
-    }
 }
 
 } // namespace kvtdruck::druckwerk

@@ -60,9 +60,14 @@ struct Reading {
     /// understood is reported.
     void applyStyle(const xmlNode* node, const std::string& layer, Style& style);
 
-    /// Remembers what the layout shows at `moment`. What only elements with a condition show may be missing
+    /// Line, layer and element, for messages.
+    static std::string placeOf(const xmlNode* node, const std::string& layer);
+
+    /// Remembers names that the layout uses at `place`. What only elements with a condition show may be missing
     /// (`needed` is false): the condition tells when it is there.
-    void noteSlots(const std::vector<std::size_t>& slots, Moment moment, bool needed = true);
+    void noteNames(const std::vector<std::size_t>& slots, const std::string& place, bool needed);
+    /// Has the values kept that are printed at `moment`.
+    void keep(const std::vector<std::size_t>& slots, Moment moment);
 };
 
 /// Whether a layer's label is `kind`, or `kind` with something behind a blank.

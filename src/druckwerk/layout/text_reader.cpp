@@ -100,7 +100,7 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
     TextItem item(
         TextTemplate(fromUtf8(collapsed(piece.text)), band.definitions(), band.aggregates(), band.target().scope));
     item.font = band.reading().layout.fontNumber(style.font);
-    band.noteSlots(item.text.slots(), piece.context.conditions.empty());
+    band.note(item.text, node, piece.context.conditions.empty());
     item.size = style.fontSize * matrix.scale();
     item.color = style.fill.color;
     item.anchor = style.anchor;
@@ -110,7 +110,9 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
         item.turned = Matrix{matrix.a / scale, matrix.b / scale, matrix.c / scale,
                              matrix.d / scale, item.baseline.x,  item.baseline.y};
     }
-    item.description = collapsed(piece.text) + " (Zeile " + std::to_string(lineOf(node)) + ")";
+    item.line = static_cast<int>(lineOf(node));
+    item.description =
+        collapsed(piece.text) + " (Zeile " + std::to_string(item.line) + ", Ebene „" + band.label() + "“)";
     return item;
 }
 
