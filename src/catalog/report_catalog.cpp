@@ -1,10 +1,10 @@
 #include "catalog/report_catalog.h"
 
 #include "catalog/usage_error.h"
+#include "values/letters.h"
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 #include <utility>
 
 namespace kvtdruck::catalog {
@@ -303,21 +303,6 @@ Variant valueOf(const ReportEntry& report, const Cell& cell, const Selections& s
     return cell.fallback ? Variant(*cell.fallback) : Variant();
 }
 
-std::size_t distance(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        auto diagonal = std::exchange(row[0], i);
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const auto changed = diagonal + (lower(a[i - 1]) == lower(b[j - 1]) ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row.back();
-}
-
 } // namespace
 
 std::span<const SelectionOption> selectionOptions() {
@@ -351,7 +336,7 @@ const ReportEntry* findReport(std::string_view listName) {
 
 std::string_view nearestListName(std::string_view listName) {
     return std::ranges::min(kReports, {},
-                            [&](const ReportEntry& report) { return distance(report.listName, listName); })
+                            [&](const ReportEntry& report) { return editDistance(report.listName, listName); })
         .listName;
 }
 

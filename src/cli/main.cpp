@@ -8,6 +8,7 @@
 #include "platform/posix/posix_platform.h"
 
 #include <filesystem>
+#include <iostream>
 
 namespace kvtdruck::cli {
 namespace {
@@ -49,5 +50,9 @@ int guardedRun(int argc, const char* const* argv) {
 } // namespace kvtdruck::cli
 
 int main(int argc, char** argv) {
-    return kvtdruck::cli::guardedRun(argc, argv);
+    const int code = kvtdruck::cli::guardedRun(argc, argv);
+    if (std::cout.flush())
+        return code;
+    std::cerr << "Fehler: Die Standardausgabe kann nicht geschrieben werden." << std::endl;
+    return code == kvtdruck::cli::kDone ? kvtdruck::cli::kFailed : code;
 }

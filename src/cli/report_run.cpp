@@ -1,5 +1,6 @@
 #include "cli/report_run.h"
 
+#include "catalog/usage_error.h"
 #include "catalog/values_file.h"
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
@@ -11,9 +12,11 @@
 #include "druckwerk/exits/designer.h"
 #include "kvtzug/kvtzug.h"
 #include "manager/clsDruckManager.h"
+#include "platform/posix/atomic_file.h"
 #include "platform/posix/posix_platform.h"
 
-#include <fstream>
+#include <array>
+#include <system_error>
 
 namespace kvtdruck::cli {
 namespace {
@@ -53,19 +56,19 @@ class ReportRun {
     ReportRun(const Options& options, Console& console)
         : options_(options), console_(console), printing_(options.printing), array_(arrayOf(options)),
           folder_(prepareApplicationFolder(options.folder)), platform_(options.locale), errors_(console),
-          state_(platform_, kvtzug_, errors_), jobs_(state_), engine_(options.data ? dataExport() : druckwerk()) {
-        if (options.record)
-            startRecord();
-    }
+          state_(platform_, kvtzug_, errors_), jobs_(state_), engine_(options.data ? dataExport() : druckwerk()) {}
 
     int run() {
+        refuseOverwriting();
+        if (options_.record)
+            startRecord();
         clsDruckManager manager(state_, jobs_, recorder_ ? *recorder_ : *engine_);
         manager.fkt_Init(connectionOf(options_));
         const bool done = manager.fkt_Drucken(printModeOf(options_.command), options_.company, array_,
                                               fromUtf8(folder_.string()), fromUtf8(options_.report->listName),
                                               options_.askForPrinter, kWindow, options_.report->productMode);
-        if (record_.is_open() && !record_.flush())
-            console_.error("Das Protokoll " + options_.record->string() + " kann nicht geschrieben werden.");
+        finishRecord();
+        keepOutput(done);
         if (!done)
             return cancelled() || dialogCancelled_ ? kCancelled : kFailed;
         if (options_.command == Command::Preview)
@@ -78,6 +81,7 @@ class ReportRun {
         druckwerk::DataExportOptions settings;
         settings.format = *options_.data;
         settings.output = options_.output;
+        settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         settings.locale = options_.locale;
         settings.warn = [this](std::string_view text) { console_.warning(text); };
         settings.error = [this](const druckwerk::EngineError& error) { console_.error(error.message); };
@@ -89,12 +93,14 @@ class ReportRun {
     std::unique_ptr<FormFactory> druckwerk() {
         druckwerk::Options settings;
         settings.output = options_.output;
+        settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
             return deliver(document, message);
         };
         settings.optionsDialog = [this](druckwerk::OptionsRequest& request, std::string&) {
             const auto result = choosePrinter(console_, request, printing_);
             dialogCancelled_ = result == kEngineCancelled;
+            refuseInput("Die Ausgabe", request.output);
             return result;
         };
         settings.design = [this](const druckwerk::DesignRequest& request, std::string& message) {
@@ -105,15 +111,78 @@ class ReportRun {
         settings.progress = [this](const druckwerk::Progress& progress) { console_.progress(progress); };
         settings.cancelled = &cancelled();
         settings.printDate = options_.printDate;
+        settings.locale = options_.locale;
         return std::make_unique<druckwerk::DruckwerkFormFactory>(std::move(settings));
     }
 
+    /// What is read must not be written over; `option` tells of the output.
+    void refuseInput(const std::string& option, const std::filesystem::path& output) const {
+        const std::string layout = std::string(options_.report->listName) + ".svg";
+        const std::array<std::filesystem::path, 3> inputs{options_.database, options_.valuesFile.value_or(""),
+                                                          layoutFolder(folder_) / layout};
+        for (const auto& input : inputs)
+            if (isSameFile(output, input))
+                throw catalog::UsageError(option + " würde die Datei " + input.string() +
+                                          " überschreiben, aus der gelesen wird.");
+    }
+
+    void refuseOverwriting() const {
+        refuseInput("--ausgabe", options_.output);
+        if (!options_.record)
+            return;
+        refuseInput("--protokoll", *options_.record);
+        const auto place = [](const std::filesystem::path& file) {
+            return std::filesystem::weakly_canonical(file);
+        };
+        if (options_.record->native().rfind("/dev/", 0) != 0 && place(*options_.record) == place(options_.output))
+            throw catalog::UsageError("--ausgabe und --protokoll brauchen zwei verschiedene Dateien.");
+    }
+
+    /// The one place that decides whether a file has come about: the report is through and nobody has met an error.
+    void keepOutput(bool done) {
+        if (!finished_ || !done || console_.hasFailed() || cancelled())
+            return;
+        try {
+            finished_->commit();
+        } catch (const std::system_error& error) {
+            console_.error(finished_->target().string() + " kann nicht geschrieben werden: " + reasonOf(error));
+        }
+    }
+
+    static std::string reasonOf(const std::system_error& error) {
+        return toUtf8(runtimeErrorOf(error.code().value()).description());
+    }
+
+    std::string recordFailure(const std::system_error& error) const {
+        return "Das Protokoll " + options_.record->string() + " kann nicht geschrieben werden: " + reasonOf(error);
+    }
+
     void startRecord() {
-        record_.open(*options_.record, std::ios::binary | std::ios::trunc);
-        if (!record_)
-            throw std::runtime_error("Das Protokoll " + options_.record->string() +
-                                     " kann nicht geschrieben werden.");
-        recorder_.emplace(*engine_, [this](std::string_view line) { record_ << line << '\n'; });
+        try {
+            record_ = std::make_unique<AtomicFile>(*options_.record);
+        } catch (const std::system_error& error) {
+            throw std::runtime_error(recordFailure(error));
+        }
+        recorder_.emplace(*engine_, [this](std::string_view line) {
+            onRecord([&] { record_->write(std::string(line) + "\n"); });
+        });
+    }
+
+    /// Runs a step of the record; one that fails ends it.
+    template <class Step>
+    void onRecord(Step&& step) {
+        try {
+            if (record_)
+                step();
+        } catch (const std::system_error& error) {
+            record_.reset();
+            console_.error(recordFailure(error));
+        }
+    }
+
+    /// A record tells of a failed run as well, so it is kept in any case.
+    void finishRecord() {
+        onRecord([&] { record_->commit(); });
     }
 
     std::int32_t deliver(const druckwerk::Document& document, std::string& message) {
@@ -170,7 +239,8 @@ class ReportRun {
     ComponentState state_;
     basLL80 jobs_;
     std::unique_ptr<FormFactory> engine_;
-    std::ofstream record_;
+    std::unique_ptr<AtomicFile> record_;
+    std::unique_ptr<AtomicFile> finished_; ///< a complete file that waits for its place
     std::optional<RecordingFormFactory> recorder_;
 };
 

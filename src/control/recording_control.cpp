@@ -1,5 +1,6 @@
 #include "control/recording_control.h"
 
+#include "values/characters.h"
 #include "values/runtime_error.h"
 
 #include <utility>
@@ -14,30 +15,21 @@ void appendEscape(std::string& line, unsigned unit) {
         line += kHex[(unit >> shift) & 0xf];
 }
 
-bool isHighSurrogate(char16_t unit) {
-    return (unit & 0xfc00) == 0xd800;
-}
-bool isSurrogate(char16_t unit) {
-    return (unit & 0xf800) == 0xd800;
-}
-
 } // namespace
 
 void appendQuoted(std::string& line, StringView text) {
     line += '"';
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto unit = text[i];
-        const bool pair = isHighSurrogate(unit) && i + 1 < text.size() && (text[i + 1] & 0xfc00) == 0xdc00;
-        if (unit == u'"' || unit == u'\\') {
+    for (std::size_t i = 0; i < text.size();) {
+        const auto [c, units] = codePointAt(text, i);
+        if (c == U'"' || c == U'\\') {
             line += '\\';
-            line += static_cast<char>(unit);
-        } else if (pair) {
-            line += toUtf8(text.substr(i++, 2));
-        } else if (unit < 0x20 || isSurrogate(unit)) {
-            appendEscape(line, unit);
+            line += static_cast<char>(c);
+        } else if (c < 0x20 || isSurrogate(c)) {
+            appendEscape(line, c);
         } else {
-            line += toUtf8(text.substr(i, 1));
+            line += toUtf8(text.substr(i, units));
         }
+        i += units;
     }
     line += '"';
 }

@@ -1,66 +1,20 @@
 #include "druckwerk/druckwerk.h"
 
+#include "control/print_mode.h"
 #include "druckwerk/common/fault.h"
 #include "druckwerk/expression/definitions.h"
-#include "druckwerk/layout/layout.h"
+#include "druckwerk/layout/layout_check.h"
+#include "druckwerk/layout/layout_generator.h"
 #include "druckwerk/page/print_job.h"
 #include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
 
-#include <algorithm>
 #include <new>
 #include <set>
 
 namespace kvtdruck::druckwerk {
 
 namespace {
-
-constexpr std::int32_t kPrintModePreview = 512;
-
-/// Edits between two names, letter case aside, up to a small limit.
-std::size_t distance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
-        row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t above = row[j];
-            const bool same = std::tolower(static_cast<unsigned char>(a[i - 1])) ==
-                              std::tolower(static_cast<unsigned char>(b[j - 1]));
-            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
-            diagonal = above;
-        }
-    }
-    return row[b.size()];
-}
-
-/// Names that the layout needs and nobody defines.
-std::vector<std::string> unknownNames(const Layout& layout, const Definitions& definitions) {
-    std::vector<std::string> messages;
-    const auto known = definitions.list();
-    for (const std::size_t slot : layout.neededSlots) {
-        if (definitions.isDefined(slot))
-            continue;
-        const std::string name = toUtf8(definitions.nameOf(slot));
-        const Definition* nearest = nullptr;
-        std::size_t least = name.size() < 200 ? std::min<std::size_t>(3, name.size() / 2 + 1) : 0;
-        for (const auto& definition : known)
-            if (definition.name.size() < 200)
-                if (const std::size_t edits = distance(name, definition.name); edits < least) {
-                    least = edits;
-                    nearest = &definition;
-                }
-        messages.push_back("Unbekannter Name „" + name + "“" +
-                           (nearest == nullptr ? "" : " (ähnlich: „" + nearest->name + "“)"));
-    }
-    return messages;
-}
-
-std::string utf8Of(const std::filesystem::path& path) {
-    return path.string();
-}
 
 std::unique_ptr<TemporaryFolder> newTemporaryFolder() {
     try {
@@ -80,6 +34,11 @@ struct Job {
     std::filesystem::path output;
     std::unique_ptr<PrintJob> print; ///< from the first page on
 };
+
+/// The layout file that belongs to an object name.
+std::filesystem::path layoutFile(const std::filesystem::path& objectName) {
+    return std::filesystem::path(objectName).concat(".svg");
+}
 
 } // namespace
 
@@ -112,21 +71,12 @@ class OpenDocument {
     std::optional<PdfDocument> pdf_;
 };
 
-std::filesystem::path nativePath(StringView path) {
-    std::string native = toUtf8(path);
-    std::replace(native.begin(), native.end(), '\\', '/');
-    return native;
-}
-
-std::filesystem::path layoutFile(StringView objectName) {
-    return nativePath(objectName).concat(".svg");
-}
-
 /// The state behind the control: definitions, and the print job where there is one.
 class Druckwerk::Engine {
   public:
     Engine(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)
         : options_(std::move(options)),
+          definitions_(Contents(options_->locale, [this](const std::string& message) { warn(message); })),
           document_(document ? std::move(document) : std::make_shared<OpenDocument>()) {}
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
@@ -188,8 +138,9 @@ class Druckwerk::Engine {
     void turnPage();
     void openDocument();
     std::vector<String> bookmark() const;
+    static void commit(AtomicFile& file);
     std::int32_t endJob();
-    std::int32_t finishDocument();
+    std::int32_t finishDocument(bool preview);
     void dropPages();
     void dropJob();
     bool moreFollows() const { return options_->place != nullptr && options_->place->more; }
@@ -281,12 +232,11 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
 }
 
 Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& objectName) {
-    std::filesystem::path file = objectName;
-    file += ".svg";
+    const std::filesystem::path file = layoutFile(objectName);
     std::error_code ignored;
     const bool exists = std::filesystem::exists(file, ignored);
     std::vector<Finding> findings;
-    Layout layout = readLayout(exists ? readLayoutFile(file) : generateLayout(definitions_.list()), utf8Of(file),
+    Layout layout = readLayout(exists ? readLayoutFile(file) : generateLayout(definitions_.list()), file.string(),
                                file.parent_path(), definitions_, findings);
     for (const auto& finding : findings)
         if (finding.error)
@@ -294,7 +244,7 @@ Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& objectName) {
         else
             warn(finding.message);
     for (const auto& message : unknownNames(layout, definitions_))
-        warn(utf8Of(file) + ": " + message);
+        warn(file.string() + ", " + message);
     return layout;
 }
 
@@ -303,7 +253,7 @@ void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
     warned_.clear();
     lastError_ = {};
     definitions_.release();
-    const auto objectName = nativePath(argument<StringView>(arguments, 1));
+    const std::filesystem::path objectName = nativePath(argument<StringView>(arguments, 1));
     Layout layout = loadLayout(objectName);
     Job& job = job_.emplace();
     job.objectName = objectName;
@@ -392,16 +342,30 @@ DocumentInfo Druckwerk::Engine::documentInfo() const {
             fromUtf8(options_->creator), options_->printDate};
 }
 
+void Druckwerk::Engine::commit(AtomicFile& file) {
+    try {
+        file.commit();
+    } catch (const std::system_error& error) {
+        throw outputFault(file.target(), error);
+    }
+}
+
 std::int32_t Druckwerk::Engine::endJob() {
     if (!job_->print)
         turnPage();
     job_->print->finish();
+    const bool preview = job_->preview;
     job_.reset();
-    return moreFollows() ? kEngineSuccess : finishDocument();
+    return moreFollows() ? kEngineSuccess : finishDocument(preview);
 }
 
-std::int32_t Druckwerk::Engine::finishDocument() {
-    document_->pdf().finish(document_->info());
+/// A preview and what goes to a printer are needed at once; any other file is its taker's.
+std::int32_t Druckwerk::Engine::finishDocument(bool preview) {
+    auto file = document_->pdf().finish(document_->info());
+    if (options_->finished && !preview && !document_->isForPrinter())
+        options_->finished(std::move(file));
+    else
+        commit(*file);
     std::int32_t code = kEngineSuccess;
     std::string message;
     if (document_->isForPrinter())
@@ -417,19 +381,20 @@ std::int32_t Druckwerk::Engine::design(std::span<const Argument> arguments) {
     std::string message;
     const std::int32_t code =
         options_->design({toUtf8(argument<StringView>(arguments, 1)),
-                          layoutFile(argument<StringView>(arguments, 3)), definitions_.list()},
+                          layoutFile(nativePath(argument<StringView>(arguments, 3))), definitions_.list()},
                          message);
     return code == kEngineSuccess || code == kEngineCancelled ? code : fail(code, message);
 }
 
 std::int32_t Druckwerk::Engine::deletePreview(std::span<const Argument> arguments) const {
-    const auto file = nativePath(argument<StringView>(arguments, 1)) /
-                      (nativePath(argument<StringView>(arguments, 0)).filename().string() + ".ll");
+    const std::filesystem::path folder = nativePath(argument<StringView>(arguments, 1));
+    const std::filesystem::path list = nativePath(argument<StringView>(arguments, 0));
+    const auto file = folder / (list.filename().string() + ".ll");
     std::error_code error;
     std::filesystem::remove(file, error);
     if (error)
         throw Fault(kOutputFailed,
-                    "Die Vorschaudatei „" + utf8Of(file) + "“ kann nicht gelöscht werden: " + error.message());
+                    "Die Vorschaudatei „" + file.string() + "“ kann nicht gelöscht werden: " + error.message());
     return kEngineSuccess;
 }
 
@@ -473,30 +438,6 @@ DruckwerkFormFactory::DruckwerkFormFactory(Options options)
 
 std::unique_ptr<Form> DruckwerkFormFactory::create() {
     return std::make_unique<DruckwerkForm>(options_, document_);
-}
-
-std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known) {
-    Definitions definitions;
-    for (const auto& definition : known)
-        definitions.define(fromUtf8(definition.name), fromUtf8(definition.value), definition.numeric,
-                           definition.field);
-    std::vector<Finding> findings;
-    try {
-        const Layout layout =
-            readLayout(readLayoutFile(file), utf8Of(file), file.parent_path(), definitions, findings);
-        if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
-            return findings;
-        for (const auto& message : unknownNames(layout, definitions))
-            findings.push_back({false, kLayoutInvalid, utf8Of(file) + ": " + message});
-        for (const auto& definition : known)
-            if (layout.slots.count(definitions.slotOf(fromUtf8(definition.name))) == 0)
-                findings.push_back({false, kLayoutInvalid,
-                                    utf8Of(file) + ": " + (definition.field ? "Feld" : "Variable") + " „" +
-                                        definition.name + "“ wird nicht gedruckt"});
-    } catch (const Fault& fault) {
-        findings.push_back({true, fault.code(), fault.what()});
-    }
-    return findings;
 }
 
 } // namespace kvtdruck::druckwerk

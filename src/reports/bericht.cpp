@@ -1,5 +1,6 @@
 #include "reports/bericht.h"
 
+#include "control/print_mode.h"
 #include "values/conversion.h"
 #include "values/overloaded.h"
 
@@ -14,8 +15,6 @@ enum Printmodus : std::int16_t { kDrucken = 0, kVorschau = 1, kEntwerfen = 2 };
 // Constants of the engine.
 constexpr std::int32_t kListenprojekt = 2;
 constexpr std::int32_t kFortschrittsbox = 2;
-constexpr std::int32_t kModusDrucken = 256;
-constexpr std::int32_t kModusVorschau = 512;
 
 } // namespace
 
@@ -43,7 +42,7 @@ bool Bericht::Ablauf() {
     adapter().fkt_Form_Hide();
     if (!FuehreAus())
         return false;
-    if (druckmodus_ == kModusVorschau)
+    if (druckmodus_ == kPrintModePreview)
         umgebung_.vorschau.fkt_Aktiviere_Preview(auftrag_.pListenname, auftrag_.pPrevPath,
                                                  auftrag_.pAktind_ArrAllPrints);
     return true;
@@ -52,10 +51,10 @@ bool Bericht::Ablauf() {
 bool Bericht::FuehreAus() {
     switch (auftrag_.pPrintMode) {
     case kDrucken:
-        druckmodus_ = kModusDrucken;
+        druckmodus_ = kPrintModeNormal;
         return Drucke();
     case kVorschau:
-        druckmodus_ = kModusVorschau;
+        druckmodus_ = kPrintModePreview;
         return Drucke();
     case kEntwerfen:
         return adapter().LlDefineLayout(titel_, kListenprojekt, layoutdatei_);

@@ -1,5 +1,6 @@
 #include "values/conversion.h"
 
+#include "values/calendar.h"
 #include "values/runtime_error.h"
 
 #include <algorithm>
@@ -187,13 +188,6 @@ std::string integerDigits(std::uint32_t high, std::uint64_t low) {
 constexpr std::chrono::sys_days dayZero{std::chrono::year{1899} / 12 / 30};
 constexpr double firstDay = -657434; // 1 January 100
 constexpr double lastDay = 2958465;  // 31 December 9999
-
-struct CalendarTime {
-    std::chrono::year_month_day date;
-    int hour = 0;
-    int minute = 0;
-    int second = 0;
-};
 
 /// Splits a date into calendar day and time of day, rounded to the second. The tiny addition makes up for fractions
 /// of a day that binary numbers can't hold; half a second is still rounded down, as Automation does it.
@@ -472,13 +466,13 @@ std::optional<double> timeOfDay(const std::vector<int>& numbers, StringView text
     return (hour * 3600 + numbers[1] * 60 + second) / 86400.0;
 }
 
-CalendarTime checkedCalendarTime(Date date) {
+} // namespace
+
+CalendarTime calendarTimeOf(Date date) {
     if (!(date.days > firstDay - 1 && date.days < lastDay + 1))
         throw RuntimeError(ErrorNumber::Overflow);
     return calendarTime(date);
 }
-
-} // namespace
 
 std::optional<Date> dateIn(StringView text, const Locale& locale) {
     StringView rest = trimmed(text);
@@ -523,11 +517,11 @@ String textOf(const Decimal& number, const Locale& locale) {
 }
 
 String shortDateOf(Date date, const Locale& locale) {
-    return formatted(locale.shortDate, checkedCalendarTime(date), locale);
+    return formatted(locale.shortDate, calendarTimeOf(date), locale);
 }
 
 String textOf(Date date, const Locale& locale) {
-    const CalendarTime time = checkedCalendarTime(date);
+    const CalendarTime time = calendarTimeOf(date);
     const double day = std::trunc(date.days);
     if (day == 0)
         return formatted(locale.time, time, locale);

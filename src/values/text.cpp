@@ -1,5 +1,7 @@
 #include "values/text.h"
 
+#include "values/characters.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -11,21 +13,6 @@ namespace kvtdruck {
 namespace {
 
 constexpr char16_t replacement = 0xFFFD;
-
-bool isHighSurrogate(char16_t unit) {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool isLowSurrogate(char16_t unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
-/// The code point that begins at `text[position]`, and how many units it takes there.
-std::pair<char32_t, std::size_t> codePointAt(StringView text, std::size_t position) {
-    const char16_t unit = text[position];
-    if (isHighSurrogate(unit) && position + 1 < text.size() && isLowSurrogate(text[position + 1]))
-        return {0x10000 + ((unit - 0xD800U) << 10) + (text[position + 1] - 0xDC00U), 2};
-    return {unit, 1};
-}
 
 void appendUtf8(std::string& utf8, char32_t codePoint) {
     const auto continuation = [&](int shift) { utf8 += static_cast<char>(0x80 | ((codePoint >> shift) & 0x3F)); };
@@ -43,15 +30,6 @@ void appendUtf8(std::string& utf8, char32_t codePoint) {
         continuation(12);
         continuation(6);
         continuation(0);
-    }
-}
-
-void appendUtf16(String& text, char32_t codePoint) {
-    if (codePoint < 0x10000) {
-        text += static_cast<char16_t>(codePoint);
-    } else {
-        text += static_cast<char16_t>(0xD800 + ((codePoint - 0x10000) >> 10));
-        text += static_cast<char16_t>(0xDC00 + ((codePoint - 0x10000) & 0x3FF));
     }
 }
 

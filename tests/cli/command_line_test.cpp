@@ -5,6 +5,8 @@
 #include <csignal>
 #include <ostream>
 
+#include <sys/stat.h>
+
 namespace kvtdruck::testing {
 namespace {
 
@@ -322,10 +324,12 @@ TEST_P(EveryFormat, CtrlCLeavesTheOldFile) {
         "FROM n WHERE i < 400000) SELECT 1, i, 'Name' FROM n;");
     const auto file = output("l");
     writeFile(file, "alt");
+    ASSERT_EQ(::mkfifo(output("p").c_str(), 0600), 0); // shows the record while it is written
+    Program record({"cat", output("p")});
     Program program(
         command("drucken", "MitUeber", {"--format", GetParam(), "--ausgabe", file, "--protokoll", output("p")}),
         environment);
-    ASSERT_TRUE(waitUntil([&] { return readFile(output("p")).find("LlPrintFields()") != std::string::npos; }));
+    ASSERT_TRUE(waitUntil([&] { return record.output().find("LlPrintFields()") != std::string::npos; }));
     program.signal(SIGINT);
     const auto outcome = program.wait();
     EXPECT_EQ(outcome.exitCode, 130) << outcome.errors;

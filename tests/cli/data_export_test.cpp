@@ -160,6 +160,34 @@ TEST_F(DataExportTest, WhatIsNoNumberStaysText) {
                 HasSubstr(R"({"1,#INF": "1,#INF", "-1,#IND": "-1,#IND", "1,#QNAN": "1,#QNAN", "acht": "acht"})"));
 }
 
+TEST_F(DataExportTest, WhatIsNoNumberIsReportedOnce) {
+    field(u"Betrag", u"12.34", kTypeNumeric);
+    start();
+    record();
+    field(u"Betrag", u"acht", kTypeNumeric);
+    record();
+    EXPECT_EQ(end(), kEngineSuccess);
+    EXPECT_THAT(warnings, ElementsAre("Der Inhalt von „Betrag“: „12.34“ ist keine Zahl wie 1.234,5"));
+}
+
+TEST_P(EachDataFormat, CharactersThatTheFormatCannotHoldAreReplaced) {
+    const String odd = String(u"<x") + char16_t(0xd800) + u"y" + char16_t(0xdc00) + char16_t(1) + char16_t(0xfffe) +
+                       char16_t(0xffff) + u"\U0001F600>";
+    field(u"Text", odd);
+    start();
+    EXPECT_EQ(record(), kEngineSuccess);
+    EXPECT_EQ(end(), kEngineSuccess);
+    const auto file = options.output.string();
+    const std::string xml = "import sys, xml.dom.minidom as xml, zipfile\n"
+                            "book = zipfile.ZipFile(sys.argv[1])\n"
+                            "[xml.parseString(book.read(name)) for name in book.namelist()]";
+    const auto checked = GetParam() == DataFormat::Csv
+                             ? testing::run({"iconv", "-f", "UTF-8", "-t", "UTF-16", file})
+                         : GetParam() == DataFormat::Json ? testing::run({"jq", ".", file})
+                                                          : testing::run({"python3", "-c", xml, file});
+    EXPECT_EQ(checked.exitCode, 0) << checked.errors;
+}
+
 TEST_F(DataExportTest, XlsxShortensWhatACellCannotHoldAndSaysSo) {
     options.format = DataFormat::Xlsx;
     field(u"Text", String(1'000'000, u'x'));

@@ -1,8 +1,8 @@
-#include "druckwerk/expression/expression.h"
-
 #include "druckwerk/common/fault.h"
 #include "druckwerk/expression/text_template.h"
+#include "values/conversion.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace kvtdruck::druckwerk {
@@ -13,7 +13,7 @@ class ExpressionTest : public ::testing::Test {
     void define(const char* name, const char* value, bool numeric = true) {
         definitions.define(fromUtf8(name), fromUtf8(value), numeric, true);
     }
-    Scene scene() const { return {definitions, aggregates, Moment::Now, 3, 12, 2}; }
+    Scene scene() const { return {definitions, totals, Moment::Now, 3, 12, 2, dateOf(2024, 3, 9, 14, 5)}; }
     double value(const char* source, AggregateScope scope = kTableScope) {
         return Expression(fromUtf8(source), definitions, &aggregates, scope).evaluate(scene());
     }
@@ -29,13 +29,15 @@ class ExpressionTest : public ::testing::Test {
     }
     std::string filled(const char* source) {
         String out;
-        TextTemplate(fromUtf8(source), definitions, aggregates, kTableScope)
-            .append(scene(), u"09.03.2024 14:05:00", out);
+        TextTemplate(fromUtf8(source), definitions, aggregates, kTableScope).append(scene(), out);
         return toUtf8(out);
     }
 
-    Definitions definitions;
+    std::vector<std::string> warnings;
+    Definitions definitions{
+        Contents(germanLocale(), [this](const std::string& message) { warnings.push_back(message); })};
     Aggregates aggregates;
+    Totals totals{aggregates};
 };
 
 TEST_F(ExpressionTest, Computes) {
@@ -95,17 +97,87 @@ TEST_F(ExpressionTest, WhatIsNoNumberCountsAsZero) {
     EXPECT_EQ(value("Unbekannt"), 0);
 }
 
+TEST_F(ExpressionTest, OperatorsBindAsInASpreadsheet) {
+    EXPECT_DOUBLE_EQ(value("-2^2"), -4);
+    EXPECT_DOUBLE_EQ(value("2^3^2"), 512);
+    EXPECT_DOUBLE_EQ(value("2^-1"), 0.5);
+    EXPECT_DOUBLE_EQ(value("10-4-3"), 3);
+    EXPECT_DOUBLE_EQ(value("24/4/2*3"), 9);
+    EXPECT_EQ(value("1+1=2 und 3>2 oder 1=0"), 1);
+    EXPECT_EQ(value("nicht nicht 5"), 1);
+    EXPECT_EQ(value("1=1 oder 1/0=1 und 0=1"), 1);
+}
+
+TEST_F(ExpressionTest, OnlyTheChosenBranchIsEvaluated) {
+    define("A", "0");
+    EXPECT_DOUBLE_EQ(value("wenn(A=0; 7; 1/A)"), 7);
+    EXPECT_FALSE(std::isfinite(value("1/A")));
+}
+
+TEST_F(ExpressionTest, TwoNamesAreEqualAsNumbersOrAsTexts) {
+    define("A", "2");
+    define("B", "2,0");
+    define("Ort", "Jena", false);
+    define("Land", "Thüringen", false);
+    EXPECT_EQ(value("A = B"), 1);
+    EXPECT_EQ(value("Ort = Land"), 0);
+    EXPECT_EQ(value("Ort <> Land"), 1);
+    EXPECT_EQ(value("Ort = Ort"), 1);
+}
+
+TEST_F(ExpressionTest, GivesTexts) {
+    define("KtoBetrArt", "0");
+    define("Vorname", "Eva", false);
+    define("Name", "Groß", false);
+    EXPECT_EQ(filled("{{=wenn(KtoBetrArt=0;'Kosten';'Ertrag')}}"), "Kosten");
+    EXPECT_EQ(filled("{{=wenn(KtoBetrArt=1;'Kosten';\"Ertrag\")}} "), "Ertrag ");
+    EXPECT_EQ(filled("{{=Vorname & ' ' & Name}}"), "Eva Groß");
+    EXPECT_EQ(filled("{{=wenn(Name='Groß'; Name; '–')}}"), "Groß");
+    EXPECT_EQ(value("wenn(KtoBetrArt=0;'Kosten';'Ertrag') = 'Kosten'"), 1);
+    EXPECT_EQ(value("Vorname & Name = 'EvaGroß'"), 1);
+}
+
+TEST_F(ExpressionTest, RefusesTextsWhereNumbersBelong) {
+    EXPECT_NE(refusal("'Kosten'").find("hier wird eine Zahl oder ein Vergleich gebraucht"), std::string::npos);
+    EXPECT_NE(refusal("'a' + 1").find("mit einem Text kann nicht gerechnet werden"), std::string::npos);
+    EXPECT_NE(refusal("wenn('a'; 1; 2)").find("mit einem Text"), std::string::npos);
+    EXPECT_NE(refusal("sum('a')").find("mit einem Text"), std::string::npos);
+    EXPECT_NE(refusal("'a' < 'b'").find("nur mit = oder <>"), std::string::npos);
+    EXPECT_NE(refusal("wenn(1; 'a'; 2) = 'a'").find("eine Zahl steht, wo ein Text gebraucht wird"),
+              std::string::npos);
+}
+
+TEST_F(ExpressionTest, NamesWithinAggregatesAreKept) {
+    const Expression expression(u"sum(A*B)/Kopf", definitions, &aggregates, kTableScope);
+    EXPECT_EQ(expression.slots(), (std::vector{definitions.slotOf(u"Kopf")}));
+    EXPECT_EQ(expression.aggregatedSlots(), (std::vector{definitions.slotOf(u"A"), definitions.slotOf(u"B")}));
+}
+
+TEST_F(ExpressionTest, EqualAggregatesAreShared) {
+    const Expression first(u"sum(A)+sum( A )", definitions, &aggregates, kTableScope);
+    EXPECT_EQ(aggregates.list().size(), 1U);
+    const Expression second(u"sum(A)", definitions, &aggregates, 0);
+    EXPECT_EQ(aggregates.list().size(), 2U);
+}
+
 TEST_F(ExpressionTest, RefusesWithReason) {
     EXPECT_NE(refusal("1 +").find("unerwartetes Ende"), std::string::npos);
     EXPECT_NE(refusal("(1").find("Klammer fehlt"), std::string::npos);
     EXPECT_NE(refusal("1 2").find("Operator fehlt"), std::string::npos);
     EXPECT_NE(refusal("foo(1)").find("unbekannte Funktion „foo“"), std::string::npos);
     EXPECT_NE(refusal("wenn(1;2)").find("zu wenige Argumente"), std::string::npos);
-    EXPECT_NE(refusal("a & b").find("unerwartetes Zeichen „&“"), std::string::npos);
+    EXPECT_NE(refusal("a ! b").find("unerwartetes Zeichen „!“"), std::string::npos);
     EXPECT_NE(refusal("Art = \"x").find("Anführungszeichen ohne Ende"), std::string::npos);
     EXPECT_NE(refusal("Seiten > 1").find("erst am Ende"), std::string::npos);
     EXPECT_NE(refusal("sum()").find("Argument fehlt"), std::string::npos);
-    EXPECT_NE(refusal("sum(sum(a))").find("hier nicht möglich"), std::string::npos);
+    EXPECT_NE(refusal("1+sum(avg(a))").find("„1+sum(avg(a))“: avg() steht innerhalb von sum()"), std::string::npos);
+    EXPECT_NE(refusal("count(a)").find("count() hat kein Argument"), std::string::npos);
+    EXPECT_NE(refusal("1 < 2 < 3").find("zwei Vergleiche hintereinander"), std::string::npos);
+    EXPECT_NE(refusal("a > 1.000").find("mehrdeutig"), std::string::npos);
+    EXPECT_NE(refusal("wenn(1;2;3;4)").find("zu viele Argumente"), std::string::npos);
+    EXPECT_NE(refusal("1 * * 2").find("unerwarteter Operator „*“"), std::string::npos);
+    EXPECT_NE(refusal("1)").find("unerwartete Klammer"), std::string::npos);
+    EXPECT_NE(refusal("1;2").find("unerwartetes Semikolon"), std::string::npos);
     EXPECT_NE(refusal("").find("Ungültiger Ausdruck"), std::string::npos);
     EXPECT_NE(refusal(std::string(3000, '1')).find("zu lang"), std::string::npos);
     EXPECT_NE(refusal(std::string(1990, '(')), "");
@@ -119,13 +191,13 @@ TEST_F(ExpressionTest, AggregatesRunOverTheirScope) {
     EXPECT_EQ(valueOf(average), 0);
     for (const char* amount : {"10,5", "-3", "0"}) {
         define("JWIst", amount);
-        aggregates.accumulate(scene());
+        totals.accumulate(scene());
     }
     EXPECT_DOUBLE_EQ(valueOf(sum), 7.5);
     EXPECT_DOUBLE_EQ(valueOf(average), 5);
     EXPECT_DOUBLE_EQ(valueOf(range), 13.5);
     EXPECT_EQ(valueOf(count), 3);
-    aggregates.reset(0);
+    totals.reset(0);
     EXPECT_EQ(valueOf(sum), 0);
     EXPECT_EQ(valueOf(count), 0);
     EXPECT_DOUBLE_EQ(valueOf(average), 5);
@@ -136,7 +208,7 @@ TEST_F(ExpressionTest, SumsOfManyAmountsStayExactToTheCent) {
     const Expression sum(u"sum(Betrag)", definitions, &aggregates, kTableScope);
     define("Betrag", "0,1");
     for (int i = 0; i < 1'000'000; ++i)
-        aggregates.accumulate(scene());
+        totals.accumulate(scene());
     EXPECT_EQ(valueOf(sum), 100000);
 }
 
@@ -155,8 +227,50 @@ TEST_F(ExpressionTest, FillsTemplates) {
     EXPECT_EQ(filled("{{Unbekannt}}"), "");
 }
 
+TEST_F(ExpressionTest, WhatIsNoNumberOrNoDateIsReportedOnceAndPrintedAsItIs) {
+    define("Betrag", "12.34");
+    EXPECT_EQ(filled("{{Betrag|0,00}} {{=Betrag*2|0}}"), "12.34 0");
+    define("Betrag", "abc");
+    EXPECT_EQ(filled("{{Betrag|0,00}}"), "abc");
+    EXPECT_EQ(warnings, std::vector<std::string>{"Der Inhalt von „Betrag“: „12.34“ ist keine Zahl wie 1.234,5"});
+    for (const char* text : {"257.01.2024", "31.13.2024", "unbekannt", "1.2", "1.2.3.4.5.6.7", "99999.1.1"}) {
+        define("Datum", text, false);
+        EXPECT_EQ(filled("{{Datum|TT.MM.JJJJ}}"), text);
+    }
+    ASSERT_EQ(warnings.size(), 2U);
+    EXPECT_EQ(warnings[1], "Der Inhalt von „Datum“: „257.01.2024“ ist kein Datum wie 31.12.2024");
+    for (const char* text : {"", " ", "00:00:00"}) { // missing, and the time of day that an empty date is
+        define("Tag", text, false);
+        EXPECT_EQ(filled("{{Tag|TT.MM.JJJJ}}"), text);
+    }
+    EXPECT_EQ(filled("{{Betrag}}"), "abc");
+    EXPECT_EQ(warnings.size(), 2U);
+}
+
+TEST_F(ExpressionTest, NamesTheMonthOfANumber) {
+    const auto month = [&](const char* content, const char* placeholder) {
+        define("Monat", content);
+        return filled(placeholder);
+    };
+    EXPECT_EQ(month("3", "{{Monat|MMMM}}"), "März");
+    EXPECT_EQ(month("12", "{{Monat|MMM}}"), "Dez");
+    EXPECT_EQ(month("07.03.2024", "{{Monat|MMMM}}"), "März");
+    for (const char* text : {"0", "13", "1,5", "-1"})
+        EXPECT_EQ(month(text, "{{Monat|MMMM}}"), text);
+    EXPECT_EQ(month("3", "{{Monat|T. MMMM}}"), "3");
+}
+
+TEST_F(ExpressionTest, TheMarkForThePageCountComesFromThePlaceholderAlone) {
+    define("Name",
+           "a\xEF\xBF\xBF"
+           "b",
+           false);
+    EXPECT_EQ(filled("{{Name}}{{=Name & 'x'}}"), "a\uFFFDba\uFFFDbx");
+    EXPECT_EQ(fromUtf8(filled("{{Seiten}}")), String(1, kPageCountMark));
+}
+
 TEST_F(ExpressionTest, RefusesTemplatesWithReason) {
-    for (const char* source : {"{{Name", "{{}}", "{{a b}}", "{{Name|x}}", "{{=}}"})
+    for (const char* source : {"{{Name", "{{}}", "{{a b}}", "{{Name|x}}", "{{=}}", "{{Name|tt.MM.JJJJ}}"})
         EXPECT_THROW(filled(source), Fault) << source;
 }
 

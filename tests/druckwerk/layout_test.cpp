@@ -143,6 +143,37 @@ TEST_F(LayoutTest, WhatALayoutCanGetWrong) {
     EXPECT_THAT(error(page(layer("Zeile", 20, 5, "") + layer("Zeile", 30, 5, ""))), HasSubstr("gibt es zweimal"));
 }
 
+TEST_F(LayoutTest, WhatIsNotUnderstoodIsReportedWithLineAndElement) {
+    const std::string text = field(5, 20, 20, "{{Nr}} {{Name}} {{Betrag|0}}");
+    for (const auto& [element, reason] :
+         {std::pair("<rect id='x' width='1' height='1' fill='darkredd'/>", "fill: darkredd"),
+          {"<rect id='x' width='1' height='1' style='stroke-width:breit'/>", "stroke-width: breit"},
+          {"<g id='x' transform='rotat(45)'/>", "transform: rotat(45)"},
+          {"<g id='x' style='transform:translate(1e9px,0)'/>", "transform: translate(1e9px,0)"},
+          {"<path id='x' d='M0 0 L 1'/>", "Pfad wird nur bis"},
+          {"<text id='x' style='font:bold 3px Arial'>x</text>", "font: bold 3px Arial"},
+          {"<text id='x' fill-opacity='0.5'>{{Nr}}</text>", "deckend"},
+          {"<style id='x'>rect { fill: rott }</style>", "fill: rott"}}) {
+        const auto found = findings(row(text + "\n\n" + element));
+        ASSERT_THAT(found, SizeIs(1)) << element;
+        EXPECT_FALSE(found[0].error);
+        EXPECT_THAT(found[0].message, HasSubstr("Zeile 4"));
+        EXPECT_THAT(found[0].message, HasSubstr(" id=\"x\">: "));
+        EXPECT_THAT(found[0].message, HasSubstr(reason));
+    }
+    EXPECT_THAT(error(row("<text x='links'>a</text>")), HasSubstr("ungültige Länge x=\"links\""));
+}
+
+TEST_F(LayoutTest, NamedColoursAndTransformsPrint) {
+    const auto content = [&](const std::string& element) {
+        printed(row(element));
+        return outputOf("qpdf --stream-data=uncompress '" + (folder / "out.pdf").string() + "' -");
+    };
+    EXPECT_THAT(content("<rect width='10' height='10' fill='DarkRed'/>"), HasSubstr(".545 0 0 rg"));
+    EXPECT_THAT(content("<rect width='10' height='10' style='transform:translate(10px-5px);fill:red'/>"),
+                HasSubstr("28.35 "));
+}
+
 TEST_F(LayoutTest, DamagedFiles) {
     EXPECT_THAT(error("", kLayoutMalformed), HasSubstr("kein wohlgeformtes XML"));
     EXPECT_THAT(error("<svg", kLayoutMalformed), HasSubstr("kein wohlgeformtes XML"));
@@ -217,6 +248,89 @@ TEST_F(LayoutTest, CyclicAndMultiplyingUseIsRefused) {
     }
     EXPECT_THAT(error(row("<defs>" + nested + "</defs><use href='#n39'/>"), kLayoutRefused),
                 HasSubstr("vervielfacht"));
+}
+
+// Which of two attributes with the same name a reader takes is up to it, so each is looked at.
+TEST_F(LayoutTest, AnAttributeCannotHideBehindAnotherOfItsName) {
+    const std::string q = "xmlns:q='http://example.org/q' ";
+    for (const std::string hidden :
+         {"<use xlink:href='#a' href='http://example.org/a.svg#b'/>", "<use href='#a' xlink:href='andere.svg#b'/>",
+          "<image xlink:href='#a' href='../../../etc/passwd'/>",
+          "<image href='file:///etc/passwd' xlink:href='#a'/>",
+          "<rect q:style='fill:red' style='fill:url(http://example.org/a.svg#b)' width='1' height='1'/>"})
+        EXPECT_THAT(error(row("<g id='a' " + q + ">" + hidden + "</g>"), kLayoutRefused),
+                    HasSubstr("Verweis nach außen ist nicht erlaubt"))
+            << hidden;
+}
+
+TEST_F(LayoutTest, UseCannotMultiplyBehindAnotherAttribute) {
+    std::string nested = "<rect id='n0' width='1' height='1'/>";
+    for (int i = 1; i < 25; ++i) {
+        const std::string inner = "<use xlink:href='#leer' href='#n" + std::to_string(i - 1) + "'/>";
+        nested.append("<g id='n").append(std::to_string(i)).append("'>").append(inner).append(inner).append("</g>");
+    }
+    EXPECT_THAT(error(row("<defs><g id='leer'/>" + nested + "</defs><use href='#n24'/>"), kLayoutRefused),
+                HasSubstr("vervielfacht"));
+}
+
+/// Elements without ids that each use a large one count as well.
+TEST_F(LayoutTest, UsesWithoutIdsAreCounted) {
+    std::string large = "<g id='gross'>";
+    for (int i = 0; i < 5000; ++i)
+        large += "<path/>";
+    large += "</g>";
+    std::string uses;
+    for (int i = 0; i < 20; ++i)
+        uses += "<use href='#gross'/>";
+    EXPECT_THAT(error(row("<defs>" + large + "</defs>" + uses), kLayoutRefused), HasSubstr("vervielfacht"));
+}
+
+TEST_F(LayoutTest, MarkersAtManyPointsAreCounted) {
+    std::string marker = "<marker id='m'>";
+    for (int i = 0; i < 100; ++i)
+        marker += "<path/>";
+    std::string path = "M0 0";
+    for (int i = 0; i < 1000; ++i)
+        path += "L1 1";
+    for (const std::string how : {"marker-mid='url(#m)'", "style='marker-mid:url(#m)'"})
+        EXPECT_THAT(
+            error(row("<defs>" + marker + "</marker></defs><path " + how + " d='" + path + "'/>"), kLayoutRefused),
+            HasSubstr("vervielfacht"));
+}
+
+TEST_F(LayoutTest, AChainOfUsesIsNoDeeperThanElementsMayBe) {
+    std::string chain = "<rect id='k0' width='1' height='1'/>";
+    for (int i = 1; i < 9000; ++i)
+        chain += "<use id='k" + std::to_string(i) + "' href='#k" + std::to_string(i - 1) + "'/>";
+    EXPECT_THAT(error(row(chain), kLayoutRefused), HasSubstr("64 Ebenen"));
+}
+
+TEST_F(LayoutTest, PicturesWithinTheLayoutAreMeasured) {
+    // The head of a PNG of 60,000 by 60,000 pixels.
+    const std::string huge = "data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAA6mAAAOpgCAYAAAA=";
+    EXPECT_THAT(error(row("<image href='" + huge + "'/>"), kLayoutRefused), HasSubstr("größer als 8192 Pixel"));
+    EXPECT_THAT(error(row("<image href='data:image/svg+xml;base64,PHN2Zy8+'/>")), HasSubstr("weder PNG noch JPEG"));
+}
+
+TEST_F(LayoutTest, FiltersThatCostMoreThanTheirAreaAreRefused) {
+    for (const char* name : {"feTurbulence", "feConvolveMatrix", "feImage", "feMorphology", "feDiffuseLighting"})
+        EXPECT_THAT(error(row("<defs><filter id='f'><" + std::string(name) + "/></filter></defs>"), kLayoutRefused),
+                    HasSubstr(name));
+}
+
+TEST_F(LayoutTest, IncludedFilesAreRefused) {
+    EXPECT_THAT(
+        error(row("<xi:include xmlns:xi='http://www.w3.org/2001/XInclude' href='/etc/passwd'/>"), kLayoutRefused),
+        HasSubstr("xi:include"));
+}
+
+TEST_F(LayoutTest, AttributesAndTextsWithPlaceholdersAreBounded) {
+    std::string attributes;
+    for (int i = 0; i < 300; ++i)
+        attributes += " a" + std::to_string(i) + "='1'";
+    EXPECT_THAT(error(row("<g" + attributes + "/>"), kLayoutRefused), HasSubstr("250 Attribute"));
+    EXPECT_THAT(error(row(field(5, 5, 40, "{{Name}}" + std::string(10'000, 'x'))), kLayoutRefused),
+                HasSubstr("länger als 10.000 Zeichen"));
 }
 
 TEST_F(LayoutTest, DepthSizeAndNumberAreBounded) {
@@ -370,6 +484,18 @@ TEST_F(LayoutTest, ChartLabelsAreBrokenInTheWidthThatTheAxisLeaves) {
                                    label + "; Kurz'><rect x='5' y='5' width='80' height='60'/></g>")));
         EXPECT_THAT(text, HasSubstr("Ende")) << length;
     }
+}
+
+TEST_F(LayoutTest, AChartThatIsTooSmallForItsFontEnds) {
+    // Without a font size it is 16 units: the numbers at the axis alone are wider than the chart.
+    for (const char* kind : {"bars", "lines", "target", "share"})
+        for (const int width : {1, 20, 40, 60, 80})
+            printed(
+                page(layer("Seitenkopf", 0, 90,
+                           "<g class='chart' data-chart='" + std::string(kind) +
+                               "' data-series='=Betrag*10000000, Betrag, Betrag; Nr, Nr, Nr' data-labels='Januar; "
+                               "Februar; M'><rect x='5' y='5' width='" +
+                               std::to_string(width) + "' height='60'/></g>")));
 }
 
 TEST_F(LayoutTest, AChartWithoutFiguresIsEmptyNotWrong) {

@@ -1,12 +1,15 @@
 // The engine's own failures on their way to the operation that answers their code.
 #pragma once
 
+#include "druckwerk/common/engine_codes.h"
 #include "platform/posix/posix_platform.h"
 
 #include <cerrno>
 #include <cstdint>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace kvtdruck::druckwerk {
 
@@ -26,6 +29,12 @@ inline std::string reasonForReading(int systemError) {
 }
 inline std::string reasonForWriting(int systemError) {
     return systemError == ENOENT ? "den Ordner gibt es nicht" : reasonForReading(systemError);
+}
+
+/// The engine code of a file that can't be written, with its message.
+inline Fault outputFault(const std::filesystem::path& file, const std::system_error& error) {
+    return {kOutputFailed, "Die Datei „" + file.string() +
+                               "“ kann nicht geschrieben werden: " + reasonForWriting(error.code().value())};
 }
 
 } // namespace kvtdruck::druckwerk

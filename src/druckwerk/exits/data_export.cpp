@@ -8,13 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include <unistd.h>
-
 namespace kvtdruck::druckwerk {
 namespace {
 
 /// Variables or fields in the order of their first definition.
-class Definitions {
+class NamedValues {
   public:
     /// Takes a definition; gives whether it changed anything.
     bool define(StringView name, StringView text, bool numeric) {
@@ -48,39 +46,14 @@ class Definitions {
     bool isNew_ = false;
 };
 
-/// The file of a job, or of several that share it: written beside its place and moved there when it is complete. A
-/// device or a pipe is written at once, and a link stays one.
-class OpenFile {
-  public:
+/// The file of a job, or of several that share it, and what writes it.
+struct OpenFile {
     explicit OpenFile(const DataExportOptions& options)
-        : target_(std::filesystem::weakly_canonical(options.output)), atOnce_(isDevice(target_)),
-          unfinished_(atOnce_ ? target_.string() : target_.string() + ".unfertig-" + std::to_string(::getpid())),
-          writer_(openWriter(options.format, unfinished_, options.locale, options.warn)) {}
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile() {
-        writer_.reset();
-        std::error_code ignored;
-        if (!atOnce_)
-            std::filesystem::remove(unfinished_, ignored);
-    }
+        : file(std::make_unique<AtomicFile>(options.output)),
+          writer(openWriter(options.format, *file, options.locale, options.warn)) {}
 
-    RecordWriter& writer() { return *writer_; }
-    void finish() {
-        writer_->finish();
-        if (!atOnce_)
-            std::filesystem::rename(unfinished_, target_);
-    }
-
-  private:
-    static bool isDevice(const std::filesystem::path& file) {
-        return std::filesystem::exists(file) && !std::filesystem::is_regular_file(file);
-    }
-
-    std::filesystem::path target_;
-    bool atOnce_;
-    std::filesystem::path unfinished_;
-    std::unique_ptr<RecordWriter> writer_;
+    std::unique_ptr<AtomicFile> file;
+    std::unique_ptr<RecordWriter> writer;
 };
 
 } // namespace
@@ -143,7 +116,7 @@ class DataExport final : public Control {
     ObjectRef member(StringView) override { throw RuntimeError(ErrorNumber::MemberNotFound); }
 
   private:
-    static bool define(Definitions& definitions, std::span<const Argument> arguments) {
+    static bool define(NamedValues& definitions, std::span<const Argument> arguments) {
         return definitions.define(std::get<StringView>(arguments[0]), std::get<StringView>(arguments[1]),
                                   std::get<std::int32_t>(arguments[2]) == kTypeNumeric);
     }
@@ -165,10 +138,10 @@ class DataExport final : public Control {
 
     void writeRecord() {
         if (variablesChanged_)
-            file_->open->writer().variables(variables_.values());
+            file_->open->writer->variables(variables_.values());
         variablesChanged_ = false;
         if (!fields_.values().empty())
-            file_->open->writer().record(fields_.values());
+            file_->open->writer->record(fields_.values());
     }
 
     void showProgress(std::span<const Argument> arguments) const {
@@ -179,7 +152,11 @@ class DataExport final : public Control {
 
     void finish() {
         if (!options_->place || !options_->place->more) {
-            file_->open->finish();
+            file_->open->writer->finish();
+            if (options_->finished)
+                options_->finished(std::move(file_->open->file));
+            else
+                file_->open->file->commit();
             file_->open.reset();
         }
         inJob_ = false;
@@ -222,8 +199,8 @@ class DataExport final : public Control {
     }
 
     std::shared_ptr<const DataExportOptions> options_;
-    Definitions variables_;
-    Definitions fields_;
+    NamedValues variables_;
+    NamedValues fields_;
     bool variablesChanged_ = true;
     bool failed_ = false;
     std::shared_ptr<DataFile> file_;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "control/control.h"
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/common/options.h"
 #include "values/locale.h"
 
 #include <atomic>
@@ -19,6 +19,9 @@ enum class DataFormat { Csv, Xlsx, Json };
 struct DataExportOptions {
     DataFormat format = DataFormat::Csv;
     std::filesystem::path output;
+    /// Takes the complete file of a job, which has its place once it is committed. Where this is empty, a job that
+    /// has ended well commits it.
+    FinishedSink finished;
     /// The notation in which numbers arrive as texts.
     Locale locale = germanLocale();
     /// Takes German warnings.

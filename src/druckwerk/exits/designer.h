@@ -1,7 +1,8 @@
 // The designer: layouts are drawn in Inkscape, with the report's variables and fields beside the page to copy.
 #pragma once
 
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/common/finding.h"
+#include "druckwerk/common/options.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,7 @@
 // Printers of the system's print service (CUPS), without any dialog or display.
 #pragma once
 
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/common/options.h"
 
 #include <cstdint>
 #include <string>

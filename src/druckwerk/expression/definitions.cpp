@@ -1,6 +1,9 @@
 #include "druckwerk/expression/definitions.h"
 
+#include "values/conversion.h"
+
 #include <algorithm>
+#include <cmath>
 
 namespace kvtdruck::druckwerk {
 
@@ -36,6 +39,18 @@ void Definitions::forget(bool fields) {
     });
 }
 
+std::optional<Date> Definitions::date(std::size_t slot, Moment moment, bool monthAlone) const {
+    const String& text = value(slot, moment).text;
+    if (monthAlone)
+        if (const Number month = Number::parse(text, locale());
+            month.scale == 0 && month.digits >= 1 && month.digits <= 12)
+            return dateOf(2000, static_cast<int>(month.digits), 1);
+    const auto date = dateIn(text, locale());
+    if (!date && !trimmed(text).empty())
+        contents_.reportNoDate(slots_[slot].name, text);
+    return date && std::trunc(date->days) != 0 ? date : std::nullopt;
+}
+
 void Definitions::keep(std::size_t slot, Moment moment) {
     auto& slots = kept_[static_cast<std::size_t>(moment)];
     if (std::find(slots.begin(), slots.end(), slot) == slots.end())
@@ -53,6 +68,7 @@ void Definitions::release() {
             slots_[slot].values[moment] = {};
         kept_[moment].clear();
     }
+    contents_.forgetReports();
 }
 
 std::vector<Definition> Definitions::list() const {

@@ -1,10 +1,12 @@
 // The variables and fields that a report defines, by slot.
 #pragma once
 
-#include "druckwerk/druckwerk.h"
-#include "druckwerk/expression/number.h"
+#include "druckwerk/common/definition.h"
+#include "druckwerk/expression/contents.h"
+#include "values/variant.h"
 
 #include <deque>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -22,16 +24,11 @@ enum class Moment : std::uint8_t {
 /// wrong.
 class Definitions {
   public:
+    explicit Definitions(Contents contents = Contents(germanLocale())) : contents_(std::move(contents)) {}
+
     struct Value {
         String text;
         bool defined = false;
-        const Number& number() const {
-            if (!parsed) {
-                parsedNumber = Number::parse(text);
-                parsed = true;
-            }
-            return parsedNumber;
-        }
         void set(StringView value) {
             text.assign(value);
             parsed = false;
@@ -39,9 +36,13 @@ class Definitions {
         }
 
       private:
-        mutable Number parsedNumber;
+        friend class Definitions;
+        mutable Number number;
         mutable bool parsed = false;
     };
+
+    /// The notation of all contents, and of what is printed.
+    const Locale& locale() const { return contents_.locale(); }
 
     void define(StringView name, StringView value, bool numeric, bool field);
     /// Forgets all fields, or all variables.
@@ -60,11 +61,24 @@ class Definitions {
         return then.defined ? then : found.values[0];
     }
 
+    /// The number that the slot's value at `moment` holds. A text that is none is reported.
+    const Number& number(std::size_t slot, Moment moment) const {
+        const Value& found = value(slot, moment);
+        if (!found.parsed) {
+            found.number = contents_.number(slots_[slot].name, found.text);
+            found.parsed = true;
+        }
+        return found.number;
+    }
+    /// The date that the slot's value at `moment` holds; nothing where it is empty or a time of day. For
+    /// `monthAlone` a number from 1 to 12 is a day of that month. A text that is none is reported.
+    std::optional<Date> date(std::size_t slot, Moment moment, bool monthAlone) const;
+
     /// Asks for the slot's value at `moment` to be kept.
     void keep(std::size_t slot, Moment moment);
     /// Makes the present values those of `moment`, for the slots that are kept for it.
     void mark(Moment moment);
-    /// Forgets what is kept, and that it should be.
+    /// Forgets what is kept, and that it should be, and what was reported.
     void release();
 
     /// What is defined, in the order of the first definitions.
@@ -80,6 +94,7 @@ class Definitions {
         bool field = false;
         std::size_t successor = 0;
     };
+    mutable Contents contents_; ///< remembers what it has reported
     std::deque<Slot> slots_;
     std::unordered_map<StringView, std::size_t> index_;
     std::vector<std::size_t> order_;

@@ -1,6 +1,7 @@
 #include "druckwerk/expression/text_template.h"
 
 #include "druckwerk/common/fault.h"
+#include "values/conversion.h"
 #include "values/overloaded.h"
 
 #include <algorithm>
@@ -13,6 +14,12 @@ bool isName(StringView text) {
     return !text.empty() && std::none_of(text.begin(), text.end(), [](char16_t c) {
         return c < u'0' || (c > u'9' && c < u'A') || (c > u'Z' && c < u'_') || c == u'`' || (c > u'z' && c < 0x80);
     });
+}
+
+/// Appends what comes from the report, where the mark for the number of pages is but a sign that no font has.
+void appendContent(StringView text, String& out) {
+    out += text;
+    std::replace(out.end() - static_cast<std::ptrdiff_t>(text.size()), out.end(), kPageCountMark, u'\xfffd');
 }
 
 } // namespace
@@ -35,7 +42,8 @@ TextTemplate::TextTemplate(StringView source, Definitions& definitions, Aggregat
     }
     if (pieces_.size() == 1) {
         const auto* value = std::get_if<Value>(&pieces_[0]);
-        loneNumber_ = std::holds_alternative<Computed>(pieces_[0]) ||
+        const auto* computed = std::get_if<Computed>(&pieces_[0]);
+        loneNumber_ = (computed != nullptr && !computed->expression.isText()) ||
                       (value != nullptr && std::holds_alternative<NumberPattern>(value->pattern));
     }
 }
@@ -46,8 +54,9 @@ TextTemplate::Piece TextTemplate::placeholder(StringView content, Definitions& d
     const StringView what = trimmed(content.substr(0, bar));
     const StringView pattern = bar == StringView::npos ? StringView() : trimmed(content.substr(bar + 1));
     if (!what.empty() && what[0] == u'=')
-        return Computed{Expression(what.substr(1), definitions, &aggregates, scope),
-                        NumberPattern(pattern.empty() ? StringView(u"0,##########") : pattern)};
+        return Computed{
+            Expression(what.substr(1), definitions, &aggregates, scope, Expression::Result::NumberOrText),
+            NumberPattern(pattern.empty() ? StringView(u"0,##########") : pattern)};
     if (!isName(what))
         throw Fault(kLayoutInvalid, "Ungültiger Platzhalter „{{" + toUtf8(content) +
                                         "}}“: ein Name, oder ein Ausdruck nach einem Gleichheitszeichen");
@@ -72,40 +81,51 @@ TextTemplate::Piece TextTemplate::placeholder(StringView content, Definitions& d
     return value;
 }
 
-void TextTemplate::append(const Scene& scene, const String& printDate, String& out) const {
-    const auto appendValue = [&](const Value& piece) {
-        const auto& value = scene.definitions.value(piece.slot, scene.moment);
-        const auto* pattern = std::get_if<NumberPattern>(&piece.pattern);
-        if (pattern != nullptr && value.number().isNumber())
-            pattern->append(value.number(), out);
-        else if (const auto* date = std::get_if<DatePattern>(&piece.pattern))
-            date->append(value.text, out);
-        else
-            out += value.text;
-    };
-    const auto appendCounter = [&](Counter counter) {
-        if (counter == Counter::Pages)
-            out += kPageCountMark;
-        else
-            out += decimal(counter == Counter::Page   ? scene.page
-                           : counter == Counter::Line ? scene.line
-                                                      : scene.pageLine);
-    };
+void TextTemplate::appendValue(const Value& piece, const Scene& scene, String& out) {
+    const auto& value = scene.definitions.value(piece.slot, scene.moment);
+    if (const auto* pattern = std::get_if<NumberPattern>(&piece.pattern)) {
+        const Number& number = scene.definitions.number(piece.slot, scene.moment);
+        if (number.isNumber())
+            return pattern->append(number, scene.definitions.locale(), out);
+    } else if (const auto* dates = std::get_if<DatePattern>(&piece.pattern)) {
+        if (const auto date = scene.definitions.date(piece.slot, scene.moment, dates->isMonth()))
+            return dates->append(*date, scene.definitions.locale(), out);
+    }
+    appendContent(value.text, out);
+}
+
+void TextTemplate::appendComputed(const Computed& piece, const Scene& scene, String& out) {
+    if (piece.expression.isText()) {
+        String text;
+        piece.expression.append(scene, text);
+        return appendContent(text, out);
+    }
+    const Number number = Number::of(piece.expression.evaluate(scene));
+    if (number.isNumber())
+        piece.pattern.append(number, scene.definitions.locale(), out);
+    else
+        out += u'–';
+}
+
+void TextTemplate::appendCounter(Counter piece, const Scene& scene, String& out) {
+    if (piece == Counter::Pages)
+        out += kPageCountMark;
+    else
+        out += decimal(piece == Counter::Page ? scene.page : piece == Counter::Line ? scene.line : scene.pageLine);
+}
+
+void TextTemplate::append(const Scene& scene, String& out) const {
+    const Locale& locale = scene.definitions.locale();
     for (const auto& piece : pieces_)
-        std::visit(Overloaded{[&](const String& text) { out += text; }, appendValue,
-                              [&](const Computed& computed) {
-                                  const Number number = Number::of(computed.expression.evaluate(scene));
-                                  if (number.isNumber())
-                                      computed.pattern.append(number, out);
-                                  else
-                                      out += u'–';
-                              },
-                              appendCounter,
+        std::visit(Overloaded{[&](const String& text) { out += text; },
+                              [&](const Value& value) { appendValue(value, scene, out); },
+                              [&](const Computed& computed) { appendComputed(computed, scene, out); },
+                              [&](Counter counter) { appendCounter(counter, scene, out); },
                               [&](const PrintDateText& date) {
                                   if (date.pattern)
-                                      date.pattern->append(printDate, out);
+                                      date.pattern->append(scene.printDate, locale, out);
                                   else
-                                      out += StringView(printDate).substr(0, 10);
+                                      out += shortDateOf(scene.printDate, locale);
                               }},
                    piece);
 }
@@ -130,6 +150,16 @@ std::vector<std::size_t> TextTemplate::slots() const {
         else if (const auto* computed = std::get_if<Computed>(&piece))
             slots.insert(slots.end(), computed->expression.slots().begin(), computed->expression.slots().end());
     }
+    return slots;
+}
+
+std::vector<std::size_t> TextTemplate::aggregatedSlots() const {
+    std::vector<std::size_t> slots;
+    for (const auto& piece : pieces_)
+        if (const auto* computed = std::get_if<Computed>(&piece)) {
+            const auto& found = computed->expression.aggregatedSlots();
+            slots.insert(slots.end(), found.begin(), found.end());
+        }
     return slots;
 }
 

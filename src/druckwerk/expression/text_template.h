@@ -1,8 +1,9 @@
 // Texts with placeholders, compiled once and filled for every line.
 #pragma once
 
-#include "druckwerk/expression/expression.h"
-#include "druckwerk/expression/number.h"
+#include "druckwerk/expression/aggregates.h"
+#include "druckwerk/expression/date_pattern.h"
+#include "druckwerk/expression/number_pattern.h"
 
 #include <optional>
 #include <variant>
@@ -18,7 +19,7 @@ class TextTemplate {
     /// Raises a Fault with the reason where a placeholder can't be understood.
     TextTemplate(StringView source, Definitions& definitions, Aggregates& aggregates, AggregateScope scope);
 
-    void append(const Scene& scene, const String& printDate, String& out) const;
+    void append(const Scene& scene, String& out) const;
 
     /// Whether it is one placeholder with a number pattern and nothing else.
     bool isLoneNumber() const { return loneNumber_; }
@@ -26,6 +27,8 @@ class TextTemplate {
     bool hasPageCount() const { return hasPageCount_; }
     bool isConstant() const;
     std::vector<std::size_t> slots() const;
+    /// The slots of the names within its aggregates.
+    std::vector<std::size_t> aggregatedSlots() const;
 
     /// Whether `source` holds a placeholder.
     static bool hasPlaceholder(StringView source) { return source.find(u"{{") != StringView::npos; }
@@ -43,6 +46,10 @@ class TextTemplate {
         Expression expression;
         NumberPattern pattern;
     };
+    static void appendValue(const Value& piece, const Scene& scene, String& out);
+    static void appendComputed(const Computed& piece, const Scene& scene, String& out);
+    static void appendCounter(Counter piece, const Scene& scene, String& out);
+
     using Piece = std::variant<String, Value, Computed, Counter, PrintDateText>;
 
     Piece placeholder(StringView content, Definitions& definitions, Aggregates& aggregates, AggregateScope scope);

@@ -1,9 +1,11 @@
 #include "druckwerk/layout/layout.h"
 
 #include "druckwerk/common/fault.h"
+#include "druckwerk/pdf/pdf_syntax.h"
+#include "druckwerk/svg/limits.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <sstream>
 
@@ -13,7 +15,6 @@ namespace {
 
 constexpr double kPointsPerMillimetre = 72 / 25.4;
 constexpr double kBottomMargin = 10 * kPointsPerMillimetre; // where a layout has no footer
-constexpr std::uintmax_t kMaximumFileSize = 20'000'000;
 
 } // namespace
 
@@ -46,6 +47,12 @@ double Layout::flowBottom() const {
     return footer ? footer->top : height - kBottomMargin;
 }
 
+std::size_t Layout::fontNumber(const FontRequest& font) {
+    const auto found = std::find(fonts.begin(), fonts.end(), font);
+    return static_cast<std::size_t>(found == fonts.end() ? fonts.insert(found, font) - fonts.begin()
+                                                         : found - fonts.begin());
+}
+
 std::string readLayoutFile(const std::filesystem::path& file) {
     std::error_code error;
     const auto size = std::filesystem::file_size(file, error);
@@ -53,7 +60,7 @@ std::string readLayoutFile(const std::filesystem::path& file) {
     if (error || !in)
         throw Fault(kLayoutUnreadable, "Das Layout „" + file.string() + "“ kann nicht gelesen werden: " +
                                            reasonForReading(error ? error.value() : errno));
-    if (size > kMaximumFileSize)
+    if (size > limits::kFileSize)
         throw Fault(kLayoutRefused, "Das Layout „" + file.string() + "“ ist größer als 20 MB");
     std::ostringstream text;
     text << in.rdbuf();

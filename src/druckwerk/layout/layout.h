@@ -1,13 +1,14 @@
 // A layout as it is printed: bands of shapes, texts and charts, compiled from the SVG once for each print job.
 #pragma once
 
+#include "druckwerk/common/finding.h"
 #include "druckwerk/expression/text_template.h"
-#include "druckwerk/pdf/document.h"
 #include "druckwerk/svg/path_data.h"
 #include "druckwerk/svg/svg_style.h"
 
 #include <deque>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -36,8 +37,8 @@ struct TextItem {
     explicit TextItem(TextTemplate filled) : text(std::move(filled)) {}
 
     TextTemplate text;
-    FontRequest font;
-    double size = 10; ///< in points
+    std::size_t font = 0; ///< among the layout's fonts
+    double size = 10;     ///< in points
     Rgb color;
     Anchor anchor = Anchor::Start;
     Point baseline;
@@ -47,7 +48,7 @@ struct TextItem {
     std::optional<Matrix>
         turned;              ///< for text that does not run upright: maps the text from the origin to its place
     std::string description; ///< for messages
-    Face* face = nullptr;    ///< found when a print job begins
+    int line = 0;            ///< in the layout's file
 };
 
 struct Chart {
@@ -62,16 +63,14 @@ struct Chart {
     std::vector<Series> series;
     std::vector<TextTemplate> labels;
     NumberPattern format{u"#.##0"};
-    FontRequest font;
-    double size = 7;
+    std::size_t font = 0; ///< among the layout's fonts
+    double size = 7;      ///< in points
     Rgb textColor;
-    Face* face = nullptr;
     std::optional<Expression> rows; ///< which lines are its points; without it the points are in the series
+    std::size_t rowChart = 0;       ///< with `rows`: its place among the layout's charts of lines
     AggregateScope scope = kTableScope;
-    // what lines have given so far
-    std::vector<std::vector<double>> collected;
-    std::vector<String> collectedLabels;
     std::string description;
+    int line = 0; ///< in the layout's file
 };
 
 /// An element that only the SVG library can draw, by its id.
@@ -115,32 +114,23 @@ struct Layout {
     std::optional<Band> columnHead, row, carriedIn, carriedOut, sum, footer;
     std::vector<Group> groups;
     Aggregates aggregates;
-    std::vector<Chart*> rowCharts;
+    std::vector<FontRequest> fonts;
+    std::vector<const Chart*> rowCharts;
     std::set<std::pair<int, int>> opacities;
     std::vector<std::string> foreignIds;
-    std::string foreignSource;         ///< the SVG with an id for each foreign element
-    std::set<std::size_t> slots;       ///< the names that it shows
-    std::set<std::size_t> neededSlots; ///< those of them that stand outside of conditions somewhere
+    std::string foreignSource; ///< the SVG with an id for each foreign element
+    /// A name that it shows or counts with.
+    struct NameUse {
+        std::string place;   ///< of the first use: line, layer and element
+        bool needed = false; ///< stands outside of conditions somewhere
+    };
+    std::map<std::size_t, NameUse> names; ///< by slot
 
     double flowTop() const;
     double flowBottom() const;
-    /// Calls `visit` for each band there is.
-    template <class Visit>
-    void forEachBand(Visit&& visit);
+    /// The number of the font among `fonts`, where it is added if it is new.
+    std::size_t fontNumber(const FontRequest& font);
 };
-
-template <class Visit>
-void Layout::forEachBand(Visit&& visit) {
-    for (auto& band : page)
-        visit(band);
-    for (auto* band : {&columnHead, &row, &carriedIn, &carriedOut, &sum, &footer})
-        if (*band)
-            visit(**band);
-    for (auto& group : groups)
-        for (auto* band : {&group.head, &group.foot})
-            if (*band)
-                visit(**band);
-}
 
 /// Reads the layout `source` (SVG text), called `name` in messages, from folder `folder`. What prevents printing is
 /// among the findings as an error; then nothing useful is returned.

@@ -1,6 +1,4 @@
-// Layouts for reports that have none yet: letterhead, heading, a table of the fields (or a form, where they are
-// many), the remaining variables as label and value, page numbers.
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/layout/layout_generator.h"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +18,8 @@ std::string millimetres(double value) {
     return text.data();
 }
 
-/// SVG text of one layout.
+/// SVG text of one layout: letterhead, heading, a table of the fields (or a form, where they are many), the
+/// remaining variables as label and value, page numbers.
 class Generator {
   public:
     explicit Generator(const std::vector<Definition>& definitions) {

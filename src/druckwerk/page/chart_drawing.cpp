@@ -42,12 +42,16 @@ struct Scale {
 /// One chart while it is drawn.
 class Drawing {
   public:
-    Drawing(const Chart& chart, const Scene& scene, const String& printDate, double down, Canvas& canvas,
-            TextSetter& setter)
-        : chart_(chart), canvas_(canvas), setter_(setter), area_(chart.box) {
+    Drawing(const Chart& chart, ChartPoints points, const Locale& locale, double down, Canvas& canvas,
+            TextSetter& setter, const FontLibrary::Warn& warn)
+        : chart_(chart), locale_(locale), canvas_(canvas), setter_(setter), warn_(warn), area_(chart.box),
+          values_(std::move(points.values)), labels_(std::move(points.labels)) {
         area_.y += down;
-        takeValues(scene);
-        takeLabels(scene, printDate);
+        for (auto& series : values_) {
+            for (double& value : series)
+                value = std::isfinite(value) ? value : 0;
+            points_ = std::max(points_, series.size());
+        }
     }
 
     void draw() {
@@ -57,6 +61,8 @@ class Drawing {
         if (chart_.kind == Chart::Kind::Share)
             return drawShares();
         layOutAxis();
+        if (area_.width <= 0 || area_.height <= 0)
+            return warn_(chart_.description + " ist für seine Schriftgröße zu klein und bleibt leer");
         drawGrid();
         drawLabels();
         const bool lines = chart_.kind == Chart::Kind::Lines;
@@ -70,35 +76,7 @@ class Drawing {
     }
 
   private:
-    void takeValues(const Scene& scene) {
-        if (chart_.rows) {
-            values_ = chart_.collected;
-        } else {
-            for (const auto& series : chart_.series) {
-                auto& points = values_.emplace_back();
-                for (const auto& value : series.values)
-                    points.push_back(value.evaluate(scene));
-            }
-        }
-        for (auto& points : values_) {
-            for (double& value : points)
-                value = std::isfinite(value) ? value : 0;
-            points_ = std::max(points_, points.size());
-        }
-    }
-
-    void takeLabels(const Scene& scene, const String& printDate) {
-        if (chart_.rows) {
-            labels_ = chart_.collectedLabels;
-            return;
-        }
-        for (const auto& label : chart_.labels) {
-            labels_.emplace_back();
-            label.append(scene, printDate, labels_.back());
-        }
-    }
-
-    Face& face() { return *chart_.face; }
+    Face& face() { return setter_.face(chart_.font); }
     double textWidth(StringView text) { return setter_.width(text, face(), chart_.size); }
 
     void text(StringView text, Point at, Anchor anchor) {
@@ -107,7 +85,7 @@ class Drawing {
 
     String formatted(double value) const {
         String out;
-        chart_.format.append(Number::of(value), out);
+        chart_.format.append(Number::of(value), locale_, out);
         return out;
     }
 
@@ -205,12 +183,14 @@ class Drawing {
             }
         }
         // A smaller size keeps words whole.
-        const double size = chart_.size * std::clamp(slot() * kLabelShare / widestWord, kSmallestLabel, 1.0);
+        const double fitting = widestWord > 0 ? slot() * kLabelShare / widestWord : 1;
+        const double size = chart_.size * std::clamp(fitting, kSmallestLabel, 1.0);
         // Where there is no room even for parts of them, labels are thinned out.
         const double room = slot() * kLabelShare;
-        const bool dense = widest > room && room < size * 4;
-        const auto step =
-            dense ? static_cast<std::size_t>(std::ceil(std::min(widest, size * 8) / room)) : std::size_t{1};
+        if (widest <= room || room >= size * 4)
+            return {size, room, 1};
+        const double wanted = room > 0 ? std::ceil(std::min(widest, size * 8) / room) : 1;
+        const auto step = static_cast<std::size_t>(std::clamp(wanted, 1.0, static_cast<double>(points_)));
         return {size, room * static_cast<double>(step), step};
     }
 
@@ -279,7 +259,7 @@ class Drawing {
     String percentage(std::size_t series, std::size_t point) const {
         static const NumberPattern kPattern(u"0,0 %");
         String out;
-        kPattern.append(Number::of(shareOf(series, point)), out);
+        kPattern.append(Number::of(shareOf(series, point)), locale_, out);
         return out;
     }
 
@@ -304,8 +284,10 @@ class Drawing {
     }
 
     const Chart& chart_;
+    const Locale& locale_;
     Canvas& canvas_;
     TextSetter& setter_;
+    const FontLibrary::Warn& warn_;
     Box area_;
     Scale scale_;
     std::vector<std::vector<double>> values_;
@@ -316,28 +298,33 @@ class Drawing {
 
 } // namespace
 
-void collectPoint(Chart& chart, const Scene& scene, const String& printDate, const FontLibrary::Warn& warn) {
+ChartPoints pointsOf(const Chart& chart, const Scene& scene) {
+    ChartPoints points;
+    for (const auto& series : chart.series) {
+        auto& values = points.values.emplace_back();
+        for (const auto& value : series.values)
+            values.push_back(value.evaluate(scene));
+    }
+    for (const auto& label : chart.labels)
+        label.append(scene, points.labels.emplace_back());
+    return points;
+}
+
+void collectPoint(const Chart& chart, const Scene& scene, ChartPoints& points, const FontLibrary::Warn& warn) {
     if (!chart.rows->holds(scene))
         return;
-    chart.collected.resize(chart.series.size());
-    if (chart.collected[0].size() == kMostPoints)
+    points.values.resize(chart.series.size());
+    if (points.values[0].size() == kMostPoints)
         return warn(chart.description + " zeigt nur die ersten " + std::to_string(kMostPoints) + " Zeilen");
     for (std::size_t i = 0; i < chart.series.size(); ++i)
-        chart.collected[i].push_back(chart.series[i].values[0].evaluate(scene));
-    if (!chart.labels.empty()) {
-        chart.collectedLabels.emplace_back();
-        chart.labels[0].append(scene, printDate, chart.collectedLabels.back());
-    }
+        points.values[i].push_back(chart.series[i].values[0].evaluate(scene));
+    if (!chart.labels.empty())
+        chart.labels[0].append(scene, points.labels.emplace_back());
 }
 
-void forgetPoints(Chart& chart) {
-    chart.collected.clear();
-    chart.collectedLabels.clear();
-}
-
-void drawChart(const Chart& chart, const Scene& scene, const String& printDate, double down, Canvas& canvas,
-               TextSetter& setter) {
-    Drawing(chart, scene, printDate, down, canvas, setter).draw();
+void drawChart(const Chart& chart, ChartPoints points, const Locale& locale, double down, Canvas& canvas,
+               TextSetter& setter, const FontLibrary::Warn& warn) {
+    Drawing(chart, std::move(points), locale, down, canvas, setter, warn).draw();
 }
 
 } // namespace kvtdruck::druckwerk

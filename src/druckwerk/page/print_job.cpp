@@ -1,19 +1,13 @@
 #include "druckwerk/page/print_job.h"
 
-#include "druckwerk/layout/artwork.h"
+#include "druckwerk/page/artwork.h"
+#include "values/conversion.h"
 
 namespace kvtdruck::druckwerk {
 
 namespace {
 
 constexpr double kTolerance = 0.01; // of a point
-
-String textOf(const PrintDate& date) {
-    std::array<char, 32> text{};
-    const int size = std::snprintf(text.data(), text.size(), "%02d.%02d.%04d %02d:%02d:%02d", date.day, date.month,
-                                   date.year, date.hour, date.minute, date.second);
-    return {text.data(), text.data() + size};
-}
 
 double heightOf(const std::optional<Band>& band) {
     return band ? band->height : 0;
@@ -24,9 +18,10 @@ double heightOf(const std::optional<Band>& band) {
 PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
                    const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
                    FontLibrary::Warn warn)
-    : layout_(std::move(layout)), definitions_(definitions), warn_(warn), printDate_(textOf(date)),
-      document_(document), bookmark_(std::move(bookmark)), begin_(document.mark()),
-      setter_(document_, std::move(warn)), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+    : layout_(std::move(layout)), totals_(layout_.aggregates), definitions_(definitions), warn_(warn),
+      printDate_(dateOf(date.year, date.month, date.day, date.hour, date.minute, date.second)), document_(document),
+      bookmark_(std::move(bookmark)), begin_(document.mark()), setter_(document_, layout_.fonts, std::move(warn)),
+      points_(layout_.rowCharts.size()), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
     document_.setPageSize(layout_.width, layout_.height);
     double closing = heightOf(layout_.sum);
     for (const Group& group : layout_.groups)
@@ -36,7 +31,6 @@ PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& documen
         document_.useOpacity(fill, stroke);
     if (!layout_.foreignIds.empty())
         firstForm_ = embedArtwork(document_, layout_, layoutFolder);
-    prepareFonts();
 }
 
 PrintJob::~PrintJob() {
@@ -44,23 +38,11 @@ PrintJob::~PrintJob() {
         document_.dropSince(begin_);
 }
 
-void PrintJob::prepareFonts() {
-    layout_.forEachBand([&](Band& band) {
-        for (Item& item : band.items) {
-            if (auto* text = std::get_if<TextItem>(&item.content))
-                text->face = &document_.fonts().face(text->font);
-            else if (auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content))
-                (*chart)->face = &document_.fonts().face((*chart)->font);
-        }
-    });
-}
-
 Scene PrintJob::scene(Moment moment) const {
-    return {definitions_, layout_.aggregates, moment, document_.pages(), tableLines_, pageLines_};
+    return {definitions_, totals_, moment, document_.pages(), tableLines_, pageLines_, printDate_};
 }
 
-// --- Pages
-// ------------------------------------------------------------------------------------------------------------
+// --- Pages ---
 
 void PrintJob::beginPage() {
     if (pageOpen_) {
@@ -73,7 +55,7 @@ void PrintJob::beginPage() {
     if (!bookmark_.empty() && document_.mark() == begin_)
         document_.bookmark(bookmark_, 0);
     definitions_.mark(Moment::PageBegin);
-    layout_.aggregates.reset(kPageScope);
+    totals_.reset(kPageScope);
     pageOpen_ = true;
     pageBound_ = pageFull_ = carries_ = false;
     pageLines_ = 0;
@@ -104,8 +86,7 @@ void PrintJob::closePage() {
     pageOpen_ = false;
 }
 
-// --- Lines
-// ------------------------------------------------------------------------------------------------------------
+// --- Lines ---
 
 bool PrintJob::printLine() {
     if (!layout_.row)
@@ -154,9 +135,9 @@ bool PrintJob::printSheet() {
 }
 
 void PrintJob::takeLineIntoAccount() {
-    layout_.aggregates.accumulate(scene(Moment::Now));
-    for (Chart* chart : layout_.rowCharts)
-        collectPoint(*chart, scene(Moment::Now), printDate_, warn_);
+    totals_.accumulate(scene(Moment::Now));
+    for (std::size_t i = 0; i < points_.size(); ++i)
+        collectPoint(*layout_.rowCharts[i], scene(Moment::Now), points_[i], warn_);
 }
 
 void PrintJob::drawRow(double growth) {
@@ -180,8 +161,7 @@ bool PrintJob::wantsNewPage(std::size_t brokenGroup) const {
     return asks(layout_.row);
 }
 
-// --- Groups
-// -----------------------------------------------------------------------------------------------------------
+// --- Groups ---
 
 std::size_t PrintJob::firstBrokenGroup() const {
     for (std::size_t level = 0; level < openGroups_; ++level)
@@ -209,10 +189,10 @@ bool PrintJob::closeGroups(std::size_t level) {
 void PrintJob::openGroups() {
     for (; openGroups_ < layout_.groups.size(); ++openGroups_) {
         const auto level = static_cast<AggregateScope>(openGroups_);
-        layout_.aggregates.reset(level);
-        for (Chart* chart : layout_.rowCharts)
-            if (chart->scope == level)
-                forgetPoints(*chart);
+        totals_.reset(level);
+        for (std::size_t i = 0; i < points_.size(); ++i)
+            if (layout_.rowCharts[i]->scope == level)
+                points_[i] = {};
         const auto& head = layout_.groups[openGroups_].head;
         if (head && holds(*head, Moment::Now))
             flow(*head, Moment::Now, 0);
@@ -237,8 +217,7 @@ double PrintJob::heightOfHeads(bool freshPage) const {
     return height;
 }
 
-// --- The end
-// ----------------------------------------------------------------------------------------------------------
+// --- The end ---
 
 void PrintJob::closeTable() {
     if (tableClosed_ || !pageOpen_)
@@ -261,8 +240,7 @@ void PrintJob::finish() {
     finished_ = true;
 }
 
-// --- Bands
-// ------------------------------------------------------------------------------------------------------------
+// --- Bands ---
 
 bool PrintJob::holds(const Band& band, Moment moment) const {
     return !band.condition || band.condition->holds(scene(moment));
@@ -281,7 +259,7 @@ double PrintJob::growthOf(const Band& band, Moment moment) {
             if (text == nullptr || !text->grows)
                 continue;
             text_.clear();
-            text->text.append(scene(moment), printDate_, text_);
+            text->text.append(scene(moment), text_);
             growth = std::max(growth, setter_.growthFor(*text, text_));
         }
     return growth;
@@ -308,7 +286,7 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
     Canvas& canvas = document_.canvas();
     if (const auto* text = std::get_if<TextItem>(&item.content)) {
         text_.clear();
-        text->text.append(now, printDate_, text_);
+        text->text.append(now, text_);
         setter_.set(*text, text_, down, growth);
     } else if (const auto* shape = std::get_if<Shape>(&item.content)) {
         constexpr double kEdge = 0.5 * 72 / 25.4; // what lies this close to the lower edge moves with it
@@ -316,8 +294,10 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
             canvas.draw(shape->operators(layout_.height, band.bottom() - kEdge, growth), down);
         else
             canvas.draw(shape->compiled, down);
-    } else if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
-        drawChart(**chart, now, printDate_, down, canvas, setter_);
+    } else if (const auto* found = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
+        const Chart& chart = **found;
+        drawChart(chart, chart.rows ? points_[chart.rowChart] : pointsOf(chart, now), definitions_.locale(), down,
+                  canvas, setter_, warn_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
         canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
     }
@@ -326,7 +306,7 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
 void PrintJob::addBookmark(const Band& band, const Scene& now, double y) {
     std::vector<String> path = bookmark_;
     for (const TextTemplate& level : band.bookmark)
-        level.append(now, printDate_, path.emplace_back());
+        level.append(now, path.emplace_back());
     document_.bookmark(path, y);
 }
 

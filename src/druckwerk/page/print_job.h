@@ -34,7 +34,6 @@ class PrintJob {
 
   private:
     Scene scene(Moment moment) const;
-    void prepareFonts();
 
     bool printSheet();
     std::size_t firstBrokenGroup() const;
@@ -57,16 +56,18 @@ class PrintJob {
     void drawItem(const Item& item, const Band& band, const Scene& scene, double down, double growth);
     void addBookmark(const Band& band, const Scene& scene, double y);
 
-    Layout layout_;
+    const Layout layout_;
+    Totals totals_;
     Definitions& definitions_;
     FontLibrary::Warn warn_;
-    String printDate_;
+    Date printDate_;
     PdfDocument& document_;
     std::vector<String> bookmark_;
     PdfDocument::Mark begin_;
     bool finished_ = false;
     int firstForm_ = 0;
     TextSetter setter_;
+    std::vector<ChartPoints> points_; ///< what lines have given to the layout's charts of lines
     const double top_;
     const double bottom_;
     double reserve_ = 0; ///< room for what may have to follow a line

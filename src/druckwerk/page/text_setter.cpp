@@ -1,5 +1,7 @@
 #include "druckwerk/page/text_setter.h"
 
+#include "values/characters.h"
+
 namespace kvtdruck::druckwerk {
 
 namespace {
@@ -27,14 +29,13 @@ std::size_t linesIn(const TextItem& item, double growth) {
     return 1 + static_cast<std::size_t>(std::max(0.0, (room + kTolerance) / (item.size * kLineSpacing)));
 }
 
-/// `length`, or one less where it would part a surrogate pair.
-std::size_t wholeCharacters(StringView text, std::size_t length) {
-    const bool parts =
-        length > 0 && length < text.size() && text[length - 1] >= 0xD800 && text[length - 1] < 0xDC00;
-    return parts ? length - 1 : length;
-}
-
 } // namespace
+
+TextSetter::TextSetter(PdfDocument& document, const std::vector<FontRequest>& fonts, FontLibrary::Warn warn)
+    : document_(document), warn_(std::move(warn)) {
+    for (const FontRequest& font : fonts)
+        faces_.push_back(&document_.fonts().face(font));
+}
 
 void TextSetter::line(StringView text, Face& face, Point at, double size, Rgb color, Anchor anchor) {
     document_.fonts().shape(text, face, shaped_);
@@ -43,15 +44,19 @@ void TextSetter::line(StringView text, Face& face, Point at, double size, Rgb co
 }
 
 void TextSetter::showLine(const TextItem& item, StringView text, Point at, double size) {
-    line(text, *item.face, at, size, item.color, item.anchor);
+    line(text, faceOf(item), at, size, item.color, item.anchor);
 }
 
 void TextSetter::showPageCount(const TextItem& item, StringView text, Point at) {
-    const auto mark = text.find(kPageCountMark);
-    document_.useFace(*item.face);
-    document_.fonts().shape(text.substr(0, mark), *item.face, shaped_);
-    document_.fonts().shape(text.substr(mark + 1), *item.face, after_);
-    document_.canvas().showPageCount(shaped_, after_, *item.face, at, item.size, item.color, item.anchor);
+    Face& face = faceOf(item);
+    std::vector<ShapedText> parts;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const auto end = std::min(text.find(kPageCountMark, begin), text.size());
+        document_.fonts().shape(text.substr(begin, end - begin), face, parts.emplace_back());
+        begin = end + 1;
+    }
+    document_.useFace(face);
+    document_.canvas().showPageCount(parts, face, at, item.size, item.color, item.anchor);
 }
 
 void TextSetter::set(const TextItem& item, StringView text, double down, double growth) {
@@ -75,25 +80,25 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
     const double room = roomOf(item);
     if (item.fit == Fit::Wrap)
         return wrap(item, text, at, room, growth);
-    document_.fonts().shape(text, *item.face, shaped_);
+    document_.fonts().shape(text, faceOf(item), shaped_);
     const double width = shaped_.width * item.size;
     if (width <= room + kTolerance)
         document_.canvas().show(shaped_, {at.x - width * shareLeft(item.anchor), at.y}, item.size, item.color);
     else if (item.fit == Fit::Shrink || item.text.isLoneNumber())
         shrink(item, text, at, room);
     else
-        showLine(item, cut(text, *item.face, item.size, room), at, item.size);
+        showLine(item, cut(text, faceOf(item), item.size, room), at, item.size);
 }
 
 void TextSetter::shrink(const TextItem& item, StringView text, Point at, double room) {
-    const double size = item.size * room / width(text, *item.face, item.size);
+    const double size = item.size * room / width(text, faceOf(item), item.size);
     if (size >= item.size * kSmallest)
         return showLine(item, text, at, size);
     const double smallest = item.size * kSmallest;
     if (!item.text.isLoneNumber())
-        return showLine(item, cut(text, *item.face, smallest, room), at, smallest);
+        return showLine(item, cut(text, faceOf(item), smallest, room), at, smallest);
     warn_("Zahl passt nicht in das Feld „" + item.description + "“");
-    showLine(item, cut(u"####", *item.face, smallest, room), at, smallest);
+    showLine(item, cut(u"####", faceOf(item), smallest, room), at, smallest);
 }
 
 /// How many characters of `text` fit, with `end` behind them.
@@ -174,7 +179,7 @@ std::vector<String> TextSetter::lines(StringView text, Face& face, double size, 
 }
 
 void TextSetter::wrap(const TextItem& item, StringView text, Point at, double room, double growth) {
-    for (const String& shown : lines(text, *item.face, item.size, room, linesIn(item, growth))) {
+    for (const String& shown : lines(text, faceOf(item), item.size, room, linesIn(item, growth))) {
         showLine(item, shown, at, item.size);
         at.y += item.size * kLineSpacing;
     }
@@ -182,7 +187,7 @@ void TextSetter::wrap(const TextItem& item, StringView text, Point at, double ro
 
 double TextSetter::growthFor(const TextItem& item, StringView text) {
     const std::size_t most = linesIn(item, document_.canvas().height());
-    const std::size_t count = linesOf(text, *item.face, item.size, roomOf(item), most).size();
+    const std::size_t count = linesOf(text, faceOf(item), item.size, roomOf(item), most).size();
     const double bottom =
         item.baseline.y + (static_cast<double>(count) - 1) * item.size * kLineSpacing + kDescent * item.size;
     return std::max(0.0, bottom - item.box->bottom());

@@ -2,13 +2,16 @@
 #pragma once
 
 #include "druckwerk/layout/layout.h"
-#include "druckwerk/pdf/document.h"
+#include "druckwerk/page/document.h"
 
 namespace kvtdruck::druckwerk {
 
 class TextSetter {
   public:
-    TextSetter(PdfDocument& document, FontLibrary::Warn warn) : document_(document), warn_(std::move(warn)) {}
+    /// Fonts are named by their numbers among `fonts`.
+    TextSetter(PdfDocument& document, const std::vector<FontRequest>& fonts, FontLibrary::Warn warn);
+
+    Face& face(std::size_t font) { return *faces_[font]; }
 
     /// Sets `text` in the place of `item`, moved down by `down`. A field that grows has `growth` more room.
     void set(const TextItem& item, StringView text, double down, double growth = 0);
@@ -34,10 +37,12 @@ class TextSetter {
     String ellipsized(StringView text, Face& face, double size, double room);
     std::size_t fitting(StringView text, Face& face, double size, double width, StringView end);
 
+    Face& faceOf(const TextItem& item) { return face(item.font); }
+
     PdfDocument& document_;
+    std::vector<Face*> faces_;
     FontLibrary::Warn warn_;
     ShapedText shaped_;
-    ShapedText after_;
 };
 
 } // namespace kvtdruck::druckwerk

@@ -1,45 +1,28 @@
 #include "druckwerk/pdf/pdf_output.h"
 
 #include "druckwerk/common/fault.h"
-#include "druckwerk/druckwerk.h"
 
 #include <array>
-#include <cerrno>
-#include <charconv>
-#include <cmath>
 #include <cstring>
-#include <fcntl.h>
 #include <libdeflate.h>
 #include <new>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <system_error>
 
 namespace kvtdruck::druckwerk {
 
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
-constexpr double kMaximumNumber = 1e9; // beyond it, and for NaN, there is nothing to be seen on a page
-constexpr int kCompressionLevel = 1;   // level 6 makes the files a tenth smaller and takes four times as long
+constexpr int kCompressionLevel = 1; // level 6 makes the files a tenth smaller and takes four times as long
 
 } // namespace
 
-PdfOutput::PdfOutput(std::filesystem::path file) : file_(std::move(file)) {
-    std::error_code ignored;
-    if (std::filesystem::exists(file_, ignored) && !std::filesystem::is_regular_file(file_, ignored)) {
-        descriptor_ = ::open(file_.c_str(), O_WRONLY | O_CLOEXEC); // a device or a pipe: written in place
-    } else {
-        std::string name = file_.string() + ".XXXXXX";
-        descriptor_ = ::mkostemp(name.data(), O_CLOEXEC);
-        if (descriptor_ >= 0) {
-            temporary_ = name;
-            const mode_t mask = ::umask(0);
-            ::umask(mask);
-            ::fchmod(descriptor_, 0666 & ~mask);
-        }
+PdfOutput::PdfOutput(std::filesystem::path file) : name_(std::move(file)) {
+    try {
+        file_ = std::make_unique<AtomicFile>(name_);
+    } catch (const std::system_error& error) {
+        throw outputFault(name_, error);
     }
-    if (descriptor_ < 0)
-        fail(errno);
     compressor_ = libdeflate_alloc_compressor(kCompressionLevel);
     if (compressor_ == nullptr)
         throw std::bad_alloc();
@@ -48,16 +31,7 @@ PdfOutput::PdfOutput(std::filesystem::path file) : file_(std::move(file)) {
 }
 
 PdfOutput::~PdfOutput() {
-    if (descriptor_ >= 0)
-        ::close(descriptor_);
-    if (!temporary_.empty())
-        ::unlink(temporary_.c_str());
     libdeflate_free_compressor(compressor_);
-}
-
-void PdfOutput::fail(int systemError) const {
-    throw Fault(kOutputFailed, "Die Datei „" + file_.string() +
-                                   "“ kann nicht geschrieben werden: " + reasonForWriting(systemError));
 }
 
 int PdfOutput::allocate() {
@@ -83,14 +57,10 @@ void PdfOutput::flush() {
     }
     for (; i < buffer_.size(); ++i)
         hash_ = (hash_ ^ static_cast<unsigned char>(buffer_[i])) * 0x100000001b3U;
-    std::string_view rest = buffer_;
-    while (!rest.empty()) {
-        const ssize_t written = ::write(descriptor_, rest.data(), rest.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            fail(errno);
-        rest.remove_prefix(static_cast<std::size_t>(written));
+    try {
+        file_->write(buffer_);
+    } catch (const std::system_error& error) {
+        throw outputFault(name_, error);
     }
     buffer_.clear();
 }
@@ -123,7 +93,7 @@ void PdfOutput::writeRawStream(int number, std::string_view entries, std::string
     write("\nendstream\nendobj\n");
 }
 
-void PdfOutput::finish(int catalog, int info) {
+std::unique_ptr<AtomicFile> PdfOutput::finish(int catalog, int info) {
     const std::uint64_t start = position_;
     write("xref\n0 " + std::to_string(offsets_.size() + 1) + "\n0000000000 65535 f \n");
     std::array<char, 32> entry{};
@@ -142,43 +112,7 @@ void PdfOutput::finish(int catalog, int info) {
           " 0 R/Info " + std::to_string(info) + " 0 R/ID[<" + id.data() + "><" + id.data() + ">]>>\nstartxref\n" +
           std::to_string(start) + "\n%%EOF\n");
     flush();
-    const int closed = ::close(descriptor_);
-    descriptor_ = -1;
-    if (closed != 0)
-        fail(errno);
-    if (!temporary_.empty() && ::rename(temporary_.c_str(), file_.c_str()) != 0)
-        fail(errno);
-    temporary_.clear();
-}
-
-void appendNumber(std::string& out, double value) {
-    if (!(std::fabs(value) < kMaximumNumber))
-        value = 0;
-    auto hundredths = static_cast<std::int64_t>(value < 0 ? value * 100 - 0.5 : value * 100 + 0.5);
-    std::array<char, 24> buffer;
-    char* at = buffer.data();
-    if (hundredths < 0) {
-        *at++ = '-';
-        hundredths = -hundredths;
-    }
-    at = std::to_chars(at, buffer.data() + buffer.size(), hundredths / 100).ptr;
-    const auto decimals = static_cast<int>(hundredths % 100);
-    if (decimals != 0) {
-        *at++ = '.';
-        *at++ = static_cast<char>('0' + decimals / 10);
-        if (decimals % 10 != 0)
-            *at++ = static_cast<char>('0' + decimals % 10);
-    }
-    out.append(buffer.data(), at);
-}
-
-std::string pdfText(std::u16string_view text) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string out = "<FEFF";
-    for (const char16_t c : text)
-        for (int shift = 12; shift >= 0; shift -= 4)
-            out += kDigits[(c >> shift) & 15];
-    return out + ">";
+    return std::move(file_);
 }
 
 } // namespace kvtdruck::druckwerk

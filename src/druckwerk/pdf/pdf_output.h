@@ -1,8 +1,11 @@
 // A PDF file written from front to back: objects go out as they are finished, only their offsets stay in memory.
 #pragma once
 
+#include "platform/posix/atomic_file.h"
+
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,8 +14,7 @@ struct libdeflate_compressor;
 
 namespace kvtdruck::druckwerk {
 
-/// The file under a temporary name in its own folder; it takes its name when it is complete, and is removed when it
-/// is dropped before. Raises a Fault where it can't be written.
+/// Raises a Fault where the file can't be written.
 class PdfOutput {
   public:
     explicit PdfOutput(std::filesystem::path file);
@@ -29,18 +31,16 @@ class PdfOutput {
     /// Writes a stream as it is; `entries` name its filter.
     void writeRawStream(int number, std::string_view entries, std::string_view data);
 
-    /// Writes what closes the file and gives it its name.
-    void finish(int catalog, int info);
+    /// Writes what ends the content; gives the file, which is complete and not yet in its place.
+    std::unique_ptr<AtomicFile> finish(int catalog, int info);
 
   private:
     void write(std::string_view data);
     void flush();
     void beginObject(int number);
-    [[noreturn]] void fail(int systemError) const;
 
-    std::filesystem::path file_;
-    std::filesystem::path temporary_;
-    int descriptor_ = -1;
+    std::filesystem::path name_;
+    std::unique_ptr<AtomicFile> file_;
     std::string buffer_;
     std::string compressed_;
     std::uint64_t position_ = 0;
@@ -48,10 +48,5 @@ class PdfOutput {
     std::vector<std::uint64_t> offsets_;
     libdeflate_compressor* compressor_;
 };
-
-/// `value` with at most two decimals, as PDF numbers are written.
-void appendNumber(std::string& out, double value);
-/// A PDF text string (UTF-16 in hexadecimal) of UTF-16 `text`.
-std::string pdfText(std::u16string_view text);
 
 } // namespace kvtdruck::druckwerk

@@ -21,6 +21,12 @@ class PathReader {
         rest_.remove_prefix(next == std::string_view::npos ? rest_.size() : next);
     }
 
+    /// How much is left to be read.
+    std::size_t left() {
+        skip();
+        return rest_.size();
+    }
+
     char command() {
         skip();
         if (rest_.empty() || std::string_view("MmLlHhVvCcSsQqTtAaZz").find(rest_[0]) == std::string_view::npos)
@@ -219,10 +225,11 @@ class PathBuilder {
 
 } // namespace
 
-Outline parsePath(std::string_view data) {
+Outline parsePath(std::string_view data, bool& whole) {
     PathReader reader(data);
     PathBuilder builder;
-    while (builder.outline.size() < kMaximumSegments) {
+    bool damaged = false;
+    while (!damaged && builder.outline.size() < kMaximumSegments) {
         char command = reader.command();
         if (command == 0 || (builder.outline.empty() && command != 'M' && command != 'm'))
             break;
@@ -230,26 +237,32 @@ Outline parsePath(std::string_view data) {
             builder.close();
             continue;
         }
-        if (!builder.step(command, reader))
-            break;
+        damaged = !builder.step(command, reader);
         if (command == 'M' || command == 'm')
             command = command == 'M' ? 'L' : 'l'; // further pairs are lines
-        while (builder.outline.size() < kMaximumSegments && builder.step(command, reader)) {
-        }
+        std::size_t left = reader.left();
+        while (!damaged && builder.outline.size() < kMaximumSegments && builder.step(command, reader))
+            left = reader.left();
+        damaged = damaged || reader.left() != left; // the last step has taken some of its numbers
     }
+    whole = (!damaged && reader.left() == 0) || data == "none";
     return std::move(builder.outline);
 }
 
-Outline parsePolygon(std::string_view points, bool closed) {
+Outline parsePolygon(std::string_view points, bool closed, bool& whole) {
     PathReader reader(points);
     Outline outline;
+    bool even = true;
     while (outline.size() < kMaximumSegments) {
         const auto x = reader.number();
         const auto y = x ? reader.number() : std::nullopt;
+        if (x && !y)
+            even = false;
         if (!y)
             break;
         outline.push_back({outline.empty() ? 'M' : 'L', {Point{*x, *y}}});
     }
+    whole = reader.left() == 0 && even;
     if (closed && !outline.empty())
         outline.push_back({'Z', {}});
     return outline;

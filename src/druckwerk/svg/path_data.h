@@ -16,9 +16,11 @@ struct Segment {
 };
 using Outline = std::vector<Segment>;
 
-/// The outline of SVG path data; where the data are damaged, what comes before the damage, as SVG asks.
-Outline parsePath(std::string_view data);
-Outline parsePolygon(std::string_view points, bool closed);
+/// The outline of SVG path data; where the data are damaged, what comes before the damage, as SVG asks, and `whole`
+/// is false.
+Outline parsePath(std::string_view data, bool& whole);
+/// The same for the points of a polygon or a line.
+Outline parsePolygon(std::string_view points, bool closed, bool& whole);
 Outline rectangle(const Box& box, double rx, double ry);
 Outline ellipse(Point center, double rx, double ry);
 void transform(Outline& outline, const Matrix& matrix);

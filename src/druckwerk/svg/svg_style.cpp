@@ -1,9 +1,11 @@
 #include "druckwerk/svg/svg_style.h"
 
 #include "druckwerk/common/fault.h"
-#include "druckwerk/druckwerk.h"
+#include "druckwerk/svg/color.h"
+#include "druckwerk/svg/transform_list.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <map>
@@ -14,43 +16,52 @@ namespace {
 
 constexpr double kMaximumLength = 100000;
 
-std::optional<double> parseNumber(std::string_view text, std::string_view* rest = nullptr) {
-    text = trimmedAscii(text);
-    if (!text.empty() && text[0] == '+')
-        text.remove_prefix(1);
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || !std::isfinite(value) || std::fabs(value) > kMaximumLength)
-        return std::nullopt;
-    const std::string_view behind = text.substr(static_cast<std::size_t>(end - text.data()));
-    if (rest != nullptr)
-        *rest = behind;
-    else if (!behind.empty())
-        return std::nullopt;
-    return value;
+/// Sets a property; false where the value is none that is understood.
+using Setter = bool (*)(Style& style, std::string_view value);
+
+template <class Target, class Value>
+bool assign(Target& target, const std::optional<Value>& value) {
+    if (value)
+        target = static_cast<Target>(*value);
+    return value.has_value();
 }
 
-double parseOpacity(std::string_view text) {
+std::optional<double> parseOpacity(std::string_view text) {
     std::string_view rest;
     const auto value = parseNumber(text, &rest);
-    return value ? std::clamp(rest == "%" ? *value / 100 : *value, 0.0, 1.0) : 1;
+    if (!value || (!rest.empty() && rest != "%"))
+        return std::nullopt;
+    return std::clamp(rest == "%" ? *value / 100 : *value, 0.0, 1.0);
 }
 
-void parsePaint(std::string_view text, Paint& paint, Rgb currentColor) {
-    if (text == "none" || text == "transparent") {
+bool parsePaint(std::string_view text, Paint& paint, Rgb currentColor) {
+    const auto color = parseColor(text);
+    if (text == "none" || (color && color->alpha == 0)) {
         paint.kind = Paint::Kind::None;
     } else if (text == "currentColor" || text == "currentcolor") {
         paint.kind = Paint::Kind::Color;
         paint.color = currentColor;
-    } else if (const auto color = parseColor(text)) {
+        paint.alpha = 1;
+    } else if (color) {
         paint.kind = Paint::Kind::Color;
-        paint.color = *color;
-    } else {
+        paint.color = color->rgb;
+        paint.alpha = color->alpha;
+    } else if (text.starts_with("url(")) {
         paint.kind = Paint::Kind::Complex;
+    } else {
+        return false;
     }
+    return true;
 }
 
-int parseWeight(std::string_view text, int inherited) {
+/// The place of `value` among `words`; nothing where it is none of them.
+template <std::size_t count>
+std::optional<int> oneOf(std::string_view value, const std::array<std::string_view, count>& words) {
+    const auto* found = std::find(words.begin(), words.end(), value);
+    return found == words.end() ? std::nullopt : std::optional(static_cast<int>(found - words.begin()));
+}
+
+std::optional<int> parseWeight(std::string_view text, int inherited) {
     if (text == "normal")
         return 400;
     if (text == "bold")
@@ -59,7 +70,8 @@ int parseWeight(std::string_view text, int inherited) {
         return inherited < 600 ? 700 : 900;
     if (text == "lighter")
         return inherited < 600 ? 100 : 400;
-    return static_cast<int>(std::clamp(parseNumber(text).value_or(400), 1.0, 1000.0));
+    const auto weight = parseNumber(text);
+    return weight && *weight >= 1 && *weight <= 1000 ? std::optional(static_cast<int>(*weight)) : std::nullopt;
 }
 
 std::vector<std::string> parseFamilies(std::string_view text) {
@@ -74,82 +86,140 @@ std::vector<std::string> parseFamilies(std::string_view text) {
     return families;
 }
 
-std::vector<double> parseDashes(std::string_view text, double fontSize) {
+bool setDashes(Style& style, std::string_view text) {
+    constexpr std::size_t kMost = 32;
     std::vector<double> dashes;
     double sum = 0;
     if (text != "none")
         for (const auto word : splitWords(text)) {
-            dashes.push_back(std::max(0.0, parseLength(word, fontSize).value_or(0)));
-            sum += dashes.back();
+            const auto dash = parseLength(word, style.fontSize);
+            if (!dash || *dash < 0)
+                return false;
+            dashes.push_back(*dash);
+            sum += *dash;
         }
-    if (sum <= 0 || dashes.size() > 32)
-        dashes.clear();
-    return dashes;
+    if (dashes.size() > kMost)
+        return false;
+    style.dashes = sum > 0 ? dashes : std::vector<double>();
+    return true;
 }
 
-double parseFontSize(std::string_view text, double inherited) {
-    if (text.ends_with('%'))
-        return inherited * parseNumber(text.substr(0, text.size() - 1)).value_or(100) / 100;
-    return parseLength(text, inherited).value_or(inherited);
+std::optional<double> parseFontSize(std::string_view text, double inherited) {
+    static const std::map<std::string_view, double> kWords = {{"xx-small", 9.6},
+                                                              {"x-small", 12},
+                                                              {"small", 14.2222},
+                                                              {"medium", 16},
+                                                              {"large", 19.2},
+                                                              {"x-large", 24},
+                                                              {"xx-large", 32},
+                                                              {"larger", inherited * 1.2},
+                                                              {"smaller", inherited / 1.2}};
+    if (const auto word = kWords.find(text); word != kWords.end())
+        return word->second;
+    const bool percentage = text.ends_with('%');
+    const auto size = percentage ? parseNumber(text.substr(0, text.size() - 1)) : parseLength(text, inherited);
+    if (!size || *size < 0)
+        return std::nullopt;
+    return percentage ? inherited * *size / 100 : *size;
 }
 
-using Setter = void (*)(Style& style, std::string_view value);
-
-void setSpacing(Style& style, std::string_view value) {
-    style.unusualText =
-        style.unusualText || (value != "normal" && parseLength(value, style.fontSize).value_or(0) != 0);
+bool setSpacing(Style& style, std::string_view value) {
+    const auto spacing = value == "normal" ? std::optional(0.0) : parseLength(value, style.fontSize);
+    style.unusualText = style.unusualText || spacing.value_or(0) != 0;
+    return spacing.has_value();
 }
 
-void setDecoration(Style& style, std::string_view value) {
+bool setDecoration(Style& style, std::string_view value) {
     style.unusualText = style.unusualText || !value.starts_with("none");
+    return true;
 }
 
 /// What hides, cuts or marks: only "none" is simple.
-void setEffect(Style& style, std::string_view value) {
+bool setEffect(Style& style, std::string_view value) {
     style.complex = style.complex || value != "none";
+    return true;
 }
 
-void setFlow(Style& style, std::string_view value) {
+bool setFlow(Style& style, std::string_view value) {
     style.flowed = style.flowed || (value != "none" && value != "auto" && value != "0");
+    return true;
+}
+
+bool setTransform(Style& style, std::string_view value) {
+    return assign(style.transform, parseTransform(value));
+}
+
+/// For what is not done: only the words for not doing it are understood.
+bool setNormal(Style&, std::string_view value) {
+    return value == "normal" || value == "none" || value == "auto";
 }
 
 const std::map<std::string_view, Setter> kProperties = {
-    {"fill", [](Style& s, std::string_view value) { parsePaint(value, s.fill, s.currentColor); }},
-    {"stroke", [](Style& s, std::string_view value) { parsePaint(value, s.stroke, s.currentColor); }},
+    {"fill", [](Style& s, std::string_view value) { return parsePaint(value, s.fill, s.currentColor); }},
+    {"stroke", [](Style& s, std::string_view value) { return parsePaint(value, s.stroke, s.currentColor); }},
     {"color",
-     [](Style& s, std::string_view value) { s.currentColor = parseColor(value).value_or(s.currentColor); }},
-    {"fill-opacity", [](Style& s, std::string_view value) { s.fill.opacity = parseOpacity(value); }},
-    {"stroke-opacity", [](Style& s, std::string_view value) { s.stroke.opacity = parseOpacity(value); }},
-    {"opacity", [](Style& s, std::string_view value) { s.opacity = parseOpacity(value); }},
+     [](Style& s, std::string_view value) {
+         const auto color = parseColor(value);
+         return assign(s.currentColor, color ? std::optional(color->rgb) : std::nullopt);
+     }},
+    {"fill-opacity", [](Style& s, std::string_view value) { return assign(s.fill.opacity, parseOpacity(value)); }},
+    {"stroke-opacity",
+     [](Style& s, std::string_view value) { return assign(s.stroke.opacity, parseOpacity(value)); }},
+    {"opacity", [](Style& s, std::string_view value) { return assign(s.opacity, parseOpacity(value)); }},
     {"stroke-width",
      [](Style& s, std::string_view value) {
-         s.strokeWidth = std::max(0.0, parseLength(value, s.fontSize).value_or(1));
+         const auto width = parseLength(value, s.fontSize);
+         return assign(s.strokeWidth, width && *width >= 0 ? width : std::nullopt);
      }},
     {"stroke-linecap",
-     [](Style& s, std::string_view value) { s.lineCap = value == "round"    ? 1
-                                                        : value == "square" ? 2
-                                                                            : 0; }},
+     [](Style& s, std::string_view value) {
+         return assign(s.lineCap, oneOf<3>(value, {"butt", "round", "square"}));
+     }},
     {"stroke-linejoin",
-     [](Style& s, std::string_view value) { s.lineJoin = value == "round"   ? 1
-                                                         : value == "bevel" ? 2
-                                                                            : 0; }},
+     [](Style& s, std::string_view value) {
+         return assign(s.lineJoin, oneOf<3>(value, {"miter", "round", "bevel"}));
+     }},
     {"stroke-miterlimit",
-     [](Style& s, std::string_view value) { s.miterLimit = std::max(1.0, parseNumber(value).value_or(4)); }},
+     [](Style& s, std::string_view value) {
+         const auto limit = parseNumber(value);
+         return assign(s.miterLimit, limit && *limit >= 1 ? limit : std::nullopt);
+     }},
     {"stroke-dashoffset",
-     [](Style& s, std::string_view value) { s.dashOffset = parseLength(value, s.fontSize).value_or(0); }},
-    {"stroke-dasharray", [](Style& s, std::string_view value) { s.dashes = parseDashes(value, s.fontSize); }},
-    {"fill-rule", [](Style& s, std::string_view value) { s.evenOdd = value == "evenodd"; }},
-    {"font-family", [](Style& s, std::string_view value) { s.font.families = parseFamilies(value); }},
-    {"font-size", [](Style& s, std::string_view value) { s.fontSize = parseFontSize(value, s.fontSize); }},
-    {"font-weight", [](Style& s, std::string_view value) { s.font.weight = parseWeight(value, s.font.weight); }},
+     [](Style& s, std::string_view value) { return assign(s.dashOffset, parseLength(value, s.fontSize)); }},
+    {"stroke-dasharray", setDashes},
+    {"fill-rule",
+     [](Style& s, std::string_view value) {
+         return assign(s.evenOdd, oneOf<2>(value, {"nonzero", "evenodd"}));
+     }},
+    {"font-family",
+     [](Style& s, std::string_view value) {
+         s.font.families = parseFamilies(value);
+         return !s.font.families.empty();
+     }},
+    {"font-size",
+     [](Style& s, std::string_view value) { return assign(s.fontSize, parseFontSize(value, s.fontSize)); }},
+    {"font-weight",
+     [](Style& s, std::string_view value) { return assign(s.font.weight, parseWeight(value, s.font.weight)); }},
     {"font-style",
-     [](Style& s, std::string_view value) { s.font.italic = value == "italic" || value.starts_with("oblique"); }},
+     [](Style& s, std::string_view value) {
+         s.font.italic = value == "italic" || value.starts_with("oblique");
+         return s.font.italic || value == "normal";
+     }},
     {"text-anchor",
      [](Style& s, std::string_view value) {
-         s.anchor = value == "middle" ? Anchor::Middle : value == "end" ? Anchor::End : Anchor::Start;
+         return assign(s.anchor, oneOf<3>(value, {"start", "middle", "end"}));
      }},
-    {"visibility", [](Style& s, std::string_view value) { s.visible = value == "visible"; }},
-    {"display", [](Style& s, std::string_view value) { s.display = value != "none"; }},
+    {"visibility",
+     [](Style& s, std::string_view value) {
+         const auto found = oneOf<3>(value, {"visible", "hidden", "collapse"});
+         s.visible = found ? *found == 0 : s.visible;
+         return found.has_value();
+     }},
+    {"display",
+     [](Style& s, std::string_view value) {
+         s.display = value != "none";
+         return true;
+     }},
     {"letter-spacing", setSpacing},
     {"word-spacing", setSpacing},
     {"text-decoration", setDecoration},
@@ -157,14 +227,27 @@ const std::map<std::string_view, Setter> kProperties = {
     {"writing-mode",
      [](Style& s, std::string_view value) {
          s.unusualText = s.unusualText || (value != "lr-tb" && value != "horizontal-tb" && value != "lr");
+         return true;
      }},
     {"clip-path", setEffect},
     {"mask", setEffect},
     {"filter", setEffect},
     {"marker", setEffect},
-    {"mix-blend-mode", [](Style& s, std::string_view value) { s.complex = s.complex || value != "normal"; }},
+    {"mix-blend-mode",
+     [](Style& s, std::string_view value) {
+         s.complex = s.complex || value != "normal";
+         return true;
+     }},
     {"shape-inside", setFlow},
     {"inline-size", setFlow},
+    {"transform", setTransform},
+    // only what holds without them
+    {"font", setNormal},
+    {"font-variant", setNormal},
+    {"font-stretch", setNormal},
+    {"paint-order", setNormal},
+    {"text-transform", setNormal},
+    {"vector-effect", setNormal},
 };
 
 } // namespace
@@ -186,6 +269,22 @@ std::vector<std::string_view> splitWords(std::string_view text, std::string_view
     return words;
 }
 
+std::optional<double> parseNumber(std::string_view text, std::string_view* rest) {
+    text = trimmedAscii(text);
+    if (!text.empty() && text[0] == '+')
+        text.remove_prefix(1);
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || !std::isfinite(value) || std::fabs(value) > kMaximumLength)
+        return std::nullopt;
+    const std::string_view behind = text.substr(static_cast<std::size_t>(end - text.data()));
+    if (rest != nullptr)
+        *rest = behind;
+    else if (!behind.empty())
+        return std::nullopt;
+    return value;
+}
+
 std::optional<double> parseLength(std::string_view text, double fontSize) {
     static const std::map<std::string_view, double> kUnits = {
         {"", 1}, {"px", 1}, {"pt", 96.0 / 72}, {"pc", 16}, {"mm", 96 / 25.4}, {"cm", 96 / 2.54}, {"in", 96}};
@@ -199,66 +298,24 @@ std::optional<double> parseLength(std::string_view text, double fontSize) {
     return found == kUnits.end() ? std::nullopt : std::optional(*value * found->second);
 }
 
-std::optional<Rgb> parseColor(std::string_view text) {
-    static const std::map<std::string_view, Rgb> kNames = {
-        {"black", {0, 0, 0}},      {"white", {255, 255, 255}},  {"gray", {128, 128, 128}},
-        {"grey", {128, 128, 128}}, {"silver", {192, 192, 192}}, {"red", {255, 0, 0}},
-        {"maroon", {128, 0, 0}},   {"green", {0, 128, 0}},      {"lime", {0, 255, 0}},
-        {"blue", {0, 0, 255}},     {"navy", {0, 0, 128}},       {"yellow", {255, 255, 0}},
-        {"olive", {128, 128, 0}},  {"orange", {255, 165, 0}},   {"purple", {128, 0, 128}},
-        {"teal", {0, 128, 128}},   {"aqua", {0, 255, 255}},     {"fuchsia", {255, 0, 255}}};
-    text = trimmedAscii(text);
-    if (const auto named = kNames.find(text); named != kNames.end())
-        return named->second;
-    if (!text.empty() && text[0] == '#') {
-        unsigned value = 0;
-        const auto [end, error] = std::from_chars(text.data() + 1, text.data() + text.size(), value, 16);
-        if (error != std::errc() || end != text.data() + text.size())
-            return std::nullopt;
-        const auto part = [&](int shift, unsigned mask, unsigned factor) {
-            return static_cast<std::uint8_t>((value >> shift & mask) * factor);
-        };
-        if (text.size() == 7)
-            return Rgb{part(16, 255, 1), part(8, 255, 1), part(0, 255, 1)};
-        if (text.size() == 4)
-            return Rgb{part(8, 15, 17), part(4, 15, 17), part(0, 15, 17)};
-        return std::nullopt;
-    }
-    if (text.substr(0, 4) == "rgb(" && text.back() == ')') {
-        const auto words = splitWords(text.substr(4, text.size() - 5));
-        if (words.size() != 3)
-            return std::nullopt;
-        std::array<std::uint8_t, 3> parts{};
-        for (std::size_t i = 0; i < 3; ++i) {
-            std::string_view rest;
-            const auto value = parseNumber(words[i], &rest);
-            if (!value)
-                return std::nullopt;
-            parts[i] = static_cast<std::uint8_t>(std::clamp(rest == "%" ? *value * 2.55 : *value, 0.0, 255.0));
-        }
-        return Rgb{parts[0], parts[1], parts[2]};
-    }
-    return std::nullopt;
-}
-
 Style Style::inherited() const {
     Style child = *this;
     child.opacity = 1;
+    child.transform = {};
     child.display = true;
     child.complex = false;
     child.flowed = false;
     return child;
 }
 
-void Style::apply(std::string_view property, std::string_view value) {
+bool Style::apply(std::string_view property, std::string_view value) {
     if (const auto mark = value.find("!important"); mark != std::string_view::npos)
         value = value.substr(0, mark);
     value = trimmedAscii(value);
     if (value.empty() || value == "inherit")
-        return;
+        return true;
     const auto known = kProperties.find(property.starts_with("marker") ? "marker" : property);
-    if (known != kProperties.end())
-        known->second(*this, value);
+    return known == kProperties.end() || known->second(*this, value);
 }
 
 bool StyleSheet::Selector::matches(std::string_view name, const std::vector<std::string_view>& classes,
@@ -292,6 +349,9 @@ void StyleSheet::add(std::string_view source) {
     for (std::size_t open = 0; (open = rest.find('{')) != std::string_view::npos;) {
         const auto close = std::min(rest.find('}', open), rest.size());
         const auto declarations = parseDeclarations(rest.substr(open + 1, close - open - 1));
+        for (const auto& [property, value] : declarations)
+            if (Style scratch; !scratch.apply(property, value))
+                notUnderstood_.push_back(property + ": " + value);
         for (const auto part : splitWords(rest.substr(0, open), ",")) {
             const auto selector = trimmedAscii(part);
             const auto mark = std::min(selector.find_first_of(".#"), selector.size());

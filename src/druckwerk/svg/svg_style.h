@@ -1,8 +1,8 @@
 // Computed styles of SVG elements: presentation attributes, style sheets with plain selectors, style attributes.
 #pragma once
 
+#include "druckwerk/common/font_request.h"
 #include "druckwerk/common/geometry.h"
-#include "druckwerk/text/font.h"
 
 #include <optional>
 #include <string>
@@ -16,7 +16,8 @@ namespace kvtdruck::druckwerk {
 struct Paint {
     enum class Kind : std::uint8_t { None, Color, Complex } kind = Kind::None;
     Rgb color;
-    double opacity = 1;
+    double opacity = 1; ///< the property's
+    double alpha = 1;   ///< the colour's own
 };
 
 /// The properties that matter here, as they hold for one element. Lengths are user units.
@@ -39,13 +40,16 @@ struct Style {
     bool unusualText = false; ///< letter spacing, decorations, vertical writing
     // not inherited
     double opacity = 1;
+    Matrix transform;
+    Matrix transform;
     bool display = true;
     bool complex = false; ///< clips, masks, filters, markers, blending
     bool flowed = false;  ///< shape-inside and its like
 
     /// The style that a child begins with.
     Style inherited() const;
-    void apply(std::string_view property, std::string_view value);
+    /// Takes a property that matters here; false where its value is none that is understood.
+    bool apply(std::string_view property, std::string_view value);
 };
 
 /// A style sheet. Only selectors for an element, a class, both, or an id take effect.
@@ -66,6 +70,10 @@ class StyleSheet {
     void apply(Style& style, std::string_view name, std::string_view classes, std::string_view id) const;
     /// Selectors that are beyond this reader.
     const std::vector<std::string>& ignored() const { return ignored_; }
+    /// Declarations with values that are beyond it.
+    const std::vector<std::string>& notUnderstood() const { return notUnderstood_; }
+    /// Declarations with values that are beyond it.
+    const std::vector<std::string>& notUnderstood() const { return notUnderstood_; }
 
   private:
     struct Rule {
@@ -74,6 +82,8 @@ class StyleSheet {
     };
     std::vector<Rule> rules_; // by specificity, then in order
     std::vector<std::string> ignored_;
+    std::vector<std::string> notUnderstood_;
+    std::vector<std::string> notUnderstood_;
 };
 
 /// The declarations of a style attribute or a rule's body.
@@ -81,8 +91,13 @@ std::vector<StyleSheet::Declaration> parseDeclarations(std::string_view text);
 /// Splits at blanks and commas.
 std::vector<std::string_view> splitWords(std::string_view text, std::string_view separators = " \t\r\n,");
 std::string_view trimmedAscii(std::string_view text);
+/// A number within ±100,000 at the beginning of `text`; nothing where there is none, or where something follows it
+/// that `rest` does not take.
+std::optional<double> parseNumber(std::string_view text, std::string_view* rest = nullptr);
+/// A number within ±100,000 at the beginning of `text`; nothing where there is none, or where something follows it
+/// that `rest` does not take.
+std::optional<double> parseNumber(std::string_view text, std::string_view* rest = nullptr);
 /// A length in user units (96 to the inch); nothing where it is none, or is beyond ±100,000.
 std::optional<double> parseLength(std::string_view text, double fontSize = 16);
-std::optional<Rgb> parseColor(std::string_view text);
 
 } // namespace kvtdruck::druckwerk

@@ -1,5 +1,6 @@
 // Locales by name: a few that are always there, and those of the system.
 #include "platform/posix/posix_platform.h"
+#include "values/letters.h"
 
 #include <algorithm>
 #include <array>
@@ -16,9 +17,8 @@ namespace {
 
 /// "de_CH.UTF-8" → "de-ch": the form in which names are compared.
 std::string canonicalName(std::string_view name) {
-    std::string canonical(name.substr(0, name.find_first_of(".@")));
-    for (char& letter : canonical)
-        letter = letter == '_' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    std::string canonical = asciiLower(name.substr(0, name.find_first_of(".@")));
+    std::replace(canonical.begin(), canonical.end(), '_', '-');
     return canonical;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/posix/posix_platform.h"
 
 #include "values/conversion.h"
+#include "values/letters.h"
 
 #include <algorithm>
 #include <array>
@@ -143,9 +144,7 @@ std::vector<std::string> splitCommandLine(StringView commandLine) {
 
 bool isPreviewViewer(std::string program) {
     program.erase(0, program.find_last_of("\\/") + 1);
-    std::transform(program.begin(), program.end(), program.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return program == "llview12.exe";
+    return asciiLower(program) == "llview12.exe";
 }
 
 /// Whether the search path (or, for a name with "/", the path itself) leads to a program of that name.

@@ -1,4 +1,6 @@
-#include "druckwerk/pdf/document.h"
+#include "druckwerk/page/canvas.h"
+
+#include "druckwerk/pdf/pdf_syntax.h"
 
 #include <charconv>
 #include <cmath>
@@ -16,17 +18,6 @@ void appendHundredths(std::string& out, std::int64_t value) {
 }
 
 } // namespace
-
-void appendColor(std::string& out, Rgb color) {
-    for (const std::uint8_t part : {color.red, color.green, color.blue}) {
-        std::array<char, 8> text;
-        const int thousandths = (part * 1000 + 127) / 255;
-        const int written = thousandths == 1000 ? std::snprintf(text.data(), text.size(), "1 ")
-                            : thousandths == 0  ? std::snprintf(text.data(), text.size(), "0 ")
-                                                : std::snprintf(text.data(), text.size(), ".%03d ", thousandths);
-        out.append(text.data(), static_cast<std::size_t>(written));
-    }
-}
 
 void Canvas::clear() {
     buffer_.clear();
@@ -131,23 +122,24 @@ void Canvas::addLate(const LateText& late) {
     buffer_.clear();
 }
 
-void Canvas::showPageCount(const ShapedText& before, const ShapedText& after, Face& face, Point at, double size,
-                           Rgb color, Anchor anchor) {
+void Canvas::showPageCount(std::span<const ShapedText> parts, Face& face, Point at, double size, Rgb color,
+                           Anchor anchor) {
     endText(); // the shift moves the line's beginning, so the line has a text object of its own
-    at.x -= (before.width + after.width) * size * shareLeft(anchor);
+    for (const ShapedText& part : parts)
+        at.x -= part.width * size * shareLeft(anchor);
     moveText(at, color);
     buffer_ += '\n';
-    if (anchor != Anchor::Start)
+    for (std::size_t count = 1; count < parts.size() && anchor != Anchor::Start; ++count)
         addLate({face.number(), size, anchor, true});
-    for (std::size_t i = 0; i < before.count; ++i) {
-        setFont(*before.run(i).face, size);
-        showRun(before.run(i));
-    }
-    setFont(face, size);
-    addLate({face.number(), size, Anchor::Start, false});
-    for (std::size_t i = 0; i < after.count; ++i) {
-        setFont(*after.run(i).face, size);
-        showRun(after.run(i));
+    for (const ShapedText& part : parts) {
+        if (&part != parts.data()) {
+            setFont(face, size);
+            addLate({face.number(), size, Anchor::Start, false});
+        }
+        for (std::size_t i = 0; i < part.count; ++i) {
+            setFont(*part.run(i).face, size);
+            showRun(part.run(i));
+        }
     }
     endText();
 }

@@ -2,6 +2,9 @@
 #pragma once
 
 #include "druckwerk/layout/layout.h"
+#include "druckwerk/page/document.h"
+
+#include <filesystem>
 
 namespace kvtdruck::druckwerk {
 

@@ -1,8 +1,10 @@
-#include "druckwerk/layout/artwork.h"
+#include "druckwerk/page/artwork.h"
 
 #include "druckwerk/common/deleter.h"
 #include "druckwerk/common/fault.h"
 #include "druckwerk/pdf/form_import.h"
+#include "druckwerk/svg/limits.h"
+#include "platform/posix/bounded_work.h"
 
 #include <cairo-pdf.h>
 #include <librsvg/rsvg.h>
@@ -19,7 +21,7 @@ using Surface = std::unique_ptr<cairo_surface_t, Deleter<cairo_surface_destroy>>
 using Drawing = std::unique_ptr<cairo_t, Deleter<cairo_destroy>>;
 
 [[noreturn]] void fail(const std::string& reason) {
-    throw Fault(kLayoutInvalid, "Die Zeichnung des Layouts kann nicht dargestellt werden: " + reason);
+    throw WorkFailed("Die Zeichnung des Layouts kann nicht dargestellt werden: " + reason);
 }
 
 /// A PDF with one page for each foreign element.
@@ -53,13 +55,27 @@ std::string drawElements(const Layout& layout, const std::filesystem::path& fold
     return pdf;
 }
 
+/// The drawing, made where it can neither compute nor grow for ever.
+std::string drawn(const Layout& layout, const std::filesystem::path& folder) {
+    std::optional<std::string> pdf;
+    try {
+        pdf = runBounded({limits::kArtworkComputing, limits::kArtworkWaiting, limits::kArtworkMemory},
+                         [&] { return drawElements(layout, folder); });
+    } catch (const WorkFailed& failure) {
+        throw Fault(kLayoutInvalid, failure.what());
+    }
+    if (!pdf)
+        throw Fault(kLayoutRefused, "Die Zeichnung des Layouts braucht zu viel Zeit oder Speicher");
+    return *std::move(pdf);
+}
+
 } // namespace
 
 int embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder) {
     const auto source = layoutFolder.string() + '\n' + layout.foreignSource;
     if (const auto first = document.formsOf(source))
         return *first;
-    return document.useForms(source, importPages(document.output(), drawElements(layout, layoutFolder)));
+    return document.useForms(source, importPages(document.output(), drawn(layout, layoutFolder)));
 }
 
 } // namespace kvtdruck::druckwerk

@@ -1,4 +1,6 @@
-#include "druckwerk/pdf/document.h"
+#include "druckwerk/page/document.h"
+
+#include "druckwerk/pdf/pdf_syntax.h"
 
 namespace kvtdruck::druckwerk {
 
@@ -206,7 +208,7 @@ std::string PdfDocument::Links::entries() const {
     return count == 0 ? text : text + "/Count " + std::to_string(count);
 }
 
-void PdfDocument::finish(const DocumentInfo& info) {
+std::unique_ptr<AtomicFile> PdfDocument::finish(const DocumentInfo& info) {
     writeLateTexts();
     writePageTree();
     writeResources();
@@ -222,7 +224,7 @@ void PdfDocument::finish(const DocumentInfo& info) {
                                         "/Creator " + pdfText(info.creator) + "/Producer " + pdfText(info.creator) +
                                         "/CreationDate" + pdfDate(info.date) + "/ModDate" + pdfDate(info.date) +
                                         ">>");
-    output_.finish(catalog, infoObject);
+    return output_.finish(catalog, infoObject);
 }
 
 } // namespace kvtdruck::druckwerk

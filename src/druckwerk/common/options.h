@@ -1,0 +1,89 @@
+// The surroundings that an engine is given: where its output goes and whom it asks and tells.
+#pragma once
+
+#include "druckwerk/common/definition.h"
+#include "druckwerk/common/engine_codes.h"
+#include "druckwerk/common/print_date.h"
+#include "platform/posix/atomic_file.h"
+#include "values/locale.h"
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvtdruck::druckwerk {
+
+/// How far a print job is.
+struct Progress {
+    std::string_view text;
+    int percent = 0;
+    int page = 0;
+};
+
+/// A finished document on its way to a printer.
+struct Document {
+    std::filesystem::path file; ///< PDF; deleted after the call
+    std::string title;          ///< what the queue shows
+    int pages = 0;
+};
+
+/// The print job that an options dialog is about.
+struct OptionsRequest {
+    std::string listName;
+    std::filesystem::path output; ///< in and out: the PDF file to write; empty for a printer
+};
+
+/// What a designer is opened on.
+struct DesignRequest {
+    std::string title;
+    std::filesystem::path layout;        ///< the layout's file, which may not be there yet
+    std::vector<Definition> definitions; ///< in the order in which the report defined them
+};
+
+/// How a job's pages go into a document that several jobs share: one behind the other, with page numbers and an
+/// outline that run through.
+struct JobPlace {
+    /// The next job goes on in the same document, which stays open. Read when a job ends.
+    bool more = false;
+    /// The entries of the outline around the job's own, outermost first. Read when the job's first page begins.
+    std::vector<std::string> bookmark;
+};
+
+/// Takes a file that is complete and not yet in its place.
+using FinishedSink = std::function<void(std::unique_ptr<AtomicFile>)>;
+
+/// Surroundings of the engine. Texts are UTF-8; every hook may be empty and is called on the caller's thread.
+struct Options {
+    /// The PDF file that a print job writes. Empty: the document goes to `deliver`.
+    std::filesystem::path output;
+    /// Takes the complete file of a job, which has its place once it is committed. Where this is empty, a job that
+    /// has ended well commits it.
+    FinishedSink finished;
+    /// Hands a finished document to a printer; answers 0 or an engine code, having put its message into `message`.
+    std::function<std::int32_t(const Document& document, std::string& message)> deliver;
+    /// Lets the user choose printer or file before a job; answers 0, -99 or an engine code.
+    std::function<std::int32_t(OptionsRequest& request, std::string& message)> optionsDialog;
+    /// Opens the designer and waits for its end; answers 0 or an engine code.
+    std::function<std::int32_t(const DesignRequest& request, std::string& message)> design;
+    std::function<void(const Progress&)> progress;
+    /// Takes German warnings, each one once a job.
+    std::function<void(std::string_view)> warn;
+    /// Takes the error behind every error code that an operation answers.
+    std::function<void(const EngineError&)> error;
+    /// Set from anywhere (a signal handler) to cancel the job in hand.
+    const std::atomic<bool>* cancelled = nullptr;
+    /// The place of the job in hand, which the owner may change from job to job. Without it every job makes a
+    /// document of its own.
+    const JobPlace* place = nullptr;
+    PrintDate printDate;
+    /// The notation in which the report hands over numbers and dates, and in which they are printed.
+    Locale locale = germanLocale();
+    std::string creator = "KVTDruck";
+};
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,156 @@
+#include "druckwerk/exits/palette.h"
+
+#include "druckwerk/svg/xml_tree.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+
+namespace kvtdruck::druckwerk {
+namespace {
+
+/// The layer that lists the variables and fields. It lies beside the page while the designer is open and is taken
+/// out of the layout afterwards.
+constexpr const char* kPalette = "Feldliste";
+/// Where objects go that the user has left in the palette's layer.
+constexpr const char* kBackground = "Hintergrund";
+/// What a text of the palette was when the designer was opened.
+constexpr const char* kMark = "data-feldliste";
+
+/// Millimetres of the palette: its distance from the page, the height of a line, the width of a column and its
+/// lines.
+constexpr double kGap = 10;
+constexpr double kLineHeight = 6;
+constexpr double kColumnWidth = 60;
+constexpr int kLinesPerColumn = 45;
+
+constexpr const char* kInkscape = "http://www.inkscape.org/namespaces/inkscape";
+constexpr const char* kSvg = "http://www.w3.org/2000/svg";
+
+const xmlChar* xml(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+void setLabel(xmlNode* layer, const char* label) {
+    xmlNs* inkscape = xmlSearchNsByHref(layer->doc, layer, xml(kInkscape));
+    if (inkscape == nullptr)
+        inkscape = xmlNewNs(xmlDocGetRootElement(layer->doc), xml(kInkscape), xml("inkscape"));
+    xmlSetNsProp(layer, inkscape, xml("groupmode"), xml("layer"));
+    xmlSetNsProp(layer, inkscape, xml("label"), xml(label));
+}
+
+std::vector<xmlNode*> childrenOf(xmlNode* node) {
+    std::vector<xmlNode*> children;
+    forEachChild(node, [&](xmlNode* child) { children.push_back(child); });
+    return children;
+}
+
+void removeNode(xmlNode* node) {
+    xmlUnlinkNode(node);
+    xmlFreeNode(node);
+}
+
+/// Place and text of a palette's text.
+std::string describe(xmlNode* text) {
+    std::string description;
+    for (const char* name : {"x", "y", "transform"})
+        description += attribute(text, name) + " ";
+    xmlChar* content = xmlNodeGetContent(text);
+    description += viewOf(content);
+    xmlFree(content);
+    return description;
+}
+
+/// Takes the palette out; gives whether the user has left anything in it.
+bool removePalette(xmlNode* svg) {
+    bool kept = false;
+    for (xmlNode* palette : childrenOf(svg)) {
+        if (layerLabel(palette) != kPalette)
+            continue;
+        for (xmlNode* text : childrenOf(palette))
+            if (hasAttribute(text, kMark) && attribute(text, kMark) == describe(text))
+                removeNode(text);
+        if (childrenOf(palette).empty()) {
+            removeNode(palette);
+        } else {
+            setLabel(palette, kBackground);
+            kept = true;
+        }
+    }
+    forEachElement(svg, [](xmlNode* node) { xmlUnsetProp(node, xml(kMark)); });
+    return kept;
+}
+
+/// The page's width in the units in which the layout is drawn.
+double pageWidth(const xmlNode* svg) {
+    std::istringstream viewBox(attribute(svg, "viewBox"));
+    double left = 0, top = 0, width = 0;
+    viewBox >> left >> top >> width;
+    return width > 0 ? left + width : std::strtod(attribute(svg, "width").c_str(), nullptr);
+}
+
+void addText(xmlNode* layer, double x, double y, const std::string& text, const char* weight) {
+    xmlNode* node = xmlNewChild(layer, nullptr, xml("text"), nullptr);
+    const auto set = [&](const char* name, double value) {
+        std::array<char, 32> digits{};
+        std::snprintf(digits.data(), digits.size(), "%g", value);
+        xmlSetProp(node, xml(name), xml(digits.data()));
+    };
+    set("x", x);
+    set("y", y);
+    const std::string style = std::string("font-family:'Liberation Sans';font-size:3.5px;font-weight:") + weight;
+    xmlSetProp(node, xml("style"), xml(style.c_str()));
+    xmlNodeAddContent(node, xml(text.c_str()));
+    xmlSetProp(node, xml(kMark), xml(describe(node).c_str()));
+}
+
+/// One column of texts beside the page for the variables, then one for the fields, each as long as it takes. The
+/// layer is the lowest one, since the designer puts new objects into the topmost.
+void addPalette(xmlNode* svg, const std::vector<Definition>& definitions) {
+    const auto children = childrenOf(svg);
+    const auto lowest =
+        std::find_if(children.begin(), children.end(), [](const xmlNode* child) { return svgName(child) == "g"; });
+    xmlNode* layer = xmlNewDocNode(svg->doc, xmlSearchNsByHref(svg->doc, svg, xml(kSvg)), xml("g"), nullptr);
+    lowest == children.end() ? xmlAddChild(svg, layer) : xmlAddPrevSibling(*lowest, layer);
+    setLabel(layer, kPalette);
+    double x = pageWidth(svg) + kGap;
+    for (const bool fields : {false, true}) {
+        int line = 0;
+        addText(layer, x, 0, fields ? "Felder" : "Variablen", "bold");
+        for (const auto& definition : definitions) {
+            if (definition.field != fields)
+                continue;
+            if (line == kLinesPerColumn) {
+                line = 0;
+                x += kColumnWidth;
+            }
+            addText(layer, x, ++line * kLineHeight, "{{" + definition.name + "}}", "normal");
+        }
+        x += kColumnWidth;
+    }
+}
+
+} // namespace
+
+std::optional<std::string> withPalette(const std::string& svg, const std::vector<Definition>& definitions) {
+    XmlError ignored;
+    const XmlDocument document = parseXml(svg, ignored, Cdata::Keep);
+    if (!document)
+        return std::nullopt;
+    removePalette(xmlDocGetRootElement(document.get()));
+    addPalette(xmlDocGetRootElement(document.get()), definitions);
+    return textOf(document.get());
+}
+
+std::optional<std::string> withoutPalette(const std::string& svg, bool& hasStrays) {
+    XmlError ignored;
+    const XmlDocument document = parseXml(svg, ignored, Cdata::Keep);
+    if (!document)
+        return std::nullopt;
+    hasStrays = removePalette(xmlDocGetRootElement(document.get()));
+    return textOf(document.get());
+}
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,19 @@
+// The list of variables and fields beside a layout's page while the layout is in the designer.
+#pragma once
+
+#include "druckwerk/common/definition.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kvtdruck::druckwerk {
+
+/// The layout `svg` with the list beside its page; nothing where it is no well-formed XML.
+std::optional<std::string> withPalette(const std::string& svg, const std::vector<Definition>& definitions);
+
+/// The layout without the list; nothing where it is no well-formed XML. What the user has drawn, moved or changed
+/// in the list's layer is kept in the background, and `hasStrays` says that there was any.
+std::optional<std::string> withoutPalette(const std::string& svg, bool& hasStrays);
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,265 @@
+// Workbooks as ECMA-376 describes them, with the least that every spreadsheet reads: rows of numbers and of texts
+// that stand in their cells. They are written here and not by a library, for those that keep memory flat say
+// nothing of rows that a full disk has swallowed.
+#include "druckwerk/exits/xlsx_writer.h"
+
+#include "druckwerk/exits/zip_writer.h"
+#include "values/characters.h"
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <stdexcept>
+#include <utility>
+
+namespace kvtdruck::druckwerk {
+namespace {
+
+/// What a cell, a row and a sheet can hold (ECMA-376 leaves it to Excel, whose documented limits these are:
+/// https://support.microsoft.com/office/excel-specifications-and-limits-1672b34d-7043-467e-8e27-269d656771c3).
+constexpr std::size_t kLongestCell = 32767;
+constexpr std::size_t kMostColumns = 16384;
+constexpr std::size_t kMostRows = 1048576;
+
+constexpr std::string_view kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
+constexpr std::string_view kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
+constexpr std::string_view kPackage = "http://schemas.openxmlformats.org/package/2006/";
+constexpr std::string_view kOffice = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
+constexpr std::string_view kType = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
+
+std::string quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
+/// Two formats of a cell: the plain one, and the bold one of headings, which is number 1.
+std::string styles() {
+    return std::string(kHead) + "<styleSheet xmlns=" + quoted(kMain) +
+           "><fonts count=\"2\"><font><sz val=\"11\"/><name val=\"Calibri\"/></font>"
+           "<font><b/><sz val=\"11\"/><name val=\"Calibri\"/></font></fonts>"
+           "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill>"
+           "<fill><patternFill patternType=\"gray125\"/></fill></fills>"
+           "<borders count=\"1\"><border><left/><right/><top/><bottom/><diagonal/></border></borders>"
+           "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\"/></cellStyleXfs>"
+           "<cellXfs count=\"2\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>"
+           "<xf numFmtId=\"0\" fontId=\"1\" fillId=\"0\" borderId=\"0\" xfId=\"0\" applyFont=\"1\"/></cellXfs>"
+           "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" "
+           "builtinId=\"0\"/></cellStyles></styleSheet>";
+}
+
+/// Text of XML; what XML can't hold is written as the format has it, "_x0001_", and so is what looks like that.
+std::string escaped(StringView text) {
+    const String whole = wellFormed(text);
+    String out;
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        const char16_t c = whole[i];
+        const bool looksEscaped = whole.compare(i, 2, u"_x") == 0 && i + 6 < whole.size() && whole[i + 6] == u'_';
+        if (c == u'&') {
+            out += u"&amp;";
+        } else if (c == u'<') {
+            out += u"&lt;";
+        } else if (c == u'>') {
+            out += u"&gt;";
+        } else if ((c < 0x20 && c != u'\t' && c != u'\n') || c >= 0xFFFE || looksEscaped) {
+            std::array<char, 8> code{};
+            std::snprintf(code.data(), code.size(), "_x%04X_", static_cast<unsigned>(c));
+            out += fromUtf8(code.data());
+        } else {
+            out += c;
+        }
+    }
+    return toUtf8(out);
+}
+
+/// "A" to "XFD".
+std::string columnName(std::size_t column) {
+    std::string name;
+    for (++column; column > 0; column = (column - 1) / 26)
+        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % 26));
+    return name;
+}
+
+/// One sheet: the rows that it has so far, packed.
+class Sheet {
+  public:
+    Sheet(std::string name, std::size_t number)
+        : name_(std::move(name)), entry_("xl/worksheets/sheet" + std::to_string(number) + ".xml") {
+        entry_.write(std::string(kHead) + "<worksheet xmlns=" + quoted(kMain) + "><sheetData>");
+    }
+
+    const std::string& name() const { return name_; }
+    std::size_t rows() const { return rows_; }
+
+    void beginRow() {
+        ++rows_;
+        columns_ = 0;
+        row_ = "<row r=\"" + std::to_string(rows_) + "\">";
+    }
+    void number(double value) {
+        beginCell();
+        std::array<char, 32> digits{};
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+        row_ += "\"><v>";
+        row_.append(digits.data(), end);
+        row_ += "</v></c>";
+    }
+    void text(StringView value, bool heading) {
+        if (value.empty()) {
+            ++columns_; // an empty cell is left out
+            return;
+        }
+        beginCell();
+        row_ += heading ? "\" s=\"1\" t=\"inlineStr\"><is><t" : "\" t=\"inlineStr\"><is><t";
+        const bool keepsBlanks = value.find_first_of(u" \t\n") != StringView::npos;
+        row_ += keepsBlanks ? " xml:space=\"preserve\">" : ">";
+        row_ += escaped(value) + "</t></is></c>";
+    }
+    void endRow() {
+        row_ += "</row>";
+        entry_.write(row_);
+    }
+    const ZipEntry& finish() {
+        entry_.write("</sheetData></worksheet>");
+        entry_.finish();
+        return entry_;
+    }
+
+  private:
+    void beginCell() {
+        if (columns_ == kMostColumns)
+            throw std::runtime_error("Eine XLSX-Datei fasst höchstens 16.384 Spalten");
+        row_ += "<c r=\"" + columnName(columns_++) + std::to_string(rows_);
+    }
+
+    std::string name_;
+    ZipEntry entry_;
+    std::size_t rows_ = 0;
+    std::size_t columns_ = 0;
+    std::string row_;
+};
+
+class XlsxWriter final : public RecordWriter {
+  public:
+    XlsxWriter(AtomicFile& file, Contents contents, std::function<void(std::string_view)> warn)
+        : file_(file), contents_(std::move(contents)), warn_(std::move(warn)) {}
+
+    void variables(std::span<const NamedValue> values) override {
+        ++section_;
+        row(variables_, values);
+    }
+    void record(std::span<const NamedValue> values) override { row(fields_, values); }
+    void finish() override;
+
+  private:
+    /// What is continued from sheet to sheet.
+    struct Series {
+        explicit Series(std::string name) : title(std::move(name)) {}
+        std::string title;
+        int sheets = 0;
+        Sheet* sheet = nullptr;
+        std::vector<String> names;
+    };
+
+    void row(Series& series, std::span<const NamedValue> values);
+    void addSheet(Series& series);
+    StringView fitting(StringView value) const;
+    void writeParts(ZipWriter& archive) const;
+
+    AtomicFile& file_;
+    Contents contents_;
+    std::function<void(std::string_view)> warn_;
+    std::vector<std::unique_ptr<Sheet>> sheets_;
+    Series variables_{"Variablen"};
+    Series fields_{"Felder"};
+    int section_ = 0;
+};
+
+void XlsxWriter::row(Series& series, std::span<const NamedValue> values) {
+    if (series.sheet == nullptr || series.sheet->rows() + 2 > kMostRows) // a line of names and one of values
+        addSheet(series);
+    Sheet& sheet = *series.sheet;
+    if (takeNames(series.names, values)) {
+        sheet.beginRow();
+        sheet.text(u"Abschnitt", true);
+        for (const auto& name : series.names)
+            sheet.text(fitting(name), true);
+        sheet.endRow();
+    }
+    sheet.beginRow();
+    sheet.number(section_);
+    for (const auto& value : values) {
+        if (const auto number = numberOf(value, contents_))
+            sheet.number(*number);
+        else
+            sheet.text(fitting(value.text), false);
+    }
+    sheet.endRow();
+}
+
+void XlsxWriter::addSheet(Series& series) {
+    const std::string name = series.title + (++series.sheets > 1 ? " " + std::to_string(series.sheets) : "");
+    sheets_.push_back(std::make_unique<Sheet>(name, sheets_.size() + 1));
+    series.sheet = sheets_.back().get();
+    series.names.clear();
+}
+
+StringView XlsxWriter::fitting(StringView value) const {
+    if (value.size() <= kLongestCell)
+        return value;
+    if (warn_)
+        warn_("Ein Text hat mehr als 32.767 Zeichen; in der XLSX-Datei steht nur sein Anfang.");
+    return value.substr(0, wholeCharacters(value, kLongestCell));
+}
+
+void XlsxWriter::writeParts(ZipWriter& archive) const {
+    std::string types;
+    std::string sheets;
+    std::string relations;
+    for (std::size_t i = 1; i <= sheets_.size(); ++i) {
+        const std::string number = std::to_string(i);
+        types += "<Override PartName=\"/xl/worksheets/sheet" + number + ".xml\" ContentType=\"" +
+                 std::string(kType) + "worksheet+xml\"/>";
+        sheets += "<sheet name=\"" + sheets_[i - 1]->name() + "\" sheetId=\"" + number + "\" r:id=\"rId" + number +
+                  "\"/>";
+        relations += "<Relationship Id=\"rId" + number + "\" Type=\"" + std::string(kOffice) +
+                     "/worksheet\" Target=\"worksheets/sheet" + number + ".xml\"/>";
+    }
+    const std::string head(kHead);
+    const std::string relationships = "<Relationships xmlns=\"" + std::string(kPackage) + "relationships\">";
+    archive.add("[Content_Types].xml",
+                head + "<Types xmlns=\"" + std::string(kPackage) +
+                    "content-types\"><Default Extension=\"rels\" "
+                    "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+                    "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
+                    "<Override PartName=\"/xl/workbook.xml\" ContentType=\"" +
+                    std::string(kType) +
+                    "sheet.main+xml\"/>"
+                    "<Override PartName=\"/xl/styles.xml\" ContentType=\"" +
+                    std::string(kType) + "styles+xml\"/>" + types + "</Types>");
+    archive.add("_rels/.rels", head + relationships + "<Relationship Id=\"rId1\" Type=\"" + std::string(kOffice) +
+                                   "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>");
+    archive.add("xl/workbook.xml", head + "<workbook xmlns=" + quoted(kMain) + " xmlns:r=" + quoted(kOffice) +
+                                       "><sheets>" + sheets + "</sheets></workbook>");
+    archive.add("xl/_rels/workbook.xml.rels",
+                head + relationships + relations + "<Relationship Id=\"rId" + std::to_string(sheets_.size() + 1) +
+                    "\" Type=\"" + std::string(kOffice) + "/styles\" Target=\"styles.xml\"/></Relationships>");
+    archive.add("xl/styles.xml", styles());
+}
+
+void XlsxWriter::finish() {
+    if (sheets_.empty())
+        addSheet(variables_); // a workbook has a sheet at least
+    ZipWriter archive([&](std::string_view data) { file_.write(data); });
+    writeParts(archive);
+    for (const auto& sheet : sheets_)
+        archive.add(sheet->finish());
+    archive.finish();
+}
+
+} // namespace
+
+std::unique_ptr<RecordWriter> openXlsxWriter(AtomicFile& file, Contents contents,
+                                             std::function<void(std::string_view)> warn) {
+    return std::make_unique<XlsxWriter>(file, std::move(contents), std::move(warn));
+}
+
+} // namespace kvtdruck::druckwerk

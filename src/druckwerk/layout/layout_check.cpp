@@ -1,0 +1,59 @@
+#include "druckwerk/layout/layout_check.h"
+
+#include "druckwerk/common/fault.h"
+#include "druckwerk/layout/layout.h"
+#include "values/letters.h"
+
+#include <algorithm>
+
+namespace kvtdruck::druckwerk {
+
+std::vector<std::string> unknownNames(const Layout& layout, const Definitions& definitions) {
+    std::vector<std::string> messages;
+    const auto known = definitions.list();
+    for (const auto& [slot, use] : layout.names) {
+        if (definitions.isDefined(slot))
+            continue;
+        const std::string name = toUtf8(definitions.nameOf(slot));
+        const Definition* nearest = nullptr;
+        std::size_t least = name.size() < 200 ? std::min<std::size_t>(3, name.size() / 2 + 1) : 0;
+        for (const auto& definition : known)
+            if (definition.name.size() < 200)
+                if (const std::size_t edits = editDistance(name, definition.name); edits < least) {
+                    least = edits;
+                    nearest = &definition;
+                }
+        if (!use.needed && nearest == nullptr)
+            continue; // the condition tells when it is there
+        messages.push_back(use.place + ": Unbekannter Name „" + name + "“" +
+                           (nearest == nullptr ? "" : " (ähnlich: „" + nearest->name + "“)"));
+    }
+    return messages;
+}
+
+std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known,
+                                 bool unused) {
+    Definitions definitions;
+    for (const auto& definition : known)
+        definitions.define(fromUtf8(definition.name), fromUtf8(definition.value), definition.numeric,
+                           definition.field);
+    std::vector<Finding> findings;
+    try {
+        const Layout layout =
+            readLayout(readLayoutFile(file), file.string(), file.parent_path(), definitions, findings);
+        if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
+            return findings;
+        for (const auto& message : unknownNames(layout, definitions))
+            findings.push_back({false, kLayoutInvalid, file.string() + ", " + message});
+        for (const auto& definition : known)
+            if (unused && !layout.names.contains(definitions.slotOf(fromUtf8(definition.name))))
+                findings.push_back({false, kLayoutInvalid,
+                                    file.string() + ": " + (definition.field ? "Feld" : "Variable") + " „" +
+                                        definition.name + "“ wird nicht gedruckt"});
+    } catch (const Fault& fault) {
+        findings.push_back({true, fault.code(), fault.what()});
+    }
+    return findings;
+}
+
+} // namespace kvtdruck::druckwerk

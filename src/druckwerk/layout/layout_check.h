@@ -1,0 +1,25 @@
+// Whether a layout fits what its report defines.
+#pragma once
+
+#include "druckwerk/common/definition.h"
+#include "druckwerk/common/finding.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace kvtdruck::druckwerk {
+
+class Definitions;
+struct Layout;
+
+/// A message for each name that the layout uses and nobody defines, with its place and the most similar one that is
+/// defined. A name that stands only under a condition may be missing, unless it is similar to one that is defined.
+std::vector<std::string> unknownNames(const Layout& layout, const Definitions& definitions);
+
+/// What is to be said about the layout `file`, given what the report defines; nothing is printed. With `unused`
+/// also which variables and fields it does not print.
+std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& definitions,
+                                 bool unused = false);
+
+} // namespace kvtdruck::druckwerk

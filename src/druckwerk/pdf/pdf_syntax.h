@@ -1,0 +1,18 @@
+// Numbers, texts and colours as PDF writes them.
+#pragma once
+
+#include "druckwerk/common/geometry.h"
+
+#include <string>
+#include <string_view>
+
+namespace kvtdruck::druckwerk {
+
+/// `value` with at most two decimals, as PDF numbers are written.
+void appendNumber(std::string& out, double value);
+/// A PDF text string (UTF-16 in hexadecimal) of UTF-16 `text`.
+std::string pdfText(std::u16string_view text);
+/// A colour as operands of a colour operator.
+void appendColor(std::string& out, Rgb color);
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,53 @@
+// XML as a tree of elements, read and written by libxml2.
+#pragma once
+
+#include "druckwerk/common/deleter.h"
+
+#include <libxml/tree.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace kvtdruck::druckwerk {
+
+using XmlDocument = std::unique_ptr<xmlDoc, Deleter<xmlFreeDoc>>;
+
+/// Why a text is no well-formed XML.
+struct XmlError {
+    int line = 0;
+    std::string reason; ///< German
+};
+
+/// What becomes of CDATA sections.
+enum class Cdata { Merge, Keep };
+
+/// The tree of `text`, or none with its error where it is not well-formed. Entities are not expanded, nothing is
+/// fetched.
+XmlDocument parseXml(const std::string& text, XmlError& error, Cdata cdata = Cdata::Merge);
+
+/// The document as text in UTF-8.
+std::string textOf(xmlDoc* document);
+
+/// libxml2's text; "" for nullptr.
+std::string_view viewOf(const xmlChar* text);
+
+/// The element's name if it is one of SVG, else "".
+std::string_view svgName(const xmlNode* node);
+/// The element's name, whatever its namespace.
+std::string_view localName(const xmlNode* node);
+/// An attribute without a namespace, as all of SVG's own are; "" where there is none.
+std::string attribute(const xmlNode* node, const char* name);
+std::string valueOf(const xmlAttr* attribute);
+/// The name that the drawing program shows for a layer.
+std::string layerLabel(const xmlNode* node);
+bool hasAttribute(const xmlNode* node, const char* name);
+bool hasClass(const xmlNode* node, std::string_view cssClass);
+long lineOf(const xmlNode* node);
+/// Calls `visit` for each child element.
+void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit);
+/// The element and everything within it, in order.
+void forEachElement(xmlNode* node, const std::function<void(xmlNode*)>& visit);
+
+} // namespace kvtdruck::druckwerk

@@ -1,0 +1,54 @@
+// A file without a name, for content that is read once it is complete.
+#pragma once
+
+#include "platform/posix/atomic_file.h"
+#include "platform/posix/temporary_folder.h"
+
+#include <cerrno>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace kvtdruck {
+
+/// Lies among the system's temporary files, for its owner alone, and is gone with the object and with the process.
+/// Every operation raises std::system_error where it fails.
+class SpoolFile {
+  public:
+    SpoolFile() {
+        const TemporaryFolder folder; // the file loses its name with it
+        descriptor_ = ::open((folder.path() / "spool").c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (descriptor_ < 0)
+            throw std::system_error(errno, std::generic_category());
+    }
+    SpoolFile(const SpoolFile&) = delete;
+    SpoolFile& operator=(const SpoolFile&) = delete;
+    ~SpoolFile() { ::close(descriptor_); }
+
+    void write(std::string_view data) { writeAll(descriptor_, data); }
+
+    /// Calls `take` with the whole content, piece by piece.
+    template <class Take>
+    void read(Take&& take) const {
+        std::string piece(1 << 16, '\0');
+        for (off_t position = 0;;) {
+            const ssize_t size = ::pread(descriptor_, piece.data(), piece.size(), position);
+            if (size < 0 && errno == EINTR)
+                continue;
+            if (size < 0)
+                throw std::system_error(errno, std::generic_category());
+            if (size == 0)
+                return;
+            take(std::string_view(piece).substr(0, static_cast<std::size_t>(size)));
+            position += size;
+        }
+    }
+
+  private:
+    int descriptor_ = -1;
+};
+
+} // namespace kvtdruck

@@ -1,0 +1,164 @@
+#include "platform/posix/atomic_file.h"
+
+#include "platform/posix/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <fstream>
+#include <functional>
+#include <sys/stat.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+
+namespace kvtdruck {
+namespace {
+
+namespace fs = std::filesystem;
+
+class AtomicFileTest : public ::testing::Test {
+  protected:
+    static void put(const fs::path& file, const std::string& text) {
+        std::ofstream(file, std::ios::binary) << text;
+    }
+    static std::string contentOf(const fs::path& file) {
+        std::ifstream in(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static struct stat statusOf(const fs::path& file) {
+        struct stat status {};
+        EXPECT_EQ(::lstat(file.c_str(), &status), 0);
+        return status;
+    }
+    static int codeOf(const std::function<void()>& step) {
+        try {
+            step();
+        } catch (const std::system_error& error) {
+            return error.code().value();
+        }
+        return 0;
+    }
+    std::size_t filesInFolder() const {
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()));
+    }
+
+    TemporaryFolder folder;
+    fs::path target = folder.path() / "Umsatz.pdf";
+};
+
+TEST_F(AtomicFileTest, AppearsWhenItIsCommitted) {
+    AtomicFile file(target);
+    file.write("neu");
+    EXPECT_FALSE(fs::exists(target));
+    file.commit();
+    EXPECT_EQ(contentOf(target), "neu");
+    EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(AtomicFileTest, WhatWasThereStaysUntilThen) {
+    put(target, "alt");
+    {
+        AtomicFile file(target);
+        file.write("neu");
+        EXPECT_EQ(contentOf(target), "alt");
+    }
+    EXPECT_EQ(contentOf(target), "alt");
+    EXPECT_EQ(filesInFolder(), 1U) << "nothing is left of what was not committed";
+}
+
+TEST_F(AtomicFileTest, ANewDocumentIsItsOwnersAlone) {
+    writeAtomically(target, "neu", AtomicFile::Access::Owner);
+    EXPECT_EQ(statusOf(target).st_mode & 07777, 0600U);
+}
+
+TEST_F(AtomicFileTest, OtherNewFilesAreAsTheMaskSays) {
+    const mode_t mask = ::umask(027);
+    writeAtomically(target, "neu", AtomicFile::Access::Mask);
+    ::umask(mask);
+    EXPECT_EQ(statusOf(target).st_mode & 07777, 0640U);
+}
+
+TEST_F(AtomicFileTest, AReplacedFileKeepsItsMode) {
+    for (const mode_t mode : {0600U, 0640U, 0664U}) {
+        put(target, "alt");
+        ASSERT_EQ(::chmod(target.c_str(), mode), 0);
+        writeAtomically(target, "neu", AtomicFile::Access::Mask);
+        EXPECT_EQ(contentOf(target), "neu");
+        EXPECT_EQ(statusOf(target).st_mode & 07777, mode);
+    }
+}
+
+TEST_F(AtomicFileTest, AReplacedFileKeepsItsOwner) {
+    put(target, "alt");
+    if (::chown(target.c_str(), 12345, 23456) != 0)
+        GTEST_SKIP() << "only root gives files away";
+    writeAtomically(target, "neu", AtomicFile::Access::Owner);
+    EXPECT_EQ(statusOf(target).st_uid, 12345U);
+    EXPECT_EQ(statusOf(target).st_gid, 23456U);
+}
+
+TEST_F(AtomicFileTest, ALinkStaysOneAndItsFileIsReplaced) {
+    const auto link = folder.path() / "aktuell.pdf";
+    put(target, "alt");
+    fs::create_symlink("Umsatz.pdf", link);
+    writeAtomically(link, "neu", AtomicFile::Access::Owner);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(contentOf(target), "neu");
+}
+
+TEST_F(AtomicFileTest, ALinkOfSomebodyElseIsRefused) {
+    const auto link = folder.path() / "aktuell.pdf";
+    put(target, "alt");
+    fs::create_symlink(target, link);
+    if (::lchown(link.c_str(), 12345, 12345) != 0)
+        GTEST_SKIP() << "only root gives links away";
+    EXPECT_EQ(codeOf([&] { AtomicFile file(link); }), EPERM);
+    EXPECT_EQ(contentOf(target), "alt");
+}
+
+TEST_F(AtomicFileTest, ARingOfLinksIsRefused) {
+    fs::create_symlink("b", folder.path() / "a");
+    fs::create_symlink("a", folder.path() / "b");
+    EXPECT_EQ(codeOf([&] { AtomicFile file(folder.path() / "a"); }), ELOOP);
+}
+
+TEST_F(AtomicFileTest, AFolderOrAMissingOneIsAnError) {
+    EXPECT_EQ(codeOf([&] { AtomicFile file(folder.path()); }), EISDIR);
+    EXPECT_EQ(codeOf([&] { AtomicFile file(folder.path() / "fehlt" / "a"); }), ENOENT);
+}
+
+TEST_F(AtomicFileTest, APipeWithANameIsWrittenToAndStays) {
+    ASSERT_EQ(::mkfifo(target.c_str(), 0600), 0);
+    std::string read;
+    std::thread reader([&] { read = contentOf(target); });
+    writeAtomically(target, "neu", AtomicFile::Access::Owner);
+    reader.join();
+    EXPECT_EQ(read, "neu");
+    EXPECT_TRUE(fs::is_fifo(target));
+}
+
+TEST_F(AtomicFileTest, AFullDeviceIsAnErrorAndStays) {
+    EXPECT_EQ(codeOf([&] { writeAtomically("/dev/full", "neu", AtomicFile::Access::Owner); }), ENOSPC);
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+/// A descriptor that is named by a path is written to where it stands, be it a plain file.
+TEST_F(AtomicFileTest, ADescriptorOfThisProcessIsWrittenToWhereItStands) {
+    put(target, "davor ");
+    const int descriptor = ::open(target.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    ASSERT_GE(descriptor, 0);
+    const auto before = statusOf(target).st_ino;
+    const auto link = folder.path() / "ausgabe";
+    fs::create_symlink("/proc/self/fd/" + std::to_string(descriptor), link);
+    writeAtomically(link, "neu", AtomicFile::Access::Owner);
+    writeAtomically("/dev/fd/" + std::to_string(descriptor), "!", AtomicFile::Access::Owner);
+    ::close(descriptor);
+    EXPECT_EQ(contentOf(target), "davor neu!");
+    EXPECT_EQ(statusOf(target).st_ino, before);
+    EXPECT_TRUE(fs::is_symlink(link));
+}
+
+} // namespace
+} // namespace kvtdruck
