@@ -1,9 +1,12 @@
 #include "cli/application_folder.h"
 
-#include <cstdlib>
-#include <string>
+#include "platform/posix/atomic_file.h"
 
-#include <unistd.h>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
 
 namespace kvtdruck::cli {
 namespace {
@@ -28,17 +31,27 @@ fs::path shippedLayouts() {
     return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "share" / "kvtdruck" / "layouts";
 }
 
-/// Copies what is missing. A file appears under its name only when it is complete: another run may be looking for
-/// it.
+/// The copy appears under its name only when it is complete: another run may be looking for it.
+void copyWhole(const fs::path& from, const fs::path& to) {
+    std::ifstream in(from, std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(in), {}};
+    if (!in)
+        throw fs::filesystem_error("", from, std::make_error_code(std::errc::io_error));
+    try {
+        writeAtomically(to, content, AtomicFile::Access::Mask);
+    } catch (const std::system_error& error) {
+        throw fs::filesystem_error("", to, error.code());
+    }
+}
+
+/// Copies what is missing.
 void copyMissing(const fs::path& from, const fs::path& to) {
     for (const auto& entry : fs::recursive_directory_iterator(from)) {
         const auto target = to / entry.path().lexically_relative(from);
         if (entry.is_directory()) {
             fs::create_directories(target);
         } else if (!fs::exists(target)) {
-            const fs::path unfinished = target.string() + ".unfertig-" + std::to_string(::getpid());
-            fs::copy_file(entry.path(), unfinished, fs::copy_options::overwrite_existing);
-            fs::rename(unfinished, target);
+            copyWhole(entry.path(), target);
         }
     }
 }
