@@ -7,7 +7,7 @@
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "control/recording_control.h"
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 #include "druckwerk/exits/designer.h"
 #include "kvtzug/kvtzug.h"
 #include "manager/clsDruckManager.h"

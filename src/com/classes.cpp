@@ -5,7 +5,7 @@
 #include "com/formular_class.h"
 #include "com/parameters.h"
 #include "manager/clsDruckManager.h"
-#include "reports/berichte.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck::com {
 namespace {

@@ -1,6 +1,6 @@
 #include "engine/clsDruckFormular.h"
 
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 #include "module/error_rule.h"
 
 namespace kvtdruck {

@@ -3,7 +3,7 @@
 
 #include "engine/DruckFormular.h"
 #include "module/error_rule.h"
-#include "reports/bericht.h"
+#include "reports/report.h"
 
 #include <memory>
 #include <optional>

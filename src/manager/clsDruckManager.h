@@ -3,9 +3,9 @@
 #pragma once
 
 #include "control/control.h"
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 #include "manager/basLL80.h"
-#include "reports/berichte.h"
+#include "reports/report_classes.h"
 
 #include <span>
 

@@ -1,6 +1,6 @@
 // The list of the company's employees with their personal data.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

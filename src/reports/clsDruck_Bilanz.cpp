@@ -1,6 +1,6 @@
 // The balance-sheet figures of one year; the layout forms the ratios.
-#include "reports/berichte.h"
-#include "reports/feldbericht.h"
+#include "reports/array_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

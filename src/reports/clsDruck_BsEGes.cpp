@@ -1,6 +1,6 @@
 // Operating overview in total. Row 0 carries the hours, and is printed as the first line, too.
-#include "reports/berichte.h"
-#include "reports/feldbericht.h"
+#include "reports/array_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

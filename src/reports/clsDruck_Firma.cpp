@@ -1,7 +1,7 @@
 // The company's yearly settings, one year a page, with the public holidays of that year in the company's federal
 // state.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

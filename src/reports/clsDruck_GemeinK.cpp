@@ -1,6 +1,6 @@
 // The overhead accounts of a financial year.
-#include "reports/berichte.h"
-#include "reports/kontenbericht.h"
+#include "reports/account_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

@@ -1,6 +1,6 @@
 // Imputed costs, one year a page.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

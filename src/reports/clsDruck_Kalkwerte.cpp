@@ -1,6 +1,6 @@
 // Calculation values, per hour or per minute.
-#include "reports/berichte.h"
-#include "reports/feldbericht.h"
+#include "reports/array_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

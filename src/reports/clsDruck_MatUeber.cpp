@@ -1,6 +1,6 @@
 // Material amounts and shares of each month and of the year, one year a page.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

@@ -1,6 +1,6 @@
 // Personnel costs: one line per employee and month.
-#include "reports/berichte.h"
-#include "reports/mitarbeiterbericht.h"
+#include "reports/employee_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

@@ -1,6 +1,6 @@
 // Master sheet of an employee with the costs of each month.
-#include "reports/berichte.h"
-#include "reports/mitarbeiterbericht.h"
+#include "reports/employee_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

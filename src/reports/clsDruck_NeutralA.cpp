@@ -1,6 +1,6 @@
 // The neutral expenses of a financial year: overhead accounts with a sign rule.
-#include "reports/berichte.h"
-#include "reports/kontenbericht.h"
+#include "reports/account_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

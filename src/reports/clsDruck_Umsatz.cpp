@@ -1,6 +1,6 @@
 // Turnover per year with its twelve months, one year a page.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

@@ -1,6 +1,6 @@
 // The what-if calculation: each item with its value, its change and its increase.
-#include "reports/berichte.h"
-#include "reports/feldbericht.h"
+#include "reports/array_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {

@@ -1,5 +1,5 @@
 // The company letterhead that all layouts share.
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 #include "engine/clsDruckFormular.h"
 #include "module/error_rule.h"
 #include "values/conversion.h"

@@ -3,7 +3,7 @@
 
 #include "control/control.h"
 #include "dataaccess/members.h"
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 #include "values/text.h"
 #include "values/variant.h"
 

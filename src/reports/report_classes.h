@@ -1,7 +1,7 @@
 // The eighteen report classes, by the names of their coclasses.
 #pragma once
 
-#include "reports/bericht.h"
+#include "reports/report.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "reports/mitarbeiterbericht.h"
+#include "reports/employee_report.h"
 
 namespace kvtdruck {
 namespace {

@@ -1,4 +1,4 @@
-#include "reports/tabelle.h"
+#include "reports/table.h"
 
 #include "module/error_rule.h"
 #include "values/conversion.h"

@@ -1,7 +1,7 @@
 // Reports fed by a reader of the data-access library: one printed line per record, grouped by a key.
 #pragma once
 
-#include "reports/bericht.h"
+#include "reports/report.h"
 
 #include <optional>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "reports/feldbericht.h"
+#include "reports/array_report.h"
 
 namespace kvtdruck {
 

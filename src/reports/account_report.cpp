@@ -1,4 +1,4 @@
-#include "reports/kontenbericht.h"
+#include "reports/account_report.h"
 
 #include "values/conversion.h"
 

@@ -1,10 +1,10 @@
 // The frame that every report follows: read, define, then print, preview or design.
 #pragma once
 
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 #include "engine/DruckFormular.h"
 #include "module/error_rule.h"
-#include "reports/tabelle.h"
+#include "reports/table.h"
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 // Reports on the months of employees.
 #pragma once
 
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
 
 namespace kvtdruck {
 

@@ -1,4 +1,4 @@
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 
 #include "module/error_rule.h"
 

@@ -1,7 +1,7 @@
 // Reports on the accounts of a financial year: one line per account, with the amounts of the year and of one month.
 #pragma once
 
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
 #include "values/conversion.h"
 
 namespace kvtdruck {

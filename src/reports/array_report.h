@@ -1,7 +1,7 @@
 // Reports fed by the host's parameter array: variables from row 0, one printed line per row.
 #pragma once
 
-#include "reports/bericht.h"
+#include "reports/report.h"
 
 namespace kvtdruck {
 

@@ -1,4 +1,4 @@
-#include "reports/bericht.h"
+#include "reports/report.h"
 
 #include "values/conversion.h"
 #include "values/overloaded.h"
