@@ -56,6 +56,10 @@ inline constexpr std::int32_t kEngineSuccess = 0;
 inline constexpr std::int32_t kEnginePageFull = -998;
 inline constexpr std::int32_t kEngineCancelled = -99;
 
+/// How the engine prints a job: on a printer (or into a file), or as a preview.
+inline constexpr std::int32_t kPrintModeNormal = 256;
+inline constexpr std::int32_t kPrintModePreview = 512;
+
 /// Type codes of variables and fields.
 inline constexpr std::int32_t kTypeNumeric = 0x08000000;
 inline constexpr std::int32_t kTypeText = 0x10000000;

@@ -1,5 +1,5 @@
 // The company letterhead that all layouts share.
-#include "dataaccess/record_reader.h"
+#include "dataaccess/company_data.h"
 #include "engine/clsDruckFormular.h"
 #include "module/error_rule.h"
 #include "values/conversion.h"
@@ -7,59 +7,57 @@
 namespace kvtdruck {
 namespace {
 
-constexpr StringView kTrenner = u", ";
+constexpr StringView kSeparator = u", ";
 
 /// Number, name lines, street, postal code and town in one line. The number always leads, and a postal code of 0
 /// counts as one; other parts that consist of blanks are left out together with their separator.
-class Anschrift {
+class Address {
   public:
-    Anschrift(FirmaAllg& firma, const Locale& locale) : firma_(firma), locale_(locale) {}
+    Address(CompanyData& company, const Locale& locale) : company_(company), locale_(locale) {}
 
-    String zeile() {
-        zeile_ = zahl(u"Fnr");
-        zeile_ += kTrenner;
-        haengeAn(u"Name1");
-        haengeAn(u"Name2");
-        haengeAn(u"Strasse");
-        haengeAnTeil(zahl(u"Plz"));
-        haengeAn(u"Ort");
-        if (!trimmed(zeile_).empty())
-            zeile_.resize(zeile_.size() - kTrenner.size());
-        return zeile_;
+    String line() {
+        line_ = number(u"Fnr");
+        line_ += kSeparator;
+        append(u"Name1");
+        append(u"Name2");
+        append(u"Strasse");
+        appendPart(number(u"Plz"));
+        append(u"Ort");
+        if (!trimmed(line_).empty())
+            line_.resize(line_.size() - kSeparator.size());
+        return line_;
     }
 
   private:
-    String zahl(StringView getter) { return textOf(firma_.zahl(getter), locale_); }
+    String number(StringView getter) { return textOf(company_.number(getter), locale_); }
 
     // A text is read once for the emptiness test and once more for appending.
-    void haengeAn(StringView getter) {
-        if (!trimmed(firma_.text(getter)).empty())
-            haengeAnTeil(firma_.text(getter));
+    void append(StringView getter) {
+        if (!trimmed(company_.text(getter)).empty())
+            appendPart(company_.text(getter));
     }
 
-    void haengeAnTeil(StringView teil) {
-        zeile_ += trimmed(teil);
-        zeile_ += kTrenner;
+    void appendPart(StringView part) {
+        line_ += trimmed(part);
+        line_ += kSeparator;
     }
 
-    FirmaAllg& firma_;
+    CompanyData& company_;
     const Locale& locale_;
-    String zeile_;
+    String line_;
 };
 
 } // namespace
 
 bool clsDruckFormular::FKT_DefiniereVariablen_AllgemeineFirmendaten(const ObjectRef& pZuDbFnrAllg,
                                                                     StringView pListenUeberschrift) {
-    const Procedure prozedur{u"clsDruckFormular", u"FKT_DefiniereVariablen_AllgemeineFirmendaten"};
-    return guarded(state_, prozedur, [&] {
-        FirmaAllg firma(state_, pZuDbFnrAllg);
+    const Procedure procedure{u"clsDruckFormular", u"FKT_DefiniereVariablen_AllgemeineFirmendaten"};
+    return guarded(state_, procedure, [&] {
+        CompanyData company(state_, pZuDbFnrAllg);
         const auto& locale = state_.locale();
-        const auto anschrift = Anschrift(firma, locale).zeile();
-        const auto definiere = [&](StringView name, StringView wert) {
-            LlDefineVariableExt(name, wert, kTypeText);
-        };
-        const auto text = [&](StringView name, StringView getter) { definiere(name, firma.text(getter)); };
+        const auto address = Address(company, locale).line();
+        const auto define = [&](StringView name, StringView value) { LlDefineVariableExt(name, value, kTypeText); };
+        const auto text = [&](StringView name, StringView getter) { define(name, company.text(getter)); };
 
         text(u"FnrName1", u"Name1");
         text(u"FnrName2", u"Name2");
@@ -69,12 +67,12 @@ bool clsDruckFormular::FKT_DefiniereVariablen_AllgemeineFirmendaten(const Object
         text(u"FnrLand", u"Land");
         text(u"FnrFax", u"Fax");
         text(u"FnrOrt", u"Ort");
-        definiere(u"FnzPlz", textOf(firma.zahl(u"Plz"), locale)); // so spelled in all layouts
+        define(u"FnzPlz", textOf(company.number(u"Plz"), locale)); // so spelled in all layouts
         text(u"FnrStrasse", u"Strasse");
         text(u"FnrTelefon1", u"Telefon1");
         text(u"FnrTelefon2", u"Telefon2");
-        definiere(u"FnrAnschriftGes", anschrift);
-        definiere(u"Ueberschrift", pListenUeberschrift);
+        define(u"FnrAnschriftGes", address);
+        define(u"Ueberschrift", pListenUeberschrift);
         text(u"FnrWaehrung", u"Waehrung");
         text(u"FnrBundesland", u"Bundesland");
         return true;

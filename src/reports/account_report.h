@@ -6,40 +6,41 @@
 
 namespace kvtdruck {
 
-class Kontenbericht : public Leserbericht {
+class AccountReport : public ReaderReport {
   public:
-    Kontenbericht(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse, StringView titel);
+    AccountReport(const ReportEnvironment& environment, PrintRequest request, StringView className,
+                  StringView title);
 
   protected:
     /// A getter pair for the actual and the target amount.
-    struct Betraege {
-        Mitglied ist;
-        Mitglied soll;
+    struct Amounts {
+        Member actual;
+        Member target;
     };
 
     /// The factor that the current account's amounts are printed with, where it is not 1.
-    virtual std::optional<double> Vorzeichen() { return std::nullopt; }
+    virtual std::optional<double> signFactor() { return std::nullopt; }
     /// Defines the chosen month's amounts.
-    virtual void DefiniereMonat(Betraege& betraege);
+    virtual void defineMonth(Amounts& amounts);
 
-    double Betrag(Mitglied& getter) { return toDouble(leser().wert(getter), locale()); }
-    void DefiniereBetrag(StringView name, double betrag, std::optional<double> faktor);
+    double amountOf(Member& getter) { return toDouble(reader().value(getter), locale()); }
+    void defineAmount(StringView name, double amount, std::optional<double> factor);
 
     /// KtoBetrArt of the current account.
-    float KtoBetrArt() { return toSingle(leser().wert(ktoBetrArt_), locale()); }
+    float KtoBetrArt() { return toSingle(reader().value(ktoBetrArt_), locale()); }
 
   private:
-    Lesemeldung lesemeldung() const override;
-    bool LeseDaten() override;
+    ReadFailure readFailure() const override;
+    bool readData() override;
     bool Definiere_Übergebe_Felder() override;
-    void DefiniereBetraege(StringView nameIst, StringView nameSoll, Betraege& betraege);
-    std::optional<int> Monat();
+    void defineAmounts(StringView actualName, StringView targetName, Amounts& amounts);
+    std::optional<int> selectedMonth();
 
-    GebundeneTabelle konto_;
-    GebundeneTabelle merkmale_;
-    Betraege jahr_;
-    std::vector<Betraege> monate_;
-    Mitglied ktoBetrArt_{u"KtoBetrArt", ValueType::Single};
+    BoundTable account_;
+    BoundTable traits_;
+    Amounts year_;
+    std::vector<Amounts> months_;
+    Member ktoBetrArt_{u"KtoBetrArt", ValueType::Single};
 };
 
 } // namespace kvtdruck

@@ -2,36 +2,36 @@
 
 namespace kvtdruck {
 
-bool Feldbericht::Definiere_Übergebe_Variablen() {
-    return Prozedurrumpf(u"Definiere_Übergebe_Variablen", [this] {
-        Definiere(kVariable, variablen_, Satz{});
+bool ArrayReport::Definiere_Übergebe_Variablen() {
+    return guardedProcedure(u"Definiere_Übergebe_Variablen", [this] {
+        define(kVariable, variables_, Record{});
         return true;
     });
 }
 
-bool Feldbericht::Definiere_Übergebe_Felder(std::int16_t zeile) {
-    return Prozedurrumpf(u"Definiere_Übergebe_Felder", [&] {
-        DefiniereFelder(zeile);
+bool ArrayReport::Definiere_Übergebe_Felder(std::int16_t row) {
+    return guardedProcedure(u"Definiere_Übergebe_Felder", [&] {
+        defineFields(row);
         return true;
     });
 }
 
-void Feldbericht::DefiniereFelder(std::int16_t zeile) {
-    Definiere(kFeld, felder_, Satz{nullptr, zeile});
+void ArrayReport::defineFields(std::int16_t row) {
+    define(kField, fields_, Record{nullptr, row});
 }
 
-bool Feldbericht::DefiniereAlles() {
+bool ArrayReport::defineAll() {
     return Definiere_Übergebe_Variablen() && Definiere_Übergebe_Felder(0);
 }
 
-bool Feldbericht::DruckeSaetze() {
+bool ArrayReport::printRecords() {
     // The row counter is a 16-bit integer: an array with more rows than it can count is an overflow.
-    const auto letzte = roundToInteger(static_cast<double>(parray().Count(1)) - 1);
-    for (std::int32_t zeile = 0; zeile <= letzte; ++zeile) {
-        if (!Definiere_Übergebe_Felder(static_cast<std::int16_t>(zeile)))
+    const auto last = roundToInteger(static_cast<double>(parray().Count(1)) - 1);
+    for (std::int32_t row = 0; row <= last; ++row) {
+        if (!Definiere_Übergebe_Felder(static_cast<std::int16_t>(row)))
             return false;
-        ZeigeFortschritt();
-        DruckeZeile();
+        showProgress();
+        printLine();
     }
     return true;
 }

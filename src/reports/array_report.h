@@ -5,25 +5,25 @@
 
 namespace kvtdruck {
 
-class Feldbericht : public Bericht {
+class ArrayReport : public Report {
   public:
-    Feldbericht(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse, StringView titel,
-                const Tabelle& variablen, const Tabelle& felder)
-        : Bericht(umgebung, std::move(auftrag), klasse, titel), variablen_(variablen), felder_(felder) {}
+    ArrayReport(const ReportEnvironment& environment, PrintRequest request, StringView className, StringView title,
+                const Table& variables, const Table& fields)
+        : Report(environment, std::move(request), className, title), variables_(variables), fields_(fields) {}
 
   protected:
-    bool DefiniereAlles() override;
-    bool DefiniereVorErsterSeite() override { return Definiere_Übergebe_Variablen(); }
-    bool DruckeSaetze() override;
+    bool defineAll() override;
+    bool defineBeforeFirstPage() override { return Definiere_Übergebe_Variablen(); }
+    bool printRecords() override;
 
     bool Definiere_Übergebe_Variablen();
-    bool Definiere_Übergebe_Felder(std::int16_t zeile);
+    bool Definiere_Übergebe_Felder(std::int16_t row);
     /// The fields of one row.
-    virtual void DefiniereFelder(std::int16_t zeile);
+    virtual void defineFields(std::int16_t row);
 
   private:
-    GebundeneTabelle variablen_;
-    GebundeneTabelle felder_;
+    BoundTable variables_;
+    BoundTable fields_;
 };
 
 } // namespace kvtdruck

@@ -6,53 +6,47 @@
 namespace kvtdruck {
 
 /// Month 13 is the year's total.
-inline constexpr float kJahressumme = 13;
+inline constexpr float kYearTotal = 13;
 
-class Mitarbeiterbericht : public Leserbericht {
+class EmployeeReport : public ReaderReport {
   public:
-    using Leserbericht::Leserbericht;
+    using ReaderReport::ReaderReport;
 
   protected:
-    struct Monate {
-        float erster;
-        float letzter;
+    struct MonthRange {
+        float first;
+        float last;
     };
 
     /// The months that the report reads.
-    virtual Monate LeseMonatsbereich() = 0;
+    virtual MonthRange monthRange() = 0;
 
   private:
-    Lesemeldung lesemeldung() const override;
-    bool LeseDaten() override;
+    ReadFailure readFailure() const override;
+    bool readData() override;
 };
 
 /// One line per employee and month.
-class Mitarbeiterliste : public Mitarbeiterbericht {
+class EmployeeList : public EmployeeReport {
   public:
-    Mitarbeiterliste(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse, StringView titel,
-                     const Tabelle& felder);
-
-    /// Trimmed first name and surname of the current record; the surname alone where the first name is blank.
-    String Name();
+    EmployeeList(const ReportEnvironment& environment, PrintRequest request, StringView className, StringView title,
+                 const Table& fields);
 
   private:
-    Monate LeseMonatsbereich() override;
-
-    Mitglied vorname_{u"Vorname", ValueType::Text};
-    Mitglied name_{u"Name", ValueType::Text};
+    MonthRange monthRange() override;
 };
 
-/// `Mitarbeiterliste::Name` as a table's source.
-String vollerName(Bericht& bericht);
+/// Text: trimmed first name and surname of the current record; the surname alone where the first name is blank.
+Table fullName(StringView name);
 
 /// One master sheet per employee and year, with a line per month.
-class Stammblatt : public Mitarbeiterbericht {
+class MasterSheet : public EmployeeReport {
   public:
-    Stammblatt(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse, StringView titel,
-               const Tabelle& felder);
+    MasterSheet(const ReportEnvironment& environment, PrintRequest request, StringView className, StringView title,
+                const Table& fields);
 
   private:
-    Monate LeseMonatsbereich() override { return {1, kJahressumme}; }
+    MonthRange monthRange() override { return {1, kYearTotal}; }
 };
 
 } // namespace kvtdruck

@@ -8,131 +8,128 @@ namespace {
 constexpr StringView kSeitenwechsel = u"Seitenwechsel";
 
 // As the two comparisons of floating-point numbers see it: NaN differs from nothing.
-bool verschieden(double a, double b) {
+bool differ(double a, double b) {
     return a < b || a > b;
 }
 
 } // namespace
 
-Leserbericht::Leserbericht(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse,
-                           StringView titel, const Leserform& form)
-    : Bericht(umgebung, std::move(auftrag), klasse, titel), zugklasse_(form.klasse),
-      variablen_(form.variablen, &form.klasse), felder_(form.felder, &form.klasse), wechsel_(form.wechsel) {
-    for (const auto getter : form.schluessel)
-        schluesselGetter_.emplace_back(getter, ValueType::Double);
+ReaderReport::ReaderReport(const ReportEnvironment& environment, PrintRequest request, StringView className,
+                           StringView title, const ReaderForm& form)
+    : Report(environment, std::move(request), className, title), dataClass_(form.dataClass),
+      variables_(form.variables, &form.dataClass), fields_(form.fields, &form.dataClass),
+      groupChange_(form.change) {
+    for (const auto getter : form.keys)
+        keyGetters_.emplace_back(getter, ValueType::Double);
 }
 
 // Reading
-// -----------------------------------------------------------------------------------------------------------
 
-bool Leserbericht::OeffneLeser(std::optional<Leser>& leser, const Zugklasse& klasse, const Lesemeldung& meldung,
-                               const std::function<bool()>& lese) {
-    return Prozedurrumpf(meldung.prozedur, [&] {
-        const bool neu = !leser.has_value();
-        if (neu)
-            leser.emplace(state(), klasse);
-        if ((!neu || leser->Verbinde(auftrag().pADOCon)) && lese())
+bool ReaderReport::openReader(std::optional<RecordReader>& reader, const DataClass& dataClass,
+                              const ReadFailure& failure, const std::function<bool()>& fill) {
+    return guardedProcedure(failure.procedure, [&] {
+        const bool created = !reader.has_value();
+        if (created)
+            reader.emplace(state(), dataClass);
+        if ((!created || reader->connect(request().pADOCon)) && fill())
             return true;
-        Melde(meldung.prozedur, meldung.text);
+        reportMessage(failure.procedure, failure.text);
         return false;
     });
 }
 
-bool Leserbericht::Lese() {
-    if (!OeffneLeser(leser_, zugklasse_, lesemeldung(), [this] { return LeseDaten(); }))
+bool ReaderReport::read() {
+    if (!openReader(reader_, dataClass_, readFailure(), [this] { return readData(); }))
         return false;
-    if (!leser().Ende())
+    if (!reader().atEnd())
         return true;
-    Melde(u"fkt_Drucken", u"Es sind keine Daten für den Ausdruck vorhanden.");
+    reportMessage(u"fkt_Drucken", u"Es sind keine Daten für den Ausdruck vorhanden.");
     return false;
 }
 
-bool Leserbericht::LeseJahre(std::initializer_list<Variant> alle) {
-    parray().normalisiereBereich();
-    if (parray().ist(0, 0, true))
-        return leser().Lese(zugklasse_.leseAlle, alle);
-    return leser().Lese(zugklasse_.leseVonBis, {auftrag().pFnr, parray().single(0, 1), parray().single(0, 2)});
+bool ReaderReport::readYears(std::initializer_list<Variant> all) {
+    parray().normaliseRange();
+    if (parray().is(0, 0, true))
+        return reader().read(dataClass_.readAll, all);
+    return reader().read(dataClass_.readRange, {request().pFnr, parray().single(0, 1), parray().single(0, 2)});
 }
 
 // Defining
-// ----------------------------------------------------------------------------------------------------------
 
-void Leserbericht::BeginneDefinitionen() {
+void ReaderReport::beginDefinitions() {
     adapter().LlDefineFieldStart();
-    Bericht::BeginneDefinitionen();
+    Report::beginDefinitions();
 }
 
-bool Leserbericht::Definiere_Übergebe_Variablen() {
-    return Prozedurrumpf(u"Definiere_Übergebe_Variablen", [this] {
-        Definiere(kVariable, variablen_, satz());
+bool ReaderReport::Definiere_Übergebe_Variablen() {
+    return guardedProcedure(u"Definiere_Übergebe_Variablen", [this] {
+        define(kVariable, variables_, record());
         return true;
     });
 }
 
-bool Leserbericht::Definiere_Übergebe_Felder() {
-    return Prozedurrumpf(u"Definiere_Übergebe_Felder", [this] {
-        Definiere(kFeld, felder_, satz());
+bool ReaderReport::Definiere_Übergebe_Felder() {
+    return guardedProcedure(u"Definiere_Übergebe_Felder", [this] {
+        define(kField, fields_, record());
         return true;
     });
 }
 
-bool Leserbericht::DefiniereAlles() {
+bool ReaderReport::defineAll() {
     return Definiere_Übergebe_Variablen() && Definiere_Übergebe_Felder();
 }
 
-bool Leserbericht::DefiniereVorErsterSeite() {
+bool ReaderReport::defineBeforeFirstPage() {
     return Definiere_Übergebe_Variablen();
 }
 
 // Printing
-// ----------------------------------------------------------------------------------------------------------
 
-bool Leserbericht::DruckeSaetze() {
-    leser().MoveFirst();
-    schluessel_ = LeseSchluessel();
-    for (bool erster = true; !leser().Ende(); erster = false) {
-        if (!DruckeSatz(erster))
+bool ReaderReport::printRecords() {
+    reader().MoveFirst();
+    keys_ = readKeys();
+    for (bool first = true; !reader().atEnd(); first = false) {
+        if (!printRecord(first))
             return false;
-        leser().MoveNext();
+        reader().MoveNext();
     }
     return true;
 }
 
-bool Leserbericht::DruckeSatz(bool) {
+bool ReaderReport::printRecord(bool) {
     if (!Definiere_Übergebe_Felder())
         return false;
-    ZeigeFortschritt();
-    auto schluessel = LeseSchluessel();
-    const bool wechsel =
-        !std::equal(schluessel.begin(), schluessel.end(), schluessel_.begin(), std::not_fn(verschieden));
-    if (wechsel && !BeginneGruppe())
+    showProgress();
+    auto keys = readKeys();
+    const bool change = !std::equal(keys.begin(), keys.end(), keys_.begin(), std::not_fn(differ));
+    if (change && !beginGroup())
         return false;
-    schluessel_ = std::move(schluessel);
-    DruckeZeile();
+    keys_ = std::move(keys);
+    printLine();
     return true;
 }
 
-bool Leserbericht::BeginneGruppe() {
-    const auto seitenwechsel = [this] { Definiere(kFeld, kSeitenwechsel, u"2", kTypeNumeric); };
-    if (wechsel_ == Gruppenwechsel::Zeilenliste) {
+bool ReaderReport::beginGroup() {
+    const auto pageBreak = [this] { define(kField, kSeitenwechsel, u"2", kTypeNumeric); };
+    if (groupChange_ == GroupChange::Lines) {
         if (!Definiere_Übergebe_Variablen())
             return false;
-        seitenwechsel();
+        pageBreak();
         return true;
     }
-    seitenwechsel();
+    pageBreak();
     if (!Definiere_Übergebe_Variablen())
         return false;
     adapter().LlPrint();
     return true;
 }
 
-std::vector<double> Leserbericht::LeseSchluessel() {
-    std::vector<double> werte;
-    werte.reserve(schluesselGetter_.size());
-    for (auto& getter : schluesselGetter_)
-        werte.push_back(toDouble(leser().wert(getter), locale()));
-    return werte;
+std::vector<double> ReaderReport::readKeys() {
+    std::vector<double> values;
+    values.reserve(keyGetters_.size());
+    for (auto& getter : keyGetters_)
+        values.push_back(toDouble(reader().value(getter), locale()));
+    return values;
 }
 
 } // namespace kvtdruck

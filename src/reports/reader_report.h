@@ -9,72 +9,72 @@
 namespace kvtdruck {
 
 /// What happens at the first record of a new group.
-enum class Gruppenwechsel {
+enum class GroupChange {
     /// New variables; the layout turns the page at "Seitenwechsel" = 2.
-    Zeilenliste,
+    Lines,
     /// "Seitenwechsel" = 2, new variables, and a new page from the report itself.
-    NeuesBlatt,
+    NewSheet,
 };
 
-/// How a reader-fed report is made up. The tables are those of every record; `schluessel` are the getters whose
+/// How a reader-fed report is made up. The tables are those of every record; `keys` are the getters whose
 /// change begins a new group (none: one group).
-struct Leserform {
-    const Zugklasse& klasse;
-    const Tabelle& variablen;
-    const Tabelle& felder;
-    std::vector<StringView> schluessel = {};
-    Gruppenwechsel wechsel = Gruppenwechsel::Zeilenliste;
+struct ReaderForm {
+    const DataClass& dataClass;
+    const Table& variables;
+    const Table& fields;
+    std::vector<StringView> keys = {};
+    GroupChange change = GroupChange::Lines;
 };
 
-class Leserbericht : public Bericht {
+class ReaderReport : public Report {
   public:
-    Leserbericht(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse, StringView titel,
-                 const Leserform& form);
+    ReaderReport(const ReportEnvironment& environment, PrintRequest request, StringView className, StringView title,
+                 const ReaderForm& form);
 
   protected:
     /// Fills the reader: normalises the parameter array and calls the read operation.
-    virtual bool LeseDaten() = 0;
+    virtual bool readData() = 0;
     /// The name of the read procedure and its message, for error reports.
-    struct Lesemeldung {
-        StringView prozedur;
+    struct ReadFailure {
+        StringView procedure;
         StringView text;
     };
-    virtual Lesemeldung lesemeldung() const = 0;
+    virtual ReadFailure readFailure() const = 0;
 
-    bool Lese() override;
-    void BeginneDefinitionen() override;
-    bool DefiniereAlles() override;
-    bool DefiniereVorErsterSeite() override;
-    bool DruckeSaetze() override;
+    bool read() override;
+    void beginDefinitions() override;
+    bool defineAll() override;
+    bool defineBeforeFirstPage() override;
+    bool printRecords() override;
     /// Prints the current record; False stops the report.
-    virtual bool DruckeSatz(bool erster);
+    virtual bool printRecord(bool first);
 
     virtual bool Definiere_Übergebe_Variablen();
     virtual bool Definiere_Übergebe_Felder();
 
     /// Creates a reader and has it connected and filled, with one message for both failures; the read procedure's
     /// frame.
-    bool OeffneLeser(std::optional<Leser>& leser, const Zugklasse& klasse, const Lesemeldung& meldung,
-                     const std::function<bool()>& lese);
-    /// Reads everything, with the arguments `alle`, or the years of the normalised selection.
-    bool LeseJahre(std::initializer_list<Variant> alle);
+    bool openReader(std::optional<RecordReader>& reader, const DataClass& dataClass, const ReadFailure& failure,
+                    const std::function<bool()>& fill);
+    /// Reads everything, with the arguments `all`, or the years of the normalised selection.
+    bool readYears(std::initializer_list<Variant> all);
 
-    Leser& leser() { return *leser_; }
-    GebundeneTabelle& variablen() { return variablen_; }
-    GebundeneTabelle& felder() { return felder_; }
-    Satz satz() { return {&*leser_, 0}; }
+    RecordReader& reader() { return *reader_; }
+    BoundTable& variables() { return variables_; }
+    BoundTable& fields() { return fields_; }
+    Record record() { return {&*reader_, 0}; }
 
   private:
-    bool BeginneGruppe();
-    std::vector<double> LeseSchluessel();
+    bool beginGroup();
+    std::vector<double> readKeys();
 
-    const Zugklasse& zugklasse_;
-    std::optional<Leser> leser_;
-    GebundeneTabelle variablen_;
-    GebundeneTabelle felder_;
-    std::vector<Mitglied> schluesselGetter_;
-    std::vector<double> schluessel_;
-    Gruppenwechsel wechsel_;
+    const DataClass& dataClass_;
+    std::optional<RecordReader> reader_;
+    BoundTable variables_;
+    BoundTable fields_;
+    std::vector<Member> keyGetters_;
+    std::vector<double> keys_;
+    GroupChange groupChange_;
 };
 
 } // namespace kvtdruck

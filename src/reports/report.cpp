@@ -8,87 +8,79 @@
 namespace kvtdruck {
 namespace {
 
-/// Print modes of the host.
-enum Printmodus : std::int16_t { kDrucken = 0, kVorschau = 1, kEntwerfen = 2 };
-
 // Constants of the engine.
-constexpr std::int32_t kListenprojekt = 2;
-constexpr std::int32_t kFortschrittsbox = 2;
-constexpr std::int32_t kModusDrucken = 256;
-constexpr std::int32_t kModusVorschau = 512;
+constexpr std::int32_t kListProject = 2;
+constexpr std::int32_t kProgressBox = 2;
 
 } // namespace
+Report::Report(const ReportEnvironment& environment, PrintRequest request, StringView className, StringView title)
+    : environment_(environment), request_(std::move(request)), className_(className), title_(title),
+      company_(environment.state, request_.pZuDbFnrAllg), parray_(environment.state, request_.parray),
+      layoutFile_(request_.pListenPath + u"\\" + request_.pListenname) {}
 
-Bericht::Bericht(const Berichtsumgebung& umgebung, Druckauftrag auftrag, StringView klasse, StringView titel)
-    : umgebung_(umgebung), auftrag_(std::move(auftrag)), klasse_(klasse), titel_(titel),
-      firma_(umgebung.state, auftrag_.pZuDbFnrAllg), parray_(umgebung.state, auftrag_.parray),
-      layoutdatei_(auftrag_.pListenPath + u"\\" + auftrag_.pListenname) {}
-
-bool Bericht::fkt_Drucken() {
-    return Prozedurrumpf(u"fkt_Drucken", [this] { return Ablauf(); });
+bool Report::fkt_Drucken() {
+    return guardedProcedure(u"fkt_Drucken", [this] { return run(); });
 }
 
 // The frame
-// ---------------------------------------------------------------------------------------------------------
 
-bool Bericht::Ablauf() {
-    WaehleTitel();
-    waehrung_ = firma_.text(u"Waehrung");
+bool Report::run() {
+    chooseTitle();
+    currency_ = company_.text(u"Waehrung");
     // The stored printer description goes, so that the engine's defaults apply.
-    if (!Lese() || !adapter().FKT_Lösche_Druckerbeschreibung(layoutdatei_))
+    if (!read() || !adapter().FKT_Lösche_Druckerbeschreibung(layoutFile_))
         return false;
-    BeginneDefinitionen();
-    if (!adapter().FKT_DefiniereVariablen_AllgemeineFirmendaten(firma_.objekt(), titel_) || !DefiniereAlles())
+    beginDefinitions();
+    if (!adapter().FKT_DefiniereVariablen_AllgemeineFirmendaten(company_.object(), title_) || !defineAll())
         return false;
     adapter().fkt_Form_Hide();
-    if (!FuehreAus())
+    if (!execute())
         return false;
-    if (druckmodus_ == kModusVorschau)
-        umgebung_.vorschau.fkt_Aktiviere_Preview(auftrag_.pListenname, auftrag_.pPrevPath,
-                                                 auftrag_.pAktind_ArrAllPrints);
+    if (engineMode_ == kPrintModePreview)
+        environment_.previews.fkt_Aktiviere_Preview(request_.pListenname, request_.pPrevPath,
+                                                    request_.pAktind_ArrAllPrints);
     return true;
 }
 
-bool Bericht::FuehreAus() {
-    switch (auftrag_.pPrintMode) {
-    case kDrucken:
-        druckmodus_ = kModusDrucken;
-        return Drucke();
-    case kVorschau:
-        druckmodus_ = kModusVorschau;
-        return Drucke();
-    case kEntwerfen:
-        return adapter().LlDefineLayout(titel_, kListenprojekt, layoutdatei_);
+bool Report::execute() {
+    switch (request_.pPrintMode) {
+    case kPrint:
+        engineMode_ = kPrintModeNormal;
+        return print();
+    case kPreview:
+        engineMode_ = kPrintModePreview;
+        return print();
+    case kDesign:
+        return adapter().LlDefineLayout(title_, kListProject, layoutFile_);
     default:
         return true; // nothing to print is no failure
     }
 }
 
-bool Bericht::Drucke() {
-    if (!BeginneDruck() || !DefiniereVorErsterSeite())
+bool Report::print() {
+    if (!beginJob() || !defineBeforeFirstPage())
         return false;
     adapter().LlPrint();
-    return DruckeSaetze() && BeendeDruck();
+    return printRecords() && endJob();
 }
 
-bool Bericht::BeginneDruck() {
-    if (adapter().LlSetPrinterToDefault(kListenprojekt, layoutdatei_) == 0)
+bool Report::beginJob() {
+    if (adapter().LlSetPrinterToDefault(kListProject, layoutFile_) == 0)
         return false;
-    if (adapter().LlPrintWithBoxStart(kListenprojekt, layoutdatei_, druckmodus_, kFortschrittsbox, layoutdatei_) ==
-        0)
+    if (adapter().LlPrintWithBoxStart(kListProject, layoutFile_, engineMode_, kProgressBox, layoutFile_) == 0)
         return false;
-    if (!auftrag_.pDruckmitDruckerauswahl)
+    if (!request_.pDruckmitDruckerauswahl)
         return true;
-    const auto antwort = adapter().LlPrintOptionsDialog(auftrag_.pListenname);
-    return antwort != kEngineCancelled && antwort != 0;
+    const auto answer = adapter().LlPrintOptionsDialog(request_.pListenname);
+    return answer != kEngineCancelled && answer != 0;
 }
 
-bool Bericht::BeendeDruck() {
-    std::int32_t ende = 0;
+bool Report::endJob() {
+    std::int32_t result = 0;
     do
-        ende = adapter().LlPrintFieldsEnd();
-    while (ende == kEnginePageFull);
-    if (ende == kEngineCancelled) {
+        result = adapter().LlPrintFieldsEnd();
+    while (result == kEnginePageFull);
+    if (result == kEngineCancelled) {
         adapter().PrintEnd();
         return false;
     }
@@ -96,54 +88,59 @@ bool Bericht::BeendeDruck() {
     return true;
 }
 
-void Bericht::BeginneDefinitionen() {
+void Report::beginDefinitions() {
     adapter().LlDefineVariableStart();
 }
 
 // Pieces
-// ------------------------------------------------------------------------------------------------------------
 
-bool Bericht::Prozedurrumpf(StringView name, const std::function<bool()>& rumpf) {
-    return guarded(state(), {klasse_, name}, rumpf);
+bool Report::guardedProcedure(StringView name, const std::function<bool()>& body) {
+    return guarded(state(), {className_, name}, body);
 }
 
-void Bericht::Melde(StringView prozedur, StringView text) {
-    state().report({klasse_, prozedur}, text);
+void Report::reportMessage(StringView procedure, StringView text) {
+    state().report({className_, procedure}, text);
 }
 
-void Bericht::Definiere(Ziel ziel, StringView name, StringView inhalt, std::int32_t typ) {
-    (adapter().*ziel)(name, inhalt, typ);
+void Report::define(Target target, StringView name, StringView content, std::int32_t type) {
+    (adapter().*target)(name, content, type);
 }
 
-void Bericht::Definiere(Ziel ziel, GebundeneTabelle& tabelle, const Satz& satz) {
-    const auto& zeilen = tabelle.zeilen();
-    for (std::size_t i = 0; i < zeilen.size(); ++i)
-        Definiere(ziel, zeilen[i].name, Inhalt(zeilen[i].quelle, tabelle.getter(i), satz), zeilen[i].typ);
+void Report::define(Target target, BoundTable& table, const Record& record) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const auto& row = table.row(i);
+        define(target, row.name, contentOf(row.source, table.getters(i), record), row.type);
+    }
 }
 
-String Bericht::Inhalt(const Quelle& quelle, Mitglied& getter, const Satz& satz) {
-    const auto abgerufen = [&] { return required(satz.leser).wert(getter); };
+String Report::contentOf(const Source& source, std::span<Member> getters, const Record& record) {
+    const auto fetched = [&](Member& getter) { return required(record.reader).value(getter); };
     return std::visit(
         Overloaded{
-            [&](const Firmennummer&) { return textOf(auftrag_.pFnr, locale()); },
-            [&](const Waehrung&) { return waehrung_; },
-            [&](const Festtext& fest) { return fest.text; },
-            [&](const Abruf&) { return toText(abgerufen(), locale()); },
-            [&](const Datumsabruf&) { return fkt_Datum_Text(abgerufen(), locale()); },
-            [&](const Zelle& zelle) { return parray_.text(zelle.zeile.value_or(satz.zeile), zelle.spalte); },
-            [&](const Errechnet& errechnet) { return errechnet.text(*this); },
+            [&](const CompanyNumber&) { return textOf(request_.pFnr, locale()); },
+            [&](const CompanyCurrency&) { return currency_; },
+            [&](const FixedText& fixed) { return fixed.text; },
+            [&](const FromGetter&) { return toText(fetched(getters.front()), locale()); },
+            [&](const FromDateGetter&) { return fkt_Datum_Text(fetched(getters.front()), locale()); },
+            [&](const FromCell& cell) { return parray_.text(cell.row.value_or(record.row), cell.column); },
+            [&](const Composed& composed) {
+                std::vector<String> texts;
+                for (auto& getter : getters)
+                    texts.push_back(toText(fetched(getter), locale()));
+                return composed.text(texts);
+            },
         },
-        quelle);
+        source);
 }
 
-void Bericht::ZeigeFortschritt() {
-    if (fortschritt_ > 100)
-        fortschritt_ = 0;
-    ++fortschritt_;
-    adapter().LlPrintSetBoxText(auftrag_.pListenname, fortschritt_);
+void Report::showProgress() {
+    if (progress_ > 100)
+        progress_ = 0;
+    ++progress_;
+    adapter().LlPrintSetBoxText(request_.pListenname, progress_);
 }
 
-void Bericht::DruckeZeile() {
+void Report::printLine() {
     while (adapter().LlPrintFields() == kEnginePageFull)
         adapter().LlPrint();
 }

@@ -8,25 +8,25 @@
 namespace kvtdruck {
 
 /// Creates the report object for one request.
-using Berichterzeuger = std::unique_ptr<Bericht>(const Berichtsumgebung& umgebung, Druckauftrag auftrag);
+using ReportFactory = std::unique_ptr<Report>(const ReportEnvironment& environment, PrintRequest request);
 
-Berichterzeuger neu_clsDruck_Umsatz;
-Berichterzeuger neu_clsDRuck_MitarbeiterUebersicht;
-Berichterzeuger neu_clsDruck_Firma;
-Berichterzeuger neu_clsDruck_GemeinK;
-Berichterzeuger neu_clsDruck_MitarbeiterKosten;
-Berichterzeuger neu_clsDruck_MitarbeiterZeiten;
-Berichterzeuger neu_clsDruck_NeutralA;
-Berichterzeuger neu_clsDruck_MitarbeiterStKosten;
-Berichterzeuger neu_clsDruck_MitarbeiterStZeiten;
-Berichterzeuger neu_clsDruck_KalkKosten;
-Berichterzeuger neu_clsDruck_MatUeber;
-Berichterzeuger neu_clsDruck_Bilanz;
-Berichterzeuger neu_clsDruck_BsEMa;
-Berichterzeuger neu_clsDruck_BsEStd;
-Berichterzeuger neu_clsDruck_BsEGes;
-Berichterzeuger neu_clsDruck_Kalkwerte;
-Berichterzeuger neu_clsDruck_WasWenn;
-Berichterzeuger neu_clsDruck_UmsatzHW;
+ReportFactory new_clsDruck_Umsatz;
+ReportFactory new_clsDRuck_MitarbeiterUebersicht;
+ReportFactory new_clsDruck_Firma;
+ReportFactory new_clsDruck_GemeinK;
+ReportFactory new_clsDruck_MitarbeiterKosten;
+ReportFactory new_clsDruck_MitarbeiterZeiten;
+ReportFactory new_clsDruck_NeutralA;
+ReportFactory new_clsDruck_MitarbeiterStKosten;
+ReportFactory new_clsDruck_MitarbeiterStZeiten;
+ReportFactory new_clsDruck_KalkKosten;
+ReportFactory new_clsDruck_MatUeber;
+ReportFactory new_clsDruck_Bilanz;
+ReportFactory new_clsDruck_BsEMa;
+ReportFactory new_clsDruck_BsEStd;
+ReportFactory new_clsDruck_BsEGes;
+ReportFactory new_clsDruck_Kalkwerte;
+ReportFactory new_clsDruck_WasWenn;
+ReportFactory new_clsDruck_UmsatzHW;
 
 } // namespace kvtdruck

@@ -8,92 +8,108 @@
 namespace kvtdruck {
 namespace {
 
-Tabelle jeName(std::initializer_list<StringView> namen, std::int32_t typ, const Quelle& quelle) {
-    Tabelle tabelle;
-    for (const auto name : namen)
-        tabelle.push_back({String(name), typ, quelle});
-    return tabelle;
+Table eachName(std::initializer_list<StringView> names, std::int32_t type, const Source& source) {
+    Table table;
+    for (const auto name : names)
+        table.push_back({String(name), type, source});
+    return table;
 }
 
-ValueType werttyp(const Quelle& quelle) {
-    const auto* abruf = std::get_if<Abruf>(&quelle);
-    return abruf ? abruf->typ : ValueType::Variant;
+/// Appends the members that a row's value is read from, under the names that the reader gives them.
+void appendGetters(std::vector<Member>& getters, const TableRow& row, const DataClass* dataClass) {
+    const auto named = [&](StringView name) { return dataClass ? dataClass->getter(name) : name; };
+    if (const auto* single = std::get_if<FromGetter>(&row.source)) {
+        getters.emplace_back(named(row.name), single->type);
+    } else if (std::holds_alternative<FromDateGetter>(row.source)) {
+        getters.emplace_back(named(row.name), ValueType::Variant);
+    } else if (const auto* several = std::get_if<Composed>(&row.source)) {
+        for (const auto getter : several->getters)
+            getters.emplace_back(named(getter), ValueType::Text);
+    }
 }
 
 } // namespace
 
-Tabelle verkette(std::initializer_list<Tabelle> teile) {
-    Tabelle ganze;
-    for (const auto& teil : teile)
-        ganze.insert(ganze.end(), teil.begin(), teil.end());
-    return ganze;
+Table joined(std::initializer_list<Table> parts) {
+    Table whole;
+    for (const auto& part : parts)
+        whole.insert(whole.end(), part.begin(), part.end());
+    return whole;
 }
 
-Tabelle zahlen(ValueType typ, std::initializer_list<StringView> namen) {
-    return jeName(namen, kTypeNumeric, Abruf{typ});
+Table numbers(ValueType type, std::initializer_list<StringView> names) {
+    return eachName(names, kTypeNumeric, FromGetter{type});
 }
 
-Tabelle monate(ValueType typ, StringView stamm) {
-    Tabelle tabelle;
-    for (int monat = 1; monat <= 12; ++monat)
-        tabelle.push_back({String(stamm) + (monat < 10 ? u"0" : u"") + decimal(monat), kTypeNumeric, Abruf{typ}});
-    return tabelle;
+Table months(ValueType type, StringView stem) {
+    Table table;
+    for (int month = 1; month <= 12; ++month)
+        table.push_back(
+            {String(stem) + (month < 10 ? u"0" : u"") + decimal(month), kTypeNumeric, FromGetter{type}});
+    return table;
 }
 
-Tabelle texte(std::initializer_list<StringView> namen) {
-    return jeName(namen, kTypeText, Abruf{ValueType::Text});
+Table texts(std::initializer_list<StringView> names) {
+    return eachName(names, kTypeText, FromGetter{ValueType::Text});
 }
 
-Tabelle datum(std::initializer_list<StringView> namen) {
-    return jeName(namen, kTypeText, Abruf{ValueType::Date});
+Table dates(std::initializer_list<StringView> names) {
+    return eachName(names, kTypeText, FromGetter{ValueType::Date});
 }
 
-Tabelle datumOderLeer(std::initializer_list<StringView> namen) {
-    return jeName(namen, kTypeText, Datumsabruf{});
+Table datesOrEmpty(std::initializer_list<StringView> names) {
+    return eachName(names, kTypeText, FromDateGetter{});
 }
 
-Tabelle firmennummer() {
-    return jeName({u"Firmennummer"}, kTypeNumeric, Firmennummer{});
+Table companyNumber() {
+    return eachName({u"Firmennummer"}, kTypeNumeric, CompanyNumber{});
 }
 
-Tabelle waehrung(StringView name) {
-    return jeName({name}, kTypeText, Waehrung{});
+Table currency(StringView name) {
+    return eachName({name}, kTypeText, CompanyCurrency{});
 }
 
-Tabelle festwert(StringView name, StringView wert) {
-    return jeName({name}, kTypeNumeric, Festtext{String(wert)});
+Table fixedNumber(StringView name, StringView value) {
+    return eachName({name}, kTypeNumeric, FixedText{String(value)});
 }
 
-Tabelle zellen(std::int32_t spalte, std::initializer_list<StringView> namen, std::optional<std::int32_t> zeile) {
-    Tabelle tabelle;
-    for (const auto name : namen)
-        tabelle.push_back({String(name), kTypeNumeric, Zelle{spalte++, zeile}});
-    return tabelle;
+Table cells(std::int32_t column, std::initializer_list<StringView> names, std::optional<std::int32_t> row) {
+    Table table;
+    for (const auto name : names)
+        table.push_back({String(name), kTypeNumeric, FromCell{column++, row}});
+    return table;
 }
 
-Tabelle textzelle(std::int32_t spalte, StringView name) {
-    return jeName({name}, kTypeText, Zelle{spalte, {}});
+Table textCell(std::int32_t column, StringView name) {
+    return eachName({name}, kTypeText, FromCell{column, {}});
 }
 
-Tabelle errechnet(StringView name, String (*text)(Bericht&)) {
-    return jeName({name}, kTypeText, Errechnet{text});
+Table composed(StringView name, std::initializer_list<StringView> getters,
+               String (*text)(std::span<const String>)) {
+    return eachName({name}, kTypeText, Composed{getters, text});
 }
 
-GebundeneTabelle::GebundeneTabelle(const Tabelle& tabelle, const Zugklasse* klasse) : tabelle_(tabelle) {
-    getter_.reserve(tabelle.size());
-    for (const auto& zeile : tabelle) {
-        const StringView name = zeile.name;
-        getter_.emplace_back(klasse ? klasse->getter(name) : name, werttyp(zeile.quelle));
+BoundTable::BoundTable(const Table& table, const DataClass* dataClass) : table_(table) {
+    getters_.reserve(table.size());
+    ends_.reserve(table.size());
+    for (const auto& row : table) {
+        appendGetters(getters_, row, dataClass);
+        ends_.push_back(getters_.size());
     }
 }
 
-String fkt_Datum_Text(const Variant& datum, const Locale& locale) noexcept {
+std::span<Member> BoundTable::getters(std::size_t index) {
+    const auto begin = index == 0 ? 0 : ends_[index - 1];
+    return std::span(getters_).subspan(begin, ends_[index] - begin);
+}
+
+String fkt_Datum_Text(const Variant& date, const Locale& locale) noexcept {
     String text;
     skippingErrors([&] {
-        if (datum.isNull() || equals(datum, 0.0, locale))
+        if (date.isNull() || equals(date, 0.0, locale))
             return;
-        const auto tag = coerced(datum, ValueType::Date, locale).as<Date>()->days;
-        text = shortDateOf(Date{std::trunc(tag)}, locale);
+        const auto day = coerced(date, ValueType::Date, locale).as<Date>()->days;
+        text = shortDateOf(Date{std::trunc(day)}, locale);
     });
     return text;
 }

@@ -48,14 +48,13 @@ class Cases : public ::testing::Test {
     void set(const std::string& list, const String& getter, Variant value) {
         host.world.readers[named(list).reader].values[getter] = {std::move(value)};
     }
-    std::vector<Report>& reports() { return host.world.reports; }
+    std::vector<ErrorReport>& reports() { return host.world.reports; }
 
     Host host;
     std::shared_ptr<Array> array;
 };
 
 // Selections
-// ----------------------------------------------------------------------------------------------------------
 
 struct Range {
     Cells before;
@@ -158,11 +157,11 @@ TEST_F(Cases, CellsThatCannotBeComparedAreErrorsOfTheReadProcedure) {
         SCOPED_TRACE(report.list);
         reports().clear();
         EXPECT_FALSE(print(report.list, {false, u"viele", 0.0, 1.0, 2.0, 3.0}));
-        EXPECT_THAT(reports(), ElementsAre(runtimeError(report.klasse, report.read, ErrorNumber::TypeMismatch)));
+        EXPECT_THAT(reports(), ElementsAre(runtimeError(report.className, report.read, ErrorNumber::TypeMismatch)));
         reports().clear();
         EXPECT_FALSE(print(report.list, Cells{false}));
         EXPECT_THAT(reports(),
-                    ElementsAre(runtimeError(report.klasse, report.read, ErrorNumber::SubscriptOutOfRange)));
+                    ElementsAre(runtimeError(report.className, report.read, ErrorNumber::SubscriptOutOfRange)));
     }
 }
 
@@ -177,7 +176,6 @@ TEST_F(Cases, NullTakesTheBranchThatNeedsNoMatch) {
 }
 
 // Accounts
-// ------------------------------------------------------------------------------------------------------------
 
 TEST_F(Cases, TheMonthsAmountsAndNameFollowTheCell) {
     set("GemeinK", u"MWIst_03", 33.5);
@@ -199,7 +197,7 @@ TEST_F(Cases, TheMonthsAmountsAndNameFollowTheCell) {
         }
         EXPECT_FALSE(print(list, {true, 0.0, 0.0, u"März", 2024.0}));
         EXPECT_EQ(reports().back(),
-                  runtimeError(named(list).klasse, "Definiere_Übergebe_Felder", ErrorNumber::TypeMismatch));
+                  runtimeError(named(list).className, "Definiere_Übergebe_Felder", ErrorNumber::TypeMismatch));
     }
 }
 
@@ -248,13 +246,12 @@ TEST_F(Cases, TheMonthsAmountsAreTakenOneByOneOrBothAtFirst) {
         EXPECT_FALSE(print(list, {true, 0.0, 0.0, 3.0, 2024.0}));
         EXPECT_EQ(defines("MonatIst"), firstDefined);
         EXPECT_FALSE(defines("MonatSoll"));
-        EXPECT_THAT(reports(), ElementsAre(runtimeError(named(list).klasse, "Definiere_Übergebe_Felder",
+        EXPECT_THAT(reports(), ElementsAre(runtimeError(named(list).className, "Definiere_Übergebe_Felder",
                                                         ErrorNumber::TypeMismatch)));
     }
 }
 
 // Employees
-// -----------------------------------------------------------------------------------------------------------
 
 TEST_F(Cases, NamesAreTrimmedAndJoined) {
     const std::tuple<StringView, StringView, const char*> cases[] = {{u" Jörg ", u" Müller", "Jörg Müller"},
@@ -314,7 +311,6 @@ TEST_F(Cases, TheEmployeeListHasGeneralDateTexts) {
 }
 
 // The company's years
-// ---------------------------------------------------------------------------------------------------
 
 TEST_F(Cases, AYearWithoutHolidaysPrintsItsPage) {
     fill(host.world, 2);
@@ -355,7 +351,6 @@ TEST_F(Cases, TheProgressCounterStartsAgain) {
 }
 
 // Arrays
-// --------------------------------------------------------------------------------------------------------------
 
 std::vector<std::string> arrayFedLists() {
     std::vector<std::string> lists;
@@ -405,7 +400,7 @@ TEST_P(ArrayFed, EachMissingColumnIsReportedOnce) {
                 row.resize(width);
         })) << width;
         ASSERT_EQ(reports().size(), 1u);
-        EXPECT_EQ(reports()[0].klasse, named(GetParam()).klasse);
+        EXPECT_EQ(reports()[0].className, named(GetParam()).className);
         EXPECT_EQ(reports()[0].number, 9);
     }
     EXPECT_TRUE(print([&](Array& values) {
@@ -426,7 +421,7 @@ TEST_P(ArrayFed, ANullIsReportedWhereItIsRead) {
         EXPECT_FALSE(done);
         ASSERT_EQ(reports().size(), 1u);
         EXPECT_EQ(reports()[0].number, 94);
-        EXPECT_THAT(reports()[0].prozedur, StartsWith("Definiere_Übergebe_"));
+        EXPECT_THAT(reports()[0].procedure, StartsWith("Definiere_Übergebe_"));
     }
 }
 
@@ -463,7 +458,7 @@ TEST_P(ArrayFed, MoreRowsThanTheCounterHoldsAreAnOverflow) {
     }
     EXPECT_FALSE(print([](Array& values) { values.count = 32769; }));
     EXPECT_THAT(reports(),
-                ElementsAre(runtimeError(named(GetParam()).klasse, "fkt_Drucken", ErrorNumber::Overflow)));
+                ElementsAre(runtimeError(named(GetParam()).className, "fkt_Drucken", ErrorNumber::Overflow)));
 }
 
 TEST_F(Cases, RowZeroOfTheTotalCarriesTheHours) {
@@ -517,7 +512,6 @@ TEST_F(Cases, TheTradeTurnoversYearStandsInRowOne) {
 }
 
 // Values
-// --------------------------------------------------------------------------------------------------------------
 
 TEST_F(Cases, NumbersTravelInTheUsersNotation) {
     set("KalkKo", u"DAfa", 1234.5);

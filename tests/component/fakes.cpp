@@ -211,8 +211,8 @@ constexpr Object::MemberId kCountId = 2;
 
 } // namespace
 
-std::ostream& operator<<(std::ostream& out, const Report& report) {
-    return out << report.klasse << " / " << report.prozedur << " / " << report.number << " / " << report.text
+std::ostream& operator<<(std::ostream& out, const ErrorReport& report) {
+    return out << report.className << " / " << report.procedure << " / " << report.number << " / " << report.text
                << " / " << report.runtime;
 }
 

@@ -18,15 +18,15 @@ namespace kvtdruck::test {
 inline constexpr long kInjected = 4711;
 
 /// One report to the host's error log.
-struct Report {
-    std::string klasse;
-    std::string prozedur;
+struct ErrorReport {
+    std::string className;
+    std::string procedure;
     long number;
     std::string text;
     bool runtime;
-    bool operator==(const Report&) const = default;
+    bool operator==(const ErrorReport&) const = default;
 };
-std::ostream& operator<<(std::ostream& out, const Report& report);
+std::ostream& operator<<(std::ostream& out, const ErrorReport& report);
 
 /// Counts the calls that leave the component ("control LlPrint", "clsZugUmsatz Jahr", "array Value", "files
 /// exists", …) and injects failures.
@@ -95,7 +95,7 @@ class World final : public Platform, public DataLibrary {
     bool formVisible = false;
     int hidden = 0;
     std::vector<std::string> engineCalls; ///< the record
-    std::vector<Report> reports;
+    std::vector<ErrorReport> reports;
     /// Scripted results: the k-th call (from 0) of an operation.
     std::map<std::pair<Operation, int>, std::int32_t> results;
     std::function<void()> whilePumping;

@@ -23,7 +23,7 @@ class Manager : public ::testing::Test {
         host.engineWritesPreview();
         return host.print({.mode = 1, .array = allYears(), .window = window});
     }
-    const Druckzeile& row(std::int16_t index) { return host.jobs.Zeile(index); }
+    const JobRow& row(std::int16_t index) { return host.jobs.rowAt(index); }
 
     Host host;
 };
@@ -31,53 +31,53 @@ class Manager : public ::testing::Test {
 TEST_F(Manager, InitAlwaysAnswersFalse) {
     EXPECT_FALSE(host.manager.fkt_Init(nullptr));
     EXPECT_THAT(host.world.reports, IsEmpty());
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1) << "row 0 is there from the start";
+    EXPECT_EQ(host.jobs.rowCount(), 1) << "row 0 is there from the start";
 }
 
 TEST_F(Manager, RowZeroStaysUnused) {
     EXPECT_TRUE(host.print({.array = allYears()}));
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2);
-    EXPECT_EQ(row(0).formular, nullptr);
+    EXPECT_EQ(host.jobs.rowCount(), 2);
+    EXPECT_EQ(row(0).adapter, nullptr);
     EXPECT_EQ(row(1).parentHwnd, kWindow);
-    EXPECT_EQ(row(1).listenname, u"Umsatz");
-    EXPECT_EQ(row(1).prozess, 0);
-    EXPECT_FALSE(row(1).istPreview);
+    EXPECT_EQ(row(1).listName, u"Umsatz");
+    EXPECT_EQ(row(1).process, 0);
+    EXPECT_FALSE(row(1).isPreview);
     EXPECT_EQ(toUtf8(row(1).prevPath), kLayouts) << "a printed job has the layout folder as its preview path";
 }
 
 TEST_F(Manager, AWindowWithHandleZeroFindsTheEmptyRow) {
     EXPECT_TRUE(host.print({.array = allYears(), .window = 0}));
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1);
-    EXPECT_NE(row(0).formular, nullptr);
+    EXPECT_EQ(host.jobs.rowCount(), 1);
+    EXPECT_NE(row(0).adapter, nullptr);
 }
 
 TEST_F(Manager, AWindowsNextJobReusesItsRow) {
     host.print({.array = allYears()});
-    const auto first = row(1).formular;
+    const auto first = row(1).adapter;
     host.print({.array = allYears()});
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2);
-    EXPECT_NE(row(1).formular, first) << "each job has an adapter of its own";
+    EXPECT_EQ(host.jobs.rowCount(), 2);
+    EXPECT_NE(row(1).adapter, first) << "each job has an adapter of its own";
     host.print({.array = allYears(), .window = 43});
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 3);
+    EXPECT_EQ(host.jobs.rowCount(), 3);
 }
 
 TEST_F(Manager, AmongSeveralRowsOfAWindowTheLastIsTakenAndEachViewerEnded) {
     preview();
     const auto copy = row(1);
-    host.jobs.HaengeZeileAn();
-    host.jobs.Zeile(2) = copy;
-    host.jobs.Zeile(2).prozess = 4321;
+    host.jobs.appendRow();
+    host.jobs.rowAt(2) = copy;
+    host.jobs.rowAt(2).process = 4321;
     host.world.ended.clear();
     EXPECT_TRUE(preview());
     EXPECT_THAT(host.world.ended, ElementsAre(1001, 4321));
-    EXPECT_EQ(row(2).prozess, 1002);
-    EXPECT_EQ(row(1).prozess, 0);
+    EXPECT_EQ(row(2).process, 1002);
+    EXPECT_EQ(row(1).process, 0);
 }
 
 TEST_F(Manager, InitForgetsEveryRow) {
     preview();
     host.manager.fkt_Init(nullptr);
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1);
+    EXPECT_EQ(host.jobs.rowCount(), 1);
     EXPECT_THAT(host.world.ended, IsEmpty()) << "viewers keep running";
 }
 
@@ -92,8 +92,8 @@ TEST_F(Manager, AnUnknownListRegistersARowAndSaysNothing) {
     for (const StringView list : {u"umsatz", u"Umsatz ", u"", u"Unbekannt"})
         EXPECT_FALSE(host.print({.list = list, .array = allYears()}));
     EXPECT_THAT(host.world.reports, IsEmpty());
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2);
-    EXPECT_EQ(row(1).listenname, u"Unbekannt");
+    EXPECT_EQ(host.jobs.rowCount(), 2);
+    EXPECT_EQ(row(1).listName, u"Unbekannt");
 }
 
 TEST_F(Manager, ACompanyWithoutDataIsNamedAndRegistersNothing) {
@@ -102,7 +102,7 @@ TEST_F(Manager, ACompanyWithoutDataIsNamedAndRegistersNothing) {
     EXPECT_THAT(host.world.reports,
                 ElementsAre(message("clsDruckManager", "Lese_Allgemeine_Firmendaten",
                                     "Die allgemeinen Firmendaten für die Firma 4,5 sind nicht vorhanden.")));
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1);
+    EXPECT_EQ(host.jobs.rowCount(), 1);
 }
 
 TEST_F(Manager, ACompanyThatCannotBeConnectedIsReported) {
@@ -155,23 +155,22 @@ TEST_F(Manager, TheLaunchersAreComparedInThisOrder) {
                                                             {u"KalkW", "Dr_Kalkulationswerte"},
                                                             {u"WasWenn", "Dr_WasWaereWenn"},
                                                             {u"UmsatzHW", "Dr_UmsatzHW"}};
-    ASSERT_EQ(alleLauncher().size(), std::size(launchers));
+    ASSERT_EQ(allLaunchers().size(), std::size(launchers));
     for (std::size_t i = 0; i < std::size(launchers); ++i) {
-        EXPECT_EQ(alleLauncher()[i].listenname, launchers[i].first);
-        EXPECT_EQ(toUtf8(alleLauncher()[i].prozedur), launchers[i].second);
+        EXPECT_EQ(allLaunchers()[i].listName, launchers[i].first);
+        EXPECT_EQ(toUtf8(allLaunchers()[i].procedure), launchers[i].second);
     }
 }
 
 // Previews
-// ----------------------------------------------------------------------------------------------------------
 
 TEST_F(Manager, APreviewIsRenamedAndShown) {
     EXPECT_TRUE(preview());
     const auto kept = kPreviews + "\\Umsatz04032026050607.ll";
     EXPECT_THAT(host.world.started, ElementsAre("llview12.exe \"" + kept + "\""));
     EXPECT_THAT(host.world.files, ElementsAre(kept));
-    EXPECT_EQ(row(1).prozess, 1001);
-    EXPECT_TRUE(row(1).istPreview);
+    EXPECT_EQ(row(1).process, 1001);
+    EXPECT_TRUE(row(1).isPreview);
     EXPECT_EQ(host.world.pumps, 1);
     EXPECT_THAT(host.world.engineCalls,
                 Contains("LlPreviewSetTempPath(\"C:\\\\App\\\\DB\\\\BerichteLLVT\\\\Preview\\\\\") = 0"));
@@ -186,7 +185,7 @@ TEST_F(Manager, TheNextPreviewEndsTheFirstViewerAndRemovesItsFile) {
     EXPECT_THAT(host.world.ended, ElementsAre(1001));
     EXPECT_THAT(host.world.removed, ElementsAre(first, kPreviews + "\\Umsatz.ll"));
     EXPECT_THAT(host.world.files, ElementsAre(kPreviews + "\\Umsatz04032026050608.ll"));
-    EXPECT_EQ(row(1).prozess, 1002);
+    EXPECT_EQ(row(1).process, 1002);
 }
 
 TEST_F(Manager, ANewRowRemovesALeftOverPreviewOfItsList) {
@@ -209,8 +208,8 @@ TEST_F(Manager, ClosingAWindowEndsItsViewerAndLooksForAFileWithoutName) {
     EXPECT_TRUE(host.manager.Terminate_Preview(kWindow));
     EXPECT_THAT(host.world.ended, ElementsAre(1001));
     EXPECT_THAT(host.world.removed, ElementsAre(kPreviews + "\\Umsatz04032026050607.ll", kPreviews + "\\.ll"));
-    EXPECT_EQ(row(1).prozess, 0);
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2) << "the row stays";
+    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(host.jobs.rowCount(), 2) << "the row stays";
     EXPECT_TRUE(host.manager.Terminate_Preview(kWindow));
     EXPECT_EQ(host.world.ended.size(), 1u);
 }
@@ -223,10 +222,10 @@ TEST_F(Manager, ClosingAWindowWithoutARowDoesNothing) {
 
 TEST_F(Manager, APrintedJobNeverEndsAProcess) {
     host.print({.array = allYears()});
-    host.jobs.Zeile(1).prozess = 555;
+    host.jobs.rowAt(1).process = 555;
     host.manager.Terminate_Preview(kWindow);
     EXPECT_THAT(host.world.ended, IsEmpty());
-    EXPECT_EQ(row(1).prozess, 555);
+    EXPECT_EQ(row(1).process, 555);
 }
 
 TEST_F(Manager, AMissingPreviewFileIsReportedAndTheReportStillCounts) {
@@ -234,7 +233,7 @@ TEST_F(Manager, AMissingPreviewFileIsReportedAndTheReportStillCounts) {
     EXPECT_THAT(host.world.reports,
                 ElementsAre(runtimeError("basLL80", "fkt_Aktiviere_Preview", ErrorNumber::FileNotFound)));
     EXPECT_THAT(host.world.started, IsEmpty());
-    EXPECT_EQ(row(1).prozess, 0);
+    EXPECT_EQ(row(1).process, 0);
 }
 
 TEST_F(Manager, PreviewNamesLoseDotsColonsAndBlanksAlone) {
@@ -258,7 +257,7 @@ TEST_F(Manager, AHostThatPrintsWhileMessagesAreProcessedLosesNothing) {
             host.print({.list = u"unbekannt", .array = nullptr, .window = window});
     };
     EXPECT_TRUE(host.print({.mode = 1, .array = allYears()}));
-    EXPECT_EQ(row(1).prozess, 1001);
+    EXPECT_EQ(row(1).process, 1001);
 }
 
 TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
@@ -267,11 +266,11 @@ TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
     host.world.whilePumping = [this] { EXPECT_TRUE(host.print({.mode = 1, .array = allYears(), .window = 100})); };
     EXPECT_TRUE(host.print({.mode = 0, .array = allYears()}));
     EXPECT_EQ(row(1).parentHwnd, kWindow);
-    EXPECT_FALSE(row(1).istPreview);
+    EXPECT_FALSE(row(1).isPreview);
     EXPECT_EQ(toUtf8(row(1).prevPath), kLayouts);
     EXPECT_EQ(row(2).parentHwnd, 100);
     EXPECT_EQ(toUtf8(row(2).prevPath), kPreviews);
-    EXPECT_EQ(row(2).prozess, 1002);
+    EXPECT_EQ(row(2).process, 1002);
     EXPECT_THAT(host.world.reports, IsEmpty());
 }
 
@@ -280,7 +279,7 @@ TEST_F(Manager, AHostMayReuseItsListNameWhileMessagesAreProcessed) {
     auto list = std::make_unique<String>(u"Umsatz");
     host.world.whilePumping = [&] { list.reset(); };
     EXPECT_TRUE(host.print({.list = *list, .array = allYears()}));
-    EXPECT_EQ(row(1).listenname, u"Umsatz");
+    EXPECT_EQ(row(1).listName, u"Umsatz");
 }
 
 TEST_F(Manager, AFailureInTheFirstPrintOfAllLeavesNothingForTheSecond) {
@@ -319,11 +318,11 @@ TEST_F(Manager, AHostThatInitialisesWhileItsViewerEndsLosesTheJobsRow) {
 
 TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
     preview();
-    host.jobs.HaengeZeileAn();
-    host.jobs.Zeile(2) = row(1);
+    host.jobs.appendRow();
+    host.jobs.rowAt(2) = row(1);
     const auto ends = [this](std::size_t failing) {
         for (std::int16_t index : {std::int16_t{1}, std::int16_t{2}})
-            host.jobs.Zeile(index).prozess = 600 + index;
+            host.jobs.rowAt(index).process = 600 + index;
         host.world.reports.clear();
         // One process call per row; the files asked for between them are two per row.
         host.world.outside.failAt = host.world.outside.calls.size() + failing;
@@ -334,11 +333,11 @@ TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
     };
     host.world.files.clear();
     EXPECT_TRUE(ends(0)) << "the first row's failure is forgotten";
-    EXPECT_EQ(row(1).prozess, 601);
-    EXPECT_EQ(row(2).prozess, 0);
+    EXPECT_EQ(row(1).process, 601);
+    EXPECT_EQ(row(2).process, 0);
     EXPECT_FALSE(ends(3));
-    EXPECT_EQ(row(1).prozess, 0);
-    EXPECT_EQ(row(2).prozess, 602);
+    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(row(2).process, 602);
 }
 
 TEST_F(Manager, AViewerThatDoesNotStartLeavesTheRenamedFile) {
@@ -353,11 +352,10 @@ TEST_F(Manager, AViewerThatDoesNotStartLeavesTheRenamedFile) {
         << "the viewer's result is ignored";
     EXPECT_THAT(fresh.world.reports, ElementsAre(injected("basLL80", "fkt_Aktiviere_Preview")));
     EXPECT_THAT(fresh.world.files, ElementsAre(kPreviews + "\\Umsatz04032026050607.ll"));
-    EXPECT_EQ(fresh.jobs.Zeile(1).prozess, 0);
+    EXPECT_EQ(fresh.jobs.rowAt(1).process, 0);
 }
 
 // The adapter
-// ---------------------------------------------------------------------------------------------------------
 
 class Adapter : public ::testing::Test {
   protected:
@@ -371,7 +369,7 @@ class Adapter : public ::testing::Test {
     clsDruckFormular adapter{host.state, host.world.forms()};
 };
 
-Report engineError(int code, const std::string& operation) {
+ErrorReport engineError(int code, const std::string& operation) {
     return message("clsDruckFormular", "PrFehler",
                    "List & Label\r\nFehler " + std::to_string(code) + " bei " + operation +
                        "\r\nDie Fehlercodes sind im L&L handbuch Seite 238 beschrieben.");
@@ -568,7 +566,6 @@ TEST_F(Adapter, TheFormGoesWithTheAdapter) {
 }
 
 // The letterhead
-// --------------------------------------------------------------------------------------------------------
 
 class Letterhead : public Adapter {
   protected:

@@ -13,7 +13,7 @@ namespace kvtdruck::test {
 /// columns after it.
 struct ReportDescription {
     std::string list;
-    std::string klasse; ///< in error reports
+    std::string className; ///< in error reports
     std::string title;
     std::string reader; ///< empty: fed by the parameter array
     std::string read;   ///< the read procedure

@@ -223,7 +223,7 @@ TEST_P(ReaderFedReport, FailingReadsAreSaidInItsOwnWords) {
         const auto list = fromUtf8(report().list);
         EXPECT_FALSE(fresh.print({.list = list, .array = array}));
         EXPECT_THAT(fresh.world.reports,
-                    ElementsAre(message(report().klasse, report().read, report().readMessage)));
+                    ElementsAre(message(report().className, report().read, report().readMessage)));
         EXPECT_THAT(fresh.world.engineCalls, ElementsAre("[3] = -1")) << "no engine job";
     };
     fails(u"Verbinde", true);
@@ -237,7 +237,7 @@ TEST_P(EveryReport, WithoutRecordsSaysSoOrPrintsTheHeader) {
     if (isArrayFed())
         EXPECT_EQ(host.world.engineCalls.back(), "LlPrintEnd(0) = 0");
     else
-        EXPECT_THAT(host.world.reports, ElementsAre(message(report().klasse, "fkt_Drucken",
+        EXPECT_THAT(host.world.reports, ElementsAre(message(report().className, "fkt_Drucken",
                                                             "Es sind keine Daten für den Ausdruck vorhanden.")));
 }
 
@@ -248,11 +248,10 @@ TEST_P(EveryReport, WithoutAnAdapterOrAnArrayReportsOnce) {
     EXPECT_FALSE(fresh.print({.list = list, .array = nullptr}));
     ASSERT_EQ(fresh.world.reports.size(), 1u);
     EXPECT_EQ(fresh.world.reports[0].number, 91);
-    EXPECT_EQ(fresh.world.reports[0].klasse, report().klasse);
+    EXPECT_EQ(fresh.world.reports[0].className, report().className);
 }
 
 // Golden records
-// ----------------------------------------------------------------------------------------------------
 
 /// The record in short: a run of definitions is one line that counts them.
 std::string shortened(const std::vector<std::string>& calls) {
@@ -338,7 +337,6 @@ TEST_P(EveryReport, CallsTheEngineAsRecorded) {
 }
 
 // Failures
-// ----------------------------------------------------------------------------------------------------------
 
 /// What may come of a failing outside call: which procedure reports it (empty: nobody), and the result.
 struct Consequence {
@@ -380,7 +378,7 @@ class Rules {
         const auto end = calls_.begin() + static_cast<std::ptrdiff_t>(before);
         return std::find(calls_.begin(), end, call) != end;
     }
-    std::string own(const std::string& procedure) const { return report_.klasse + "/" + procedure; }
+    std::string own(const std::string& procedure) const { return report_.className + "/" + procedure; }
     bool printing(std::size_t position) const { return happened("control LlPrintSetBoxText", position); }
 
     Consequence company(std::size_t position, const std::string& name) const {
@@ -495,11 +493,11 @@ class EveryFailure : public ::testing::TestWithParam<std::tuple<ReportDescriptio
         return host.print({.mode = mode(), .list = list, .array = array, .askPrinter = true});
     }
 
-    std::vector<std::string> places(const std::vector<Report>& reports) const {
+    std::vector<std::string> places(const std::vector<ErrorReport>& reports) const {
         std::vector<std::string> result;
         result.reserve(reports.size());
         for (const auto& each : reports)
-            result.push_back(each.klasse + "/" + each.prozedur);
+            result.push_back(each.className + "/" + each.procedure);
         return result;
     }
 };

@@ -58,7 +58,6 @@ std::string textOfError(const std::function<void()>& action) {
 }
 
 // --- Members and types
-// ---------------------------------------------------------------------------------------------
 
 struct Getters {
     std::vector<StringView> texts;
@@ -280,7 +279,6 @@ TEST_F(SampleCompany, LetterCaseOfAMemberNameDoesNotMatter) {
 }
 
 // --- Selections and orders
-// -----------------------------------------------------------------------------------------
 
 TEST_F(SampleCompany, TurnoverComesByYear) {
     const auto turnover = reader(u"clsZugUmsatz");
@@ -400,7 +398,6 @@ TEST_F(SampleCompany, ProductModesOneAndTwoNarrowTheAccounts) {
 }
 
 // --- The cursor
-// ----------------------------------------------------------------------------------------------------
 
 class ManyYears : public Readers {
   protected:
@@ -469,7 +466,6 @@ TEST_F(ManyYears, ReadersWalkIndependently) {
 }
 
 // --- Values
-// --------------------------------------------------------------------------------------------------------
 
 TEST_F(Readers, NullsAreZerosAndEmptyTexts) {
     execute("INSERT INTO firma (fnr) VALUES (1);\nINSERT INTO umsatz (fnr, jahr) VALUES (1, 2024);\n");
@@ -563,7 +559,6 @@ TEST_F(Readers, InfinitiesPassAndNaNPassesWhereTheDatabaseHoldsIt) {
 }
 
 // --- Connections and errors
-// ----------------------------------------------------------------------------------------
 
 TEST_F(Readers, ReadersShareAConnectionWhichClosesWithTheLast) {
     Connections connections;
