@@ -41,6 +41,15 @@ class clsDRuck_MitarbeiterUebersicht final : public ReaderReport {
         return parray().is(0, 0, true) && reader().read(clsZugMitarbeiter.readAll, {request().pFnr, kAllYears});
     }
 
+    // The list shows its progress before it defines the fields, unlike the other lists.
+    bool printRecord(bool) override {
+        showProgress();
+        if (!Definiere_Übergebe_Felder())
+            return false;
+        printLine();
+        return true;
+    }
+
     bool Definiere_Übergebe_Variablen() override { return Definiere_Übergebe_Variablen(kAllYears); }
 
     bool Definiere_Übergebe_Variablen(std::int16_t pFuerJahr) {
