@@ -25,6 +25,9 @@ struct ReportDescription {
 
 const std::vector<ReportDescription>& allReports();
 
+/// Variables that the letterhead defines before a report's own.
+inline constexpr std::size_t kLetterhead = 16;
+
 struct Entry {
     std::string name;
     std::int32_t type;

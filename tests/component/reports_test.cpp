@@ -64,8 +64,6 @@ class ArrayFedReport : public EveryReport {};
 INSTANTIATE_TEST_SUITE_P(All, ArrayFedReport, ::testing::ValuesIn(reportsFedBy(true)),
                          [](const auto& each) { return each.param.list; });
 
-constexpr std::size_t kLetterhead = 16;
-
 TEST_P(EveryReport, DefinesItsVariablesAndFieldsInOrder) {
     EXPECT_TRUE(print(3));
     auto variables = defined("LlDefineVariableExt");
