@@ -1,20 +1,14 @@
 #include "catalog/parameter_array.h"
 
 #include "dataaccess/members.h"
+#include "values/characters.h"
 #include "values/runtime_error.h"
-
-#include <algorithm>
 
 namespace kvtdruck::catalog {
 namespace {
 
 constexpr Object::MemberId kValueId = 1;
 constexpr Object::MemberId kCountId = 2;
-
-bool sameName(StringView a, StringView b) {
-    const auto lower = [](char16_t c) { return c >= u'A' && c <= u'Z' ? char16_t(c + (u'a' - u'A')) : c; };
-    return std::ranges::equal(a, b, {}, lower, lower);
-}
 
 std::int32_t argument(std::span<const Variant> arguments, std::size_t index) {
     if (index >= arguments.size())
@@ -25,9 +19,9 @@ std::int32_t argument(std::span<const Variant> arguments, std::size_t index) {
 } // namespace
 
 Object::MemberId ParameterArray::idOf(StringView name) {
-    if (sameName(name, kValue))
+    if (sameWord(name, kValue))
         return kValueId;
-    if (sameName(name, kCount))
+    if (sameWord(name, kCount))
         return kCountId;
     throw RuntimeError(ErrorNumber::MemberNotFound);
 }

@@ -3,7 +3,6 @@
 #include "values/conversion.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <fstream>
 #include <iterator>
@@ -145,12 +144,9 @@ std::optional<Date> dateIn(const std::string& text) {
     std::smatch parts;
     if (!std::regex_match(text, parts, pattern))
         return std::nullopt;
-    const std::chrono::year_month_day day{std::chrono::year(std::stoi(parts[3])),
-                                          std::chrono::month(unsigned(std::stoi(parts[2]))),
-                                          std::chrono::day(unsigned(std::stoi(parts[1])))};
-    if (!day.ok() || int(day.year()) < 100)
-        return std::nullopt;
-    return dateOf(int(day.year()), int(unsigned(day.month())), int(unsigned(day.day())));
+    constexpr int kFirstYear = 100; // of Automation's calendar
+    const int year = std::stoi(parts[3]);
+    return year < kFirstYear ? std::nullopt : dayIfAny(year, std::stoi(parts[2]), std::stoi(parts[1]));
 }
 
 /// The value of a cell without quotes.

@@ -8,7 +8,7 @@
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "control/recording_control.h"
-#include "dataaccess/zugriff.h"
+#include "dataaccess/record_reader.h"
 #include "druckwerk/exits/designer.h"
 #include "kvtzug/kvtzug.h"
 #include "manager/clsDruckManager.h"
@@ -41,12 +41,12 @@ std::shared_ptr<catalog::ParameterArray> arrayOf(const Options& options) {
 std::int16_t printModeOf(Command command) {
     switch (command) {
     case Command::Preview:
-        return 1;
+        return kPreview;
     case Command::Design:
     case Command::Check:
-        return 2;
+        return kDesign;
     default:
-        return 0;
+        return kPrint;
     }
 }
 
@@ -217,13 +217,13 @@ class ReportRun {
 
     /// Stays until the user has seen enough; the viewer is ended and the preview file removed then.
     void showPreview(clsDruckManager& manager) {
-        const auto& job = jobs_.Zeile(static_cast<std::int16_t>(jobs_.Zeilenzahl() - 1));
-        if (job.prozess == 0) {
+        const auto& job = jobs_.rowAt(static_cast<std::int16_t>(jobs_.rowCount() - 1));
+        if (job.process == 0) {
             const auto file = layoutFolder(folder_) / "Preview" / (toUtf8(job.previewName) + ".ll");
             console_.error("Die Vorschau konnte nicht gezeigt werden; sie liegt als PDF in " + file.string() + ".");
             return;
         }
-        waitForViewer(platform_.processes(), job.prozess, console_);
+        waitForViewer(platform_.processes(), job.process, console_);
         manager.Terminate_Preview(kWindow);
     }
 
@@ -251,18 +251,18 @@ int runReport(const Options& options, Console& console) {
 }
 
 int listCompanies(const Options& options, Console& console) {
-    constexpr Zugklasse companies{u"clsZugFirmen", u"LeseFirmenAlle", {}};
+    constexpr DataClass companies{u"clsZugFirmen", u"LeseFirmenAlle", {}};
     ReferenceKvtzug kvtzug;
     PosixPlatform platform(options.locale);
     ErrorReports errors(console);
     ComponentState state(platform, kvtzug, errors);
     try {
-        Leser reader(state, companies);
-        if (!reader.Verbinde(connectionOf(options)) || !reader.Lese(companies.leseAlle, {}))
+        RecordReader reader(state, companies);
+        if (!reader.connect(connectionOf(options)) || !reader.read(companies.readAll, {}))
             throw RuntimeError(ErrorNumber::InternalError);
-        Mitglied number(u"Fnr", ValueType::Text), name(u"Name1", ValueType::Text), town(u"Ort", ValueType::Text);
-        const auto text = [&](Mitglied& getter) { return toUtf8(toText(reader.wert(getter), state.locale())); };
-        for (; !reader.Ende(); reader.MoveNext())
+        Member number(u"Fnr", ValueType::Text), name(u"Name1", ValueType::Text), town(u"Ort", ValueType::Text);
+        const auto text = [&](Member& getter) { return toUtf8(toText(reader.value(getter), state.locale())); };
+        for (; !reader.atEnd(); reader.MoveNext())
             console.notice(text(number) + "\t" + text(name) + "\t" + text(town));
     } catch (const RuntimeError& error) {
         console.error(toUtf8(error.description()));

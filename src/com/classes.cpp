@@ -5,7 +5,7 @@
 #include "com/formular_class.h"
 #include "com/parameters.h"
 #include "manager/clsDruckManager.h"
-#include "reports/berichte.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck::com {
 namespace {
@@ -35,7 +35,7 @@ class ManagerClass final : public AutomationClass<_clsDruckManager> {
 };
 
 /// One of the eighteen report classes. The report object itself lives for one request.
-template <class Interface, Berichterzeuger* neu>
+template <class Interface, ReportFactory* createReport>
 class ReportClass final : public AutomationClass<Interface> {
   public:
     HRESULT STDMETHODCALLTYPE fkt_Drucken(short* pPrintMode, double* pFnr, IDispatch** pADOCon,
@@ -46,19 +46,19 @@ class ReportClass final : public AutomationClass<Interface> {
                                           VARIANT_BOOL* result) override {
         return this->answer(result, [&] {
             const auto shared = component();
-            const auto formular = formularOf(in(pDrFormDll));
-            const Druckauftrag auftrag{in(pPrintMode),
+            const auto adapter = formularOf(in(pDrFormDll));
+            const PrintRequest request{in(pPrintMode),
                                        in(pFnr),
                                        in(pADOCon),
                                        in(pZuDbFnrAllg),
-                                       formular.get(),
+                                       adapter.get(),
                                        String(in(pListenPath)),
                                        String(in(pListenname)),
                                        truth(pDruckmitDruckerauswahl),
                                        in(parray),
                                        String(in(pPrevPath)),
                                        in(pAktind_ArrAllPrints)};
-            return boolOf(neu({shared.state, shared.jobTable}, auftrag)->fkt_Drucken());
+            return boolOf(createReport({shared.state, shared.jobTable}, request)->fkt_Drucken());
         });
     }
 };
@@ -69,7 +69,7 @@ IUnknown* create() {
 }
 
 #define KVT_REPORT(Class)                                                                                          \
-    { L## #Class, __uuidof(::Class), create<ReportClass<_##Class, neu_##Class>> }
+    { L## #Class, __uuidof(::Class), create<ReportClass<_##Class, new_##Class>> }
 
 const CoClass kClasses[] = {
     {L"clsDruckManager", __uuidof(::clsDruckManager), create<ManagerClass>},

@@ -1,6 +1,6 @@
 #include "control/recording_control.h"
 
-#include "values/characters.h"
+#include "values/code_points.h"
 #include "values/runtime_error.h"
 
 #include <utility>

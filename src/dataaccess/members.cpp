@@ -3,9 +3,9 @@
 namespace kvtdruck {
 namespace {
 
-constexpr Umbenennung kJahr[] = {{u"FuerJahr", u"Jahr"}, {u"Fuerjahr", u"Jahr"}};
-constexpr Umbenennung kKonten[] = {{u"FuerJahr", u"FJahr"}};
-constexpr Umbenennung kMitarbeiterMonate[] = {
+constexpr RenamedGetter kYear[] = {{u"FuerJahr", u"Jahr"}, {u"Fuerjahr", u"Jahr"}};
+constexpr RenamedGetter kAccounts[] = {{u"FuerJahr", u"FJahr"}};
+constexpr RenamedGetter kEmployeeMonths[] = {
     {u"Fuerjahr", u"FJahr"},
     {u"IBerSzdTag", u"IBerStdTag"},
     {u"SBerSzdTag", u"SBerStdTag"},
@@ -14,21 +14,20 @@ constexpr Umbenennung kMitarbeiterMonate[] = {
 
 } // namespace
 
-const Zugklasse clsZugUmsatz{u"clsZugUmsatz", u"LeseUmsatzAlle", u"LeseUmsatzVonBis", kJahr};
-const Zugklasse clsZugFirmaJahr{u"clsZugFirmaJahr", u"LeseFirmaJahreAlle", u"LeseFirmaJahreVonBis", kJahr};
-const Zugklasse clsZugFeiertage{u"clsZugFeiertage", {}, u"LeseFeiertage"};
-const Zugklasse clsZugMitarbeiter{u"clsZugMitarbeiter", u"LeseMitarbeiter", {}};
-const Zugklasse clsZugKonten{u"clsZugKonten", {}, u"LeseKonten", kKonten};
-const Zugklasse clsZugMitarbeiterMonate{
-    u"clsZugMitarbeiterMonate", {}, u"LeseMitarbeiterMonate", kMitarbeiterMonate};
-const Zugklasse clsZugKosten{u"clsZugKosten", u"LeseKostenAlle", u"LeseKostenVonBis", kJahr};
-const Zugklasse clsZugMaterial{u"clsZugMaterial", u"LeseMaterialAlle", u"LeseMaterialVonBis", kJahr};
+const DataClass clsZugUmsatz{u"clsZugUmsatz", u"LeseUmsatzAlle", u"LeseUmsatzVonBis", kYear};
+const DataClass clsZugFirmaJahr{u"clsZugFirmaJahr", u"LeseFirmaJahreAlle", u"LeseFirmaJahreVonBis", kYear};
+const DataClass clsZugFeiertage{u"clsZugFeiertage", {}, u"LeseFeiertage"};
+const DataClass clsZugMitarbeiter{u"clsZugMitarbeiter", u"LeseMitarbeiter", {}};
+const DataClass clsZugKonten{u"clsZugKonten", {}, u"LeseKonten", kAccounts};
+const DataClass clsZugMitarbeiterMonate{u"clsZugMitarbeiterMonate", {}, u"LeseMitarbeiterMonate", kEmployeeMonths};
+const DataClass clsZugKosten{u"clsZugKosten", u"LeseKostenAlle", u"LeseKostenVonBis", kYear};
+const DataClass clsZugMaterial{u"clsZugMaterial", u"LeseMaterialAlle", u"LeseMaterialVonBis", kYear};
 
-StringView Zugklasse::getter(StringView feld) const {
-    for (const auto& ausnahme : ausnahmen)
-        if (ausnahme.name == feld)
-            return ausnahme.getter;
-    return feld;
+StringView DataClass::getter(StringView field) const {
+    for (const auto& renamed : renamedGetters)
+        if (renamed.name == field)
+            return renamed.getter;
+    return field;
 }
 
 } // namespace kvtdruck

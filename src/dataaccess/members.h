@@ -9,33 +9,33 @@
 namespace kvtdruck {
 
 /// A variable or field that is fed by a getter of another name.
-struct Umbenennung {
+struct RenamedGetter {
     StringView name;
     StringView getter;
 };
 
 /// One reader class of the library. A getter bears the name of the variable or field that it feeds, but for
-/// `ausnahmen`.
-struct Zugklasse {
+/// `renamedGetters`.
+struct DataClass {
     StringView name;
     /// Reads every record of the company.
-    StringView leseAlle;
+    StringView readAll;
     /// Reads the records of a range.
-    StringView leseVonBis;
-    std::span<const Umbenennung> ausnahmen = {};
+    StringView readRange;
+    std::span<const RenamedGetter> renamedGetters = {};
 
     /// The getter that feeds the variable or field `name`.
-    StringView getter(StringView feld) const;
+    StringView getter(StringView field) const;
 };
 
-extern const Zugklasse clsZugUmsatz;
-extern const Zugklasse clsZugFirmaJahr;
-extern const Zugklasse clsZugFeiertage;
-extern const Zugklasse clsZugMitarbeiter;
-extern const Zugklasse clsZugKonten;
-extern const Zugklasse clsZugMitarbeiterMonate;
-extern const Zugklasse clsZugKosten;
-extern const Zugklasse clsZugMaterial;
+extern const DataClass clsZugUmsatz;
+extern const DataClass clsZugFirmaJahr;
+extern const DataClass clsZugFeiertage;
+extern const DataClass clsZugMitarbeiter;
+extern const DataClass clsZugKonten;
+extern const DataClass clsZugMitarbeiterMonate;
+extern const DataClass clsZugKosten;
+extern const DataClass clsZugMaterial;
 
 /// The company's general data, which every report is handed.
 inline constexpr StringView clsZugFirmaAllg = u"clsZugFirmaAllg";

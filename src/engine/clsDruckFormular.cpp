@@ -1,29 +1,28 @@
 #include "engine/clsDruckFormular.h"
 
-#include "dataaccess/zugriff.h"
+#include "dataaccess/member.h"
 #include "module/error_rule.h"
 
 namespace kvtdruck {
 namespace {
 
-constexpr StringView kKlasse = u"clsDruckFormular";
+constexpr StringView kClass = u"clsDruckFormular";
 
 /// The control's property that the form sets while it loads.
-constexpr std::int32_t kEigenschaftBeimLaden = 3;
+constexpr std::int32_t kPropertyWhileLoading = 3;
 
-String mitTrenner(StringView pfad) {
-    return String(pfad) + u"\\";
+String withSeparator(StringView path) {
+    return String(path) + u"\\";
 }
 
 } // namespace
 
 // Form
-// --------------------------------------------------------------------------------------------------------------
 
 Variant clsDruckFormular::fkt_Starte_Form() {
-    return guarded(state_, {kKlasse, u"fkt_Starte_Form"}, [&] {
+    return guarded(state_, {kClass, u"fkt_Starte_Form"}, [&] {
         frmDruck_ = formFactory_.create();
-        frmDruck_->ll60().put(kEigenschaftBeimLaden, true);
+        frmDruck_->ll60().put(kPropertyWhileLoading, true);
         return true;
     });
 }
@@ -41,17 +40,16 @@ void clsDruckFormular::fkt_Form_Unload() {
 }
 
 // Calls
-// -------------------------------------------------------------------------------------------------------------
 
-template <class Aufruf>
-std::int32_t clsDruckFormular::rufe(Aufruf&& aufruf) noexcept {
+template <class Body>
+std::int32_t clsDruckFormular::call(Body&& body) noexcept {
     std::int32_t rc = kEngineSuccess;
-    skippingErrors([&] { rc = aufruf(required(frmDruck_)); });
+    skippingErrors([&] { rc = body(required(frmDruck_)); });
     return rc;
 }
 
-std::int32_t clsDruckFormular::rufe(Operation operation, std::initializer_list<Argument> argumente) noexcept {
-    return rufe([&](Form& form) { return form.ll60().call(operation, argumente); });
+std::int32_t clsDruckFormular::call(Operation operation, std::initializer_list<Argument> arguments) noexcept {
+    return call([&](Form& form) { return form.ll60().call(operation, arguments); });
 }
 
 std::int32_t clsDruckFormular::PrFehler(std::int32_t pRC, StringView pText) {
@@ -60,96 +58,94 @@ std::int32_t clsDruckFormular::PrFehler(std::int32_t pRC, StringView pText) {
     if (pRC == kEngineSuccess)
         return -1;
     skippingErrors([&] {
-        state_.report({kKlasse, u"PrFehler"},
+        state_.report({kClass, u"PrFehler"},
                       u"List & Label\r\nFehler " + decimal(pRC) + u" bei " + String(pText) +
                           u"\r\nDie Fehlercodes sind im L&L handbuch Seite 238 beschrieben.");
     });
     return 0;
 }
 
-std::int32_t clsDruckFormular::beurteile(std::int32_t rc, StringView text, StringView zusatz) noexcept {
+std::int32_t clsDruckFormular::judge(std::int32_t rc, StringView text, StringView detail) noexcept {
     if (rc == kEngineSuccess)
         return PrFehler(rc, text);
-    std::int32_t urteil = 0;
-    skippingErrors([&] { urteil = PrFehler(rc, String(text) + String(zusatz)); });
-    return urteil;
+    std::int32_t verdict = 0;
+    skippingErrors([&] { verdict = PrFehler(rc, String(text) + String(detail)); });
+    return verdict;
 }
 
 // Definitions
-// -------------------------------------------------------------------------------------------------------
 
 void clsDruckFormular::LlDefineVariableStart() {
-    rufe(Operation::LlDefineVariableStart);
+    call(Operation::LlDefineVariableStart);
 }
 
 void clsDruckFormular::LlDefineFieldStart() {
-    rufe(Operation::LlDefineFieldStart);
+    call(Operation::LlDefineFieldStart);
 }
 
 bool clsDruckFormular::LlDefineVariableExt(StringView pFeldname, StringView pFeldinhalt, std::int32_t pFeldtyp) {
-    const auto rc = rufe(Operation::LlDefineVariableExt, {pFeldname, pFeldinhalt, pFeldtyp});
-    return beurteile(rc, u"LlDefineVariableExt ", pFeldname) != 0;
+    const auto rc = call(Operation::LlDefineVariableExt, {pFeldname, pFeldinhalt, pFeldtyp});
+    return judge(rc, u"LlDefineVariableExt ", pFeldname) != 0;
 }
 
 bool clsDruckFormular::LlDefineFieldExt(StringView pFeldname, StringView pFeldinhalt, std::int32_t pFeldtyp) {
-    const auto rc = rufe(Operation::LlDefineFieldExt, {pFeldname, pFeldinhalt, pFeldtyp});
+    const auto rc = call(Operation::LlDefineFieldExt, {pFeldname, pFeldinhalt, pFeldtyp});
     // The field operation reports under the layout operation's name; error logs know it so.
-    return beurteile(rc, u"LlDefineLayout ", pFeldname) != 0;
+    return judge(rc, u"LlDefineLayout ", pFeldname) != 0;
 }
 
 bool clsDruckFormular::LlDefineLayout(const Variant& pTitel, std::int32_t pObjekttyp, StringView pObjektname) {
-    String titel;
-    const auto rc = rufe([&](Form& form) {
-        titel = toText(pTitel, state_.locale());
-        return form.ll60().call(Operation::LlDefineLayout, {form.hWnd(), titel, pObjekttyp, pObjektname});
+    String title;
+    const auto rc = call([&](Form& form) {
+        title = toText(pTitel, state_.locale());
+        return form.ll60().call(Operation::LlDefineLayout, {form.hWnd(), title, pObjekttyp, pObjektname});
     });
-    return beurteile(rc, u"LlDefineLayout ", titel) != 0;
+    return judge(rc, u"LlDefineLayout ", title) != 0;
 }
 
 // Printing
-// ----------------------------------------------------------------------------------------------------------
 
 std::int32_t clsDruckFormular::LlPrintWithBoxStart(std::int32_t pObjekttyp, StringView pObjektname,
                                                    std::int32_t pPrintMode, std::int32_t pBoxType,
                                                    StringView pTitel) {
-    const auto rc = rufe([&](Form& form) {
+    const auto rc = call([&](Form& form) {
         return form.ll60().call(Operation::LlPrintWithBoxStart,
                                 {pObjekttyp, pObjektname, pPrintMode, pBoxType, form.hWnd(), pTitel});
     });
-    return beurteile(rc, u"LlPrintWithBoxStart ", pObjektname);
+    return judge(rc, u"LlPrintWithBoxStart ", pObjektname);
 }
 
 std::int32_t clsDruckFormular::LlPrint() {
-    return beurteile(rufe(Operation::LlPrint), u"LlPrint");
+    return judge(call(Operation::LlPrint), u"LlPrint");
 }
 
 std::int32_t clsDruckFormular::LlPrintFields() {
-    return beurteile(rufe(Operation::LlPrintFields), u"LlPrintFields");
+    return judge(call(Operation::LlPrintFields), u"LlPrintFields");
 }
 
 std::int32_t clsDruckFormular::LlPrintFieldsEnd() {
-    return beurteile(rufe(Operation::LlPrintFieldsEnd), u"LlPrintFieldsEnd");
+    return judge(call(Operation::LlPrintFieldsEnd), u"LlPrintFieldsEnd");
 }
 
 std::int32_t clsDruckFormular::LlPrintEnd(std::int32_t pPages) {
     // The end of the job reports under the name of the end of the field list; error logs know it so.
-    return beurteile(rufe(Operation::LlPrintEnd, {pPages}), u"LlPrintFieldsEnd");
+    return judge(call(Operation::LlPrintEnd, {pPages}), u"LlPrintFieldsEnd");
 }
 
 std::int32_t clsDruckFormular::LlSetPrinterToDefault(std::int32_t pObjekttyp, StringView pObjektname) {
-    const auto rc = rufe(Operation::LlSetPrinterToDefault, {pObjekttyp, pObjektname});
-    return beurteile(rc, u"LlSetPrinterToDefault ", pObjektname);
+    const auto rc = call(Operation::LlSetPrinterToDefault, {pObjekttyp, pObjektname});
+    return judge(rc, u"LlSetPrinterToDefault ", pObjektname);
 }
 
 std::int32_t clsDruckFormular::LlPrintSetBoxText(StringView pText, std::int32_t pFortschrittProzent) {
-    return beurteile(rufe(Operation::LlPrintSetBoxText, {pText, pFortschrittProzent}), u"LlPrintSetBoxText");
+    return judge(call(Operation::LlPrintSetBoxText, {pText, pFortschrittProzent}), u"LlPrintSetBoxText");
 }
 
 std::int32_t clsDruckFormular::LlPrintOptionsDialog(StringView pText) {
-    const auto rc = rufe([&](Form& form) {
+    const auto rc = call([&](Form& form) {
         return form.ll60().call(Operation::LlPrintOptionsDialog, {form.hWnd(), pText});
     });
-    return beurteile(rc, u"LlPrintOptionsDialog");
+    return judge(rc, u"LlPrintOptionsDialog");
 }
 
 // The control has no member DrForm, so this chain fails and the job goes on: aborting through the adapter has no
@@ -158,66 +154,63 @@ void clsDruckFormular::LlPrintAbort() {
     skippingErrors([&] {
         const auto& locale = state_.locale();
         const auto drForm = required(frmDruck_).ll60().member(u"DrForm");
-        const auto ll60 = Mitglied(u"ll60", ValueType::Object).rufe(drForm, locale);
-        Mitglied(u"LlPrintAbort", ValueType::Variant).rufe(*ll60.as<ObjectRef>(), locale);
+        const auto ll60 = Member(u"ll60", ValueType::Object).call(drForm, locale);
+        Member(u"LlPrintAbort", ValueType::Variant).call(*ll60.as<ObjectRef>(), locale);
     });
 }
 
 void clsDruckFormular::PrintEnd() {
-    rufe(Operation::PrintEnd);
+    call(Operation::PrintEnd);
 }
 
 // Preview
-// -----------------------------------------------------------------------------------------------------------
 
 std::int32_t clsDruckFormular::LlPreviewDisplay(StringView pObjektname, StringView pPath) {
-    const auto rc = rufe([&](Form& form) {
-        return form.ll60().call(Operation::LlPreviewDisplay, {pObjektname, mitTrenner(pPath), form.hWnd()});
+    const auto rc = call([&](Form& form) {
+        return form.ll60().call(Operation::LlPreviewDisplay, {pObjektname, withSeparator(pPath), form.hWnd()});
     });
-    return beurteile(rc, u"LlPreviewDisplay ", pObjektname);
+    return judge(rc, u"LlPreviewDisplay ", pObjektname);
 }
 
 std::int32_t clsDruckFormular::LlPreviewDeleteFiles(StringView pObjektname, StringView pPath) {
-    const auto rc = rufe(Operation::LlPreviewDeleteFiles, {pObjektname, mitTrenner(pPath)});
-    return beurteile(rc, u"LlPreviewDeleteFiles ", pObjektname);
+    const auto rc = call(Operation::LlPreviewDeleteFiles, {pObjektname, withSeparator(pPath)});
+    return judge(rc, u"LlPreviewDeleteFiles ", pObjektname);
 }
 
 std::int32_t clsDruckFormular::LlPreviewSetTempPath(StringView pPath) {
-    return beurteile(rufe(Operation::LlPreviewSetTempPath, {mitTrenner(pPath)}), u"LlPreviewSetTempPath");
+    return judge(call(Operation::LlPreviewSetTempPath, {withSeparator(pPath)}), u"LlPreviewSetTempPath");
 }
 
 // Storage files, passed through without judgement
-// -----------------------------------------------------------------------
 
 std::int32_t clsDruckFormular::LlStgsysDrawPage(std::int32_t pHSTG, std::int32_t pHDC, std::int32_t pHPRNDC,
                                                 std::int32_t pLeft, std::int32_t pTop, std::int32_t pRight,
                                                 std::int32_t pBottom, std::int32_t pIndex, std::int32_t pFit) {
-    constexpr std::int32_t kOhneDruckerfrage = 0;
-    return rufe(Operation::LlStgsysDrawPage,
-                {pHSTG, pHDC, pHPRNDC, kOhneDruckerfrage, pLeft, pTop, pRight, pBottom, pIndex, pFit});
+    constexpr std::int32_t kNoPrinterQuestion = 0;
+    return call(Operation::LlStgsysDrawPage,
+                {pHSTG, pHDC, pHPRNDC, kNoPrinterQuestion, pLeft, pTop, pRight, pBottom, pIndex, pFit});
 }
 
 std::int32_t clsDruckFormular::LlStgsysStorageOpen(StringView pObjektname, StringView pPfad, bool pReadOnly,
                                                    bool pJob) {
-    const auto lang = [](bool wahr) { return std::int32_t{wahr ? -1 : 0}; };
-    return rufe(Operation::LlStgsysStorageOpen, {pObjektname, pPfad, lang(pReadOnly), lang(pJob)});
+    const auto longOf = [](bool truth) { return std::int32_t{truth ? -1 : 0}; };
+    return call(Operation::LlStgsysStorageOpen, {pObjektname, pPfad, longOf(pReadOnly), longOf(pJob)});
 }
 
 void clsDruckFormular::LlStgsysStorageClose(std::int32_t pHSTG) {
-    rufe(Operation::LlStgsysStorageClose, {pHSTG});
+    call(Operation::LlStgsysStorageClose, {pHSTG});
 }
 
 // Files
-// -------------------------------------------------------------------------------------------------------------
 
 bool clsDruckFormular::FKT_Lösche_Druckerbeschreibung(StringView pPfad) {
     // Reports under the name of another procedure; the host's error log depends on it.
-    return guarded(state_, {kKlasse, u"FKT_Setze_Rand_Formular"}, [&] {
-        const auto dateien = state_.platform().createFileSystem();
-        for (const StringView endung : {u".lsp", u".lsv"}) {
-            const auto datei = String(pPfad) + String(endung);
-            if (dateien->exists(datei))
-                dateien->remove(datei, true);
+    return guarded(state_, {kClass, u"FKT_Setze_Rand_Formular"}, [&] {
+        const auto files = state_.platform().createFileSystem();
+        for (const StringView extension : {u".lsp", u".lsv"}) {
+            const auto file = String(pPfad) + String(extension);
+            if (files->exists(file))
+                files->remove(file, true);
         }
         return true;
     });

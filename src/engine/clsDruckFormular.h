@@ -50,12 +50,12 @@ class clsDruckFormular final : public DruckFormular {
     void PrintEnd() override;
 
   private:
-    /// The engine's result of `aufruf`, which is given the form; 0 where the call fails.
-    template <class Aufruf>
-    std::int32_t rufe(Aufruf&& aufruf) noexcept;
-    std::int32_t rufe(Operation operation, std::initializer_list<Argument> argumente = {}) noexcept;
-    /// `PrFehler` on `rc`; `zusatz` follows the operation's `text` in the message.
-    std::int32_t beurteile(std::int32_t rc, StringView text, StringView zusatz = {}) noexcept;
+    /// The engine's result of `body`, which is given the form; 0 where the call fails.
+    template <class Body>
+    std::int32_t call(Body&& body) noexcept;
+    std::int32_t call(Operation operation, std::initializer_list<Argument> arguments = {}) noexcept;
+    /// `PrFehler` on `rc`; `detail` follows the operation's `text` in the message.
+    std::int32_t judge(std::int32_t rc, StringView text, StringView detail = {}) noexcept;
 
     ComponentState& state_;
     FormFactory& formFactory_;

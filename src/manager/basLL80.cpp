@@ -3,86 +3,84 @@
 namespace kvtdruck {
 namespace {
 
-constexpr StringView kModul = u"basLL80";
+constexpr StringView kModule = u"basLL80";
 
-String previewDatei(StringView pfad, StringView name) {
-    return String(pfad) + u"\\" + String(name) + u".ll";
+String previewFile(StringView path, StringView name) {
+    return String(path) + u"\\" + String(name) + u".ll";
 }
 
 } // namespace
 
 // The table
-// ---------------------------------------------------------------------------------------------------------
 
-void basLL80::ErzeugeTabelle() {
+void basLL80::createTable() {
     Akt_ArrAllPrints_.emplace(1);
 }
 
-std::int16_t basLL80::Zeilenzahl() {
+std::int16_t basLL80::rowCount() {
     return roundToInteger(static_cast<double>(required(Akt_ArrAllPrints_).size()));
 }
 
-Druckzeile& basLL80::Zeile(std::int16_t zeile) {
-    if (zeile < 0 || zeile >= Zeilenzahl())
+JobRow& basLL80::rowAt(std::int16_t row) {
+    if (row < 0 || row >= rowCount())
         throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
-    return (*Akt_ArrAllPrints_)[zeile];
+    return (*Akt_ArrAllPrints_)[row];
 }
 
-std::int16_t basLL80::HaengeZeileAn() {
-    const auto neue = Zeilenzahl();
+std::int16_t basLL80::appendRow() {
+    const auto added = rowCount();
     Akt_ArrAllPrints_->emplace_back();
-    return neue;
+    return added;
 }
 
 // Viewers
-// -----------------------------------------------------------------------------------------------------------
 
 void basLL80::Init_FileSystem() {
     skippingErrors([this] {
-        if (!dateien_)
-            dateien_ = state_.platform().createFileSystem();
+        if (!files_)
+            files_ = state_.platform().createFileSystem();
     });
 }
 
-void basLL80::Loesche_Previewdateien(StringView listenname, StringView prevPath, std::int16_t zeile) {
+void basLL80::Loesche_Previewdateien(StringView listName, StringView prevPath, std::int16_t row) {
     Init_FileSystem();
-    const auto loesche = [&](StringView name) {
-        const auto datei = previewDatei(prevPath, name);
-        if (dateien().exists(datei))
-            dateien().remove(datei, false);
+    const auto removeFile = [&](StringView name) {
+        const auto file = previewFile(prevPath, name);
+        if (files().exists(file))
+            files().remove(file, false);
     };
     skippingErrors([&] {
-        if (const auto& behaltene = Zeile(zeile).previewName; !behaltene.empty())
-            loesche(behaltene);
+        if (const auto& kept = rowAt(row).previewName; !kept.empty())
+            removeFile(kept);
     });
     // Without a list name this is the file ".ll".
-    skippingErrors([&] { loesche(listenname); });
+    skippingErrors([&] { removeFile(listName); });
 }
 
-bool basLL80::fkt_Terminiere_Review(StringView listenname, StringView prevPath, std::int16_t zeile) {
-    return guarded(state_, {kModul, u"fkt_Terminiere_Review"}, [&] {
+bool basLL80::fkt_Terminiere_Review(StringView listName, StringView prevPath, std::int16_t row) {
+    return guarded(state_, {kModule, u"fkt_Terminiere_Review"}, [&] {
         Init_FileSystem();
-        auto& druck = Zeile(zeile);
-        if (druck.prozess != 0 && druck.istPreview) {
-            state_.platform().processes().terminate(druck.prozess);
-            druck.prozess = 0;
+        auto& job = rowAt(row);
+        if (job.process != 0 && job.isPreview) {
+            state_.platform().processes().terminate(job.process);
+            job.process = 0;
         }
-        Loesche_Previewdateien(listenname, prevPath, zeile);
+        Loesche_Previewdateien(listName, prevPath, row);
         state_.platform().processPendingMessages();
         return true;
     });
 }
 
-bool basLL80::fkt_Aktiviere_Preview(StringView listenname, StringView prevPath, std::int16_t zeile) {
-    return guarded(state_, {kModul, u"fkt_Aktiviere_Preview"}, [&] {
+bool basLL80::fkt_Aktiviere_Preview(StringView listName, StringView prevPath, std::int16_t row) {
+    return guarded(state_, {kModule, u"fkt_Aktiviere_Preview"}, [&] {
         Init_FileSystem();
-        const auto name = Zeile(zeile).previewName;
-        dateien().rename(previewDatei(prevPath, listenname), name + u".ll");
+        const auto name = rowAt(row).previewName;
+        files().rename(previewFile(prevPath, listName), name + u".ll");
         state_.platform().processPendingMessages();
         // Without a folder: the viewer is found through the search path.
-        const auto befehl = u"llview12.exe \"" + previewDatei(prevPath, name) + u"\"";
+        const auto command = u"llview12.exe \"" + previewFile(prevPath, name) + u"\"";
         // The row is sought anew: the host may have printed while its messages were processed.
-        Zeile(zeile).prozess = state_.platform().processes().start(befehl);
+        rowAt(row).process = state_.platform().processes().start(command);
         return true;
     });
 }

@@ -3,9 +3,8 @@
 #pragma once
 
 #include "control/control.h"
-#include "dataaccess/zugriff.h"
 #include "manager/basLL80.h"
-#include "reports/berichte.h"
+#include "reports/report_classes.h"
 
 #include <span>
 
@@ -14,14 +13,14 @@ namespace kvtdruck {
 /// A report as hosts ask for it.
 struct Launcher {
     /// Compared letter by letter.
-    StringView listenname;
+    StringView listName;
     /// The procedure's name in error reports.
-    StringView prozedur;
-    Berichterzeuger* bericht;
+    StringView procedure;
+    ReportFactory* report;
 };
 
 /// All launchers, in the order of comparison.
-std::span<const Launcher> alleLauncher();
+std::span<const Launcher> allLaunchers();
 
 /// `state`, `basLL80` and the form factory outlive the manager.
 class clsDruckManager {
@@ -47,15 +46,15 @@ class clsDruckManager {
     bool Lese_Allgemeine_Firmendaten(double pFnr);
     bool fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname, std::int32_t pParentHwnd,
                                       StringView pPrevPath);
-    std::int16_t WaehleZeile(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath);
-    bool Starte(const Launcher& launcher, Druckauftrag auftrag);
+    std::int16_t chooseRow(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath);
+    bool launch(const Launcher& launcher, PrintRequest request);
 
     ComponentState& state_;
     basLL80& basLL80_;
     FormFactory& formFactory_;
     ObjectRef connection_;
-    ObjectRef firma_;
-    std::int16_t aktZeile_ = -1;
+    ObjectRef company_;
+    std::int16_t currentRow_ = -1;
 };
 
 } // namespace kvtdruck

@@ -1,32 +1,32 @@
 // Operating overview per employee.
-#include "reports/berichte.h"
-#include "reports/feldbericht.h"
+#include "reports/array_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
-const Tabelle kVariablen = verkette({
-    firmennummer(),
-    zellen(3, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
+const Table kVariables = joined({
+    companyNumber(),
+    cells(3, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
 });
 
-const Tabelle kFelder = verkette({
-    waehrung(u"FWaehr"),
-    textzelle(8, u"Text"),
-    zellen(9, {u"SAMaDM", u"SPMaDM", u"SUMaDM", u"IAMaDM", u"IPMaDM", u"IUMaDM", u"DAMaDM", u"DPMaDM", u"DUMaDM"}),
+const Table kFields = joined({
+    currency(u"FWaehr"),
+    textCell(8, u"Text"),
+    cells(9, {u"SAMaDM", u"SPMaDM", u"SUMaDM", u"IAMaDM", u"IPMaDM", u"IUMaDM", u"DAMaDM", u"DPMaDM", u"DUMaDM"}),
 });
 
-class clsDruck_BsEMa final : public Feldbericht {
+class clsDruck_BsEMa final : public ArrayReport {
   public:
-    clsDruck_BsEMa(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Feldbericht(umgebung, std::move(auftrag), u"clsDruck_BsEMa", u"Betriebsübersicht Mitarbeiter", kVariablen,
-                      kFelder) {}
+    clsDruck_BsEMa(const ReportEnvironment& environment, PrintRequest request)
+        : ArrayReport(environment, std::move(request), u"clsDruck_BsEMa", u"Betriebsübersicht Mitarbeiter",
+                      kVariables, kFields) {}
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_BsEMa(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_BsEMa>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_BsEMa(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_BsEMa>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

@@ -1,32 +1,32 @@
 // Operating overview per hour.
-#include "reports/berichte.h"
-#include "reports/feldbericht.h"
+#include "reports/array_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
-const Tabelle kVariablen = verkette({
-    firmennummer(),
-    zellen(3, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
+const Table kVariables = joined({
+    companyNumber(),
+    cells(3, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
 });
 
-const Tabelle kFelder = verkette({
-    textzelle(8, u"Text"),
-    zellen(9, {u"SDM", u"SPR", u"IDM", u"IPR", u"DDM", u"DPR"}),
-    waehrung(u"FWaehr"),
+const Table kFields = joined({
+    textCell(8, u"Text"),
+    cells(9, {u"SDM", u"SPR", u"IDM", u"IPR", u"DDM", u"DPR"}),
+    currency(u"FWaehr"),
 });
 
-class clsDruck_BsEStd final : public Feldbericht {
+class clsDruck_BsEStd final : public ArrayReport {
   public:
-    clsDruck_BsEStd(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Feldbericht(umgebung, std::move(auftrag), u"clsDruck_BsEStd", u"Betriebsübersicht je Stunde", kVariablen,
-                      kFelder) {}
+    clsDruck_BsEStd(const ReportEnvironment& environment, PrintRequest request)
+        : ArrayReport(environment, std::move(request), u"clsDruck_BsEStd", u"Betriebsübersicht je Stunde",
+                      kVariables, kFields) {}
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_BsEStd(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_BsEStd>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_BsEStd(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_BsEStd>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

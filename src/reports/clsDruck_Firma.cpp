@@ -1,114 +1,114 @@
 // The company's yearly settings, one year a page, with the public holidays of that year in the company's federal
 // state.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
-const Tabelle kVariablen = verkette({
-    firmennummer(),
-    zahlen(ValueType::Single, {u"AnzahlFeiertage", u"AnzahlFeiertageSon", u"AnzahlFeiertageSam", u"Jahrestage",
-                               u"AnzahlSonntage", u"AnzahlSamstage"}),
-    monate(ValueType::Single, u"Arbeitstage"),
-    zahlen(ValueType::Double, {u"GrenzeRentenversicherung"}),
-    zahlen(ValueType::Single,
-           {u"GrenzeAushilfskraft", u"GrenzeGeringverdiener", u"FuerJahr", u"Arbeitslosenversicherung",
-            u"Pflegeversicherung", u"Krankenversicherung", u"Rentenversicherung", u"SteuersatzAushilfe",
-            u"Tagesarbeitszeit", u"DurchUeberstundenzuschlag", u"Erstattungsumlage", u"Krankheitstage",
-            u"VorgabeUrlaubsgeld", u"Urlaubstage", u"VorgabeWeihnachtsgeld", u"VWL"}),
+const Table kVariables = joined({
+    companyNumber(),
+    numbers(ValueType::Single, {u"AnzahlFeiertage", u"AnzahlFeiertageSon", u"AnzahlFeiertageSam", u"Jahrestage",
+                                u"AnzahlSonntage", u"AnzahlSamstage"}),
+    months(ValueType::Single, u"Arbeitstage"),
+    numbers(ValueType::Double, {u"GrenzeRentenversicherung"}),
+    numbers(ValueType::Single,
+            {u"GrenzeAushilfskraft", u"GrenzeGeringverdiener", u"FuerJahr", u"Arbeitslosenversicherung",
+             u"Pflegeversicherung", u"Krankenversicherung", u"Rentenversicherung", u"SteuersatzAushilfe",
+             u"Tagesarbeitszeit", u"DurchUeberstundenzuschlag", u"Erstattungsumlage", u"Krankheitstage",
+             u"VorgabeUrlaubsgeld", u"Urlaubstage", u"VorgabeWeihnachtsgeld", u"VWL"}),
 });
 
 /// Of the holiday reader, not of the year reader.
-const Tabelle kFelder = verkette({datum({u"FDatum"}), texte({u"Feiertag"})});
+const Table kFields = joined({dates({u"FDatum"}), texts({u"Feiertag"})});
 
-class clsDruck_Firma final : public Leserbericht {
+class clsDruck_Firma final : public ReaderReport {
   public:
-    clsDruck_Firma(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Leserbericht(umgebung, std::move(auftrag), u"clsDruck_Firma", u"Allgemeine Firmendaten",
-                       {clsZugFirmaJahr, kVariablen, kFelder}) {}
+    clsDruck_Firma(const ReportEnvironment& environment, PrintRequest request)
+        : ReaderReport(environment, std::move(request), u"clsDruck_Firma", u"Allgemeine Firmendaten",
+                       {clsZugFirmaJahr, kVariables, kFields}) {}
 
   private:
-    Lesemeldung lesemeldung() const override {
+    ReadFailure readFailure() const override {
         return {u"Lese_Firmendaten", u"Die Firmendaten konnten nicht gelesen werden"};
     }
 
     // Unlike the other reports, a range of several years is read as given.
-    bool LeseDaten() override {
-        if (parray().ist(0, 0, false)) {
-            const bool ohneErstes = parray().ist(0, 1, 0.0);
-            const bool ohneLetztes = parray().ist(0, 2, 0.0);
-            if (ohneErstes && ohneLetztes)
+    bool readData() override {
+        if (parray().is(0, 0, false)) {
+            const bool noFirst = parray().is(0, 1, 0.0);
+            const bool noLast = parray().is(0, 2, 0.0);
+            if (noFirst && noLast)
                 parray().Value(0, 0, true);
         }
-        const bool gelesen = LeseAuswahl();
-        if (gelesen && !leser().Ende())
-            leser().MoveFirst();
-        return gelesen;
+        const bool done = readSelection();
+        if (done && !reader().atEnd())
+            reader().MoveFirst();
+        return done;
     }
 
-    bool LeseAuswahl() {
-        if (parray().ist(0, 0, true))
-            return leser().Lese(clsZugFirmaJahr.leseAlle, {auftrag().pFnr});
-        const auto erstes = roundToInteger(parray().single(0, 1));
-        const auto letztes = roundToInteger(parray().single(0, 2));
-        return leser().Lese(clsZugFirmaJahr.leseVonBis, {auftrag().pFnr, erstes, letztes});
+    bool readSelection() {
+        if (parray().is(0, 0, true))
+            return reader().read(clsZugFirmaJahr.readAll, {request().pFnr});
+        const auto first = roundToInteger(parray().single(0, 1));
+        const auto last = roundToInteger(parray().single(0, 2));
+        return reader().read(clsZugFirmaJahr.readRange, {request().pFnr, first, last});
     }
 
-    bool DefiniereAlles() override {
+    bool defineAll() override {
         return Definiere_Übergebe_Variablen() && Lese_Feiertage() && Definiere_Übergebe_Felder();
     }
 
-    bool DruckeSatz(bool erster) override {
-        if (!erster && !BeginneJahr())
+    bool printRecord(bool first) override {
+        if (!first && !beginYear())
             return false;
-        ZeigeFortschritt();
-        for (; !feiertage_->Ende(); feiertage_->MoveNext()) {
+        showProgress();
+        for (; !holidays_->atEnd(); holidays_->MoveNext()) {
             if (!Definiere_Übergebe_Felder())
                 return false;
-            DruckeZeile();
+            printLine();
         }
         return true;
     }
 
-    bool BeginneJahr() { return Definiere_Übergebe_Variablen() && adapter().LlPrint() != 0 && Lese_Feiertage(); }
+    bool beginYear() { return Definiere_Übergebe_Variablen() && adapter().LlPrint() != 0 && Lese_Feiertage(); }
 
     bool Definiere_Übergebe_Variablen() override {
-        return Prozedurrumpf(u"Definiere_Übergebe_Variablen_Allg", [this] {
-            Definiere(kVariable, variablen(), satz());
+        return guardedProcedure(u"Definiere_Übergebe_Variablen_Allg", [this] {
+            define(kVariable, variables(), record());
             return true;
         });
     }
 
     bool Definiere_Übergebe_Felder() override {
-        return Prozedurrumpf(u"Definiere_Übergebe_Felder", [this] {
-            Definiere(kFeld, feiertagsfelder_, {&*feiertage_, 0});
+        return guardedProcedure(u"Definiere_Übergebe_Felder", [this] {
+            define(kField, holidayFields_, {&*holidays_, 0});
             return true;
         });
     }
 
     /// The holidays of the current record's year, in the order that the reader gives them.
     bool Lese_Feiertage() {
-        const Variant bundesland = firma().text(u"Bundesland");
-        const Variant jahr = toInteger(leser().wert(jahr_), locale());
-        const Lesemeldung meldung{u"Lese_Feiertage", u"Die Feiertage konnten nicht gelesen werden"};
-        return OeffneLeser(feiertage_, clsZugFeiertage, meldung, [&] {
-            if (!feiertage_->Lese(clsZugFeiertage.leseVonBis, {bundesland, jahr}))
+        const Variant federalState = company().text(u"Bundesland");
+        const Variant year = toInteger(reader().value(year_), locale());
+        const ReadFailure failure{u"Lese_Feiertage", u"Die Feiertage konnten nicht gelesen werden"};
+        return openReader(holidays_, clsZugFeiertage, failure, [&] {
+            if (!holidays_->read(clsZugFeiertage.readRange, {federalState, year}))
                 return false;
-            feiertage_->MoveFirst();
+            holidays_->MoveFirst();
             return true;
         });
     }
 
-    Mitglied jahr_{clsZugFirmaJahr.getter(u"FuerJahr"), ValueType::Single};
-    std::optional<Leser> feiertage_;
-    GebundeneTabelle feiertagsfelder_{kFelder, &clsZugFeiertage};
+    Member year_{clsZugFirmaJahr.getter(u"FuerJahr"), ValueType::Single};
+    std::optional<RecordReader> holidays_;
+    BoundTable holidayFields_{kFields, &clsZugFeiertage};
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_Firma(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_Firma>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_Firma(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_Firma>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

@@ -1,40 +1,39 @@
 // Imputed costs, one year a page.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
-const Tabelle kVariablen = verkette({
-    festwert(u"Seitenwechsel", u"1"),
-    firmennummer(),
-    zahlen(ValueType::Single, {u"FuerJahr"}),
-    zahlen(ValueType::Double, {u"DAfa", u"DSons", u"DWag", u"MMieteJahr", u"MMieteMon", u"Priv", u"QM", u"QMPreis",
-                               u"UPausch", u"ZEK", u"ZPZins", u"ZDMZins"}),
+const Table kVariables = joined({
+    fixedNumber(u"Seitenwechsel", u"1"),
+    companyNumber(),
+    numbers(ValueType::Single, {u"FuerJahr"}),
+    numbers(ValueType::Double, {u"DAfa", u"DSons", u"DWag", u"MMieteJahr", u"MMieteMon", u"Priv", u"QM", u"QMPreis",
+                                u"UPausch", u"ZEK", u"ZPZins", u"ZDMZins"}),
 });
 
 /// The figures are variables; the only field is the page break.
-const Tabelle kFelder;
+const Table kFields;
 
-class clsDruck_KalkKosten final : public Leserbericht {
+class clsDruck_KalkKosten final : public ReaderReport {
   public:
-    clsDruck_KalkKosten(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Leserbericht(
-              umgebung, std::move(auftrag), u"clsDruck_KalkKosten", u"Kalkulatorische Kosten",
-              {clsZugKosten, kVariablen, kFelder, {clsZugKosten.getter(u"FuerJahr")}, Gruppenwechsel::NeuesBlatt}) {
-    }
+    clsDruck_KalkKosten(const ReportEnvironment& environment, PrintRequest request)
+        : ReaderReport(
+              environment, std::move(request), u"clsDruck_KalkKosten", u"Kalkulatorische Kosten",
+              {clsZugKosten, kVariables, kFields, {clsZugKosten.getter(u"FuerJahr")}, GroupChange::NewSheet}) {}
 
   private:
-    Lesemeldung lesemeldung() const override {
+    ReadFailure readFailure() const override {
         return {u"Lese_Kosten", u"Die Kosten konnten nicht gelesen werden."};
     }
-    bool LeseDaten() override { return LeseJahre({auftrag().pFnr, 0.0f}); }
+    bool readData() override { return readYears({request().pFnr, 0.0f}); }
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_KalkKosten(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_KalkKosten>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_KalkKosten(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_KalkKosten>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

@@ -1,31 +1,31 @@
 // Personnel costs: one line per employee and month.
-#include "reports/berichte.h"
-#include "reports/mitarbeiterbericht.h"
+#include "reports/employee_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
-const Tabelle kFelder = verkette({
-    errechnet(u"Name", vollerName),
-    festwert(u"Seitenwechsel", u"1"),
-    zahlen(ValueType::Double, {u"Nummer"}),
-    zahlen(ValueType::Single, {u"FJahr"}),
-    zahlen(ValueType::Double, {u"IBrutto", u"SBrutto", u"IBruttoGes", u"SBruttoGes", u"IUrl", u"SUrl", u"IVWL",
-                               u"SVWL", u"IWG", u"SWG", u"IAdmPr", u"SAdmPr"}),
-    zahlen(ValueType::Single, {u"Monat"}),
+const Table kFields = joined({
+    fullName(u"Name"),
+    fixedNumber(u"Seitenwechsel", u"1"),
+    numbers(ValueType::Double, {u"Nummer"}),
+    numbers(ValueType::Single, {u"FJahr"}),
+    numbers(ValueType::Double, {u"IBrutto", u"SBrutto", u"IBruttoGes", u"SBruttoGes", u"IUrl", u"SUrl", u"IVWL",
+                                u"SVWL", u"IWG", u"SWG", u"IAdmPr", u"SAdmPr"}),
+    numbers(ValueType::Single, {u"Monat"}),
 });
 
-class clsDruck_MitarbeiterKosten final : public Mitarbeiterliste {
+class clsDruck_MitarbeiterKosten final : public EmployeeList {
   public:
-    clsDruck_MitarbeiterKosten(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Mitarbeiterliste(umgebung, std::move(auftrag), u"clsDruck_MitarbeiterKosten", u"Mitarbeiter-Kosten",
-                           kFelder) {}
+    clsDruck_MitarbeiterKosten(const ReportEnvironment& environment, PrintRequest request)
+        : EmployeeList(environment, std::move(request), u"clsDruck_MitarbeiterKosten", u"Mitarbeiter-Kosten",
+                       kFields) {}
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_MitarbeiterKosten(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_MitarbeiterKosten>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_MitarbeiterKosten(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_MitarbeiterKosten>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

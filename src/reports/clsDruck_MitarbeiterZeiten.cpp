@@ -1,36 +1,36 @@
 // Working times: one line per employee and month.
-#include "reports/berichte.h"
-#include "reports/mitarbeiterbericht.h"
+#include "reports/employee_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
 /// "IBerSzdTag" and "SBerSzdTag" are spelled as this report's layouts refer to them.
-const Tabelle kFelder = verkette({
-    festwert(u"Seitenwechsel", u"1"),
-    zahlen(ValueType::Single, {u"FJahr"}),
-    errechnet(u"Name", vollerName),
-    zahlen(ValueType::Double, {u"Nummer"}),
-    zahlen(ValueType::Single, {u"Monat"}),
-    zahlen(ValueType::Double, {u"IAdmPr"}),
-    zahlen(ValueType::Single, {u"IAnwTage", u"IKrank", u"ISonstTage", u"IUrlT", u"IAusb"}),
-    zahlen(ValueType::Double, {u"IProdStd", u"IUebStd", u"INBerStd", u"IBerStdJahr", u"IBerSzdTag"}),
-    zahlen(ValueType::Double, {u"SAdmPr"}),
-    zahlen(ValueType::Single, {u"SAnwTage", u"SKrank", u"SSonstTage", u"SUrlT", u"SAusb"}),
-    zahlen(ValueType::Double, {u"SProdStd", u"SUebStd", u"SNBerStd", u"SBerStdJahr", u"SBerSzdTag"}),
+const Table kFields = joined({
+    fixedNumber(u"Seitenwechsel", u"1"),
+    numbers(ValueType::Single, {u"FJahr"}),
+    fullName(u"Name"),
+    numbers(ValueType::Double, {u"Nummer"}),
+    numbers(ValueType::Single, {u"Monat"}),
+    numbers(ValueType::Double, {u"IAdmPr"}),
+    numbers(ValueType::Single, {u"IAnwTage", u"IKrank", u"ISonstTage", u"IUrlT", u"IAusb"}),
+    numbers(ValueType::Double, {u"IProdStd", u"IUebStd", u"INBerStd", u"IBerStdJahr", u"IBerSzdTag"}),
+    numbers(ValueType::Double, {u"SAdmPr"}),
+    numbers(ValueType::Single, {u"SAnwTage", u"SKrank", u"SSonstTage", u"SUrlT", u"SAusb"}),
+    numbers(ValueType::Double, {u"SProdStd", u"SUebStd", u"SNBerStd", u"SBerStdJahr", u"SBerSzdTag"}),
 });
 
-class clsDruck_MitarbeiterZeiten final : public Mitarbeiterliste {
+class clsDruck_MitarbeiterZeiten final : public EmployeeList {
   public:
-    clsDruck_MitarbeiterZeiten(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Mitarbeiterliste(umgebung, std::move(auftrag), u"clsDruck_MitarbeiterZeiten", u"Mitarbeiter-Zeiten",
-                           kFelder) {}
+    clsDruck_MitarbeiterZeiten(const ReportEnvironment& environment, PrintRequest request)
+        : EmployeeList(environment, std::move(request), u"clsDruck_MitarbeiterZeiten", u"Mitarbeiter-Zeiten",
+                       kFields) {}
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_MitarbeiterZeiten(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_MitarbeiterZeiten>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_MitarbeiterZeiten(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_MitarbeiterZeiten>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

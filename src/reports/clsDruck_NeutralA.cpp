@@ -1,33 +1,33 @@
 // The neutral expenses of a financial year: overhead accounts with a sign rule.
-#include "reports/berichte.h"
-#include "reports/kontenbericht.h"
+#include "reports/account_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
-class clsDruck_NeutralA final : public Kontenbericht {
+class clsDruck_NeutralA final : public AccountReport {
   public:
-    clsDruck_NeutralA(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Kontenbericht(umgebung, std::move(auftrag), u"clsDruck_NeutralA", u"Neutrale Aufwendungen") {}
+    clsDruck_NeutralA(const ReportEnvironment& environment, PrintRequest request)
+        : AccountReport(environment, std::move(request), u"clsDruck_NeutralA", u"Neutrale Aufwendungen") {}
 
   private:
     // Any kind of amount but 0 reverses the sign; read anew for the year's and for the month's amounts.
-    std::optional<double> Vorzeichen() override { return KtoBetrArt() != 0 ? std::optional(-1.0) : std::nullopt; }
+    std::optional<double> signFactor() override { return KtoBetrArt() != 0 ? std::optional(-1.0) : std::nullopt; }
 
     // Both amounts of the month are taken before the kind is read anew and the first of them is defined.
-    void DefiniereMonat(Betraege& betraege) override {
-        const auto ist = Betrag(betraege.ist);
-        const auto soll = Betrag(betraege.soll);
-        const auto faktor = Vorzeichen();
-        DefiniereBetrag(u"MonatIst", ist, faktor);
-        DefiniereBetrag(u"MonatSoll", soll, faktor);
+    void defineMonth(Amounts& amounts) override {
+        const auto actual = amountOf(amounts.actual);
+        const auto target = amountOf(amounts.target);
+        const auto factor = signFactor();
+        defineAmount(u"MonatIst", actual, factor);
+        defineAmount(u"MonatSoll", target, factor);
     }
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_NeutralA(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_NeutralA>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_NeutralA(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_NeutralA>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

@@ -1,77 +1,77 @@
 // Turnover per year with its twelve months, one year a page.
-#include "reports/berichte.h"
-#include "reports/leserbericht.h"
+#include "reports/reader_report.h"
+#include "reports/report_classes.h"
 
 namespace kvtdruck {
 namespace {
 
-const Tabelle kVariablenAllg = firmennummer();
+const Table kGeneralVariables = companyNumber();
 
-const Tabelle kFelder = verkette({
-    waehrung(u"Waehrung"),
-    zahlen(ValueType::Double, {u"IUmsatzDM"}),
-    monate(ValueType::Double, u"IUmsatzDM_"),
-    zahlen(ValueType::Double, {u"sUmsatzDM"}),
-    monate(ValueType::Double, u"sUmsatzDM_"),
+const Table kFields = joined({
+    currency(u"Waehrung"),
+    numbers(ValueType::Double, {u"IUmsatzDM"}),
+    months(ValueType::Double, u"IUmsatzDM_"),
+    numbers(ValueType::Double, {u"sUmsatzDM"}),
+    months(ValueType::Double, u"sUmsatzDM_"),
 });
 
-class clsDruck_Umsatz final : public Leserbericht {
+class clsDruck_Umsatz final : public ReaderReport {
   public:
-    clsDruck_Umsatz(const Berichtsumgebung& umgebung, Druckauftrag auftrag)
-        : Leserbericht(umgebung, std::move(auftrag), u"clsDruck_Umsatz", u"Umsatz",
-                       {clsZugUmsatz, kVariablenAllg, kFelder}) {}
+    clsDruck_Umsatz(const ReportEnvironment& environment, PrintRequest request)
+        : ReaderReport(environment, std::move(request), u"clsDruck_Umsatz", u"Umsatz",
+                       {clsZugUmsatz, kGeneralVariables, kFields}) {}
 
   private:
-    Lesemeldung lesemeldung() const override {
+    ReadFailure readFailure() const override {
         return {u"Lese_Umsatz", u"Die Umsatzdaten konnten nicht gelesen werden"};
     }
-    bool LeseDaten() override { return LeseJahre({auftrag().pFnr}); }
+    bool readData() override { return readYears({request().pFnr}); }
 
     // The general variables' result does not stop the report; hosts never saw it do so.
-    bool DefiniereAlles() override {
+    bool defineAll() override {
         Definiere_Übergebe_Variablen_Allg();
-        return Definiere_Übergebe_Variablen_Jahr(LeseJahr()) && Definiere_Übergebe_Felder();
+        return Definiere_Übergebe_Variablen_Jahr(readYear()) && Definiere_Übergebe_Felder();
     }
 
-    bool DefiniereVorErsterSeite() override {
+    bool defineBeforeFirstPage() override {
         Definiere_Übergebe_Variablen_Allg();
         return true;
     }
 
     // One record is one page, and a failing definition does not stop the others.
-    bool DruckeSatz(bool erster) override {
-        if (!erster)
+    bool printRecord(bool first) override {
+        if (!first)
             adapter().LlPrint();
-        ZeigeFortschritt();
-        Definiere_Übergebe_Variablen_Jahr(LeseJahr());
+        showProgress();
+        Definiere_Übergebe_Variablen_Jahr(readYear());
         Definiere_Übergebe_Felder();
-        DruckeZeile();
+        printLine();
         return true;
     }
 
-    std::int16_t LeseJahr() { return toInteger(leser().wert(jahr_), locale()); }
+    std::int16_t readYear() { return toInteger(reader().value(year_), locale()); }
 
     bool Definiere_Übergebe_Variablen_Allg() {
-        return Prozedurrumpf(u"Definiere_Übergebe_Variablen_Allg", [this] {
-            Definiere(kVariable, variablen(), satz());
+        return guardedProcedure(u"Definiere_Übergebe_Variablen_Allg", [this] {
+            define(kVariable, variables(), record());
             return true;
         });
     }
 
-    bool Definiere_Übergebe_Variablen_Jahr(std::int16_t jahr) {
-        return Prozedurrumpf(u"Definiere_Übergebe_Variablen_Jahr", [&] {
-            Definiere(kVariable, u"Fuerjahr", decimal(jahr), kTypeNumeric);
+    bool Definiere_Übergebe_Variablen_Jahr(std::int16_t year) {
+        return guardedProcedure(u"Definiere_Übergebe_Variablen_Jahr", [&] {
+            define(kVariable, u"Fuerjahr", decimal(year), kTypeNumeric);
             return true;
         });
     }
 
-    Mitglied jahr_{clsZugUmsatz.getter(u"Fuerjahr"), ValueType::Single};
+    Member year_{clsZugUmsatz.getter(u"Fuerjahr"), ValueType::Single};
 };
 
 } // namespace
 
-std::unique_ptr<Bericht> neu_clsDruck_Umsatz(const Berichtsumgebung& umgebung, Druckauftrag auftrag) {
-    return std::make_unique<clsDruck_Umsatz>(umgebung, std::move(auftrag));
+std::unique_ptr<Report> new_clsDruck_Umsatz(const ReportEnvironment& environment, PrintRequest request) {
+    return std::make_unique<clsDruck_Umsatz>(environment, std::move(request));
 }
 
 } // namespace kvtdruck

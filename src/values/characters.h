@@ -1,33 +1,31 @@
-// Characters of UTF-16: code points and the surrogate pairs that stand for some of them.
+// Kinds of characters, as Automation reads numbers and dates, and letter case.
 #pragma once
 
 #include "values/text.h"
 
-#include <cstddef>
+#include <algorithm>
 
 namespace kvtdruck {
 
-/// Whether the code point is the half of a surrogate pair: no character by itself.
-constexpr bool isSurrogate(char32_t codePoint) {
-    return codePoint >= 0xD800 && codePoint <= 0xDFFF;
+constexpr bool isDigit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
 }
 
-/// A code point and how many units of UTF-16 it takes.
-struct CodePoint {
-    char32_t value;
-    std::size_t units;
-};
+/// White space, the no-break and the narrow blanks of Unicode among it.
+constexpr bool isBlank(char16_t unit) {
+    return unit == u' ' || (unit >= u'\t' && unit <= u'\r') || unit == 0xA0 || (unit >= 0x2000 && unit <= 0x200A) ||
+           unit == 0x202F || unit == 0x3000;
+}
 
-/// The code point that begins at `text[position]`; the half of a surrogate pair stands for itself.
-CodePoint codePointAt(StringView text, std::size_t position);
+/// The small letter of A to Z; every other unit as it is.
+constexpr char16_t asciiLower(char16_t unit) {
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
+}
 
-/// Appends `codePoint` to `text`.
-void appendUtf16(String& text, char32_t codePoint);
-
-/// The longest length up to `length` that parts no surrogate pair of `text`.
-std::size_t wholeCharacters(StringView text, std::size_t length);
-
-/// `text` with U+FFFD in the place of each half of a surrogate pair that stands alone.
-String wellFormed(StringView text);
+/// Whether both are the same but for the case of the letters A to Z.
+constexpr bool sameWord(StringView left, StringView right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char16_t a, char16_t b) { return asciiLower(a) == asciiLower(b); });
+}
 
 } // namespace kvtdruck

@@ -1,6 +1,7 @@
 // Numbers and dates as text, exactly as OLE Automation forms them, and back.
 #pragma once
 
+#include "values/calendar.h"
 #include "values/locale.h"
 #include "values/text.h"
 #include "values/variant.h"
@@ -36,8 +37,5 @@ std::optional<double> numberIn(StringView text, const Locale& locale);
 /// where it has four digits), separated by ".", "-", "/" or blanks; two-digit years mean 1930 to 2029. Nothing
 /// where it holds none.
 std::optional<Date> dateIn(StringView text, const Locale& locale);
-
-/// The date of a calendar day (proleptic Gregorian calendar), and of a time on it.
-Date dateOf(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 
 } // namespace kvtdruck

@@ -1,6 +1,6 @@
 #include "values/text.h"
 
-#include "values/characters.h"
+#include "values/code_points.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 #include "values/variant.h"
 
+#include "values/characters.h"
 #include "values/conversion.h"
 #include "values/overloaded.h"
 #include "values/runtime_error.h"
@@ -28,20 +29,6 @@ template <class FixedPoint>
 double nearestDouble(const FixedPoint& value) {
     const Locale& anyLocale = germanLocale();
     return numberIn(textOf(value, anyLocale), anyLocale).value_or(0);
-}
-
-char16_t lowerCase(char16_t letter) {
-    return letter >= u'A' && letter <= u'Z' ? static_cast<char16_t>(letter + (u'a' - u'A')) : letter;
-}
-
-/// Whether both are the same but for the case of the letters A to Z.
-bool sameWord(StringView left, StringView right) {
-    if (left.size() != right.size())
-        return false;
-    for (std::size_t position = 0; position < left.size(); ++position)
-        if (lowerCase(left[position]) != lowerCase(right[position]))
-            return false;
-    return true;
 }
 
 std::optional<bool> truthIn(StringView text, const Locale& locale) {

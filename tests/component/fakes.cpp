@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <ostream>
+#include <stdexcept>
 #include <utility>
 
 namespace kvtdruck::test {
@@ -84,6 +86,9 @@ class FakeControl final : public Control {
         } catch (const RuntimeError& error) {
             world_.engineCalls.push_back(recordFailure(name, arguments, error.number()));
             throw;
+        } catch (const std::exception&) {
+            world_.engineCalls.push_back(recordFailure(name, arguments, 0));
+            throw;
         }
         if (operation == Operation::LlPrintEnd && !world_.previewFile.empty())
             world_.files.insert(world_.previewFile);
@@ -139,6 +144,8 @@ class FakeFehler final : public clsFehler {
     explicit FakeFehler(World& world) : world_(world) {}
     bool fkt_Fehlermeldung(StringView className, StringView procedure, long number, StringView text,
                            bool runtime) override {
+        if (world_.outside.mute)
+            throw RuntimeError(kInjected, u"Testfehler");
         world_.reports.push_back({toUtf8(className), toUtf8(procedure), number, toUtf8(text), runtime});
         return true;
     }
@@ -151,6 +158,8 @@ class FakeFehlerFactory final : public ErrorReportFactory {
   public:
     explicit FakeFehlerFactory(World& world) : world_(world) {}
     std::unique_ptr<clsFehler> create() override {
+        if (world_.outside.mute)
+            throw RuntimeError(ErrorNumber::CannotCreateObject);
         ++world_.fehlerCreated;
         return std::make_unique<FakeFehler>(world_);
     }
@@ -211,15 +220,23 @@ constexpr Object::MemberId kCountId = 2;
 
 } // namespace
 
-std::ostream& operator<<(std::ostream& out, const Report& report) {
-    return out << report.klasse << " / " << report.prozedur << " / " << report.number << " / " << report.text
+std::ostream& operator<<(std::ostream& out, const ErrorReport& report) {
+    return out << report.className << " / " << report.procedure << " / " << report.number << " / " << report.text
                << " / " << report.runtime;
 }
 
 void Outside::call(const std::string& name) {
     calls.push_back(name);
-    if (failAt && *failAt + 1 == calls.size())
+    if (!hits(failAt))
+        return;
+    switch (fault) {
+    case Fault::RuntimeError:
         throw RuntimeError(kInjected, u"Testfehler");
+    case Fault::OutOfMemory:
+        throw std::bad_alloc();
+    case Fault::Unknown:
+        throw std::runtime_error("of no kind that the component knows");
+    }
 }
 
 Variant Records::value(const String& getter, std::size_t record) {
@@ -272,7 +289,13 @@ std::unique_ptr<FileSystem> World::createFileSystem() {
     return std::make_unique<FakeFiles>(*this);
 }
 
+Date World::now() {
+    outside.call("clock");
+    return clock;
+}
+
 void World::processPendingMessages() {
+    outside.call("messages");
     ++pumps;
     if (whilePumping)
         std::exchange(whilePumping, nullptr)();

@@ -18,31 +18,43 @@ namespace kvtdruck::test {
 inline constexpr long kInjected = 4711;
 
 /// One report to the host's error log.
-struct Report {
-    std::string klasse;
-    std::string prozedur;
+struct ErrorReport {
+    std::string className;
+    std::string procedure;
     long number;
     std::string text;
     bool runtime;
-    bool operator==(const Report&) const = default;
+    bool operator==(const ErrorReport&) const = default;
 };
-std::ostream& operator<<(std::ostream& out, const Report& report);
+std::ostream& operator<<(std::ostream& out, const ErrorReport& report);
+
+/// What comes of an outside call that fails.
+enum class Fault { RuntimeError, OutOfMemory, Unknown };
 
 /// Counts the calls that leave the component ("control LlPrint", "clsZugUmsatz Jahr", "array Value", "files
 /// exists", …) and injects failures.
 class Outside {
   public:
     std::vector<std::string> calls;
-    /// The position (from 0) of the call that fails with run-time error kInjected.
+    /// The position (from 0) of the call that fails: with run-time error kInjected, or by another `fault`.
     std::optional<std::size_t> failAt;
+    Fault fault = Fault::RuntimeError;
     /// The position of the engine call that answers `code` instead.
     std::optional<std::size_t> codeAt;
     std::int32_t code = -10;
+    bool forGood = false; ///< all further calls fail as well
+    bool mute = false;    ///< the error-report object can't be created, and takes no report
     /// Fakes that live; 0 after everything is gone.
     int live = 0;
 
     void call(const std::string& name);
-    bool answersCode() const { return codeAt && *codeAt + 1 == calls.size(); }
+    bool answersCode() const { return hits(codeAt); }
+
+  private:
+    /// Whether the last call is the one at `position`, or a further one.
+    bool hits(const std::optional<std::size_t>& position) const {
+        return position && (*position + 1 == calls.size() || (forGood && *position < calls.size()));
+    }
 };
 
 /// Values of one reader: what a getter gives for a record. Names that are not set get a number of their own.
@@ -95,7 +107,7 @@ class World final : public Platform, public DataLibrary {
     bool formVisible = false;
     int hidden = 0;
     std::vector<std::string> engineCalls; ///< the record
-    std::vector<Report> reports;
+    std::vector<ErrorReport> reports;
     /// Scripted results: the k-th call (from 0) of an operation.
     std::map<std::pair<Operation, int>, std::int32_t> results;
     std::function<void()> whilePumping;
@@ -108,7 +120,7 @@ class World final : public Platform, public DataLibrary {
     std::unique_ptr<FileSystem> createFileSystem() override;
     Processes& processes() override { return *processes_; }
     void processPendingMessages() override;
-    Date now() override { return clock; }
+    Date now() override;
     const Locale& locale() override { return userLocale; }
     // DataLibrary
     ObjectRef create(StringView className) override;

@@ -62,15 +62,15 @@ class Host {
 };
 
 /// A run-time error as the host's log gets it.
-inline Report runtimeError(const std::string& klasse, const std::string& prozedur, ErrorNumber number) {
+inline ErrorReport runtimeError(const std::string& className, const std::string& procedure, ErrorNumber number) {
     const auto code = static_cast<long>(number);
-    return {klasse, prozedur, code, toUtf8(describe(code)), true};
+    return {className, procedure, code, toUtf8(describe(code)), true};
 }
-inline Report injected(const std::string& klasse, const std::string& prozedur) {
-    return {klasse, prozedur, kInjected, "Testfehler", true};
+inline ErrorReport injected(const std::string& className, const std::string& procedure) {
+    return {className, procedure, kInjected, "Testfehler", true};
 }
-inline Report message(const std::string& klasse, const std::string& prozedur, const std::string& text) {
-    return {klasse, prozedur, 0, text, false};
+inline ErrorReport message(const std::string& className, const std::string& procedure, const std::string& text) {
+    return {className, procedure, 0, text, false};
 }
 
 } // namespace kvtdruck::test

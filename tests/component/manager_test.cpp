@@ -23,7 +23,7 @@ class Manager : public ::testing::Test {
         host.engineWritesPreview();
         return host.print({.mode = 1, .array = allYears(), .window = window});
     }
-    const Druckzeile& row(std::int16_t index) { return host.jobs.Zeile(index); }
+    const JobRow& row(std::int16_t index) { return host.jobs.rowAt(index); }
 
     Host host;
 };
@@ -31,53 +31,53 @@ class Manager : public ::testing::Test {
 TEST_F(Manager, InitAlwaysAnswersFalse) {
     EXPECT_FALSE(host.manager.fkt_Init(nullptr));
     EXPECT_THAT(host.world.reports, IsEmpty());
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1) << "row 0 is there from the start";
+    EXPECT_EQ(host.jobs.rowCount(), 1) << "row 0 is there from the start";
 }
 
 TEST_F(Manager, RowZeroStaysUnused) {
     EXPECT_TRUE(host.print({.array = allYears()}));
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2);
-    EXPECT_EQ(row(0).formular, nullptr);
+    EXPECT_EQ(host.jobs.rowCount(), 2);
+    EXPECT_EQ(row(0).adapter, nullptr);
     EXPECT_EQ(row(1).parentHwnd, kWindow);
-    EXPECT_EQ(row(1).listenname, u"Umsatz");
-    EXPECT_EQ(row(1).prozess, 0);
-    EXPECT_FALSE(row(1).istPreview);
+    EXPECT_EQ(row(1).listName, u"Umsatz");
+    EXPECT_EQ(row(1).process, 0);
+    EXPECT_FALSE(row(1).isPreview);
     EXPECT_EQ(toUtf8(row(1).prevPath), kLayouts) << "a printed job has the layout folder as its preview path";
 }
 
 TEST_F(Manager, AWindowWithHandleZeroFindsTheEmptyRow) {
     EXPECT_TRUE(host.print({.array = allYears(), .window = 0}));
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1);
-    EXPECT_NE(row(0).formular, nullptr);
+    EXPECT_EQ(host.jobs.rowCount(), 1);
+    EXPECT_NE(row(0).adapter, nullptr);
 }
 
 TEST_F(Manager, AWindowsNextJobReusesItsRow) {
     host.print({.array = allYears()});
-    const auto first = row(1).formular;
+    const auto first = row(1).adapter;
     host.print({.array = allYears()});
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2);
-    EXPECT_NE(row(1).formular, first) << "each job has an adapter of its own";
+    EXPECT_EQ(host.jobs.rowCount(), 2);
+    EXPECT_NE(row(1).adapter, first) << "each job has an adapter of its own";
     host.print({.array = allYears(), .window = 43});
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 3);
+    EXPECT_EQ(host.jobs.rowCount(), 3);
 }
 
 TEST_F(Manager, AmongSeveralRowsOfAWindowTheLastIsTakenAndEachViewerEnded) {
     preview();
     const auto copy = row(1);
-    host.jobs.HaengeZeileAn();
-    host.jobs.Zeile(2) = copy;
-    host.jobs.Zeile(2).prozess = 4321;
+    host.jobs.appendRow();
+    host.jobs.rowAt(2) = copy;
+    host.jobs.rowAt(2).process = 4321;
     host.world.ended.clear();
     EXPECT_TRUE(preview());
     EXPECT_THAT(host.world.ended, ElementsAre(1001, 4321));
-    EXPECT_EQ(row(2).prozess, 1002);
-    EXPECT_EQ(row(1).prozess, 0);
+    EXPECT_EQ(row(2).process, 1002);
+    EXPECT_EQ(row(1).process, 0);
 }
 
 TEST_F(Manager, InitForgetsEveryRow) {
     preview();
     host.manager.fkt_Init(nullptr);
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1);
+    EXPECT_EQ(host.jobs.rowCount(), 1);
     EXPECT_THAT(host.world.ended, IsEmpty()) << "viewers keep running";
 }
 
@@ -92,8 +92,8 @@ TEST_F(Manager, AnUnknownListRegistersARowAndSaysNothing) {
     for (const StringView list : {u"umsatz", u"Umsatz ", u"", u"Unbekannt"})
         EXPECT_FALSE(host.print({.list = list, .array = allYears()}));
     EXPECT_THAT(host.world.reports, IsEmpty());
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2);
-    EXPECT_EQ(row(1).listenname, u"Unbekannt");
+    EXPECT_EQ(host.jobs.rowCount(), 2);
+    EXPECT_EQ(row(1).listName, u"Unbekannt");
 }
 
 TEST_F(Manager, ACompanyWithoutDataIsNamedAndRegistersNothing) {
@@ -102,7 +102,7 @@ TEST_F(Manager, ACompanyWithoutDataIsNamedAndRegistersNothing) {
     EXPECT_THAT(host.world.reports,
                 ElementsAre(message("clsDruckManager", "Lese_Allgemeine_Firmendaten",
                                     "Die allgemeinen Firmendaten für die Firma 4,5 sind nicht vorhanden.")));
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 1);
+    EXPECT_EQ(host.jobs.rowCount(), 1);
 }
 
 TEST_F(Manager, ACompanyThatCannotBeConnectedIsReported) {
@@ -155,23 +155,22 @@ TEST_F(Manager, TheLaunchersAreComparedInThisOrder) {
                                                             {u"KalkW", "Dr_Kalkulationswerte"},
                                                             {u"WasWenn", "Dr_WasWaereWenn"},
                                                             {u"UmsatzHW", "Dr_UmsatzHW"}};
-    ASSERT_EQ(alleLauncher().size(), std::size(launchers));
+    ASSERT_EQ(allLaunchers().size(), std::size(launchers));
     for (std::size_t i = 0; i < std::size(launchers); ++i) {
-        EXPECT_EQ(alleLauncher()[i].listenname, launchers[i].first);
-        EXPECT_EQ(toUtf8(alleLauncher()[i].prozedur), launchers[i].second);
+        EXPECT_EQ(allLaunchers()[i].listName, launchers[i].first);
+        EXPECT_EQ(toUtf8(allLaunchers()[i].procedure), launchers[i].second);
     }
 }
 
 // Previews
-// ----------------------------------------------------------------------------------------------------------
 
 TEST_F(Manager, APreviewIsRenamedAndShown) {
     EXPECT_TRUE(preview());
     const auto kept = kPreviews + "\\Umsatz04032026050607.ll";
     EXPECT_THAT(host.world.started, ElementsAre("llview12.exe \"" + kept + "\""));
     EXPECT_THAT(host.world.files, ElementsAre(kept));
-    EXPECT_EQ(row(1).prozess, 1001);
-    EXPECT_TRUE(row(1).istPreview);
+    EXPECT_EQ(row(1).process, 1001);
+    EXPECT_TRUE(row(1).isPreview);
     EXPECT_EQ(host.world.pumps, 1);
     EXPECT_THAT(host.world.engineCalls,
                 Contains("LlPreviewSetTempPath(\"C:\\\\App\\\\DB\\\\BerichteLLVT\\\\Preview\\\\\") = 0"));
@@ -186,7 +185,7 @@ TEST_F(Manager, TheNextPreviewEndsTheFirstViewerAndRemovesItsFile) {
     EXPECT_THAT(host.world.ended, ElementsAre(1001));
     EXPECT_THAT(host.world.removed, ElementsAre(first, kPreviews + "\\Umsatz.ll"));
     EXPECT_THAT(host.world.files, ElementsAre(kPreviews + "\\Umsatz04032026050608.ll"));
-    EXPECT_EQ(row(1).prozess, 1002);
+    EXPECT_EQ(row(1).process, 1002);
 }
 
 TEST_F(Manager, ANewRowRemovesALeftOverPreviewOfItsList) {
@@ -209,8 +208,8 @@ TEST_F(Manager, ClosingAWindowEndsItsViewerAndLooksForAFileWithoutName) {
     EXPECT_TRUE(host.manager.Terminate_Preview(kWindow));
     EXPECT_THAT(host.world.ended, ElementsAre(1001));
     EXPECT_THAT(host.world.removed, ElementsAre(kPreviews + "\\Umsatz04032026050607.ll", kPreviews + "\\.ll"));
-    EXPECT_EQ(row(1).prozess, 0);
-    EXPECT_EQ(host.jobs.Zeilenzahl(), 2) << "the row stays";
+    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(host.jobs.rowCount(), 2) << "the row stays";
     EXPECT_TRUE(host.manager.Terminate_Preview(kWindow));
     EXPECT_EQ(host.world.ended.size(), 1u);
 }
@@ -223,10 +222,10 @@ TEST_F(Manager, ClosingAWindowWithoutARowDoesNothing) {
 
 TEST_F(Manager, APrintedJobNeverEndsAProcess) {
     host.print({.array = allYears()});
-    host.jobs.Zeile(1).prozess = 555;
+    host.jobs.rowAt(1).process = 555;
     host.manager.Terminate_Preview(kWindow);
     EXPECT_THAT(host.world.ended, IsEmpty());
-    EXPECT_EQ(row(1).prozess, 555);
+    EXPECT_EQ(row(1).process, 555);
 }
 
 TEST_F(Manager, AMissingPreviewFileIsReportedAndTheReportStillCounts) {
@@ -234,7 +233,7 @@ TEST_F(Manager, AMissingPreviewFileIsReportedAndTheReportStillCounts) {
     EXPECT_THAT(host.world.reports,
                 ElementsAre(runtimeError("basLL80", "fkt_Aktiviere_Preview", ErrorNumber::FileNotFound)));
     EXPECT_THAT(host.world.started, IsEmpty());
-    EXPECT_EQ(row(1).prozess, 0);
+    EXPECT_EQ(row(1).process, 0);
 }
 
 TEST_F(Manager, PreviewNamesLoseDotsColonsAndBlanksAlone) {
@@ -258,7 +257,7 @@ TEST_F(Manager, AHostThatPrintsWhileMessagesAreProcessedLosesNothing) {
             host.print({.list = u"unbekannt", .array = nullptr, .window = window});
     };
     EXPECT_TRUE(host.print({.mode = 1, .array = allYears()}));
-    EXPECT_EQ(row(1).prozess, 1001);
+    EXPECT_EQ(row(1).process, 1001);
 }
 
 TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
@@ -267,11 +266,11 @@ TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
     host.world.whilePumping = [this] { EXPECT_TRUE(host.print({.mode = 1, .array = allYears(), .window = 100})); };
     EXPECT_TRUE(host.print({.mode = 0, .array = allYears()}));
     EXPECT_EQ(row(1).parentHwnd, kWindow);
-    EXPECT_FALSE(row(1).istPreview);
+    EXPECT_FALSE(row(1).isPreview);
     EXPECT_EQ(toUtf8(row(1).prevPath), kLayouts);
     EXPECT_EQ(row(2).parentHwnd, 100);
     EXPECT_EQ(toUtf8(row(2).prevPath), kPreviews);
-    EXPECT_EQ(row(2).prozess, 1002);
+    EXPECT_EQ(row(2).process, 1002);
     EXPECT_THAT(host.world.reports, IsEmpty());
 }
 
@@ -280,7 +279,7 @@ TEST_F(Manager, AHostMayReuseItsListNameWhileMessagesAreProcessed) {
     auto list = std::make_unique<String>(u"Umsatz");
     host.world.whilePumping = [&] { list.reset(); };
     EXPECT_TRUE(host.print({.list = *list, .array = allYears()}));
-    EXPECT_EQ(row(1).listenname, u"Umsatz");
+    EXPECT_EQ(row(1).listName, u"Umsatz");
 }
 
 TEST_F(Manager, AFailureInTheFirstPrintOfAllLeavesNothingForTheSecond) {
@@ -319,13 +318,13 @@ TEST_F(Manager, AHostThatInitialisesWhileItsViewerEndsLosesTheJobsRow) {
 
 TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
     preview();
-    host.jobs.HaengeZeileAn();
-    host.jobs.Zeile(2) = row(1);
+    host.jobs.appendRow();
+    host.jobs.rowAt(2) = row(1);
     const auto ends = [this](std::size_t failing) {
         for (std::int16_t index : {std::int16_t{1}, std::int16_t{2}})
-            host.jobs.Zeile(index).prozess = 600 + index;
+            host.jobs.rowAt(index).process = 600 + index;
         host.world.reports.clear();
-        // One process call per row; the files asked for between them are two per row.
+        // Four calls for each row: its process, two files, the pending messages.
         host.world.outside.failAt = host.world.outside.calls.size() + failing;
         const bool result = host.manager.Terminate_Preview(kWindow);
         host.world.outside.failAt.reset();
@@ -334,11 +333,11 @@ TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
     };
     host.world.files.clear();
     EXPECT_TRUE(ends(0)) << "the first row's failure is forgotten";
-    EXPECT_EQ(row(1).prozess, 601);
-    EXPECT_EQ(row(2).prozess, 0);
-    EXPECT_FALSE(ends(3));
-    EXPECT_EQ(row(1).prozess, 0);
-    EXPECT_EQ(row(2).prozess, 602);
+    EXPECT_EQ(row(1).process, 601);
+    EXPECT_EQ(row(2).process, 0);
+    EXPECT_FALSE(ends(4));
+    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(row(2).process, 602);
 }
 
 TEST_F(Manager, AViewerThatDoesNotStartLeavesTheRenamedFile) {
@@ -353,292 +352,7 @@ TEST_F(Manager, AViewerThatDoesNotStartLeavesTheRenamedFile) {
         << "the viewer's result is ignored";
     EXPECT_THAT(fresh.world.reports, ElementsAre(injected("basLL80", "fkt_Aktiviere_Preview")));
     EXPECT_THAT(fresh.world.files, ElementsAre(kPreviews + "\\Umsatz04032026050607.ll"));
-    EXPECT_EQ(fresh.jobs.Zeile(1).prozess, 0);
-}
-
-// The adapter
-// ---------------------------------------------------------------------------------------------------------
-
-class Adapter : public ::testing::Test {
-  protected:
-    Adapter() { EXPECT_EQ(adapter.fkt_Starte_Form(), Variant(true)); }
-
-    void answer(Operation operation, std::int32_t code) { world().results[{operation, 0}] = code; }
-    World& world() { return host.world; }
-    std::string lastCall() { return world().engineCalls.back(); }
-
-    Host host;
-    clsDruckFormular adapter{host.state, host.world.forms()};
-};
-
-Report engineError(int code, const std::string& operation) {
-    return message("clsDruckFormular", "PrFehler",
-                   "List & Label\r\nFehler " + std::to_string(code) + " bei " + operation +
-                       "\r\nDie Fehlercodes sind im L&L handbuch Seite 238 beschrieben.");
-}
-
-TEST_F(Adapter, LoadingTheFormSetsPropertyThree) {
-    EXPECT_THAT(world().engineCalls, ElementsAre("[3] = -1"));
-}
-
-TEST_F(Adapter, JudgesResults) {
-    EXPECT_EQ(adapter.PrFehler(0, u"x"), -1);
-    EXPECT_EQ(adapter.PrFehler(-998, u"x"), -998);
-    EXPECT_EQ(adapter.PrFehler(-99, u"x"), -99);
-    EXPECT_THAT(world().reports, IsEmpty());
-    EXPECT_EQ(adapter.PrFehler(-1, u"x"), 0);
-    EXPECT_EQ(adapter.PrFehler(17, u"y"), 0);
-    EXPECT_THAT(world().reports, ElementsAre(engineError(-1, "x"), engineError(17, "y")));
-}
-
-TEST_F(Adapter, EveryOperationPassesItsArgumentsAndReportsUnderItsText) {
-    struct Case {
-        Operation operation;
-        std::function<Variant()> call;
-        std::string record;
-        std::string text; ///< empty: direct, or not judged
-        Variant success;
-        Variant failure;
-    };
-    const auto n = [](std::int32_t number) { return Variant(number); };
-    const Case cases[] = {
-        {Operation::LlDefineVariableStart,
-         [&] {
-             adapter.LlDefineVariableStart();
-             return Variant();
-         },
-         "LlDefineVariableStart()",
-         "",
-         {},
-         {}},
-        {Operation::LlDefineFieldStart,
-         [&] {
-             adapter.LlDefineFieldStart();
-             return Variant();
-         },
-         "LlDefineFieldStart()",
-         "",
-         {},
-         {}},
-        {Operation::LlDefineVariableExt, [&] { return Variant(adapter.LlDefineVariableExt(u"V", u"w", 5)); },
-         "LlDefineVariableExt(\"V\", \"w\", 5)", "LlDefineVariableExt V", true, false},
-        {Operation::LlDefineFieldExt, [&] { return Variant(adapter.LlDefineFieldExt(u"F", u"w", 6)); },
-         "LlDefineFieldExt(\"F\", \"w\", 6)", "LlDefineLayout F", true, false},
-        {Operation::LlDefineLayout, [&] { return Variant(adapter.LlDefineLayout(u"T", 2, u"o")); },
-         "LlDefineLayout(hWnd, \"T\", 2, \"o\")", "LlDefineLayout T", true, false},
-        {Operation::LlPrintWithBoxStart, [&] { return n(adapter.LlPrintWithBoxStart(2, u"o", 256, 2, u"t")); },
-         "LlPrintWithBoxStart(2, \"o\", 256, 2, hWnd, \"t\")", "LlPrintWithBoxStart o", n(-1), n(0)},
-        {Operation::LlPrint, [&] { return n(adapter.LlPrint()); }, "LlPrint()", "LlPrint", n(-1), n(0)},
-        {Operation::LlPrintFields, [&] { return n(adapter.LlPrintFields()); }, "LlPrintFields()", "LlPrintFields",
-         n(-1), n(0)},
-        {Operation::LlPrintFieldsEnd, [&] { return n(adapter.LlPrintFieldsEnd()); }, "LlPrintFieldsEnd()",
-         "LlPrintFieldsEnd", n(-1), n(0)},
-        {Operation::LlPrintEnd, [&] { return n(adapter.LlPrintEnd(3)); }, "LlPrintEnd(3)", "LlPrintFieldsEnd",
-         n(-1), n(0)},
-        {Operation::LlPreviewDisplay, [&] { return n(adapter.LlPreviewDisplay(u"o", u"C:\\p")); },
-         "LlPreviewDisplay(\"o\", \"C:\\\\p\\\\\", hWnd)", "LlPreviewDisplay o", n(-1), n(0)},
-        {Operation::LlPreviewDeleteFiles, [&] { return n(adapter.LlPreviewDeleteFiles(u"o", u"C:\\p\\")); },
-         "LlPreviewDeleteFiles(\"o\", \"C:\\\\p\\\\\\\\\")", "LlPreviewDeleteFiles o", n(-1), n(0)},
-        {Operation::LlPreviewSetTempPath, [&] { return n(adapter.LlPreviewSetTempPath(u"C:\\p")); },
-         "LlPreviewSetTempPath(\"C:\\\\p\\\\\")", "LlPreviewSetTempPath", n(-1), n(0)},
-        {Operation::LlSetPrinterToDefault, [&] { return n(adapter.LlSetPrinterToDefault(2, u"o")); },
-         "LlSetPrinterToDefault(2, \"o\")", "LlSetPrinterToDefault o", n(-1), n(0)},
-        {Operation::LlPrintSetBoxText, [&] { return n(adapter.LlPrintSetBoxText(u"t", 50)); },
-         "LlPrintSetBoxText(\"t\", 50)", "LlPrintSetBoxText", n(-1), n(0)},
-        {Operation::LlPrintOptionsDialog, [&] { return n(adapter.LlPrintOptionsDialog(u"t")); },
-         "LlPrintOptionsDialog(hWnd, \"t\")", "LlPrintOptionsDialog", n(-1), n(0)},
-        {Operation::LlStgsysDrawPage, [&] { return n(adapter.LlStgsysDrawPage(1, 2, 3, 4, 5, 6, 7, 8, 9)); },
-         "LlStgsysDrawPage(1, 2, 3, 0, 4, 5, 6, 7, 8, 9)", "", n(0), n(-10)},
-        {Operation::LlStgsysStorageOpen, [&] { return n(adapter.LlStgsysStorageOpen(u"o", u"p", true, false)); },
-         "LlStgsysStorageOpen(\"o\", \"p\", -1, 0)", "", n(0), n(-10)},
-        {Operation::LlStgsysStorageClose,
-         [&] {
-             adapter.LlStgsysStorageClose(4);
-             return Variant();
-         },
-         "LlStgsysStorageClose(4)",
-         "",
-         {},
-         {}},
-        {Operation::PrintEnd,
-         [&] {
-             adapter.PrintEnd();
-             return Variant();
-         },
-         "PrintEnd()",
-         "",
-         {},
-         {}},
-    };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.record);
-        world().reports.clear();
-        EXPECT_EQ(each.call(), each.success);
-        EXPECT_EQ(lastCall(), each.record + " = 0");
-        EXPECT_THAT(world().reports, IsEmpty());
-
-        world().outside.codeAt = world().outside.calls.size();
-        EXPECT_EQ(each.call(), each.failure);
-        world().outside.codeAt.reset();
-        if (each.text.empty())
-            EXPECT_THAT(world().reports, IsEmpty());
-        else
-            EXPECT_THAT(world().reports, ElementsAre(engineError(-10, each.text)));
-
-        world().reports.clear();
-        world().outside.failAt = world().outside.calls.size();
-        EXPECT_EQ(each.call(), each.success) << "a failing call is skipped and counts as success";
-        world().outside.failAt.reset();
-        EXPECT_THAT(world().reports, IsEmpty());
-    }
-}
-
-TEST_F(Adapter, PageFullCountsAsADefinedVariable) {
-    answer(Operation::LlDefineVariableExt, -998);
-    EXPECT_TRUE(adapter.LlDefineVariableExt(u"V", u"", kTypeText));
-}
-
-TEST_F(Adapter, PageFullAndCancelComeBack) {
-    answer(Operation::LlPrintFields, -998);
-    EXPECT_EQ(adapter.LlPrintFields(), -998);
-    answer(Operation::LlPrintFieldsEnd, -99);
-    EXPECT_EQ(adapter.LlPrintFieldsEnd(), -99);
-    EXPECT_THAT(world().reports, IsEmpty());
-}
-
-TEST_F(Adapter, AbortingHasNoEffect) {
-    const auto calls = world().engineCalls.size();
-    adapter.LlPrintAbort();
-    EXPECT_EQ(world().engineCalls.size(), calls);
-    EXPECT_THAT(world().reports, IsEmpty());
-    EXPECT_EQ(world().outside.calls.back(), "control member DrForm");
-}
-
-TEST_F(Adapter, HidesAVisibleFormOnly) {
-    adapter.fkt_Form_Hide();
-    EXPECT_EQ(world().hidden, 0);
-    world().formVisible = true;
-    adapter.fkt_Form_Hide();
-    EXPECT_EQ(world().hidden, 1);
-}
-
-TEST_F(Adapter, WithoutAFormEverythingSucceeds) {
-    adapter.fkt_Form_Unload();
-    EXPECT_EQ(adapter.LlPrint(), -1);
-    EXPECT_TRUE(adapter.LlDefineVariableExt(u"V", u"", kTypeText));
-    adapter.fkt_Form_Hide();
-    EXPECT_THAT(world().reports, IsEmpty());
-}
-
-TEST_F(Adapter, AFormThatCannotBeLoadedIsReported) {
-    clsDruckFormular other(host.state, world().forms());
-    world().outside.failAt = world().outside.calls.size();
-    EXPECT_EQ(other.fkt_Starte_Form(), Variant(false));
-    EXPECT_THAT(world().reports, ElementsAre(injected("clsDruckFormular", "fkt_Starte_Form")));
-}
-
-TEST_F(Adapter, RemovesPrinterDescriptionsAlsoReadOnlyOnes) {
-    EXPECT_TRUE(adapter.FKT_Lösche_Druckerbeschreibung(u"C:\\L\\Umsatz"));
-    EXPECT_THAT(world().removed, IsEmpty());
-    world().files = {"C:\\L\\Umsatz.lsp", "C:\\L\\Umsatz.lsv", "C:\\L\\Umsatz.lst"};
-    world().readOnly = {"C:\\L\\Umsatz.lsp"};
-    EXPECT_TRUE(adapter.FKT_Lösche_Druckerbeschreibung(u"C:\\L\\Umsatz"));
-    EXPECT_THAT(world().removed, ElementsAre("C:\\L\\Umsatz.lsp", "C:\\L\\Umsatz.lsv"));
-}
-
-TEST_F(Adapter, AFailingRemovalIsReportedUnderAnotherName) {
-    world().files = {"L.lsp", "L.lsv"};
-    for (std::size_t step = 0; step < 3; ++step) { // object, question, deletion
-        world().reports.clear();
-        world().outside.failAt = world().outside.calls.size() + step;
-        EXPECT_FALSE(adapter.FKT_Lösche_Druckerbeschreibung(u"L"));
-        EXPECT_THAT(world().reports, ElementsAre(injected("clsDruckFormular", "FKT_Setze_Rand_Formular")));
-        EXPECT_TRUE(world().files.contains("L.lsv")) << "the second file is not examined";
-    }
-}
-
-TEST_F(Adapter, TheFormGoesWithTheAdapter) {
-    const auto live = world().outside.live;
-    {
-        clsDruckFormular other(host.state, world().forms());
-        other.fkt_Starte_Form();
-        EXPECT_EQ(world().outside.live, live + 1);
-    }
-    EXPECT_EQ(world().outside.live, live);
-}
-
-// The letterhead
-// --------------------------------------------------------------------------------------------------------
-
-class Letterhead : public Adapter {
-  protected:
-    std::vector<std::string> define(StringView title = u"Umsatz") {
-        world().engineCalls.clear();
-        EXPECT_TRUE(
-            adapter.FKT_DefiniereVariablen_AllgemeineFirmendaten(world().create(u"clsZugFirmaAllg"), title));
-        return world().engineCalls;
-    }
-    std::string addressFor(const std::map<String, std::vector<Variant>>& changed) {
-        for (const auto& [name, value] : changed)
-            world().readers["clsZugFirmaAllg"].values[name] = value;
-        const auto call = define().at(12);
-        const std::string head = "LlDefineVariableExt(\"FnrAnschriftGes\", \"";
-        EXPECT_THAT(call, StartsWith(head));
-        return call.substr(head.size(), call.rfind("\", 2") - head.size());
-    }
-};
-
-TEST_F(Letterhead, DefinesSixteenVariablesInOrder) {
-    const std::pair<const char*, const char*> expected[] = {
-        {"FnrName1", "Müller & Söhne"},
-        {"FnrName2", ""},
-        {"FnrName3", "Meisterbetrieb"},
-        {"FnrPostfach", "12 34"},
-        {"FnrKurzbez", "Müller"},
-        {"FnrLand", "Deutschland"},
-        {"FnrFax", "0351 3"},
-        {"FnrOrt", "Dresden"},
-        {"FnzPlz", "1067"},
-        {"FnrStrasse", " Hauptstraße 1 "},
-        {"FnrTelefon1", "0351 1"},
-        {"FnrTelefon2", "0351 2"},
-        {"FnrAnschriftGes", "7, Müller & Söhne, Hauptstraße 1, 1067, Dresden"},
-        {"Ueberschrift", "Umsatz"},
-        {"FnrWaehrung", "EUR"},
-        {"FnrBundesland", "Sachsen"}};
-    std::vector<std::string> lines;
-    for (const auto& [name, value] : expected)
-        lines.push_back("LlDefineVariableExt(\"" + std::string(name) + "\", \"" + value + "\", 268435456) = 0");
-    EXPECT_EQ(define(), lines);
-    EXPECT_THAT(define(u""), Contains("LlDefineVariableExt(\"Ueberschrift\", \"\", 268435456) = 0"));
-}
-
-TEST_F(Letterhead, TheAddressLeavesBlankPartsOut) {
-    EXPECT_EQ(addressFor({{u"Strasse", {u"   "}}}), "7, Müller & Söhne, 1067, Dresden");
-    EXPECT_EQ(addressFor({{u"Name1", {u""}}, {u"Ort", {u""}}}), "7, 1067");
-    EXPECT_EQ(addressFor({{u"Plz", {0.0}}}), "7, 0") << "a postal code of 0 is a postal code";
-}
-
-TEST_F(Letterhead, AnEngineErrorIsReportedAndTheOthersFollow) {
-    world().outside.codeAt.reset();
-    world().results[{Operation::LlDefineVariableExt, 0}] = -10;
-    EXPECT_EQ(define().size(), 16u);
-    EXPECT_THAT(world().reports, ElementsAre(engineError(-10, "LlDefineVariableExt FnrName1")));
-}
-
-TEST_F(Letterhead, AFailingGetterEndsIt) {
-    const auto object = world().create(u"clsZugFirmaAllg");
-    world().outside.failAt = world().outside.calls.size() + 40;
-    world().engineCalls.clear();
-    EXPECT_FALSE(adapter.FKT_DefiniereVariablen_AllgemeineFirmendaten(object, u"T"));
-    EXPECT_THAT(world().reports,
-                ElementsAre(injected("clsDruckFormular", "FKT_DefiniereVariablen_AllgemeineFirmendaten")));
-    EXPECT_THAT(world().engineCalls, Not(IsEmpty())) << "what was defined stays defined";
-    world().reports.clear();
-    EXPECT_FALSE(adapter.FKT_DefiniereVariablen_AllgemeineFirmendaten(nullptr, u"T"));
-    EXPECT_THAT(world().reports,
-                ElementsAre(runtimeError("clsDruckFormular", "FKT_DefiniereVariablen_AllgemeineFirmendaten",
-                                         ErrorNumber::ObjectNotSet)));
+    EXPECT_EQ(fresh.jobs.rowAt(1).process, 0);
 }
 
 } // namespace

@@ -13,7 +13,7 @@ namespace kvtdruck::test {
 /// columns after it.
 struct ReportDescription {
     std::string list;
-    std::string klasse; ///< in error reports
+    std::string className; ///< in error reports
     std::string title;
     std::string reader; ///< empty: fed by the parameter array
     std::string read;   ///< the read procedure
@@ -24,6 +24,9 @@ struct ReportDescription {
 };
 
 const std::vector<ReportDescription>& allReports();
+
+/// Variables that the letterhead defines before a report's own.
+inline constexpr std::size_t kLetterhead = 16;
 
 struct Entry {
     std::string name;

@@ -121,7 +121,6 @@ TEST_F(SampleFigures, ImputedRentAndInterestFollowFromTheirParts) {
 }
 
 // --- Parameter arrays
-// ----------------------------------------------------------------------------------------------
 
 std::vector<std::string> fields(const std::string& line) {
     std::vector<std::string> result;

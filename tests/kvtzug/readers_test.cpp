@@ -57,7 +57,6 @@ std::string textOfError(const std::function<void()>& action) {
 }
 
 // --- Members and types
-// ---------------------------------------------------------------------------------------------
 
 struct Getters {
     std::vector<StringView> texts;
@@ -279,7 +278,6 @@ TEST_F(SampleCompany, LetterCaseOfAMemberNameDoesNotMatter) {
 }
 
 // --- Selections and orders
-// -----------------------------------------------------------------------------------------
 
 TEST_F(SampleCompany, TurnoverComesByYear) {
     const auto turnover = reader(u"clsZugUmsatz");
@@ -399,7 +397,6 @@ TEST_F(SampleCompany, ProductModesOneAndTwoNarrowTheAccounts) {
 }
 
 // --- The cursor
-// ----------------------------------------------------------------------------------------------------
 
 class ManyYears : public Readers {
   protected:
@@ -470,7 +467,6 @@ TEST_F(ManyYears, ReadersWalkIndependently) {
 }
 
 // --- Values
-// --------------------------------------------------------------------------------------------------------
 
 TEST_F(Readers, NullsAreZerosAndEmptyTexts) {
     execute("INSERT INTO firma (fnr) VALUES (1);\nINSERT INTO umsatz (fnr, jahr) VALUES (1, 2024);\n");
@@ -561,7 +557,6 @@ TEST_F(Readers, InfinitiesAndNaNPassWhereTheDatabaseHoldsThem) {
 }
 
 // --- Connections and errors
-// ----------------------------------------------------------------------------------------
 
 TEST_F(Readers, ReadersShareAConnectionWhichClosesWithTheLast) {
     Connections connections;

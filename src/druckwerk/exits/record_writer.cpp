@@ -2,7 +2,7 @@
 
 #include "control/recording_control.h"
 #include "druckwerk/exits/xlsx_writer.h"
-#include "values/characters.h"
+#include "values/code_points.h"
 
 #include <algorithm>
 #include <array>

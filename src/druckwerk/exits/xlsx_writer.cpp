@@ -4,7 +4,7 @@
 #include "druckwerk/exits/xlsx_writer.h"
 
 #include "druckwerk/exits/zip_writer.h"
-#include "values/characters.h"
+#include "values/code_points.h"
 
 #include <array>
 #include <charconv>

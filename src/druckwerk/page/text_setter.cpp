@@ -1,6 +1,6 @@
 #include "druckwerk/page/text_setter.h"
 
-#include "values/characters.h"
+#include "values/code_points.h"
 
 namespace kvtdruck::druckwerk {
 

@@ -2,7 +2,7 @@
 #include "druckwerk/common/deleter.h"
 #include "druckwerk/pdf/pdf_syntax.h"
 #include "druckwerk/text/font_library.h"
-#include "values/characters.h"
+#include "values/code_points.h"
 
 #include <algorithm>
 #include <fribidi.h>

@@ -48,7 +48,7 @@ RuntimeError runtimeErrorOf(int code) {
     }
 }
 
-std::string nativePath(StringView path) {
+std::string posixPath(StringView path) {
     if (path.find(u'\0') != StringView::npos)
         throw RuntimeError(ErrorNumber::PathFileAccess);
     std::string native = toUtf8(path);
@@ -87,12 +87,12 @@ class PosixFileSystem : public FileSystem {
   public:
     bool exists(StringView path) override {
         std::error_code error;
-        const fs::file_status status = fs::status(nativePath(path), error);
+        const fs::file_status status = fs::status(posixPath(path), error);
         return fs::exists(status) && !fs::is_directory(status);
     }
 
     void remove(StringView path, bool force) override {
-        const fs::path file = nativePath(path);
+        const fs::path file = posixPath(path);
         if (isReadOnly(existingFile(file)) && !force)
             throw RuntimeError(ErrorNumber::PermissionDenied);
         std::error_code error;
@@ -101,8 +101,8 @@ class PosixFileSystem : public FileSystem {
     }
 
     void rename(StringView path, StringView newName) override {
-        const fs::path file = nativePath(path);
-        const fs::path name = nativePath(newName);
+        const fs::path file = posixPath(path);
+        const fs::path name = posixPath(newName);
         if (name.empty() || name != name.filename())
             throw RuntimeError(ErrorNumber::InvalidProcedureCall);
         existingFile(file);

@@ -75,6 +75,6 @@ class PosixPlatform : public Platform {
 RuntimeError runtimeErrorOf(int code);
 
 /// The path that the component writes as `path` ("\" between its parts).
-std::string nativePath(StringView path);
+std::string posixPath(StringView path);
 
 } // namespace kvtdruck

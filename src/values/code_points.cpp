@@ -1,4 +1,4 @@
-#include "values/characters.h"
+#include "values/code_points.h"
 
 namespace kvtdruck {
 

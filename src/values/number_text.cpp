@@ -1,0 +1,197 @@
+#include "values/conversion.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <string>
+
+namespace kvtdruck {
+namespace {
+
+/// A decimal number: 0.d1d2d3… times ten to the power of `point`; no digits for zero.
+struct Digits {
+    std::string digits;
+    int point = 0;
+    bool negative = false;
+};
+
+void removeTrailingZeros(std::string& digits) {
+    digits.erase(digits.find_last_not_of('0') + 1);
+}
+
+/// Adds one unit in the last place.
+void increment(Digits& number) {
+    std::string& digits = number.digits;
+    const auto nines = digits.find_last_not_of('9') + 1;
+    std::fill(digits.begin() + static_cast<std::ptrdiff_t>(nines), digits.end(), '0');
+    if (nines > 0) {
+        ++digits[nines - 1];
+        return;
+    }
+    digits.front() = '1';
+    ++number.point;
+}
+
+/// The digits of the finite `number`: `places` of them behind the first, rounded, or where `places` is empty as few
+/// as tell it from its neighbours.
+template <class Real>
+Digits realDigits(Real number, std::optional<int> places) {
+    std::array<char, 100> buffer{};
+    char* const begin = buffer.data();
+    const auto form = std::chars_format::scientific;
+    const auto written = places ? std::to_chars(begin, begin + buffer.size(), std::abs(number), form, *places)
+                                : std::to_chars(begin, begin + buffer.size(), std::abs(number), form);
+    const std::string_view text(begin, static_cast<std::size_t>(written.ptr - begin));
+    const std::size_t mantissa = text.find('e');
+    Digits result;
+    result.digits = text.substr(0, 1);
+    if (mantissa > 1)
+        result.digits += text.substr(2, mantissa - 2);
+    std::from_chars(text.data() + mantissa + 2, text.data() + text.size(), result.point);
+    result.point = (text[mantissa + 1] == '-' ? -result.point : result.point) + 1;
+    result.negative = number < 0;
+    return result;
+}
+
+/// The finite `number` rounded to `count` significant digits, halves away from zero, as Automation rounds.
+template <class Real>
+Digits significantDigits(Real number, std::size_t count) {
+    // A number that few digits tell from its neighbours has these digits: most amounts are done here.
+    if (count <= std::numeric_limits<Real>::digits10 && std::isnormal(number))
+        if (Digits shortest = realDigits(number, std::nullopt); shortest.digits.size() <= count)
+            return shortest;
+    // Three more digits tell on which side of a half the rest lies, unless they show the half itself: then many do.
+    Digits result = realDigits(number, static_cast<int>(count) + 2);
+    if (result.digits.ends_with("500"))
+        result = realDigits(number, 60);
+    const bool up = result.digits[count] >= '5';
+    result.digits.resize(count);
+    if (up)
+        increment(result);
+    removeTrailingZeros(result.digits);
+    return result;
+}
+
+void append(String& text, std::string_view ascii) {
+    for (const char letter : ascii)
+        text += static_cast<char16_t>(letter);
+}
+
+/// "123,45", "0,00012", "12300": all digits, with zeros where the number is larger or smaller than they show.
+String plainForm(const Digits& number, const Locale& locale) {
+    const int count = static_cast<int>(number.digits.size());
+    const std::string_view digits = number.digits;
+    const auto whole = static_cast<std::size_t>(std::max(number.point, 0));
+    const int places = std::max(count - number.point, 0);
+    String text;
+    text.reserve(static_cast<std::size_t>(std::max(number.point, 1) + places) + (number.negative ? 1 : 0) +
+                 (places > 0 ? 1 : 0));
+    if (number.negative && count > 0)
+        text += u'-';
+    if (number.point <= 0)
+        text += u'0';
+    append(text, digits.substr(0, whole));
+    text.append(static_cast<std::size_t>(std::max(number.point - count, 0)), u'0');
+    if (places > 0) {
+        text += locale.decimalSign;
+        text.append(static_cast<std::size_t>(std::max(-number.point, 0)), u'0');
+        append(text, digits.substr(whole));
+    }
+    return text;
+}
+
+/// "1E+15", "-1,5E-05": the exponent has at least two digits.
+String exponentForm(const Digits& number, const Locale& locale) {
+    String text = number.negative ? u"-" : u"";
+    text += static_cast<char16_t>(number.digits[0]);
+    if (number.digits.size() > 1)
+        append(text += locale.decimalSign, std::string_view(number.digits).substr(1));
+    const int exponent = number.point - 1;
+    text += exponent < 0 ? u"E-" : u"E+";
+    if (std::abs(exponent) < 10)
+        text += u'0';
+    return text + decimal(std::abs(exponent));
+}
+
+/// The texts that the run-time library of Automation's time gave what is no number.
+String notFinite(bool isNan, bool negative, const Locale& locale) {
+    String text = negative ? u"-1" : u"1";
+    text += locale.decimalSign;
+    return text + (!isNan ? u"#INF" : negative ? u"#IND" : u"#QNAN");
+}
+
+/// The text of `units` divided by ten to the power of `scale`, without trailing zeros behind the decimal sign.
+String fixedPointText(std::string units, int scale, bool negative, const Locale& locale) {
+    Digits number{std::move(units), 0, negative};
+    number.digits.erase(0, std::min(number.digits.find_first_not_of('0'), number.digits.size()));
+    number.point = static_cast<int>(number.digits.size()) - scale;
+    removeTrailingZeros(number.digits);
+    return number.digits.empty() ? String(u"0") : plainForm(number, locale);
+}
+
+/// The number in ten-thousandths, where it is the one nearest to such an amount: as most numbers are. At most 15
+/// digits tell it from every other, so they are its text.
+std::optional<std::int64_t> tenThousandths(double number) {
+    constexpr double kPart = 10'000;
+    if (std::abs(number) >= 1e15 / kPart)
+        return std::nullopt;
+    const auto units = static_cast<std::int64_t>(number * kPart + std::copysign(0.5, number));
+    return static_cast<double>(units) / kPart == number ? std::optional(units) : std::nullopt;
+}
+
+template <class Real>
+String realText(Real number, const Locale& locale) {
+    constexpr int significant = std::is_same_v<Real, float> ? 7 : 15;
+    if (!std::isfinite(number))
+        return notFinite(std::isnan(number), std::signbit(number), locale);
+    if (number == 0)
+        return u"0";
+    if constexpr (std::is_same_v<Real, double>)
+        if (const auto units = tenThousandths(number))
+            return fixedPointText(std::to_string(std::abs(*units)), 4, number < 0, locale);
+    const Digits digits = significantDigits(number, significant);
+    const bool fits = digits.point > -4 && digits.point <= significant;
+    return fits ? plainForm(digits, locale) : exponentForm(digits, locale);
+}
+
+/// The decimal digits of a 96-bit integer.
+std::string integerDigits(std::uint32_t high, std::uint64_t low) {
+    std::array<std::uint32_t, 3> words{high, static_cast<std::uint32_t>(low >> 32),
+                                       static_cast<std::uint32_t>(low)};
+    std::string reversed;
+    while (words != std::array<std::uint32_t, 3>{}) {
+        std::uint64_t remainder = 0;
+        for (std::uint32_t& word : words) {
+            const std::uint64_t dividend = (remainder << 32) | word;
+            word = static_cast<std::uint32_t>(dividend / 10);
+            remainder = dividend % 10;
+        }
+        reversed += static_cast<char>('0' + remainder);
+    }
+    return {reversed.rbegin(), reversed.rend()};
+}
+
+} // namespace
+
+String textOf(double number, const Locale& locale) {
+    return realText(number, locale);
+}
+
+String textOf(float number, const Locale& locale) {
+    return realText(number, locale);
+}
+
+String textOf(Currency amount, const Locale& locale) {
+    const auto bits = static_cast<std::uint64_t>(amount.tenThousandths);
+    const bool negative = amount.tenThousandths < 0;
+    return fixedPointText(integerDigits(0, negative ? 0 - bits : bits), 4, negative, locale);
+}
+
+String textOf(const Decimal& number, const Locale& locale) {
+    return fixedPointText(integerDigits(number.high, number.low), number.scale, number.negative, locale);
+}
+
+} // namespace kvtdruck
