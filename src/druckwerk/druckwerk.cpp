@@ -174,7 +174,7 @@ std::int32_t Druckwerk::Engine::perform(Operation operation, std::span<const Arg
     case Operation::LlDefineLayout:
         return design(arguments);
     case Operation::LlPreviewSetTempPath:
-        previewFolder_ = nativePath(argument<StringView>(arguments, 0));
+        previewFolder_ = posixPath(argument<StringView>(arguments, 0));
         return kEngineSuccess;
     case Operation::LlPreviewDeleteFiles:
         return deletePreview(arguments);
@@ -253,7 +253,7 @@ void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
     warned_.clear();
     lastError_ = {};
     definitions_.release();
-    const std::filesystem::path objectName = nativePath(argument<StringView>(arguments, 1));
+    const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 1));
     Layout layout = loadLayout(objectName);
     Job& job = job_.emplace();
     job.objectName = objectName;
@@ -381,14 +381,14 @@ std::int32_t Druckwerk::Engine::design(std::span<const Argument> arguments) {
     std::string message;
     const std::int32_t code =
         options_->design({toUtf8(argument<StringView>(arguments, 1)),
-                          layoutFile(nativePath(argument<StringView>(arguments, 3))), definitions_.list()},
+                          layoutFile(posixPath(argument<StringView>(arguments, 3))), definitions_.list()},
                          message);
     return code == kEngineSuccess || code == kEngineCancelled ? code : fail(code, message);
 }
 
 std::int32_t Druckwerk::Engine::deletePreview(std::span<const Argument> arguments) const {
-    const std::filesystem::path folder = nativePath(argument<StringView>(arguments, 1));
-    const std::filesystem::path list = nativePath(argument<StringView>(arguments, 0));
+    const std::filesystem::path folder = posixPath(argument<StringView>(arguments, 1));
+    const std::filesystem::path list = posixPath(argument<StringView>(arguments, 0));
     const auto file = folder / (list.filename().string() + ".ll");
     std::error_code error;
     std::filesystem::remove(file, error);

@@ -1,8 +1,8 @@
 // Computed styles of SVG elements: presentation attributes, style sheets with plain selectors, style attributes.
 #pragma once
 
-#include "druckwerk/common/font_request.h"
 #include "druckwerk/common/geometry.h"
+#include "druckwerk/common/font_request.h"
 
 #include <optional>
 #include <string>
@@ -41,7 +41,6 @@ struct Style {
     // not inherited
     double opacity = 1;
     Matrix transform;
-    Matrix transform;
     bool display = true;
     bool complex = false; ///< clips, masks, filters, markers, blending
     bool flowed = false;  ///< shape-inside and its like
@@ -72,8 +71,6 @@ class StyleSheet {
     const std::vector<std::string>& ignored() const { return ignored_; }
     /// Declarations with values that are beyond it.
     const std::vector<std::string>& notUnderstood() const { return notUnderstood_; }
-    /// Declarations with values that are beyond it.
-    const std::vector<std::string>& notUnderstood() const { return notUnderstood_; }
 
   private:
     struct Rule {
@@ -83,7 +80,6 @@ class StyleSheet {
     std::vector<Rule> rules_; // by specificity, then in order
     std::vector<std::string> ignored_;
     std::vector<std::string> notUnderstood_;
-    std::vector<std::string> notUnderstood_;
 };
 
 /// The declarations of a style attribute or a rule's body.
@@ -91,9 +87,6 @@ std::vector<StyleSheet::Declaration> parseDeclarations(std::string_view text);
 /// Splits at blanks and commas.
 std::vector<std::string_view> splitWords(std::string_view text, std::string_view separators = " \t\r\n,");
 std::string_view trimmedAscii(std::string_view text);
-/// A number within ±100,000 at the beginning of `text`; nothing where there is none, or where something follows it
-/// that `rest` does not take.
-std::optional<double> parseNumber(std::string_view text, std::string_view* rest = nullptr);
 /// A number within ±100,000 at the beginning of `text`; nothing where there is none, or where something follows it
 /// that `rest` does not take.
 std::optional<double> parseNumber(std::string_view text, std::string_view* rest = nullptr);
