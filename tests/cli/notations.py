@@ -29,13 +29,14 @@ def fail(text):
 
 def run(*command):
     result = subprocess.run([str(part) for part in command], capture_output=True, text=True)
-    if result.returncode != 0 or result.stderr:
+    if result.returncode != 0:
         fail(f"{command}: exit code {result.returncode}, {result.stderr}")
     return result.stdout
 
 
 def plain(text, notation):
-    """The words of a page, numbers without separators and with a decimal comma, dates as day.month.year."""
+    """The text of the pages without blanks, numbers without separators and with a decimal comma, dates as
+    day·month·year."""
     decimal, thousands, order, separator, true, false = NOTATIONS[notation]
     text = re.sub(rf"\b{true}\b", "Wahr", re.sub(rf"\b{false}\b", "Falsch", text))
 
@@ -49,8 +50,10 @@ def plain(text, notation):
     def number(found):
         return found[0].replace(thousands, "").replace(decimal, ",")
 
-    group = re.escape(thousands)
-    return re.sub(rf"\d+(?:{group}\d{{3}})*(?:{re.escape(decimal)}\d+)?", number, text).split()
+    # A separator that is a blank parts a number into words: words are compared run together.
+    if not thousands.isspace():
+        text = re.sub(rf"\d+(?:{re.escape(thousands)}\d{{3}})*(?:{re.escape(decimal)}\d+)?", number, text)
+    return "".join(text.split())
 
 
 def numbers(value):
@@ -75,8 +78,8 @@ def cells(workbook):
 
 def compare(kind, notation, expected, found):
     if expected != found:
-        differing = next((pair for pair in zip(expected, found) if pair[0] != pair[1]), (len(expected), len(found)))
-        fail(f"{kind} in {notation}: {differing[1]!r} instead of {differing[0]!r}")
+        at = next((i for i, pair in enumerate(zip(expected, found)) if pair[0] != pair[1]), min(len(expected), len(found)))
+        fail(f"{kind} in {notation}: {found[max(0, at - 30):at + 30]!r} instead of {expected[max(0, at - 30):at + 30]!r}")
 
 
 def main():
@@ -100,10 +103,10 @@ def main():
             }
             for kind, values in found.items():
                 compare(kind, notation, expected.setdefault(kind, values), values)
-        figures = sum(bool(re.search(r"\d", word)) for word in expected["page"])
+        figures = len(re.findall(r"\d,\d", expected["page"]))
     if not figures or not expected["JSON"] or not expected["XLSX"]:
         fail("nothing was compared")
-    print(f"{report}: {figures} figures on the pages, {len(expected['JSON'])} numbers in data files")
+    print(f"{report}: {figures} decimal figures on the pages, {len(expected['JSON'])} numbers in data files")
 
 
 main()

@@ -239,10 +239,12 @@ TEST_F(ExpressionTest, WhatIsNoNumberOrNoDateIsReportedOnceAndPrintedAsItIs) {
     }
     ASSERT_EQ(warnings.size(), 2U);
     EXPECT_EQ(warnings[1], "Der Inhalt von „Datum“: „257.01.2024“ ist kein Datum wie 31.12.2024");
-    for (const char* text : {"", " ", "00:00:00"}) { // missing, and the time of day that an empty date is
+    for (const char* text : {"", " ", "08:15:00"}) {
         define("Tag", text, false);
         EXPECT_EQ(filled("{{Tag|TT.MM.JJJJ}}"), text);
     }
+    define("Tag", "00:00:00", false); // the zero date
+    EXPECT_EQ(filled("{{Tag|TT.MM.JJJJ}}{{Tag}}"), "00:00:00");
     EXPECT_EQ(filled("{{Betrag}}"), "abc");
     EXPECT_EQ(warnings.size(), 2U);
 }

@@ -17,10 +17,11 @@ using ::testing::SizeIs;
 class LayoutTest : public ::testing::Test {
   protected:
     /// What is said about a layout with the fields Nr, Name and Betrag.
-    std::vector<Finding> findings(const std::string& svg) {
+    std::vector<Finding> findings(const std::string& svg, bool unused = false) {
         writeFile(folder / "Liste.svg", svg);
         return checkLayout(folder / "Liste.svg",
-                           {{"Nr", "1", true, true}, {"Name", "x", false, true}, {"Betrag", "2", true, true}});
+                           {{"Nr", "1", true, true}, {"Name", "x", false, true}, {"Betrag", "2", true, true}},
+                           unused);
     }
 
     /// The first error, with its code; "" where there is none.
@@ -63,7 +64,7 @@ TEST_F(LayoutTest, ASoundLayoutGivesNoFindings) {
 TEST_F(LayoutTest, UnknownAndUnusedNamesAreReportedWithNearOnes) {
     std::vector<std::string> messages;
     for (const auto& finding :
-         findings(row(field(5, 20, 20, "{{nr}}") + field(30, 20, 20, "{{Betraege}} {{Zzzzzzzz}}")))) {
+         findings(row(field(5, 20, 20, "{{nr}}") + field(30, 20, 20, "{{Betraege}} {{Zzzzzzzz}}")), true)) {
         EXPECT_FALSE(finding.error);
         messages.push_back(finding.message);
     }
@@ -78,6 +79,138 @@ TEST_F(LayoutTest, ANameThatStandsOnlyUnderAConditionMayBeMissing) {
     const auto shown = field(30, 20, 20, "{{Nr}}") + field(60, 20, 20, "{{Betrag|0,00}}");
     EXPECT_THAT(findings(row(guarded + shown)), IsEmpty());
     EXPECT_THAT(findings(row(guarded + field(5, 20, 20, "{{Zzzzzzzz}}") + shown)), SizeIs(1));
+}
+
+TEST_F(LayoutTest, NamesWithinAggregatesChartsAndConditionsAreNames) {
+    const std::string chart = "<g id='x' class='chart' data-chart='bars' data-legend='a' ";
+    const std::string box = "><rect x='5' y='20' width='20' height='5'/></g>";
+    for (const auto& element :
+         {field(5, 20, 20, "{{=sum(Betrga)}}", "id='x'"), field(5, 20, 20, "{{=1+avg(Nr*Betrga)|0}}", "id='x'"),
+          field(5, 20, 20, "{{Nr}}", "id='x' data-if='sum(Betrga) > 0'"),
+          field(5, 20, 20, "{{Nr}}", "id='x' data-if='leer(Betrga)'"),
+          "<g data-if='Nr > 0'>" + field(5, 20, 20, "{{=sum(Betrga)}}", "id='x'") + "</g>",
+          chart + "data-series='Nr, Betrga'" + box, chart + "data-series='=sum(Betrga)'" + box,
+          chart + "data-series='Nr' data-labels='{{Betrga}}'" + box}) {
+        const auto found = findings(row(element));
+        ASSERT_THAT(found, SizeIs(1)) << element;
+        EXPECT_THAT(found[0].message, HasSubstr("Zeile 2, Ebene „Zeile“, <g id=\"x\">: Unbekannter Name „Betrga“ "
+                                                "(ähnlich: „Betrag“)"));
+    }
+    for (const char* content : {"{{=sum(Betrag)}}", "{{=sum(Nr*Betrag)}}"})
+        for (const auto& finding : findings(row(field(5, 20, 20, content)), true))
+            EXPECT_THAT(finding.message, ::testing::Not(HasSubstr("„Betrag“"))) << content;
+}
+
+TEST_F(LayoutTest, AnUnknownNameInASumIsReportedWhenPrinting) {
+    writeFile(folder / "Liste.svg", row(field(5, 20, 40, "{{=sum(Betrga)}}")));
+    ReportDriver report(folder / "out.pdf");
+    report.fields({{"Betrag", "2"}});
+    ASSERT_EQ(report.start(folder / "Liste"), 0);
+    EXPECT_THAT(report.warnings, Contains(HasSubstr("Unbekannter Name „Betrga“ (ähnlich: „Betrag“)")));
+}
+
+/// A slip of the pen, and what is said about it.
+struct Slip {
+    std::string svg;
+    std::string message;
+};
+
+TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
+    const std::string nr = field(5, 20, 20, "{{Nr}}");
+    const auto attribute = [&](const std::string& text) { return row(field(5, 20, 20, "{{Nr}}", text)); };
+    const auto chart = [&](const std::string& text) {
+        return row("<g class='chart' data-chart='bars' data-series='Nr' " + text +
+                   "><rect x='5' y='20' width='20' height='5'/></g>");
+    };
+    std::vector<Slip> slips;
+    for (const auto& [wrong, right] : {std::pair("Zeilen", "Zeile"),
+                                       {"zeile", "Zeile"},
+                                       {"Zeiel", "Zeile"},
+                                       {"Seitenfuss", "Seitenfuß"},
+                                       {"Seitenfuß ", "Seitenfuß"},
+                                       {"Seitenkpof", "Seitenkopf"},
+                                       {"kopf", "Kopf"},
+                                       {"Kof", "Kopf"},
+                                       {"Summen", "Summe"},
+                                       {"Sume", "Summe"},
+                                       {"Uebertrag", "Übertrag"},
+                                       {"Vortag", "Vortrag"},
+                                       {"Gruppenfuss", "Gruppenfuß"},
+                                       {"Gruppenkopff", "Gruppenkopf"},
+                                       {"Hintergund", "Hintergrund"}})
+        slips.push_back({page(layer(wrong, 20, 10, nr)), std::string("Zeile 2, Ebene „") + wrong +
+                                                             "“, <g>: Ebene „" + wrong +
+                                                             "“ gibt es nicht, sie wird auf jede Seite gedruckt "
+                                                             "(ähnlich: „" +
+                                                             right + "“)"});
+    slips.push_back(
+        {page(layer("Positionen", 20, 10, nr)), "Ebene „Positionen“, <g>: Ebene „Positionen“ hat ein Rechteck"});
+    for (const auto& [wrong, right] : {std::pair("data-wenn='Nr=1'", "data-if"),
+                                       {"data-bedingung='Nr=1'", "data-if"},
+                                       {"data-fi='Nr=1'", "data-if"},
+                                       {"data-If='Nr=1'", "data-if"},
+                                       {"data-fitt='cut'", "data-fit"},
+                                       {"data-wachsen='1'", "data-grow"},
+                                       {"data-grwo='1'", "data-grow"}})
+        slips.push_back({attribute(wrong), std::string("Zeile 2, Ebene „Zeile“, <g>: Attribut „") +
+                                               std::string(wrong).substr(0, std::string(wrong).find('=')) +
+                                               "“ gibt es nicht (ähnlich: „" + right + "“)"});
+    for (const auto& [wrong, right] : {std::pair("data-serie='Nr'", "data-series"),
+                                       {"data-reihen='Nr'", "data-series"},
+                                       {"data-label='x'", "data-labels"},
+                                       {"data-beschriftung='x'", "data-labels"},
+                                       {"data-legende='x'", "data-legend"},
+                                       {"data-colours='red'", "data-colors"},
+                                       {"data-farben='red'", "data-colors"},
+                                       {"data-row='1'", "data-rows"},
+                                       {"data-zeilen='1'", "data-rows"},
+                                       {"data-fromat='0'", "data-format"}})
+        slips.push_back({chart(wrong), std::string("Ebene „Zeile“, <g>: Attribut „") +
+                                           std::string(wrong).substr(0, std::string(wrong).find('=')) +
+                                           "“ gibt es nicht (ähnlich: „" + right + "“)"});
+    for (const auto& [wrong, right] : {std::pair("data-newpage='1'", "data-new-page"),
+                                       {"data-neue-seite='1'", "data-new-page"},
+                                       {"data-bookmarks='x'", "data-bookmark"},
+                                       {"data-lesezeichen='x'", "data-bookmark"},
+                                       {"data-wenn='1'", "data-if"},
+                                       {"data-wiederholen='1'", "data-repeat"},
+                                       {"data-repaet='1'", "data-repeat"}})
+        slips.push_back({row(nr, wrong), std::string("Zeile 2, Ebene „Zeile“, <g>: Attribut „") +
+                                             std::string(wrong).substr(0, std::string(wrong).find('=')) +
+                                             "“ gibt es nicht (ähnlich: „" + right + "“)"});
+    slips.push_back({attribute("data-series='Nr'"), "Attribut „data-series“ gilt nur für Diagramme"});
+    slips.push_back({attribute("data-new-page='1'"), "Attribut „data-new-page“ gilt nur für Ebenen"});
+    slips.push_back({chart("data-fit='cut'"), "Attribut „data-fit“ gilt nur für Felder"});
+    slips.push_back({chart("data-bookmark='x'"), "Attribut „data-bookmark“ gilt nur für Ebenen"});
+    for (const auto& [wrong, right] : {std::pair("Field", "field"),
+                                       {"feld", "field"},
+                                       {"fields", "field"},
+                                       {"filed", ""},
+                                       {"Chart", "chart"},
+                                       {"diagramm", "chart"},
+                                       {"Band", "band"}})
+        if (*right != 0)
+            slips.push_back({row(nr + "<g class='" + wrong + "'/>"),
+                             std::string("Klasse „") + wrong + "“ hat keine Wirkung (ähnlich: „" + right + "“)"});
+    slips.push_back(
+        {row(field(95, 20, 20, "{{Nr}}")), "Zeile 2, Ebene „Zeile“: Feld ragt über den Rand der Seite hinaus"});
+    slips.push_back({row(field(-5, 20, 20, "{{Nr}}")), "Feld ragt über den Rand der Seite hinaus"});
+    slips.push_back({row(field(5, 27, 20, "{{Nr}}")), "Feld ragt aus dem Rechteck der Ebene hinaus"});
+    slips.push_back({row(field(5, 15, 20, "{{Nr}}")), "Feld ragt aus dem Rechteck der Ebene hinaus"});
+    slips.push_back({row("<text x='120' y='25'>{{Nr}}</text>"), "Text liegt außerhalb der Seite"});
+    slips.push_back({page(layer("Zeile", 20, 10, nr) + layer("Seitenfuß", 95, 5, field(5, 98, 20, "{{Nr}}"))),
+                     "Ebene „Seitenfuß“: Feld ragt über den Rand der Seite hinaus"});
+    slips.push_back({page(layer("Zeile", 92, 8, field(5, 92, 20, "{{Nr}}")) + layer("Seitenfuß", 90, 5, "")),
+                     "über dem Seitenfuß ist kein Platz für eine Zeile"});
+    slips.push_back({page(layer("Gruppenkopf", 20, 10, nr, "data-on='Nr'")), "wird die Ebene nie gedruckt"});
+    EXPECT_GE(slips.size(), 60U);
+    for (const Slip& slip : slips) {
+        const auto found = findings(slip.svg);
+        std::string all;
+        for (const auto& finding : found)
+            all += finding.message + "\n";
+        EXPECT_THAT(all, HasSubstr(slip.message)) << slip.svg;
+    }
 }
 
 TEST_F(LayoutTest, AnUnknownNamePrintsAsEmptyWithAWarning) {

@@ -48,7 +48,8 @@ std::optional<Date> Definitions::date(std::size_t slot, Moment moment, bool mont
     const auto date = dateIn(text, locale());
     if (!date && !trimmed(text).empty())
         contents_.reportNoDate(slots_[slot].name, text);
-    return date && std::trunc(date->days) != 0 ? date : std::nullopt;
+    const bool timeAlone = date && date->days != 0 && std::trunc(date->days) == 0;
+    return timeAlone ? std::nullopt : date;
 }
 
 void Definitions::keep(std::size_t slot, Moment moment) {

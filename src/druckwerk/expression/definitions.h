@@ -70,8 +70,9 @@ class Definitions {
         }
         return found.number;
     }
-    /// The date that the slot's value at `moment` holds; nothing where it is empty or a time of day. For
-    /// `monthAlone` a number from 1 to 12 is a day of that month. A text that is none is reported.
+    /// The date that the slot's value at `moment` holds, the zero date where it is midnight alone; nothing where it
+    /// is empty or another time of day. For `monthAlone` a number from 1 to 12 is a day of that month. A text that
+    /// is none is reported.
     std::optional<Date> date(std::size_t slot, Moment moment, bool monthAlone) const;
 
     /// Asks for the slot's value at `moment` to be kept.

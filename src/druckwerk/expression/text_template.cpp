@@ -88,8 +88,11 @@ void TextTemplate::appendValue(const Value& piece, const Scene& scene, String& o
         if (number.isNumber())
             return pattern->append(number, scene.definitions.locale(), out);
     } else if (const auto* dates = std::get_if<DatePattern>(&piece.pattern)) {
-        if (const auto date = scene.definitions.date(piece.slot, scene.moment, dates->isMonth()))
-            return dates->append(*date, scene.definitions.locale(), out);
+        if (const auto date = scene.definitions.date(piece.slot, scene.moment, dates->isMonth())) {
+            if (date->days != 0) // the zero date is none
+                dates->append(*date, scene.definitions.locale(), out);
+            return;
+        }
     }
     appendContent(value.text, out);
 }
