@@ -188,6 +188,16 @@ TEST_P(EachDataFormat, CharactersThatTheFormatCannotHoldAreReplaced) {
     EXPECT_EQ(checked.exitCode, 0) << checked.errors;
 }
 
+TEST_F(DataExportTest, XlsxKeepsLineEndsBlanksAndWhatLooksEscaped) {
+    options.format = DataFormat::Xlsx;
+    field(u"Text", u" _x0041_\r\n ");
+    start();
+    record();
+    EXPECT_EQ(end(), kEngineSuccess);
+    const auto sheet = testing::run({"unzip", "-p", options.output.string(), "xl/worksheets/sheet2.xml"}).output;
+    EXPECT_THAT(sheet, HasSubstr("<t xml:space=\"preserve\"> _x005F_x0041_&#13;\n </t>"));
+}
+
 TEST_F(DataExportTest, XlsxShortensWhatACellCannotHoldAndSaysSo) {
     options.format = DataFormat::Xlsx;
     field(u"Text", String(1'000'000, u'x'));

@@ -8,7 +8,6 @@
 
 #include <array>
 #include <charconv>
-#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -46,26 +45,27 @@ std::string styles() {
            "builtinId=\"0\"/></cellStyles></styleSheet>";
 }
 
-/// Text of XML; what XML can't hold is written as the format has it, "_x0001_", and so is what looks like that.
+/// Text of XML (https://www.w3.org/TR/xml/#charsets): U+FFFD stands for what that can't hold. What looks like the
+/// format's own way of writing a character, "_x0041_", is written in it.
 std::string escaped(StringView text) {
     const String whole = wellFormed(text);
     String out;
     for (std::size_t i = 0; i < whole.size(); ++i) {
         const char16_t c = whole[i];
-        const bool looksEscaped = whole.compare(i, 2, u"_x") == 0 && i + 6 < whole.size() && whole[i + 6] == u'_';
-        if (c == u'&') {
+        if (c == u'&')
             out += u"&amp;";
-        } else if (c == u'<') {
+        else if (c == u'<')
             out += u"&lt;";
-        } else if (c == u'>') {
+        else if (c == u'>')
             out += u"&gt;";
-        } else if ((c < 0x20 && c != u'\t' && c != u'\n') || c >= 0xFFFE || looksEscaped) {
-            std::array<char, 8> code{};
-            std::snprintf(code.data(), code.size(), "_x%04X_", static_cast<unsigned>(c));
-            out += fromUtf8(code.data());
-        } else {
+        else if (c == u'\r')
+            out += u"&#13;"; // a reader would take it for a line end otherwise
+        else if ((c < 0x20 && c != u'\t' && c != u'\n') || c >= 0xFFFE)
+            out += u'\xFFFD';
+        else if (whole.compare(i, 2, u"_x") == 0 && i + 6 < whole.size() && whole[i + 6] == u'_')
+            out += u"_x005F_";
+        else
             out += c;
-        }
     }
     return toUtf8(out);
 }
