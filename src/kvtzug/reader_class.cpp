@@ -60,7 +60,7 @@ constexpr auto kText = ValueType::Text;
 constexpr StringView kOfCompany = u"fnr = ?";
 constexpr StringView kOfYears = u"fnr = ? AND jahr BETWEEN ? AND ?";
 
-// long: one table, a row for each class.
+// long: one table, with an entry for each class.
 std::vector<ReaderClass> readerClasses() {
     return {
         {.name = u"clsZugFirmaAllg",

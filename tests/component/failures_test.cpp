@@ -175,6 +175,10 @@ struct Kind {
     std::size_t sample = 11; ///< every day one position in so many is enough
 };
 
+void PrintTo(const Kind& kind, std::ostream* out) {
+    *out << kind.name;
+}
+
 // The run-time error is the ordinary case, so it is tried everywhere every time.
 const Kind kRuntimeError{.name = "RuntimeError", .sample = 1};
 const Kind kOutOfMemory{.name = "OutOfMemory", .fault = Fault::OutOfMemory};
