@@ -155,8 +155,8 @@ TEST_F(Files, LongAndDeepPaths) {
 
 TEST(SystemErrors, BecomeRuntimeErrors) {
     const std::vector<std::pair<int, long>> cases{
-        {ENOENT, 53}, {ENOTDIR, 76}, {EEXIST, 58}, {ENOSPC, 61}, {EDQUOT, 61},       {EACCES, 70}, {EPERM, 70},
-        {EROFS, 70},  {EBUSY, 70},   {EIO, 57},    {ENOMEM, 7},  {ENAMETOOLONG, 75}, {ELOOP, 75}};
+        {ENOENT, 53}, {ENOTDIR, 76}, {EEXIST, 58}, {ENOSPC, 61}, {EDQUOT, 61}, {EFBIG, 61},        {EACCES, 70},
+        {EPERM, 70},  {EROFS, 70},   {EBUSY, 70},  {EIO, 57},    {ENOMEM, 7},  {ENAMETOOLONG, 75}, {ELOOP, 75}};
     for (const auto& [code, number] : cases)
         EXPECT_EQ(runtimeErrorOf(code).number(), number) << code;
 }

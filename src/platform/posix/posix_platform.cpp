@@ -29,6 +29,7 @@ RuntimeError runtimeErrorOf(int code) {
         return RuntimeError(ErrorNumber::FileAlreadyExists);
     case ENOSPC:
     case EDQUOT:
+    case EFBIG: // as Windows answers on a disk whose files can't be that large
         return RuntimeError(ErrorNumber::DiskFull);
     case EACCES:
     case EPERM:
