@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <csignal>
 #include <unistd.h>
 
@@ -27,7 +28,7 @@ TEST(BoundedWork, SaysWhyTheWorkHasFailed) {
 TEST(BoundedWork, EndsWhatComputesForEver) {
     EXPECT_EQ(runBounded(kLimits,
                          []() -> std::string {
-                             for (volatile unsigned n = 0;; n = n + 1) {
+                             for (std::atomic<unsigned> n = 0;; ++n) {
                              }
                          }),
               std::nullopt);
