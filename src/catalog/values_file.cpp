@@ -3,14 +3,19 @@
 #include "values/conversion.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <regex>
+#include <string_view>
 
 namespace kvtdruck::catalog {
 namespace {
+
+/// How much of a cell a message shows.
+constexpr std::size_t kShownOfText = 60;
 
 struct RawCell {
     std::string text;
@@ -139,32 +144,81 @@ class Scanner {
     std::size_t lineNumber_ = 1;
 };
 
-std::optional<Date> dateIn(const std::string& text) {
-    static const std::regex pattern(R"((\d{1,2})\.(\d{1,2})\.(\d{4}))");
-    std::smatch parts;
-    if (!std::regex_match(text, parts, pattern))
-        return std::nullopt;
+// Cells are judged sign by sign: a regular expression of the library recurses for every sign of its input.
+
+std::size_t countDigits(std::string_view text) {
+    return std::min(text.find_first_not_of("0123456789"), text.size());
+}
+
+/// Takes the digits at the beginning of `text`; gives how many there were.
+std::size_t takeDigits(std::string_view& text) {
+    const std::size_t count = countDigits(text);
+    text.remove_prefix(count);
+    return count;
+}
+
+bool take(std::string_view& text, std::string_view anyOf) {
+    const bool there = !text.empty() && anyOf.find(text[0]) != std::string_view::npos;
+    text.remove_prefix(there ? 1 : 0);
+    return there;
+}
+
+/// "1234,5", "-1.234,5", "1,5E-3"
+bool isGermanNumber(std::string_view text) {
+    take(text, "+-");
+    const std::size_t leading = takeDigits(text);
+    if (leading == 0 || (leading > 3 && text.starts_with('.')))
+        return false;
+    while (take(text, "."))
+        if (takeDigits(text) != 3)
+            return false;
+    if (take(text, ",") && takeDigits(text) == 0)
+        return false;
+    if (take(text, "eE")) {
+        take(text, "+-");
+        if (takeDigits(text) == 0)
+            return false;
+    }
+    return text.empty();
+}
+
+/// Digits with points and commas between them, whatever they mean.
+bool looksLikeNumber(std::string_view text) {
+    take(text, "+-");
+    return text.find_first_not_of("0123456789.,") == std::string_view::npos &&
+           text.find_first_of("0123456789") != std::string_view::npos;
+}
+
+std::optional<Date> dateIn(std::string_view text) {
+    constexpr std::array<std::size_t, 3> kLongest = {2, 2, 4};
+    std::array<int, 3> parts{};
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const std::size_t count = countDigits(text);
+        if (count == 0 || count > kLongest[i] || (i == 2 && count != kLongest[i]))
+            return std::nullopt;
+        std::from_chars(text.data(), text.data() + count, parts[i]);
+        text.remove_prefix(count);
+        if (i < 2 && !take(text, "."))
+            return std::nullopt;
+    }
     constexpr int kFirstYear = 100; // of Automation's calendar
-    const int year = std::stoi(parts[3]);
-    return year < kFirstYear ? std::nullopt : dayIfAny(year, std::stoi(parts[2]), std::stoi(parts[1]));
+    return !text.empty() || parts[2] < kFirstYear ? std::nullopt : dayIfAny(parts[2], parts[1], parts[0]);
 }
 
 /// The value of a cell without quotes.
 Variant valueOf(const std::string& text, const Place& place) {
-    static const std::regex number(R"([+-]?(\d+|\d{1,3}(\.\d{3})+)(,\d+)?([eE][+-]?\d+)?)");
-    static const std::regex looksLikeNumber(R"([+-]?[\d.,]*\d[\d.,]*)");
     if (text.empty())
         return {};
-    if (std::regex_match(text, number)) {
+    if (isGermanNumber(text)) {
         const auto value = numberIn(fromUtf8(text), germanLocale());
         if (value && std::isfinite(*value))
             return *value;
-        place.fail("Die Zahl „" + text + "“ ist zu groß.");
+        place.fail("Die Zahl „" + text.substr(0, kShownOfText) + "“ ist zu groß.");
     }
     if (const auto date = dateIn(text))
         return *date;
-    if (std::regex_match(text, looksLikeNumber))
-        place.fail("„" + text +
+    if (looksLikeNumber(text))
+        place.fail("„" + text.substr(0, kShownOfText) +
                    "“ ist weder eine deutsche Zahl (1.234,5) noch ein Datum (31.12.2024); ein Text steht in "
                    "Anführungszeichen.");
     if (text == "Wahr" || text == "Falsch")
@@ -182,9 +236,10 @@ constexpr std::string_view kUnread = "-";
 
 /// Whether the line names columns: it holds no number, and one of its cells is a column's name without quotes.
 bool isHeading(const ReportEntry& report, const Line& line) {
-    static const std::regex beginsAsNumber(R"([+-]?\d.*)");
     const auto isNumber = [](const RawCell& cell) {
-        return !cell.quoted && std::regex_match(cell.text, beginsAsNumber);
+        std::string_view text = cell.text;
+        take(text, "+-");
+        return !cell.quoted && countDigits(text) > 0;
     };
     const auto isName = [&](const RawCell& cell) { return !cell.quoted && findColumn(report, cell.text); };
     return std::ranges::none_of(line.cells, isNumber) && std::ranges::any_of(line.cells, isName);

@@ -102,6 +102,15 @@ TEST(ValuesFile, ErrorsNameFileLineColumnAndReason) {
     EXPECT_EQ(errorOf(""), "w.csv: Die Datei enthält keine Werte.");
 }
 
+TEST(ValuesFile, LongCellsAreNoTrouble) {
+    constexpr std::size_t kMany = 200'000;
+    EXPECT_EQ(errorOf(std::string(kMany, '9') + "\n"),
+              "w.csv, Zeile 1, Spalte 1: Die Zahl „" + std::string(60, '9') + "“ ist zu groß.");
+    EXPECT_THAT(errorOf(std::string(kMany, '1') + ".5\n"), ::testing::HasSubstr("weder eine deutsche Zahl"));
+    EXPECT_EQ(parse(std::string(kMany, 'x') + "\n")->cell(0, 0), Variant(String(kMany, u'x')));
+    EXPECT_EQ(parse("0," + std::string(kMany, '0') + "\n")->cell(0, 0), Variant(0.0));
+}
+
 TEST(ValuesFile, AMissingFileAndAFolderAreErrors) {
     EXPECT_THROW(readValues(bilanz(), "/gibt/es/nicht.csv"), ValuesError);
     EXPECT_THROW(readValues(bilanz(), "/"), ValuesError);
