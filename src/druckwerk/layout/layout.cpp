@@ -48,9 +48,10 @@ double Layout::flowBottom() const {
 }
 
 std::size_t Layout::fontNumber(const FontRequest& font) {
-    const auto found = std::find(fonts.begin(), fonts.end(), font);
-    return static_cast<std::size_t>(found == fonts.end() ? fonts.insert(found, font) - fonts.begin()
-                                                         : found - fonts.begin());
+    const auto number = static_cast<std::size_t>(std::find(fonts.begin(), fonts.end(), font) - fonts.begin());
+    if (number == fonts.size())
+        fonts.push_back(font);
+    return number;
 }
 
 std::string readLayoutFile(const std::filesystem::path& file) {
