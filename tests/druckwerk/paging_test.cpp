@@ -1,3 +1,4 @@
+#include "druckwerk/layout/layout_generator.h"
 #include "layout_text.h"
 #include "pdf_reader.h"
 #include "report_driver.h"
