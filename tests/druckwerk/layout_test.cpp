@@ -125,7 +125,7 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
     std::vector<Slip> slips;
     for (const auto& [wrong, right] : {std::pair("Zeilen", "Zeile"),
                                        {"zeile", "Zeile"},
-                                       {"Zeiel", "Zeile"},
+                                       {"Zeil", "Zeile"},
                                        {"Seitenfuss", "Seitenfuß"},
                                        {"Seitenfuß ", "Seitenfuß"},
                                        {"Seitenkpof", "Seitenkopf"},
@@ -135,6 +135,8 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
                                        {"Sume", "Summe"},
                                        {"Uebertrag", "Übertrag"},
                                        {"Vortag", "Vortrag"},
+                                       {"Vortrag:", "Vortrag"},
+                                       {"Übertrg", "Übertrag"},
                                        {"Gruppenfuss", "Gruppenfuß"},
                                        {"Gruppenkopff", "Gruppenkopf"},
                                        {"Hintergund", "Hintergrund"}})
@@ -147,7 +149,7 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
         {page(layer("Positionen", 20, 10, nr)), "Ebene „Positionen“, <g>: Ebene „Positionen“ hat ein Rechteck"});
     for (const auto& [wrong, right] : {std::pair("data-wenn='Nr=1'", "data-if"),
                                        {"data-bedingung='Nr=1'", "data-if"},
-                                       {"data-fi='Nr=1'", "data-if"},
+                                       {"data-iff='Nr=1'", "data-if"},
                                        {"data-If='Nr=1'", "data-if"},
                                        {"data-fitt='cut'", "data-fit"},
                                        {"data-wachsen='1'", "data-grow"},
@@ -158,6 +160,7 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
     for (const auto& [wrong, right] : {std::pair("data-serie='Nr'", "data-series"),
                                        {"data-reihen='Nr'", "data-series"},
                                        {"data-label='x'", "data-labels"},
+                                       {"data-lables='x'", "data-labels"},
                                        {"data-beschriftung='x'", "data-labels"},
                                        {"data-legende='x'", "data-legend"},
                                        {"data-colours='red'", "data-colors"},

@@ -61,13 +61,16 @@ const std::map<std::string_view, std::string_view>& germanWords() {
 std::string_view nearWord(std::string_view word, Words known, std::size_t most) {
     if (const auto german = germanWords().find(word); german != germanWords().end())
         return german->second;
+    constexpr std::size_t kLongestWord = 100;
     std::string_view nearest;
-    for (const auto& candidate : known)
-        if (word.size() < 100)
-            if (const std::size_t count = editDistance(word, candidate); count <= most) {
-                nearest = candidate;
-                most = count == 0 ? 0 : count - 1;
-            }
+    std::size_t least = most + 1;
+    for (const auto& candidate : known) {
+        const std::size_t edits = word.size() < kLongestWord ? editDistance(word, candidate) : least;
+        if (edits < least || (edits == least && edits <= most && candidate.starts_with(word))) {
+            nearest = candidate;
+            least = edits;
+        }
+    }
     return nearest;
 }
 
