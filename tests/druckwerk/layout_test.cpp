@@ -57,7 +57,9 @@ class LayoutTest : public ::testing::Test {
 
 TEST_F(LayoutTest, ASoundLayoutGivesNoFindings) {
     EXPECT_THAT(findings(row(field(5, 20, 20, "{{Nr}}") + field(30, 20, 20, "{{Name}}") +
-                             field(60, 20, 20, "{{Betrag|0,00}}"))),
+                             field(60, 20, 20, "{{Betrag|0,00}}") +
+                             "<g class='chart diagramm' data-chart='bars' data-series='Nr'>"
+                             "<rect x='5' y='20' width='20' height='5'/></g>")),
                 IsEmpty());
 }
 
