@@ -275,6 +275,8 @@ void addCommands(CLI::App& app, Options& options) {
         addSelections(*command, options);
     }
     addPrinting(print, options);
+    check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
+        ->group("Prüfung");
     for (auto* command : {&print, &preview, &design, &check})
         addGeneral(*command, options);
     addReport(add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports), options, false);

@@ -29,6 +29,7 @@ struct Options {
     std::optional<druckwerk::DataFormat> data; ///< none: pages
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
+    bool unused = false; ///< a check names variables and fields that the layout does not print
 
     std::optional<std::filesystem::path> record; ///< file for the record of engine calls
     std::optional<std::filesystem::path> folder; ///< application folder

@@ -207,7 +207,7 @@ class ReportRun {
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
-        const auto findings = druckwerk::checkLayout(request.layout, request.definitions);
+        const auto findings = druckwerk::checkLayout(request.layout, request.definitions, options_.unused);
         for (const auto& finding : findings)
             show(finding);
         if (findings.empty())

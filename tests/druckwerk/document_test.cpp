@@ -96,7 +96,8 @@ TEST_F(DocumentTest, CancellingLeavesNoFile) {
     report.page();
     for (int i = 0; i < 500; ++i)
         report.line();
-    EXPECT_THAT(files(), SizeIs(1)) << "the unfinished file";
+    EXPECT_THAT(files(), SizeIs(::testing::Le(1U)))
+        << "what is unfinished has no name where the file system allows it";
     report.cancelled = true;
     EXPECT_EQ(report.call(Operation::LlPrint), kEngineCancelled);
     EXPECT_EQ(report.line(), kEngineCancelled);

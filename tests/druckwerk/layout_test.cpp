@@ -57,7 +57,9 @@ class LayoutTest : public ::testing::Test {
 
 TEST_F(LayoutTest, ASoundLayoutGivesNoFindings) {
     EXPECT_THAT(findings(row(field(5, 20, 20, "{{Nr}}") + field(30, 20, 20, "{{Name}}") +
-                             field(60, 20, 20, "{{Betrag|0,00}}"))),
+                             field(60, 20, 20, "{{Betrag|0,00}}") +
+                             "<g class='chart diagramm' data-chart='bars' data-series='Nr'>"
+                             "<rect x='5' y='20' width='20' height='5'/></g>")),
                 IsEmpty());
 }
 
@@ -125,7 +127,7 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
     std::vector<Slip> slips;
     for (const auto& [wrong, right] : {std::pair("Zeilen", "Zeile"),
                                        {"zeile", "Zeile"},
-                                       {"Zeiel", "Zeile"},
+                                       {"Zeil", "Zeile"},
                                        {"Seitenfuss", "Seitenfuß"},
                                        {"Seitenfuß ", "Seitenfuß"},
                                        {"Seitenkpof", "Seitenkopf"},
@@ -135,6 +137,8 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
                                        {"Sume", "Summe"},
                                        {"Uebertrag", "Übertrag"},
                                        {"Vortag", "Vortrag"},
+                                       {"Vortrag:", "Vortrag"},
+                                       {"Übertrg", "Übertrag"},
                                        {"Gruppenfuss", "Gruppenfuß"},
                                        {"Gruppenkopff", "Gruppenkopf"},
                                        {"Hintergund", "Hintergrund"}})
@@ -147,7 +151,7 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
         {page(layer("Positionen", 20, 10, nr)), "Ebene „Positionen“, <g>: Ebene „Positionen“ hat ein Rechteck"});
     for (const auto& [wrong, right] : {std::pair("data-wenn='Nr=1'", "data-if"),
                                        {"data-bedingung='Nr=1'", "data-if"},
-                                       {"data-fi='Nr=1'", "data-if"},
+                                       {"data-iff='Nr=1'", "data-if"},
                                        {"data-If='Nr=1'", "data-if"},
                                        {"data-fitt='cut'", "data-fit"},
                                        {"data-wachsen='1'", "data-grow"},
@@ -158,6 +162,7 @@ TEST_F(LayoutTest, SlipsOfThePenAreReportedWithLineLayerAndWhatWasMeant) {
     for (const auto& [wrong, right] : {std::pair("data-serie='Nr'", "data-series"),
                                        {"data-reihen='Nr'", "data-series"},
                                        {"data-label='x'", "data-labels"},
+                                       {"data-lables='x'", "data-labels"},
                                        {"data-beschriftung='x'", "data-labels"},
                                        {"data-legende='x'", "data-legend"},
                                        {"data-colours='red'", "data-colors"},

@@ -3,6 +3,8 @@
 #include "pdf_reader.h"
 #include "report_driver.h"
 
+#include "druckwerk/layout/layout_generator.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

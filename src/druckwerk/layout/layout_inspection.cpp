@@ -61,13 +61,16 @@ const std::map<std::string_view, std::string_view>& germanWords() {
 std::string_view nearWord(std::string_view word, Words known, std::size_t most) {
     if (const auto german = germanWords().find(word); german != germanWords().end())
         return german->second;
+    constexpr std::size_t kLongestWord = 100;
     std::string_view nearest;
-    for (const auto& candidate : known)
-        if (word.size() < 100)
-            if (const std::size_t count = editDistance(word, candidate); count <= most) {
-                nearest = candidate;
-                most = count == 0 ? 0 : count - 1;
-            }
+    std::size_t least = most + 1;
+    for (const auto& candidate : known) {
+        const std::size_t edits = word.size() < kLongestWord ? editDistance(word, candidate) : least;
+        if (edits < least || (edits == least && edits <= most && candidate.starts_with(word))) {
+            nearest = candidate;
+            least = edits;
+        }
+    }
     return nearest;
 }
 
@@ -138,17 +141,16 @@ class NameInspection {
                                                          : "Diagramme (class=\"chart\")"));
     }
 
+    /// An element that has a class with a meaning may have any other beside it.
     void inspectClass(const xmlNode* node, const std::string& layer) {
         const auto name = svgName(node);
-        if (name != "g" && name != "rect")
+        const auto has = [&](std::string_view known) { return hasClass(node, known); };
+        if ((name != "g" && name != "rect") || std::any_of(kClasses.begin(), kClasses.end(), has))
             return;
         const std::string classes = attribute(node, "class");
-        for (const auto word : splitWords(classes)) {
-            const bool exact = std::find(kClasses.begin(), kClasses.end(), word) != kClasses.end();
-            if (const auto near = exact ? std::string_view() : nearWord(asciiLower(word), kClasses, 1);
-                !near.empty())
+        for (const auto word : splitWords(classes))
+            if (const auto near = nearWord(asciiLower(word), kClasses, 1); !near.empty())
                 report_(node, layer, "Klasse „" + std::string(word) + "“ hat keine Wirkung" + similar(near));
-        }
     }
 
     const ReportSlip& report_;
@@ -221,7 +223,7 @@ std::vector<std::string> inspectPlaces(const Layout& layout) {
                 if (!layout.row)
                     inspection.report(**band, (*band)->line, "ohne eine Ebene „Zeile“ wird die Ebene nie gedruckt");
             }
-    if (layout.row && layout.row->top + layout.row->height > layout.flowBottom() + kTolerance)
+    if (layout.row && layout.row->top > layout.flowBottom() - kTolerance)
         inspection.report(*layout.row, layout.row->line, "über dem Seitenfuß ist kein Platz für eine Zeile");
     return messages;
 }
