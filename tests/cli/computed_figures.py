@@ -3,6 +3,8 @@ the values of the database and of the files of values. A record is a dictionary 
 records that a band sums up. None stands for what can't be computed and is printed as a dash."""
 from decimal import Decimal
 
+from german import german
+
 MONTH_COLUMNS = [f"{month:02}" for month in range(1, 13)]
 SHORT_MONTHS = ["Jan", "Feb", "Mär", "Apr", "Mai", "Jun", "Jul", "Aug", "Sep", "Okt", "Nov", "Dez"]
 
@@ -51,9 +53,18 @@ def turnover():
         names = f"IUmsatzDM{suffix}", f"sUmsatzDM{suffix}"
         figures[f"{names[0]}-{names[1]}"] = lambda r, rows, a=actual, t=target: r[a] - r[t]
         figures[f"({names[0]}-{names[1]})/abs({names[1]})*100"] = lambda r, rows, a=actual, t=target: change(r[a], r[t])
-        if suffix:
-            figures[f"{names[0]}/IUmsatzDM*100"] = lambda r, rows, a=actual: percent(r[a], r["iumsatzdm"])
-    return figures
+        figures[f"{names[0]}/IUmsatzDM*100"] = lambda r, rows, a=actual: percent(r[a], r["iumsatzdm"])
+    return figures | {
+        "sum(IUmsatzDM)": lambda r, rows: total(rows, "iumsatzdm"),
+        "sum(IUmsatzDM)/count()": lambda r, rows: total(rows, "iumsatzdm") / len(rows),
+        "sum(IUmsatzDM)-sum(sUmsatzDM)": lambda r, rows: total(rows, "iumsatzdm") - total(rows, "sumsatzdm"),
+        "(sum(IUmsatzDM)-sum(sUmsatzDM))/abs(sum(sUmsatzDM))*100":
+            lambda r, rows: change(total(rows, "iumsatzdm"), total(rows, "sumsatzdm")),
+        "max(IUmsatzDM)": lambda r, rows: max(row["iumsatzdm"] for row in rows),
+        "min(IUmsatzDM)": lambda r, rows: min(row["iumsatzdm"] for row in rows),
+        "max(Fuerjahr)": lambda r, rows: max(row["jahr"] for row in rows),
+        "min(Fuerjahr)": lambda r, rows: min(row["jahr"] for row in rows),
+    }
 
 
 def material():
@@ -106,7 +117,8 @@ def imputed(record):
 
 def imputed_costs():
     whole = "DAfa+DWag+DSons+MMieteJahr+UPausch+ZDMZins"
-    figures = {whole: lambda r, rows: imputed(r), f"({whole})/12": lambda r, rows: imputed(r) / 12}
+    figures = {whole: lambda r, rows: imputed(r), f"({whole})/12": lambda r, rows: imputed(r) / 12,
+               f"({whole})/({whole})*100": lambda r, rows: Decimal(100)}
     for name in ("DAfa", "MMieteJahr", "UPausch", "ZDMZins", "DWag", "DSons"):
         figures[f"{name}/12"] = lambda r, rows, name=name.lower(): r[name] / 12
         figures[f"{name}/({whole})*100"] = lambda r, rows, name=name.lower(): percent(r[name], imputed(r))
@@ -173,29 +185,38 @@ def row_texts(record, rows):
     return [row["text"] for row in rows]
 
 
-def month_names(record, rows):
-    return [SHORT_MONTHS[int(row["monat"]) - 1] for row in rows if row["monat"] < 13]
+def working_days(record, rows):
+    return [f"{name} {german(record['arbeitstage' + month], '0,#')}" for name, month in zip(SHORT_MONTHS, MONTH_COLUMNS)]
 
 
-INITIALS = list("JFMAMJJASOND")
+def of_whole_year(target, actual):
+    """The employees of a whole year for whom there is something to show."""
+    return lambda row: row["monat"] == 13 and (row[target] != 0 or row[actual] != 0)
+
+
+def names_of(chosen):
+    return lambda record, rows: [row["name"] for row in rows if chosen(row)]
+
+
+PAID = of_whole_year("sbrutto", "ibrutto")
+PRODUCTIVE = of_whole_year("sprodstd", "iprodstd")
 BORROWED = lambda r, rows: [r["fk"] - r["lfk"]]
 
 # By report and series: the values of each series, and the labels.
 CHARTS = {
-    "Umsatz": {"sUmsatzDM_01..12; IUmsatzDM_01..12": ([monthly("sumsatzdm"), monthly("iumsatzdm")], SHORT_MONTHS)},
-    "Firma": {"Arbeitstage01..12": ([columns(["arbeitstage" + month for month in MONTH_COLUMNS])], SHORT_MONTHS)},
+    "Umsatz": {"sUmsatzDM_01..12; IUmsatzDM_01..12": ([monthly("sumsatzdm"), monthly("iumsatzdm")], SHORT_MONTHS),
+               "sUmsatzDM; IUmsatzDM": ([of_rows("sumsatzdm"), of_rows("iumsatzdm")],
+                                        lambda record, rows: [str(row["jahr"]).partition(".")[0] for row in rows])},
+    "Firma": {"Arbeitstage01..12": ([columns(["arbeitstage" + month for month in MONTH_COLUMNS])], working_days)},
     "MatUeber": {
-        "SUMMatDM_01..12; IUMMatDM_01..12": ([monthly("summatdm"), monthly("iummatdm")], INITIALS),
-        "SUMMatpr_01..12; IUMMatpr_01..12": ([monthly("summatpr"), monthly("iummatpr")], INITIALS)},
+        "SUMMatDM_01..12; IUMMatDM_01..12": ([monthly("summatdm"), monthly("iummatdm")], SHORT_MONTHS),
+        "SUMMatpr_01..12; IUMMatpr_01..12": ([monthly("summatpr"), monthly("iummatpr")], SHORT_MONTHS)},
     "KalkKo": {"DAfa, MMieteJahr, UPausch, ZDMZins, DWag, DSons": (
         [columns(["dafa", "mmietejahr", "upausch", "zdmzins", "dwag", "dsons"])],
         ["Abschreibungen", "Miete", "Unternehmerlohn", "Zinsen", "Wagnisse", "Sonstige"])},
-    "MaStKost": {"SBrutto; IBrutto": ([of_rows("sbrutto", lambda row: row["monat"] < 13),
-                                       of_rows("ibrutto", lambda row: row["monat"] < 13)], month_names)},
-    "MaStZeit": {"SProdStd; IProdStd": ([of_rows("sprodstd", lambda row: row["monat"] < 13),
-                                         of_rows("iprodstd", lambda row: row["monat"] < 13)], month_names)},
-    "MaZeit": {"IProdStd; SProdStd": ([of_rows("iprodstd"), of_rows("sprodstd")],
-                                      lambda record, rows: [row["name"] for row in rows])},
+    "MaKost": {"IBrutto; SBrutto": ([of_rows("ibrutto", PAID), of_rows("sbrutto", PAID)], names_of(PAID))},
+    "MaZeit": {"IProdStd; SProdStd": (
+        [of_rows("iprodstd", PRODUCTIVE), of_rows("sprodstd", PRODUCTIVE)], names_of(PRODUCTIVE))},
     "Bilanz": {
         "EK; LFK; =FK-LFK": ([columns(["ek"]), columns(["lfk"]), BORROWED], []),
         "EK; LFK; =FK-LFK; =Bilanz-EK-FK": (
@@ -206,16 +227,26 @@ CHARTS = {
                              lambda r, rows: [row["sdm"] for row in rows[1:]]],
                             lambda r, rows: [row["text"] for row in rows[1:]])},
     "KalkW": {"IVer; SVer": ([of_rows("iver"), of_rows("sver")], row_texts)},
+    "WasWenn": {"=SDM/1000; =PDM/1000": (
+        [lambda r, rows: [row["sdm"] / 1000 for row in rows], lambda r, rows: [row["pdm"] / 1000 for row in rows]],
+        row_texts)},
     "UmsatzHW": {"Taglohn, WartRechnungen, Rechnungen, AbgrAZ, OffeneAZ, SchlussRechnung, Gutschrift": (
         [columns(["taglohn", "wartrechnungen", "rechnungen", "abgraz", "offeneaz", "schlussrechnung", "gutschrift"])],
         ["Taglohn", "Wartungsrechnungen", "Rechnungen", "Abgerechnete Abschläge", "Offene Abschläge",
          "Schlussrechnungen", "Gutschriften"])},
 }
 
+RESULTS = ("Deckungsbeitrag", "Betriebsergebnis", "Kalkulatorisches Ergebnis")
+
 CONDITIONS = {
     "MonatText <> ''": lambda r: r["monattext"] != "",
+    "MonatText = ''": lambda r: r["monattext"] == "",
+    " oder ".join(f"Text = '{result}'" for result in RESULTS): lambda r: r["text"] in RESULTS,
+    " und ".join(f"Text <> '{result}'" for result in RESULTS): lambda r: r["text"] not in RESULTS,
+    "Text <> 'Summe'": lambda r: r["text"] != "Summe",
+    "Text = 'Summe'": lambda r: r["text"] == "Summe",
     "Monat = 13": lambda r: r["monat"] == 13,
-    "Monat <> 13": lambda r: r["monat"] < 13,
+    "Monat < 13": lambda r: r["monat"] < 13,
     "EK >= 0 und LFK >= 0 und FK >= LFK und EK+FK < Bilanz+0,005":
         lambda r: 0 <= r["ek"] and 0 <= r["lfk"] <= r["fk"] and r["ek"] + r["fk"] <= r["bilanz"],
     "Bilanz-EK-FK < 0,005": lambda r: r["bilanz"] == r["ek"] + r["fk"],

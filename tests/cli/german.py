@@ -1,13 +1,17 @@
-"""Numbers and months as a layout's patterns show them, formatted without the engine."""
+"""Numbers, months and weekdays as a layout's patterns show them, formatted without the engine."""
+import datetime
 import decimal
 import re
 
 MONTHS = ("Januar", "Februar", "März", "April", "Mai", "Juni", "Juli", "August", "September", "Oktober", "November",
           "Dezember")
+DAYS = ("Montag", "Dienstag", "Mittwoch", "Donnerstag", "Freitag", "Samstag", "Sonntag")
 
 
 def german(value, pattern):
     """A value, a Decimal or the text of one with a comma, as a pattern shows it; other texts as they are."""
+    if pattern == "dddd" and (date := re.fullmatch(r"(\d+)\.(\d+)\.(\d+)", value)):
+        return DAYS[datetime.date(int(date[3]), int(date[2]), int(date[1])).weekday()]
     if not isinstance(value, decimal.Decimal):
         if not pattern or not re.fullmatch(r"-?\d+(,\d+)?", value or ""):
             return value or ""
@@ -33,7 +37,7 @@ def german(value, pattern):
     digits = digits.lstrip("0").rjust(whole.count("0"), "0")
     if "." in whole:
         digits = re.sub(r"(?<=\d)(?=(\d{3})+$)", ".", digits)
-    return before + sign + digits + ("," + fraction if fraction else "") + after
+    return (before + sign + digits + ("," + fraction if fraction else "") + after).replace(chr(34), "")
 
 
 def decimals(part):

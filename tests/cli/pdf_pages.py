@@ -57,14 +57,20 @@ def contents_of(pdf):
         yield "\n".join(zlib.decompressobj().decompress(data[streams[number]:]).decode("latin-1") for number in numbers)
 
 
-def pages_of(pdf):
-    boxes = subprocess.run(["pdftotext", "-bbox", pdf, "-"], capture_output=True, text=True, check=True).stdout
+def words_of(pdf, first=1, last=100_000):
+    """For each of the pages its size and its words."""
+    boxes = subprocess.run(["pdftotext", "-bbox", "-f", str(first), "-l", str(last), pdf, "-"],
+                           capture_output=True, text=True, check=True).stdout
     word = re.compile(r'<word xMin="([-\d.]+)" yMin="([-\d.]+)" xMax="([-\d.]+)" yMax="([-\d.]+)">(.*?)</word>')
+    for part in re.findall(r"<page (.*?)</page>", boxes, re.DOTALL):
+        width, height = (float(re.search(rf'{name}="([\d.]+)"', part)[1]) for name in ("width", "height"))
+        yield width, height, [Word(float(left), float(right), float(top), float(bottom), html.unescape(text))
+                              for left, top, right, bottom, text in word.findall(part)]
+
+
+def pages_of(pdf):
     pages = []
-    for part, content in zip(re.findall(r"<page (.*?)</page>", boxes, re.DOTALL), contents_of(pdf), strict=True):
-        height = float(re.search(r'height="([\d.]+)"', part)[1])
-        words = [Word(float(left), float(right), float(top), float(bottom), html.unescape(text))
-                 for left, top, right, bottom, text in word.findall(part)]
+    for (_, height, words), content in zip(words_of(pdf), contents_of(pdf), strict=True):
         fills = []
         for color, *values in FILL.findall(content):
             x, y, width, tall = map(float, values)

@@ -23,8 +23,9 @@ SVG = "{http://www.w3.org/2000/svg}"
 LAYER = "{http://www.inkscape.org/namespaces/inkscape}label"
 # Bands that show sums, or values of more than one record.
 OTHER_BANDS = ("Gruppenkopf", "Gruppenfuß", "Summe", "Übertrag", "Vortrag", "Seitenfuß", "Feldliste")
-# Conditions that are understood here: none, or one name that equals a text, a number or another name, or does not.
-CONDITION = re.compile(r"(?:(\w+) (=|<>) (?:'([^']*)'|(\d+)|([A-Za-z]\w*)))?")
+# Conditions that are understood here: comparisons of a name with a text, a number or another name, with „und“ and „oder“
+# between them.
+COMPARISON = re.compile(r"(\w+) (=|<>|<|>) (?:'([^']*)'|(\d+)|([A-Za-z]\w*))")
 ENGINE_NAMES = {"Seite", "Seiten", "Druckdatum", "Seitenzeile", "Zeile"}
 
 
@@ -59,11 +60,11 @@ def shown_lines(layout):
             if field.get("class") != "field" or text is None:
                 continue
             names = re.findall(r"{{(\w+)(?:\|[^}]*)?}}", text.text)
-            condition = CONDITION.fullmatch(field.get("data-if", ""))
-            if names and len(names) == text.text.count("{{") and not ENGINE_NAMES.intersection(names) and condition:
+            condition = condition_of(field.get("data-if"))
+            if names and len(names) == text.text.count("{{") and not ENGINE_NAMES.intersection(names) and condition is not None:
                 bands["Zeile" if label == "Zeile" else "Seite"].append(
-                    (float(text.get("y")), float(text.get("x")), (text.text, condition.groups())))
-    return {band: list(grouped(sorted(texts))) for band, texts in bands.items()}
+                    (float(text.get("y")), float(text.get("x")), (text.text, condition)))
+    return {band: list(grouped(sorted(texts, key=lambda item: item[:2]))) for band, texts in bands.items()}
 
 
 def grouped(texts):
@@ -77,11 +78,28 @@ def grouped(texts):
         yield [text for _, _, text in sorted(line, key=lambda item: item[1])]
 
 
+def condition_of(text):
+    """A condition as alternatives, each a list of comparisons; None where it is not understood here."""
+    alternatives = []
+    for alternative in (text or "").split(" oder ") if text else []:
+        alternatives.append([COMPARISON.fullmatch(part) for part in alternative.split(" und ")])
+    return None if None in sum(alternatives, []) else alternatives
+
+
+def compares(comparison, values):
+    name, sign, word, figure, other = comparison.groups()
+    value = values.get(name, "")
+    wanted = values.get(other, "") if other else word or figure or ""
+    if sign in "<>" and sign != "<>":
+        value, wanted = (float(text.replace(",", ".")) for text in (value, wanted))
+        return value < wanted if sign == "<" else value > wanted
+    return (value == wanted) == (sign == "=")
+
+
 def filled(field, values):
     """The text that a field shows of a record; empty where its condition does not hold."""
-    text, (name, comparison, word, figure, other) = field
-    wanted = values.get(other, "") if other else word or figure or ""
-    if name and (values.get(name, "") == wanted) != (comparison == "="):
+    text, alternatives = field
+    if alternatives and not any(all(compares(part, values) for part in alternative) for alternative in alternatives):
         return ""
     shown = re.sub(r"{{(\w+)(?:\|([^}]*))?}}", lambda found: german(values.get(found[1], ""), found[2]), text)
     return re.sub(r"\s+", " ", shown).strip()
@@ -151,7 +169,11 @@ def main():
             fail("the layout shows nothing that could be read back")
         if "…" in text_of(pdf):
             fail("a text of the sample company is cut")
-        if f"Seite {len(pages)} von {len(pages)}" not in text_of(pdf, len(pages)):
+        printed_pages = text_of(pdf).split("\f")[:-1]
+        for number, text in enumerate(printed_pages, 1):
+            if f"Seite {number} von {len(printed_pages)}" not in text:
+                fail(f"page {number} of {len(printed_pages)} is not numbered")
+        if len(printed_pages) < len(pages):
             fail(f"there are not {len(pages)} pages")
 
         saved = scratch / "saved.svg"

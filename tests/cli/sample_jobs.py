@@ -77,6 +77,17 @@ def account_job(database, company, year, month, kind, sign):
     return Job(company, options, records, [], flow + [("Gruppenfuß Jahr", records[-1], records)] if records else [])
 
 
+def turnover(database, company, values):
+    """All years, with a page that sums them up, and each year alone."""
+    records = database.records("SELECT * FROM umsatz WHERE fnr = ? ORDER BY jahr", company)
+    for chosen in (records, *([record] for record in records)):
+        flow = [("Zeile", record, [record]) for record in chosen]
+        if len(chosen) > 1:
+            flow.append(("Summe", chosen[-1], chosen))
+        options = ["--von", str(int(chosen[0]["jahr"]))] if len(chosen) == 1 else []
+        yield Job(company, options, chosen, [], flow)
+
+
 EMPLOYEE_MONTHS = """SELECT p.vorname, p.name AS nachname, y.*, m.* FROM mitarbeiter_monate m
     JOIN mitarbeiter_jahre y USING (fnr, nummer, fjahr) JOIN mitarbeiter p USING (fnr, nummer)
     WHERE fnr = ? AND m.monat BETWEEN ? AND ? ORDER BY fjahr, nummer, monat"""
@@ -103,7 +114,7 @@ def employees(database, company, values):
                 if first != 13:
                     flow.append(("Gruppenfuß Mitarbeiter", employee[-1], employee))
             flow.append(("Gruppenfuß Jahr", year[-1], year))
-            if first == 13:
+            if first == 13:  # the chart
                 flow.append(("Gruppenfuß Diagramm", year[-1], year))
         yield Job(company, options, records, [], flow)
 
@@ -113,7 +124,7 @@ def master_sheets(database, company, values):
     groups = by_key(records, "fjahr", "nummer")
     flow = []
     for sheet in groups:
-        flow += [("Zeile", record, []) for record in sheet] + [("Gruppenfuß Mitarbeiter", sheet[-1], sheet)]
+        flow += [("Zeile", record, []) for record in sheet]
     yield Job(company, [], records, [sheet[0] for sheet in groups], flow)
 
 
@@ -145,7 +156,7 @@ def company_years(database, company, values):
 
 
 JOBS = {
-    "Umsatz": sheets("umsatz"), "KalkKo": sheets("kosten"), "MatUeber": sheets("material"), "Firma": company_years,
+    "Umsatz": turnover, "KalkKo": sheets("kosten"), "MatUeber": sheets("material"), "Firma": company_years,
     "MitUeber": staff, "GemeinK": accounts(1, 1), "NeutralA": accounts(2, -1), "MaKost": employees, "MaZeit": employees,
     "MaStKost": master_sheets, "MaStZeit": master_sheets,
     **{report: array(report) for report in ("Bilanz", "BsEMa", "BsEStd", "BsEGes", "KalkW", "WasWenn", "UmsatzHW")},

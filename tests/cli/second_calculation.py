@@ -22,6 +22,7 @@ LAYER = "{http://www.inkscape.org/namespaces/inkscape}label"
 FLOWING = ("Gruppenkopf", "Zeile", "Gruppenfuß", "Summe", "Übertrag", "Vortrag")
 COUNTERS = {"Seite", "Seiten", "Druckdatum"}
 POINT = 72 / 25.4
+DESCENT = 2  # points, about, of a word's box below its baseline
 GRID = color_of("#d9dfe5")
 
 
@@ -166,16 +167,22 @@ class Reader:
     def check_flowing(self, band, record, rows):
         """Finds the band's lines below what was found before; gives the page of the last one."""
         page = self.lines[self.at - 1][0] if self.at else 0
+        down = None
         for fields in band.lines:
             texts = [(field, field.shown(self.report, record, rows)) for field in fields]
             texts = [(field, shown) for field, shown in texts if shown is not None]
             if not texts:
                 continue
             page = self.find_line(band, texts)
+            down = self.lines[self.at - 1][1][0].bottom - fields[0].y - DESCENT
             self.count += sum(field.computed for field, _ in texts)
         for chart in band.charts:
-            if holds(chart.conditions, record, True):
-                self.check_flowing_chart(chart, record, rows)
+            if not holds(chart.conditions, record, True):
+                continue
+            if down is None:
+                self.check_chart_below(chart, record, rows)
+            else:
+                self.check_chart(chart, self.pages[page], record, rows, chart.top + down, chart.bottom + down)
         return page
 
     def find_line(self, band, texts):
@@ -186,7 +193,8 @@ class Reader:
                 return page
         fail(f"„{band.label}“ does not follow with {[shown for _, shown in texts]}")
 
-    def check_flowing_chart(self, chart, record, rows):
+    def check_chart_below(self, chart, record, rows):
+        """A chart whose band has no lines: below the line that was found last, or on the next page."""
         page, line = self.lines[self.at - 1]
         top = line[0].bottom
         if not any(stroke.color == GRID and stroke.top > top for stroke in self.pages[page].strokes):
@@ -221,7 +229,7 @@ class Reader:
     def check_axis_chart(self, chart, page, values, labels, top, bottom):
         def inside(box):
             return (chart.left - 1 < box.left and box.right < chart.right + 1
-                    and top - 1 < box.top and box.bottom < bottom + 1)
+                    and top - 3 < box.top and box.bottom < bottom + 3)
 
         grid = sorted((stroke for stroke in page.strokes if stroke.color == GRID and inside(stroke)),
                       key=lambda stroke: stroke.top)

@@ -329,6 +329,54 @@ TEST_F(PagingTest, ConditionsHideBandsAndElements) {
     EXPECT_THAT(all, HasSubstr("A4"));
 }
 
+// How many of 20 lines stand on the first page, where a sum as tall as two and a half of them may follow.
+class ReserveTest : public PagingTest {
+  protected:
+    int linesOnFirstPage(const char* sumAttributes) {
+        layout(list(field(5, 20, 20, "Konto {{Nr}}"),
+                    layer("Summe", 60, 24, "<text x='5' y='65'>Am Ende</text>", sumAttributes)));
+        begin({{"Nr", "1"}});
+        for (int i = 1; i <= 20; ++i) {
+            report.fields({{"Nr", std::to_string(i)}});
+            report.line();
+        }
+        finish();
+        const std::string first = text(1);
+        EXPECT_THAT(textOf(pdf), HasSubstr("Konto 20"));
+        int lines = 0;
+        for (auto at = first.find("Konto"); at != std::string::npos; at = first.find("Konto", at + 1))
+            ++lines;
+        return lines;
+    }
+};
+
+TEST_F(ReserveTest, LinesLeaveRoomForASum) {
+    EXPECT_EQ(linesOnFirstPage(""), 4);
+}
+
+TEST_F(ReserveTest, ASumThatWillNotPrintTakesNoRoom) {
+    EXPECT_EQ(linesOnFirstPage("data-if='Nr &gt; 1000'"), 7);
+}
+
+TEST_F(ReserveTest, ASumThatMayStandAloneTakesNoRoom) {
+    EXPECT_EQ(linesOnFirstPage("data-alone='1'"), 7);
+    EXPECT_THAT(textOf(pdf), HasSubstr("Am Ende"));
+}
+
+TEST_F(PagingTest, LinesMayStandOnTheBottomOfTheirField) {
+    layout(list("<g class='field' data-fit='wrap' data-align='bottom'><rect x='5' y='20' width='22' height='9'/>"
+                "<text x='5' y='28'>{{T}}</text></g>" +
+                field(60, 24.5, 30, "N")));
+    begin({{"T", "eins zwei drei vier"}});
+    report.line();
+    report.fields({{"T", "kurz"}});
+    report.line();
+    finish();
+    const std::string boxes = boxesOf(pdf);
+    EXPECT_LT(boxOf(boxes, "eins", "yMin"), boxOf(boxes, "vier", "yMin"));
+    EXPECT_NEAR(boxOf(boxes, "vier", "yMin"), boxOf(boxes, "N", "yMin"), 0.1);
+}
+
 TEST_F(PagingTest, RowsGrowAndPushWhatFollows) {
     layout(list(field(5, 20, 30, "{{T}}", "data-fit='wrap' data-grow='1'") + field(60, 20, 30, "N{{Nr}}")));
     begin({{"T", "eins zwei drei vier fünf sechs sieben acht neun zehn elf zwölf dreizehn vierzehn fünfzehn Ende"},

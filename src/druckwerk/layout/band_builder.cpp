@@ -28,6 +28,7 @@ void BandBuilder::readAttributes(const xmlNode* node) {
     condition("data-if", band_.condition);
     condition("data-new-page", band_.newPage);
     band_.repeats = hasAttribute(node, "data-repeat");
+    band_.alone = hasAttribute(node, "data-alone");
     const std::string bookmark = attribute(node, "data-bookmark");
     for (std::size_t begin = 0; !bookmark.empty() && begin <= bookmark.size();) {
         const auto end = std::min(bookmark.find(" / ", begin), bookmark.size());

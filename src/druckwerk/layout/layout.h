@@ -45,6 +45,7 @@ struct TextItem {
     std::optional<Box> box;
     Fit fit = Fit::None;
     bool grows = false;
+    bool fromBottom = false; ///< of lines: the last one stands on the baseline, the others above it
     std::optional<Matrix>
         turned;              ///< for text that does not run upright: maps the text from the origin to its place
     std::string description; ///< for messages
@@ -95,6 +96,7 @@ struct Band {
     std::optional<Expression> newPage;
     std::vector<TextTemplate> bookmark;
     bool repeats = false;
+    bool alone = false; ///< may stand on the page after the line that it belongs to
     bool grows = false;
     double bottom() const { return top + height; }
 };

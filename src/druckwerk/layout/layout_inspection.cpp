@@ -26,9 +26,10 @@ const std::map<std::string_view, Owner>& attributes() {
     static const std::map<std::string_view, Owner> kAttributes = {
         {"data-if", Owner::Any},       {"data-on", Owner::Layer},       {"data-new-page", Owner::Layer},
         {"data-repeat", Owner::Layer}, {"data-bookmark", Owner::Layer}, {"data-fit", Owner::Field},
-        {"data-grow", Owner::Field},   {"data-chart", Owner::Chart},    {"data-series", Owner::Chart},
-        {"data-rows", Owner::Chart},   {"data-labels", Owner::Chart},   {"data-legend", Owner::Chart},
-        {"data-colors", Owner::Chart}, {"data-format", Owner::Chart}};
+        {"data-alone", Owner::Layer},  {"data-align", Owner::Field},    {"data-grow", Owner::Field},
+        {"data-chart", Owner::Chart},  {"data-series", Owner::Chart},   {"data-rows", Owner::Chart},
+        {"data-labels", Owner::Chart}, {"data-legend", Owner::Chart},   {"data-colors", Owner::Chart},
+        {"data-format", Owner::Chart}};
     return kAttributes;
 }
 

@@ -130,6 +130,15 @@ void addText(BandBuilder& band, TextItem item, const Context& context) {
     band.add(std::move(item), context).late = late;
 }
 
+bool isFromBottom(const xmlNode* node, const TextItem& item) {
+    const std::string align = attribute(node, "data-align");
+    if (!align.empty() && align != "top" && align != "bottom")
+        invalid("data-align=\"" + align + "\" gibt es nicht (top, bottom)");
+    if (align == "bottom" && (item.fit != Fit::Wrap || item.grows))
+        invalid("data-align=\"bottom\" braucht data-fit=\"wrap\" ohne data-grow");
+    return align == "bottom";
+}
+
 Fit fitOf(const xmlNode* node, const TextItem& item) {
     const std::string fit = attribute(node, "data-fit");
     if (fit == "wrap")
@@ -209,6 +218,7 @@ void readField(BandBuilder& band, xmlNode* node, const Context& context) {
     item.grows = hasAttribute(node, "data-grow") && attribute(node, "data-grow") != "0";
     if (item.grows && item.fit != Fit::Wrap)
         invalid("data-grow braucht data-fit=\"wrap\"");
+    item.fromBottom = isFromBottom(node, item);
     addText(band, std::move(item), pieces[0].context);
 }
 

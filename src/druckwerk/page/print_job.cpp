@@ -23,10 +23,6 @@ PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& documen
       bookmark_(std::move(bookmark)), begin_(document.mark()), setter_(document_, layout_.fonts, std::move(warn)),
       points_(layout_.rowCharts.size()), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
     document_.setPageSize(layout_.width, layout_.height);
-    double closing = heightOf(layout_.sum);
-    for (const Group& group : layout_.groups)
-        closing += heightOf(group.foot);
-    reserve_ = std::max(closing, heightOf(layout_.carriedOut));
     for (const auto& [fill, stroke] : layout_.opacities)
         document_.useOpacity(fill, stroke);
     if (!layout_.foreignIds.empty())
@@ -98,10 +94,10 @@ bool PrintJob::printLine() {
     const bool closed = closeGroups(broken);
     const bool requested = !fresh && closed && wantsNewPage(broken);
     const double growth = growthOf(*layout_.row, Moment::Now);
-    const double needed = heightOfHeads(fresh) + layout_.row->height + growth + reserve_;
+    const double needed = heightOfHeads(fresh) + layout_.row->height + growth + reserve();
     if (!fresh && (!closed || requested || y_ + needed > bottom_ + kTolerance)) {
         pageFull_ = true;
-        carries_ = !requested && (layout_.groups.empty() || openGroups_ > 0);
+        carries_ = closed && !requested && (layout_.groups.empty() || openGroups_ > 0);
         return false;
     }
     bindPage(true);
@@ -215,6 +211,19 @@ double PrintJob::heightOfHeads(bool freshPage) const {
             height += head->height;
     }
     return height;
+}
+
+/// Room for what may have to follow the line. A band whose condition does not hold for the line itself won't.
+double PrintJob::reserve() const {
+    const auto room = [&](const std::optional<Band>& band) {
+        const bool follows = band && !band->alone &&
+                             (!band->condition || band->condition->hasAggregates() || holds(*band, Moment::Now));
+        return follows ? band->height : 0;
+    };
+    double closing = room(layout_.sum);
+    for (const Group& group : layout_.groups)
+        closing += room(group.foot);
+    return std::max(closing, room(layout_.carriedOut));
 }
 
 // --- The end ---

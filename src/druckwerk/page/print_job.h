@@ -42,6 +42,7 @@ class PrintJob {
     void repeatGroupHeads();
     bool wantsNewPage(std::size_t brokenGroup) const;
     double heightOfHeads(bool freshPage) const;
+    double reserve() const;
     void drawRow(double growth);
     void takeLineIntoAccount();
 
@@ -70,7 +71,6 @@ class PrintJob {
     std::vector<ChartPoints> points_; ///< what lines have given to the layout's charts of lines
     const double top_;
     const double bottom_;
-    double reserve_ = 0; ///< room for what may have to follow a line
 
     bool pageOpen_ = false;
     bool pageBound_ = false;

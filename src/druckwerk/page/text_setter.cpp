@@ -9,6 +9,7 @@ namespace {
 constexpr double kTolerance = 0.02;           // of a point, for what just fits
 constexpr double kLineSpacing = 1.2;          // of the size
 constexpr double kDescent = 0.22;             // of the size, below the last baseline
+constexpr double kAscent = 0.73;              // of the size, capitals above the first baseline
 constexpr double kSmallest = 0.5;             // how far a text may shrink
 constexpr std::size_t kLongestLine = 4096;    // characters that one line is measured for
 constexpr std::size_t kLongestText = 100'000; // characters that are broken into lines
@@ -25,7 +26,8 @@ double roomOf(const TextItem& item) {
 }
 
 std::size_t linesIn(const TextItem& item, double growth) {
-    const double room = item.box->bottom() + growth - item.baseline.y - kDescent * item.size;
+    const double room = item.fromBottom ? item.baseline.y - item.box->y - kAscent * item.size
+                                        : item.box->bottom() + growth - item.baseline.y - kDescent * item.size;
     return 1 + static_cast<std::size_t>(std::max(0.0, (room + kTolerance) / (item.size * kLineSpacing)));
 }
 
@@ -179,7 +181,10 @@ std::vector<String> TextSetter::lines(StringView text, Face& face, double size, 
 }
 
 void TextSetter::wrap(const TextItem& item, StringView text, Point at, double room, double growth) {
-    for (const String& shown : lines(text, faceOf(item), item.size, room, linesIn(item, growth))) {
+    const auto shownLines = lines(text, faceOf(item), item.size, room, linesIn(item, growth));
+    if (item.fromBottom && !shownLines.empty())
+        at.y -= static_cast<double>(shownLines.size() - 1) * item.size * kLineSpacing;
+    for (const String& shown : shownLines) {
         showLine(item, shown, at, item.size);
         at.y += item.size * kLineSpacing;
     }
