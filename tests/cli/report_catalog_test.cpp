@@ -34,7 +34,7 @@ constexpr std::int32_t operator""_l(unsigned long long number) {
 TEST(ReportCatalog, HasTheComponentsListsInItsOrder) {
     std::vector<std::string> names;
     for (const auto& launcher : allLaunchers())
-        names.push_back(toUtf8(launcher.listenname));
+        names.push_back(toUtf8(launcher.listName));
     std::vector<std::string> own;
     for (const auto& report : reports())
         own.emplace_back(report.listName);
