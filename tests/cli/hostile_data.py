@@ -63,7 +63,8 @@ class Database:
         elif report == "Firma":
             self.insert("firma_jahre", text, [{}])
             self.insert("feiertage", text, ({"fdatum": f"2024-{1 + number // 28 % 12:02}-{1 + number % 28:02}",
-                                             "feiertag": text or "Tag"} for number in range(min(count, 300))))
+                                             "feiertag": text or "Tag", "bundesland": text or ""}
+                                            for number in range(min(count, 300))))
         elif report in ("GemeinK", "NeutralA"):
             kind = 1 if report == "GemeinK" else 2
             self.insert("konten", text, ({"vkonto": 1000 + number, "ekonto": 1000 + number, "kontenart": kind}

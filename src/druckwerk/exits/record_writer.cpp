@@ -117,7 +117,7 @@ class JsonWriter final : public RecordWriter {
         std::string text = "{";
         for (const auto& value : values) {
             text += text.size() > 1 ? ", " : "";
-            appendQuoted(text, value.name);
+            appendQuoted(text, wellFormed(value.name));
             text += ": ";
             append(text, value);
         }
@@ -132,7 +132,7 @@ class JsonWriter final : public RecordWriter {
         } else if (value.numeric && value.text.empty()) {
             text += "null";
         } else {
-            appendQuoted(text, value.text);
+            appendQuoted(text, wellFormed(value.text));
         }
     }
 

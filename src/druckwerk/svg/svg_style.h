@@ -1,8 +1,8 @@
 // Computed styles of SVG elements: presentation attributes, style sheets with plain selectors, style attributes.
 #pragma once
 
-#include "druckwerk/common/geometry.h"
 #include "druckwerk/common/font_request.h"
+#include "druckwerk/common/geometry.h"
 
 #include <optional>
 #include <string>
