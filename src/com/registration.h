@@ -5,10 +5,12 @@
 
 namespace kvtdruck::com {
 
-/// Writes all entries for the DLL at its present place; a failure takes back what was written and is the result.
+/// Writes all entries for the DLL at its present place: for the machine, or for the user alone where the caller may
+/// not change the machine's. After a failure, which is the result, all is as it was before.
 HRESULT registerComponent();
 
-/// Removes all entries; what is gone already is no failure.
+/// Removes the entries that lead to this DLL, of the user and of the machine; what is gone already is no failure.
+/// What leads to another copy stays, and so do the names that the DLL of the other architecture shares.
 HRESULT unregisterComponent();
 
 } // namespace kvtdruck::com
