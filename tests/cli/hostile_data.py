@@ -29,10 +29,12 @@ def value_of(column, kind, text):
     """A value for a column: None where it may be empty and `text` is."""
     if column in KEYS:
         return KEYS[column]
+    if column == "bundesland":  # the company's and its holidays'
+        return "Sachsen"
     if kind == "DATE":
         return "2024-12-28" if text else None
-    if kind == "TEXT":
-        return "Sachsen" if column == "bundesland" else text
+    if kind == "TEXT" or kind.startswith("VARCHAR"):
+        return text
     if not text:
         return None
     small = SHARES.fullmatch(column) or HOURS.fullmatch(column)
@@ -63,8 +65,7 @@ class Database:
         elif report == "Firma":
             self.insert("firma_jahre", text, [{}])
             self.insert("feiertage", text, ({"fdatum": f"2024-{1 + number // 28 % 12:02}-{1 + number % 28:02}",
-                                             "feiertag": text or "Tag", "bundesland": text or ""}
-                                            for number in range(min(count, 300))))
+                                             "feiertag": text or "Tag"} for number in range(min(count, 300))))
         elif report in ("GemeinK", "NeutralA"):
             kind = 1 if report == "GemeinK" else 2
             self.insert("konten", text, ({"vkonto": 1000 + number, "ekonto": 1000 + number, "kontenart": kind}
