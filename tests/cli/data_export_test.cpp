@@ -131,7 +131,9 @@ TEST_F(DataExportTest, XlsxHasASheetOfVariablesAndOneOfFields) {
     };
     EXPECT_THAT(part("xl/workbook.xml"), HasSubstr("<sheet name=\"Variablen\" sheetId=\"1\""));
     const auto variables = part("xl/worksheets/sheet1.xml");
-    EXPECT_THAT(variables, HasSubstr(">Müller &amp; „Söhne“ \"GmbH\"</t></is></c><c r=\"C2\"><v>2023</v>"));
+    EXPECT_THAT(
+        variables,
+        HasSubstr("<t xml:space=\"preserve\">Müller &amp; „Söhne“ \"GmbH\"</t></is></c><c r=\"C2\"><v>2023</v>"));
     EXPECT_THAT(variables, HasSubstr("<c r=\"C3\"><v>2024</v>"));
     const auto fields = part("xl/worksheets/sheet2.xml");
     EXPECT_THAT(fields, HasSubstr("<c r=\"A2\"><v>1</v></c><c r=\"B2\"><v>1234.5</v></c>"));
