@@ -351,7 +351,7 @@ void StyleSheet::add(std::string_view source) {
         const auto declarations = parseDeclarations(rest.substr(open + 1, close - open - 1));
         for (const auto& [property, value] : declarations)
             if (Style scratch; !scratch.apply(property, value))
-                notUnderstood_.push_back(property + ": " + value);
+                notUnderstood_.emplace_back(property).append(": ").append(value);
         for (const auto part : splitWords(rest.substr(0, open), ",")) {
             const auto selector = trimmedAscii(part);
             const auto mark = std::min(selector.find_first_of(".#"), selector.size());
