@@ -58,11 +58,18 @@ constexpr std::array kEmployees{
 constexpr auto kEmployeesOnly = std::span(kEmployees).first<3>();
 constexpr std::array kEverything{Cell{Kind::True}};
 
-constexpr std::string_view kOneYear = "Druckt alle Jahre oder genau eines: --bis zählt nur ohne --von.";
-constexpr std::string_view kOneAccount =
-    "Druckt alle Konten oder genau eines: --konto-bis zählt nur ohne --konto-von.";
-constexpr std::string_view kOneEmployee =
-    "Druckt alle Mitarbeiter oder genau einen: --mitarbeiter-bis zählt nur ohne --mitarbeiter-von.";
+// What of a range the component takes at once.
+
+using enum Axis::Takes;
+
+constexpr std::array kYearAxis{Axis{OneOrAll, YearFrom, YearTo, YearFrom, YearTo, "Jahr", "Jahre"}};
+constexpr std::array kYearRangeAxis{Axis{Range, YearFrom, YearTo, YearFrom, YearTo, "Jahr", "Jahre"}};
+constexpr std::array kAccountAxes{
+    Axis{One, YearFrom, YearTo, Year, Year, "Jahr", "Jahre"},
+    Axis{OneOrAll, AccountFrom, AccountTo, AccountFrom, AccountTo, "Konto", "Konten"},
+};
+constexpr std::array kEmployeeAxis{
+    Axis{OneOrAll, EmployeeFrom, EmployeeTo, EmployeeFrom, EmployeeTo, "Mitarbeiter", "Mitarbeiter"}};
 
 // Columns of the reports whose figures come from a file of values.
 
@@ -221,24 +228,24 @@ constexpr std::int16_t kOverheads = 1;
 constexpr std::int16_t kNeutralAccounts = 2;
 
 constexpr std::array kReports{
-    ReportEntry{"Umsatz", "Umsatz", kYears, {}, kOneYear},
-    ReportEntry{"MitUeber", "Mitarbeiter-Übersicht", kEverything, {}, {}},
-    ReportEntry{"Firma", "Allgemeine Firmendaten", kYearRange, {}, {}},
-    ReportEntry{"GemeinK", "Gemeinkosten", kAccounts, {}, kOneAccount, kOverheads},
-    ReportEntry{"NeutralA", "Neutrale Aufwendungen", kAccounts, {}, kOneAccount, kNeutralAccounts},
-    ReportEntry{"MaKost", "Mitarbeiter-Kosten", kEmployees, {}, kOneEmployee},
-    ReportEntry{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, {}, kOneEmployee},
-    ReportEntry{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, {}, kOneEmployee},
-    ReportEntry{"MaStZeit", "Mitarbeiter-Stammblatt-Zeiten", kEmployeesOnly, {}, kOneEmployee},
-    ReportEntry{"KalkKo", "Kalkulatorische Kosten", kYears, {}, kOneYear},
-    ReportEntry{"MatUeber", "Materialübersicht", kYears, {}, kOneYear},
-    ReportEntry{"Bilanz", "Bilanzkennzahlen", {}, kBilanz, {}},
-    ReportEntry{"BsEMa", "Betriebsübersicht Mitarbeiter", {}, kBsEMa, {}},
-    ReportEntry{"BsEStd", "Betriebsübersicht je Stunde", {}, kBsEStd, {}},
-    ReportEntry{"BsEGes", "Betriebsübersicht Gesamt", {}, kBsEStd, "Die erste Zeile trägt die Stunden."},
-    ReportEntry{"KalkW", "Kalkulationswerte", {}, kKalkW, {}},
-    ReportEntry{"WasWenn", "Was Wäre Wenn", {}, kWasWenn, {}},
-    ReportEntry{"UmsatzHW", "Umsatz Handwerk", {}, kUmsatzHW, {}},
+    ReportEntry{"Umsatz", "Umsatz", kYears, kYearAxis, {}, {}},
+    ReportEntry{"MitUeber", "Mitarbeiter-Übersicht", kEverything, {}, {}, {}},
+    ReportEntry{"Firma", "Allgemeine Firmendaten", kYearRange, kYearRangeAxis, {}, {}},
+    ReportEntry{"GemeinK", "Gemeinkosten", kAccounts, kAccountAxes, {}, {}, kOverheads},
+    ReportEntry{"NeutralA", "Neutrale Aufwendungen", kAccounts, kAccountAxes, {}, {}, kNeutralAccounts},
+    ReportEntry{"MaKost", "Mitarbeiter-Kosten", kEmployees, kEmployeeAxis, {}, {}},
+    ReportEntry{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, kEmployeeAxis, {}, {}},
+    ReportEntry{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, kEmployeeAxis, {}, {}},
+    ReportEntry{"MaStZeit", "Mitarbeiter-Stammblatt-Zeiten", kEmployeesOnly, kEmployeeAxis, {}, {}},
+    ReportEntry{"KalkKo", "Kalkulatorische Kosten", kYears, kYearAxis, {}, {}},
+    ReportEntry{"MatUeber", "Materialübersicht", kYears, kYearAxis, {}, {}},
+    ReportEntry{"Bilanz", "Bilanzkennzahlen", {}, {}, kBilanz, {}},
+    ReportEntry{"BsEMa", "Betriebsübersicht Mitarbeiter", {}, {}, kBsEMa, {}},
+    ReportEntry{"BsEStd", "Betriebsübersicht je Stunde", {}, {}, kBsEStd, {}},
+    ReportEntry{"BsEGes", "Betriebsübersicht Gesamt", {}, {}, kBsEStd, "Die erste Zeile trägt die Stunden."},
+    ReportEntry{"KalkW", "Kalkulationswerte", {}, {}, kKalkW, {}},
+    ReportEntry{"WasWenn", "Was Wäre Wenn", {}, {}, kWasWenn, {}},
+    ReportEntry{"UmsatzHW", "Umsatz Handwerk", {}, {}, kUmsatzHW, {}},
 };
 
 bool takes(const ReportEntry& report, Selection selection) {
@@ -246,8 +253,10 @@ bool takes(const ReportEntry& report, Selection selection) {
         return cell.kind != Kind::True &&
                (cell.first == selection || (cell.kind == Kind::NoneGiven && cell.second == selection));
     };
+    const auto bounds = [selection](const Axis& axis) { return axis.from == selection || axis.to == selection; };
     // One year is short for a range of years.
-    return std::ranges::any_of(report.cells, fills) || (selection == Year && takes(report, YearFrom));
+    return std::ranges::any_of(report.cells, fills) || std::ranges::any_of(report.axes, bounds) ||
+           (selection == Year && takes(report, YearFrom));
 }
 
 const SelectionOption& optionOf(Selection selection) {
@@ -280,6 +289,7 @@ Selections spread(const ReportEntry& report, Selections selections) {
     if (selections.contains(YearFrom) || selections.contains(YearTo))
         throw UsageError("Bitte entweder --jahr oder --von und --bis angeben.");
     selections[YearFrom] = selections[YearTo] = year->second;
+    selections.erase(year);
     return selections;
 }
 
@@ -301,6 +311,19 @@ Variant valueOf(const ReportEntry& report, const Cell& cell, const Selections& s
     if (given != selections.end())
         return given->second;
     return cell.fallback ? Variant(*cell.fallback) : Variant();
+}
+
+/// Small letters for the capitals of German words.
+std::string lowered(std::string_view text) {
+    std::string result = asciiLower(text);
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        // Ä, Ö and Ü are 0xC3 0x84, 0x96 and 0x9C in UTF-8; their small letters lie 0x20 behind.
+        const bool umlaut =
+            i > 0 && result[i - 1] == '\xc3' && (result[i] == '\x84' || result[i] == '\x96' || result[i] == '\x9c');
+        if (umlaut)
+            result[i] = char(result[i] + 0x20);
+    }
+    return result;
 }
 
 } // namespace
@@ -334,10 +357,20 @@ const ReportEntry* findReport(std::string_view listName) {
     return found == kReports.end() ? nullptr : found;
 }
 
-std::string_view nearestListName(std::string_view listName) {
-    return std::ranges::min(kReports, {},
-                            [&](const ReportEntry& report) { return editDistance(report.listName, listName); })
-        .listName;
+const ReportEntry* findReportLike(std::string_view nameOrTitle) {
+    const auto wanted = lowered(nameOrTitle);
+    const auto* found = std::ranges::find_if(kReports, [&](const ReportEntry& report) {
+        return lowered(report.listName) == wanted || lowered(report.title) == wanted;
+    });
+    return found == kReports.end() ? nullptr : found;
+}
+
+std::optional<std::string> nearestWord(std::string_view mistyped, std::span<const std::string> words) {
+    if (words.empty())
+        return std::nullopt;
+    const auto edits = [&](const std::string& word) { return editDistance(lowered(word), lowered(mistyped)); };
+    const auto& nearest = std::ranges::min(words, {}, edits);
+    return edits(nearest) <= std::max(nearest.size(), mistyped.size()) / 2 ? std::optional(nearest) : std::nullopt;
 }
 
 Selections selectionsForDesign(const ReportEntry& report, Selections selections) {
@@ -346,9 +379,16 @@ Selections selectionsForDesign(const ReportEntry& report, Selections selections)
     return selections;
 }
 
+Selections rangesOf(const ReportEntry& report, const Selections& selections) {
+    refuseForeign(report, selections);
+    return spread(report, selections);
+}
+
 std::shared_ptr<ParameterArray> parameterArray(const ReportEntry& report, const Selections& selections) {
     refuseForeign(report, selections);
-    const auto given = spread(report, selections);
+    // The account reports have a cell for their one year.
+    const bool needsOne = std::ranges::find(report.cells, Kind::MustBeGiven, &Cell::kind) != report.cells.end();
+    const auto given = needsOne ? selections : spread(report, selections);
     auto array = std::make_shared<ParameterArray>(report.rows(), report.width());
     for (std::size_t column = 0; column < report.cells.size(); ++column)
         array->cell(0, column) = valueOf(report, report.cells[column], given);

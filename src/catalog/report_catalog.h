@@ -58,6 +58,22 @@ struct Cell {
     std::optional<std::int32_t> fallback{}; ///< none: Empty
 };
 
+/// A range that users can select, and what the component takes of it.
+struct Axis {
+    enum class Takes {
+        OneOrAll, ///< one value, or everything
+        One,      ///< one value, which it needs
+        Range     ///< the range as it is
+    };
+    Takes takes;
+    Selection from; ///< the user's bounds
+    Selection to;
+    Selection lower; ///< the selections that one value is given in
+    Selection upper;
+    std::string_view one; ///< such as "Jahr"
+    std::string_view many;
+};
+
 /// One column of a file of values.
 struct ValueColumn {
     enum class Rows { First, Second, Each };
@@ -71,6 +87,7 @@ struct ReportEntry {
     std::string_view listName;
     std::string_view title;
     std::span<const Cell> cells;
+    std::span<const Axis> axes;
     /// Not empty for the reports whose figures the host hands over whole.
     std::span<const ValueColumn> columns;
     std::string_view note;       ///< what users should know about the selections; may be empty
@@ -90,8 +107,16 @@ std::span<const ReportEntry> reports();
 /// The report of that list name (letter case matters), or nullptr.
 const ReportEntry* findReport(std::string_view listName);
 
-/// The name that comes closest to a mistyped one.
-std::string_view nearestListName(std::string_view listName);
+/// The report of that list name or title, in any letter case, or nullptr.
+const ReportEntry* findReportLike(std::string_view nameOrTitle);
+
+/// The word that comes closest to a mistyped one (letter case does not matter); none where not even half of it
+/// agrees.
+std::optional<std::string> nearestWord(std::string_view mistyped, std::span<const std::string> words);
+
+/// The selections as ranges: one year stands for a range of years. Throws a `UsageError` for a selection that the
+/// report does not take, or one that contradicts another.
+Selections rangesOf(const ReportEntry& report, const Selections& selections);
 
 /// The parameter array of a report that reads its figures itself; all cells are Empty for one that is fed by a file
 /// of values, and the designer learns every name from them. Throws a `UsageError` for a selection that the report

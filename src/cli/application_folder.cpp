@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
@@ -22,7 +23,13 @@ std::string environment(const char* name) {
 /// The XDG base directory specification: relative paths are invalid and ignored.
 fs::path userFolder() {
     const fs::path data = environment("XDG_DATA_HOME");
-    return (data.is_absolute() ? data : fs::path(environment("HOME")) / ".local" / "share") / "kvtdruck";
+    if (data.is_absolute())
+        return data / "kvtdruck";
+    const fs::path home = environment("HOME");
+    if (!home.is_absolute())
+        throw std::runtime_error("Der Anwendungsordner ist unbekannt: weder HOME noch XDG_DATA_HOME ist gesetzt. "
+                                 "--ordner nennt einen.");
+    return home / ".local" / "share" / "kvtdruck";
 }
 
 /// Beside the program: <prefix>/bin/kvtdruck and <prefix>/share/kvtdruck/layouts. The build tree has the same
@@ -63,7 +70,7 @@ fs::path layoutFolder(const fs::path& applicationFolder) {
 }
 
 fs::path prepareApplicationFolder(const std::optional<fs::path>& chosen) {
-    auto folder = fs::absolute(chosen.value_or(userFolder()));
+    auto folder = fs::absolute(chosen ? *chosen : userFolder());
     fs::create_directories(layoutFolder(folder) / "Preview");
     if (const auto shipped = shippedLayouts(); fs::is_directory(shipped))
         copyMissing(shipped, layoutFolder(folder));

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <iostream>
+#include <sstream>
 
 #include <unistd.h>
 
@@ -28,6 +29,15 @@ void Console::warning(std::string_view text) {
 void Console::notice(std::string_view text) {
     clearProgress();
     std::cout << text << std::endl;
+}
+
+void Console::pass(std::string_view output, std::string_view errors, std::string_view source) {
+    if (!output.empty() || !errors.empty())
+        clearProgress();
+    std::cout << output << std::flush;
+    std::istringstream lines{std::string(errors)};
+    for (std::string line; std::getline(lines, line);)
+        std::cerr << source << ": " << line << std::endl;
 }
 
 void Console::toStandardError(std::string_view prefix, std::string_view text) {

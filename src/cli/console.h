@@ -25,6 +25,8 @@ class Console {
     void warning(std::string_view text);
     /// A piece of news, on standard output.
     void notice(std::string_view text);
+    /// Passes on what a work has written, its messages with `source` before each.
+    void pass(std::string_view output, std::string_view errors, std::string_view source);
     /// Shows how far the job is, where standard error is a terminal.
     void progress(const druckwerk::Progress& progress);
 

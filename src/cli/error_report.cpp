@@ -5,7 +5,7 @@ namespace {
 
 class ErrorReport final : public clsFehler {
   public:
-    explicit ErrorReport(Console& console) : console_(console) {}
+    ErrorReport(Console& console, bool verbose) : console_(console), verbose_(verbose) {}
 
     bool fkt_Fehlermeldung(StringView className, StringView procedure, long number, StringView text,
                            bool runtime) override {
@@ -13,9 +13,8 @@ class ErrorReport final : public clsFehler {
         // carries.
         if (className == u"clsDruckFormular" && procedure == u"PrFehler" && console_.hasFailed())
             return true;
-        // A run-time error's description means little without the place; a composed message stands for itself.
         auto message = toUtf8(text);
-        if (runtime)
+        if (runtime && verbose_)
             message += " (" + std::to_string(number) + " in " + toUtf8(className) + "." + toUtf8(procedure) + ")";
         console_.error(message);
         return true;
@@ -23,12 +22,13 @@ class ErrorReport final : public clsFehler {
 
   private:
     Console& console_;
+    bool verbose_;
 };
 
 } // namespace
 
 std::unique_ptr<clsFehler> ErrorReports::create() {
-    return std::make_unique<ErrorReport>(console_);
+    return std::make_unique<ErrorReport>(console_, verbose_);
 }
 
 } // namespace kvtdruck::cli

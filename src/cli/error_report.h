@@ -6,14 +6,16 @@
 
 namespace kvtdruck::cli {
 
-/// Makes error-report objects that write to `console`, which outlives them.
+/// Makes error-report objects that write to `console`, which outlives them; the place of a run-time error in the
+/// program, which says nothing to users, only when `verbose` is set.
 class ErrorReports final : public ErrorReportFactory {
   public:
-    explicit ErrorReports(Console& console) : console_(console) {}
+    ErrorReports(Console& console, bool verbose) : console_(console), verbose_(verbose) {}
     std::unique_ptr<clsFehler> create() override;
 
   private:
     Console& console_;
+    bool verbose_;
 };
 
 } // namespace kvtdruck::cli

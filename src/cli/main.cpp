@@ -1,58 +1,56 @@
 // kvtdruck: the component's host on Linux.
-#include "catalog/usage_error.h"
+#include "cli/batch.h"
 #include "cli/cancellation.h"
 #include "cli/console.h"
+#include "cli/data_source.h"
 #include "cli/options.h"
+#include "cli/outcome.h"
 #include "cli/report_list.h"
-#include "cli/report_run.h"
-#include "platform/posix/posix_platform.h"
 
-#include <filesystem>
+#include <algorithm>
 #include <iostream>
 
 namespace kvtdruck::cli {
 namespace {
 
-int run(int argc, const char* const* argv, Console& console) {
-    const auto options = parseCommandLine(argc, argv);
-    if (!options)
-        return kDone;
-    switch (options->command) {
+int execute(const Options& options, Console& console) {
+    switch (options.command) {
     case Command::ListReports:
-        console.notice(options->report ? describeReport(*options->report) : describeReports());
+        console.notice(options.reports.empty() ? describeReports() : describeReport(*options.reports.front()));
         return kDone;
     case Command::ListCompanies:
-        return listCompanies(*options, console);
+        for (const auto& company : DataSource(options, console).companies())
+            console.notice(company.number + "\t" + company.name + "\t" + company.town);
+        return kDone;
     default:
         watchForCancellation();
-        return runReport(*options, console);
+        return printAll(options, console);
     }
 }
 
-int guardedRun(int argc, const char* const* argv) {
-    Console console;
-    try {
-        return run(argc, argv, console);
-    } catch (const catalog::UsageError& error) {
-        console.error(std::string(error.what()) + "\nHilfe gibt „kvtdruck --hilfe“.");
-        return kWrongUsage;
-    } catch (const RuntimeError& error) {
-        console.error(toUtf8(error.description()));
-    } catch (const std::filesystem::filesystem_error& error) {
-        console.error(error.path1().string() + ": " + toUtf8(runtimeErrorOf(error.code().value()).description()));
-    } catch (const std::exception& error) {
-        console.error(error.what());
+/// A print of a job file that fails does not keep the others from being printed.
+int run(int argc, const char* const* argv, Console& console) {
+    int worst = kDone;
+    for (const auto& options : parseCommandLine(argc, argv)) {
+        worst = std::max(worst, withErrorsTold(console, [&] { return execute(options, console); }));
+        if (worst == kCancelled)
+            break;
     }
-    return kFailed;
+    return worst;
 }
 
 } // namespace
 } // namespace kvtdruck::cli
 
 int main(int argc, char** argv) {
-    const int code = kvtdruck::cli::guardedRun(argc, argv);
+    using namespace kvtdruck::cli;
+    int code = kDone;
+    {
+        Console console;
+        code = withErrorsTold(console, [&] { return run(argc, argv, console); });
+    }
     if (std::cout.flush())
         return code;
     std::cerr << "Fehler: Die Standardausgabe kann nicht geschrieben werden." << std::endl;
-    return code == kvtdruck::cli::kDone ? kvtdruck::cli::kFailed : code;
+    return code == kDone ? kFailed : code;
 }

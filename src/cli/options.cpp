@@ -1,310 +1,249 @@
 #include "cli/options.h"
 
 #include "catalog/usage_error.h"
-#include "platform/posix/posix_platform.h"
+#include "cli/command_words.h"
+#include "cli/help_text.h"
+#include "cli/option_groups.h"
+#include "cli/settings_file.h"
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
-#include <chrono>
-#include <ctime>
+#include <algorithm>
+#include <cstdlib>
 #include <iostream>
-#include <map>
-#include <regex>
 
 namespace kvtdruck::cli {
 namespace {
 
-// Values
+using druckwerk::DataFormat;
 
-/// A whole number within bounds, as CLI11 checks it before it converts.
-CLI::Validator wholeNumber(std::int32_t lowest, std::int32_t highest) {
-    return CLI::Validator(
-        [=](const std::string& text) {
-            std::int32_t number = 0;
-            const auto* end = text.data() + text.size();
-            const auto parsed = std::from_chars(text.data(), end, number);
-            const bool whole = parsed.ec == std::errc() && parsed.ptr == end;
-            return whole && number >= lowest && number <= highest
-                       ? std::string()
-                       : "„" + text + "“ ist keine ganze Zahl von " + std::to_string(lowest) + " bis " +
-                             std::to_string(highest) + ".";
-        },
-        "");
+bool fillsFiles(const Options& options) {
+    return !options.output.empty() || !options.outputFolder.empty();
 }
 
-/// One of a few words, which `target` takes the meaning of.
-template <class T>
-void addChoice(CLI::App& command, const char* option, T& target, const std::map<std::string, T>& choices,
-               const char* help) {
-    std::string words;
-    for (const auto& [word, meaning] : choices)
-        words += (words.empty() ? "" : "|") + word;
-    command
-        .add_option_function<std::string>(
-            option, [&target, choices](const std::string& word) { target = choices.at(word); }, help)
-        ->type_name(words)
-        ->check(CLI::Validator(
-            [=](const std::string& word) {
-                return choices.contains(word) ? std::string()
-                                              : "„" + word + "“ ist nicht möglich; es gibt " + words + ".";
-            },
-            ""));
-}
-
-druckwerk::PrintDate dateOf(const std::tm& time) {
-    return {time.tm_year + 1900, time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec};
-}
-
-druckwerk::PrintDate currentDate() {
-    const auto now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    return dateOf(local);
-}
-
-/// A date in German or ISO form, with or without a time.
-std::optional<druckwerk::PrintDate> dateIn(const std::string& text) {
-    static const std::regex pattern(
-        R"((?:(\d{1,2})\.(\d{1,2})\.(\d{4})|(\d{4})-(\d{2})-(\d{2}))(?:[ T](\d{1,2}):(\d{2})(?::(\d{2}))?)?)");
-    std::smatch parts;
-    if (!std::regex_match(text, parts, pattern))
+/// What the ending of a file says about its kind; nothing for an ending that says nothing.
+std::optional<std::optional<DataFormat>> formatOf(const std::filesystem::path& file) {
+    static const std::map<std::string, std::optional<DataFormat>> kEndings{{".pdf", std::nullopt},
+                                                                           {".csv", DataFormat::Csv},
+                                                                           {".xlsx", DataFormat::Xlsx},
+                                                                           {".json", DataFormat::Json}};
+    auto ending = file.extension().string();
+    std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    const auto found = kEndings.find(ending);
+    if (found == kEndings.end())
         return std::nullopt;
-    const auto number = [&](std::size_t group) { return parts[group].matched ? std::stoi(parts[group]) : 0; };
-    const bool german = parts[1].matched;
-    const druckwerk::PrintDate date{
-        number(german ? 3 : 4), number(german ? 2 : 5), number(german ? 1 : 6), number(7), number(8), number(9)};
-    const std::chrono::year_month_day day{std::chrono::year(date.year), std::chrono::month(unsigned(date.month)),
-                                          std::chrono::day(unsigned(date.day))};
-    return day.ok() && date.hour < 24 && date.minute < 60 && date.second < 60 ? std::optional(date) : std::nullopt;
+    return std::optional<std::optional<DataFormat>>(std::in_place, found->second);
 }
 
-// Options that several commands share
-
-void addDatabase(CLI::App& command, Options& options) {
-    auto* file = command.add_option("--datenbank", options.database, "SQLite-Datenbank");
-    auto* connection = command.add_option("--verbindung", options.connectionString,
-                                          "ODBC-Verbindungszeichenfolge einer anderen Datenbank");
-    file->type_name("DATEI")->group("Daten")->excludes(connection);
-    connection->type_name("TEXT")->group("Daten");
+/// The format follows the ending; a --format that says something else is a mistake.
+void settleFormat(Options& options, bool formatGiven) {
+    const auto name = options.output.empty() ? std::filesystem::path(options.namePattern) : options.output;
+    const auto told = formatOf(name);
+    if (!told)
+        return;
+    if (formatGiven && *told != options.data)
+        refuse("--format und die Endung von „" + name.string() + "“ widersprechen sich.");
+    options.data = *told;
 }
 
-void addReport(CLI::App& command, Options& options, bool required) {
-    command
-        .add_option_function<std::string>(
-            "LISTE",
-            [&options](const std::string& name) {
-                options.report = catalog::findReport(name);
-                if (!options.report)
-                    throw catalog::UsageError("Die Liste „" + name + "“ gibt es nicht. Gemeint ist vielleicht „" +
-                                              std::string(catalog::nearestListName(name)) +
-                                              "“; alle Listen nennt „kvtdruck listen“.");
-            },
-            "Name der Liste, siehe „kvtdruck listen“")
-        ->required(required)
-        ->type_name("");
+void checkReports(const Options& options) {
+    if (options.command != Command::Print && options.reports.size() > 1)
+        refuse("Mehrere Listen auf einmal gibt es nur mit „drucken“.");
+    if (options.reports.size() > 1)
+        return; // each list takes what it knows, which is checked where the work is divided
+    const auto& report = *options.reports.front();
+    const auto name = std::string(report.listName);
+    if (report.isFedByValues() && !options.values && !options.designs())
+        refuse("Die Liste " + name + " braucht --werte DATEI.");
+    if (!report.isFedByValues() && options.values)
+        refuse("--werte gilt nicht für die Liste " + name + ".");
+    catalog::rangesOf(report, options.selections);
 }
 
-void addSelections(CLI::App& command, Options& options) {
-    addDatabase(command, options);
-    command.add_option("--firma", options.company, "Firmennummer")->type_name("NUMMER")->group("Daten")->required();
-    for (const auto& option : catalog::selectionOptions())
-        command
-            .add_option_function<std::int32_t>(
-                std::string(option.option),
-                [&options, selection = option.selection](std::int32_t value) {
-                    options.selections[selection] = value;
-                },
-                std::string(option.help))
-            ->type_name(std::string(option.placeholder))
-            ->group("Auswahl (welche Liste was kennt, sagt „kvtdruck listen“)")
-            ->check(wholeNumber(option.lowest, option.highest));
-    command
-        .add_option("--werte", options.valuesFile, "CSV-Datei mit den Werten der Listen, die keine Datenbank lesen")
-        ->type_name("DATEI")
-        ->group("Auswahl (welche Liste was kennt, sagt „kvtdruck listen“)");
+void checkCompanies(const Options& options) {
+    if (options.companies.empty() && !options.allCompanies)
+        refuse("Es fehlt --firma NUMMER; die Firmen nennt „kvtdruck firmen“.");
+    if (options.command != Command::Print && options.companies.size() != 1)
+        refuse("Mehrere Firmen auf einmal gibt es nur mit „drucken“.");
 }
 
-void addGeneral(CLI::App& command, Options& options) {
-    const char* group = "Allgemein";
-    command
-        .add_option_function<std::string>(
-            "--locale",
-            [&options](const std::string& name) {
-                try {
-                    options.locale = localeByName(name);
-                } catch (const RuntimeError& error) {
-                    throw catalog::UsageError("--locale " + name + ": " + toUtf8(error.description()));
-                }
-            },
-            "Schreibweise von Zahlen und Daten, wie de-DE (Vorgabe), de-CH, en-US")
-        ->type_name("NAME")
-        ->group(group);
-    command
-        .add_option_function<std::string>(
-            "--druckdatum",
-            [&options](const std::string& text) {
-                const auto date = dateIn(text);
-                if (!date)
-                    throw catalog::UsageError("--druckdatum „" + text +
-                                              "“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15.");
-                options.printDate = *date;
-            },
-            "Druckdatum (sonst jetzt); gleiche Daten und gleiches Datum geben das gleiche PDF")
-        ->type_name("DATUM")
-        ->group(group);
-    command
-        .add_option("--ordner", options.folder, "Anwendungsordner mit den Layouts (sonst ~/.local/share/kvtdruck)")
-        ->type_name("ORDNER")
-        ->group(group);
-    command.add_option("--protokoll", options.record, "schreibt jeden Aufruf des Druckwerks in diese Datei")
-        ->type_name("DATEI")
-        ->group(group);
-}
-
-void addPrinting(CLI::App& command, Options& options) {
-    const char* group = "Ausgabe (ohne Angabe auf den Standarddrucker)";
-    using druckwerk::DataFormat;
-    using druckwerk::Sides;
-    auto* output = command.add_option("--ausgabe", options.output, "Ausgabedatei");
-    auto* printer = command.add_option("--drucker", options.printing.printer, "Drucker, ohne weitere Frage");
-    output->type_name("DATEI")->group(group)->excludes(printer);
-    printer->type_name("NAME")->group(group);
-    addChoice<std::optional<DataFormat>>(
-        command, "--format", options.data,
-        {{"pdf", std::nullopt}, {"csv", DataFormat::Csv}, {"xlsx", DataFormat::Xlsx}, {"json", DataFormat::Json}},
-        "Art der Ausgabedatei: Seiten oder die Datensätze selbst");
-    command.add_flag("--druckerauswahl", options.askForPrinter, "fragt vor dem Druck nach Drucker oder Datei");
-    command.add_option("--exemplare", options.printing.copies, "Zahl der Exemplare")
-        ->type_name("ZAHL")
-        ->check(wholeNumber(1, 9999));
-    command.add_option("--seiten", options.printing.pages, "nur diese Seiten, wie 1-3,7")
-        ->type_name("SEITEN")
-        ->check(CLI::Validator(
-            [](const std::string& text) {
-                static const std::regex pattern(R"([1-9]\d{0,8}(-[1-9]\d{0,8})?(,[1-9]\d{0,8}(-[1-9]\d{0,8})?)*)");
-                return std::regex_match(text, pattern) ? std::string()
-                                                       : "„" + text + "“ ist kein Seitenbereich wie 1-3,7.";
-            },
-            ""));
-    addChoice<Sides>(command, "--beidseitig", options.printing.sides,
-                     {{"nein", Sides::One}, {"lang", Sides::TwoLongEdge}, {"kurz", Sides::TwoShortEdge}},
-                     "beidseitig, über die lange oder die kurze Kante gewendet");
-    command.add_option("--fach", options.printing.tray, "Papierfach, wie der Drucker es nennt")->type_name("NAME");
-    for (const char* option : {"--format", "--druckerauswahl", "--exemplare", "--seiten", "--beidseitig", "--fach"})
-        command.get_option(option)->group(group);
-}
-
-// The parser
-
-/// CLI11's words in German.
-std::shared_ptr<CLI::Formatter> germanFormatter() {
-    auto formatter = std::make_shared<CLI::Formatter>();
-    formatter->label("Usage", "Aufruf");
-    formatter->label("OPTIONS", "OPTIONEN");
-    formatter->label("SUBCOMMAND", "BEFEHL");
-    formatter->label("Positionals", "Argumente");
-    formatter->label("REQUIRED", "[Pflicht]");
-    formatter->label("Excludes", "statt");
-    formatter->column_width(34);
-    return formatter;
-}
-
-std::string after(const std::string& text, const std::string& separator) {
-    const auto at = text.find(separator);
-    return at == std::string::npos ? text : text.substr(at + separator.size());
-}
-
-/// German for what the parser has to say about a command line. Its messages consist of the names and values in
-/// question and one English phrase each.
-std::string germanFor(const CLI::ParseError& error) {
-    std::string text = error.what();
-    if (dynamic_cast<const CLI::ExtrasError*>(&error))
-        return "Unbekannte Angabe: " + after(text, "not expected: ");
-    if (text == "A subcommand is required")
-        return "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen.";
-    if (dynamic_cast<const CLI::RequiredError*>(&error))
-        return "Es fehlt " + text.substr(0, text.find(" is required")) + ".";
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
-        return text.substr(0, text.find(':')) + " braucht einen Wert (und nur einen).";
-    if (dynamic_cast<const CLI::ExcludesError*>(&error))
-        return std::regex_replace(text, std::regex(" excludes "), " und ") + " gehen nicht zusammen.";
-    if (dynamic_cast<const CLI::ConversionError*>(&error))
-        return "Das ist keine Zahl: " + after(text, ": ");
-    return text;
-}
-
-/// What can only be judged once all options are known.
-void check(const Options& options) {
-    const bool readsDatabase = options.command != Command::ListReports;
-    if (readsDatabase && options.database.empty() && options.connectionString.empty())
-        throw catalog::UsageError("Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT.");
-    if (options.data && options.output.empty())
-        throw catalog::UsageError("--format für Daten braucht --ausgabe DATEI.");
-    if (options.data && options.askForPrinter)
-        throw catalog::UsageError("--druckerauswahl gibt es nur für gedruckte Seiten.");
+void checkOutput(const Options& options) {
+    const bool severalFiles = options.reports.size() > 1 || options.companies.size() > 1 || options.allCompanies;
+    if (!options.output.empty() && !options.outputFolder.empty())
+        refuse("--ausgabe und --nach gehen nicht zusammen.");
+    if (fillsFiles(options) && !options.printing.printer.empty())
+        refuse("--ausgabe und --nach gehen nicht mit --drucker zusammen.");
+    if (!options.output.empty() && severalFiles)
+        refuse("Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an.");
+    if ((options.per || !options.namePattern.empty()) && options.outputFolder.empty())
+        refuse("--je und --name gelten nur mit --nach ORDNER.");
+    if (options.data && !fillsFiles(options))
+        refuse("--format für Daten braucht --ausgabe DATEI oder --nach ORDNER.");
+    if (options.askForPrinter && (options.data || !options.outputFolder.empty()))
+        refuse("--druckerauswahl gibt es nur für gedruckte Seiten.");
     const auto& printing = options.printing;
     const bool hasPrinterOptions = printing.copies != 1 || !printing.pages.empty() || !printing.tray.empty() ||
                                    printing.sides != druckwerk::Sides::AsPrinter;
-    if (hasPrinterOptions && !options.output.empty() && !options.askForPrinter)
-        throw catalog::UsageError(
-            "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht mit --ausgabe.");
-    if (!options.report || options.command == Command::ListReports)
-        return;
-    const bool needsValues = options.command == Command::Print || options.command == Command::Preview;
-    if (options.report->isFedByValues() && !options.valuesFile && needsValues)
-        throw catalog::UsageError("Die Liste " + std::string(options.report->listName) + " braucht --werte DATEI.");
-    if (!options.report->isFedByValues() && options.valuesFile)
-        throw catalog::UsageError("--werte gilt nicht für die Liste " + std::string(options.report->listName) +
-                                  ".");
+    if (hasPrinterOptions && fillsFiles(options) && !options.askForPrinter)
+        refuse("--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
 }
 
-void addCommands(CLI::App& app, Options& options) {
-    const auto add = [&](const char* name, const char* help, Command command) -> CLI::App& {
-        auto* added = app.add_subcommand(name, help)->group("Befehle");
-        added->set_help_flag("-h,--hilfe,--help", "zeigt diese Hilfe");
-        added->callback([&options, command] { options.command = command; });
-        return *added;
-    };
-    auto& print = add("drucken", "druckt eine Liste auf einen Drucker oder in eine Datei", Command::Print);
-    auto& preview = add("vorschau", "zeigt eine Liste im PDF-Anzeigeprogramm", Command::Preview);
-    auto& design = add("gestalten", "öffnet das Layout einer Liste in Inkscape", Command::Design);
-    auto& check = add("pruefen", "prüft das Layout einer Liste", Command::Check);
-    for (auto* command : {&print, &preview, &design, &check}) {
-        addReport(*command, options, true);
-        addSelections(*command, options);
+/// What can only be judged once all options are known.
+void check(Options& options, bool formatGiven) {
+    if (options.command == Command::ListReports) {
+        if (options.reports.size() > 1)
+            options.reports.clear(); // all of them
+        return;
     }
-    addPrinting(print, options);
-    check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
-        ->group("Prüfung");
-    for (auto* command : {&print, &preview, &design, &check})
-        addGeneral(*command, options);
-    addReport(add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports), options, false);
-    addDatabase(add("firmen", "nennt die Firmen der Datenbank", Command::ListCompanies), options);
+    const bool needsReport = options.command != Command::ListCompanies;
+    if (needsReport && options.reports.empty())
+        refuse("Es fehlt die Liste; alle Listen nennt „kvtdruck listen“.");
+    if (options.database.empty() && options.connectionString.empty())
+        refuse("Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT.");
+    if (!options.database.empty() && !options.connectionString.empty())
+        refuse("--datenbank und --verbindung gehen nicht zusammen.");
+    if (!needsReport)
+        return;
+    settleFormat(options, formatGiven);
+    checkReports(options);
+    checkCompanies(options);
+    checkOutput(options);
 }
 
 } // namespace
 
-std::optional<Options> parseCommandLine(int argc, const char* const* argv) {
-    Options options;
-    options.printDate = currentDate();
-    CLI::App app("KVTDruck druckt die Auswertungen der Betriebsabrechnung.", "kvtdruck");
-    app.formatter(germanFormatter());
-    app.option_defaults()->group("Allgemein");
-    app.set_help_flag("-h,--hilfe,--help", "zeigt diese Hilfe");
-    app.set_version_flag("--version", KVTDRUCK_VERSION, "zeigt die Version");
-    app.require_subcommand(1);
-    addCommands(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& success) {
-        app.exit(success, std::cout, std::cerr);
-        return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        throw catalog::UsageError(germanFor(error));
+namespace {
+
+/// The commands with their options, and what parsing them gives.
+class Parser {
+  public:
+    Parser() {
+        options_.printDate = currentDate();
+        app_.formatter(germanHelp());
+        app_.option_defaults()->group("Allgemein");
+        app_.set_help_flag("-h,--hilfe,--help", "zeigt diese Hilfe");
+        app_.set_version_flag("-V,--version", KVTDRUCK_VERSION, "zeigt die Version");
+        app_.footer("Mehr zu einem Befehl sagt „kvtdruck BEFEHL --hilfe“.");
+        app_.require_subcommand(1);
+        addCommands(app_, options_);
     }
-    check(options);
-    return options;
+
+    const CLI::App& app() const { return app_; }
+
+    /// Nothing where help or the version was asked for.
+    std::optional<Options> parse(Words words, const Presets& presets) {
+        checkWords(app_, words);
+        words = withPresets(app_, std::move(words), presets);
+        std::ranges::reverse(words); // as the library takes them
+        try {
+            app_.parse(std::move(words));
+        } catch (const CLI::Success& success) {
+            app_.exit(success, std::cout, std::cerr);
+            return std::nullopt;
+        } catch (const CLI::RequiredError&) {
+            refuse("Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen.");
+        }
+        const auto* format = app_.get_subcommands().front()->get_option_no_throw("--format");
+        check(options_, format && format->count() > 0);
+        return options_;
+    }
+
+  private:
+    Options options_;
+    CLI::App app_{"KVTDruck druckt die Auswertungen der Betriebsabrechnung.", "kvtdruck"};
+};
+
+constexpr const char* kLists = "listen";
+
+Presets presetsOf(const Settings& settings, Presets otherwise) {
+    return [&settings, otherwise = std::move(otherwise)](const std::string& option) {
+        const auto found = settings.find(option.substr(2));
+        return found == settings.end() ? otherwise(option) : found->second;
+    };
+}
+
+Words environmentOf(const std::string& option) {
+    const char* value = std::getenv(variableOf(option).c_str());
+    return value && *value ? Words{value} : Words{};
+}
+
+std::filesystem::path userSettingsFile() {
+    const auto variable = [](const char* name) {
+        const char* value = std::getenv(name);
+        return std::filesystem::path(value ? value : "");
+    };
+    const auto configuration = variable("XDG_CONFIG_HOME");
+    const auto folder = configuration.is_absolute() ? configuration : variable("HOME") / ".config";
+    return folder.is_absolute() ? folder / "kvtdruck" / "kvtdruck.toml" : std::filesystem::path();
+}
+
+/// What the user has set once for all calls.
+Settings userSettings() {
+    const auto file = userSettingsFile();
+    if (file.empty() || !std::filesystem::exists(file))
+        return {};
+    return readSettings(file, optionKeys(Parser().app())).general;
+}
+
+/// One print of a job file; what stands in its own table goes before what stands above all.
+Options jobOf(const Settings& own, const Settings& general, const Presets& presets) {
+    Words words{"drucken"};
+    const auto& settings = own.contains(kLists) ? own : general;
+    if (const auto lists = settings.find(kLists); lists != settings.end())
+        words.insert(words.end(), lists->second.begin(), lists->second.end());
+    Parser parser;
+    words = withPresets(parser.app(), std::move(words), presetsOf(own, [](const auto&) { return Words{}; }));
+    return parser.parse(std::move(words), presetsOf(general, presets)).value();
+}
+
+/// The prints of a job file, checked all of them before the first one begins. Paths in it begin at its own folder.
+std::vector<Options> jobsIn(const std::filesystem::path& file, const Presets& presets) {
+    auto keys = optionKeys(Parser().app(), "drucken");
+    keys.emplace_back(kLists);
+    const auto content = readSettings(file, keys);
+    if (content.prints.empty())
+        refuse(file.string() + ": Es fehlt [[druck]]; jeder Druck beginnt damit.");
+    std::vector<Options> jobs;
+    for (const auto& print : content.prints) {
+        try {
+            jobs.push_back(jobOf(print.settings, content.general, presets));
+        } catch (const catalog::UsageError& error) {
+            refuse(file.string() + ", Druck in Zeile " + std::to_string(print.line) + ": " + error.what());
+        }
+    }
+    if (file.has_parent_path())
+        std::filesystem::current_path(file.parent_path());
+    return jobs;
+}
+
+/// The file that "drucken --auftrag DATEI" names.
+std::optional<std::string> jobFileIn(const Words& words) {
+    constexpr std::string_view kAttached = "--auftrag=";
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const bool attached = words[i].starts_with(kAttached);
+        if (!attached && words[i] != "--auftrag")
+            continue;
+        if (words.front() != "drucken" || words.size() != (attached ? 2u : 3u) || i != 1)
+            refuse("Der Aufruf ist „kvtdruck drucken --auftrag DATEI“; alles Übrige steht in der Datei.");
+        return attached ? words[i].substr(kAttached.size()) : words[2];
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::vector<Options> parseCommandLine(int argc, const char* const* argv) {
+    const auto settings = userSettings();
+    const Presets presets = [&](const std::string& option) {
+        const auto preset = environmentOf(option);
+        const auto found = settings.find(option.substr(2));
+        return preset.empty() && found != settings.end() ? found->second : preset;
+    };
+    const auto words = withHelpAsOption({argv + 1, argv + argc});
+    if (const auto file = jobFileIn(words))
+        return jobsIn(*file, presets);
+    const auto options = Parser().parse(words, presets);
+    return options ? std::vector{*options} : std::vector<Options>{};
 }
 
 } // namespace kvtdruck::cli

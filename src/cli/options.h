@@ -2,6 +2,7 @@
 #pragma once
 
 #include "catalog/report_catalog.h"
+#include "cli/option_values.h"
 #include "druckwerk/druckwerk.h"
 #include "druckwerk/exits/data_export.h"
 #include "druckwerk/exits/printing.h"
@@ -10,35 +11,50 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kvtdruck::cli {
 
 enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies };
 
+/// What a batch makes a file of its own for, within a list and a company.
+enum class Per { Company, Year, Employee };
+
 struct Options {
     Command command{};
-    const catalog::ReportEntry* report = nullptr; ///< set for every command on a list; may be set for `ListReports`
+    std::vector<const catalog::ReportEntry*> reports; ///< at least one for every command on a list
+    bool allReports = false;                          ///< they were asked for as "alle"
 
     std::string database;         ///< an SQLite file; empty where
     std::string connectionString; ///< an ODBC connection string is given
-    double company = 0;
+    std::vector<double> companies;
+    bool allCompanies = false; ///< `companies` is empty then
     catalog::Selections selections;
-    std::optional<std::filesystem::path> valuesFile;
+    std::optional<std::filesystem::path> values; ///< a file of values, or a folder with one for each list
 
-    std::filesystem::path output;              ///< empty: to a printer
+    std::filesystem::path output;              ///< one file; empty: to a folder, or to a printer
+    std::filesystem::path outputFolder;        ///< for the files of a batch
+    std::string namePattern;                   ///< of the files in it; empty for the usual one
+    std::optional<Per> per;                    ///< one file for each
     std::optional<druckwerk::DataFormat> data; ///< none: pages
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
     bool unused = false; ///< a check names variables and fields that the layout does not print
+    Part part;
+    std::int32_t workers = 0; ///< processes that share a batch; 0 for as many as there are processors
 
     std::optional<std::filesystem::path> record; ///< file for the record of engine calls
     std::optional<std::filesystem::path> folder; ///< application folder
     Locale locale = germanLocale();
     druckwerk::PrintDate printDate;
+    bool verbose = false;
+
+    bool designs() const { return command == Command::Design || command == Command::Check; }
 };
 
-/// What a command line asks for. Nothing where help or the version was asked for, which is then written to standard
-/// output. Throws a `catalog::UsageError`.
-std::optional<Options> parseCommandLine(int argc, const char* const* argv);
+/// What a command line asks for: one thing, or the prints of a job file. Nothing where help or the version was
+/// asked for, which is then written to standard output. Options that the command line leaves open are taken from
+/// the environment, and then from the user's settings file. Throws a `catalog::UsageError`.
+std::vector<Options> parseCommandLine(int argc, const char* const* argv);
 
 } // namespace kvtdruck::cli

@@ -2,9 +2,13 @@
 
 #include "cli/cancellation.h"
 
+#include <cerrno>
 #include <chrono>
+#include <ctime>
 
+#include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace kvtdruck::cli {
@@ -34,6 +38,20 @@ void rest() {
 }
 
 } // namespace
+
+PreviewTurn::PreviewTurn(const std::filesystem::path& folder)
+    : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    while (folder_ >= 0 && ::flock(folder_, LOCK_EX) != 0 && errno == EINTR && !cancelled()) {
+    }
+}
+
+PreviewTurn::~PreviewTurn() {
+    const auto now = std::time(nullptr);
+    while (std::time(nullptr) == now && !cancelled())
+        rest();
+    if (folder_ >= 0)
+        ::close(folder_);
+}
 
 void waitForViewer(PosixProcesses& processes, std::int32_t process, Console& console) {
     const auto started = Clock::now();

@@ -24,12 +24,6 @@ std::string selectionsOf(const catalog::ReportEntry& report) {
     return text;
 }
 
-bool isNeeded(const catalog::ReportEntry& report, catalog::Selection selection) {
-    return std::ranges::any_of(report.cells, [&](const catalog::Cell& cell) {
-        return cell.kind == catalog::Cell::Kind::MustBeGiven && cell.first == selection;
-    });
-}
-
 std::string_view nameOf(catalog::ValueColumn::Rows rows) {
     switch (rows) {
     case catalog::ValueColumn::Rows::First:
@@ -66,7 +60,7 @@ std::string describeReport(const catalog::ReportEntry& report) {
         text += std::string(report.note) + "\n";
     for (const auto* option : report.selections())
         text += "  " + padded(std::string(option->option) + " " + std::string(option->placeholder), 26) +
-                std::string(option->help) + (isNeeded(report, option->selection) ? " (nötig)" : "") + "\n";
+                std::string(option->help) + "\n";
     if (report.isFedByValues())
         text += "Spalten der Datei für --werte:\n";
     for (const auto& column : report.columns)

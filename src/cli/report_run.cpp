@@ -4,18 +4,19 @@
 #include "catalog/values_file.h"
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
-#include "cli/error_report.h"
+#include "cli/data_source.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "control/recording_control.h"
-#include "dataaccess/record_reader.h"
 #include "druckwerk/exits/designer.h"
-#include "kvtzug/kvtzug.h"
 #include "manager/clsDruckManager.h"
 #include "platform/posix/atomic_file.h"
 #include "platform/posix/posix_platform.h"
 
 #include <array>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <system_error>
 
 namespace kvtdruck::cli {
@@ -24,51 +25,43 @@ namespace {
 /// The one window that this host has, as the component counts windows.
 constexpr std::int32_t kWindow = 1;
 
-std::shared_ptr<HostConnection> connectionOf(const Options& options) {
-    return std::make_shared<HostConnection>(options.connectionString.empty()
-                                                ? sqliteConnection(fromUtf8(options.database))
-                                                : fromUtf8(options.connectionString));
+std::string contentOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-std::shared_ptr<catalog::ParameterArray> arrayOf(const Options& options) {
-    const bool designs = options.command == Command::Design || options.command == Command::Check;
-    auto array = catalog::parameterArray(*options.report,
-                                         designs ? catalog::selectionsForDesign(*options.report, options.selections)
-                                                 : options.selections);
-    return options.valuesFile ? catalog::readValues(*options.report, *options.valuesFile) : array;
+bool isUnset(const char* variable) {
+    const char* value = std::getenv(variable);
+    return !value || !*value;
 }
 
-std::int16_t printModeOf(Command command) {
-    switch (command) {
-    case Command::Preview:
-        return kPreview;
-    case Command::Design:
-    case Command::Check:
-        return kDesign;
-    default:
-        return kPrint;
-    }
-}
-
-/// The component with this host's surroundings, for one request.
+/// The component with this host's surroundings, for the prints of one document.
 class ReportRun {
   public:
-    ReportRun(const Options& options, Console& console)
-        : options_(options), console_(console), printing_(options.printing), array_(arrayOf(options)),
-          folder_(prepareApplicationFolder(options.folder)), platform_(options.locale), errors_(console),
-          state_(platform_, kvtzug_, errors_), jobs_(state_), engine_(options.data ? dataExport() : druckwerk()) {}
+    ReportRun(const Options& options, const PrintRequest& request, Console& console)
+        : options_(options), request_(request), console_(console), printing_(options.printing),
+          values_(request.values ? catalog::readValues(*request.report, *request.values) : nullptr),
+          folder_(prepareApplicationFolder(options.folder)), source_(options, console), jobs_(source_.state()),
+          engine_(options.data ? dataExport() : druckwerk()) {}
 
     int run() {
         refuseOverwriting();
+        const auto prints = plan();
         if (options_.record)
             startRecord();
-        clsDruckManager manager(state_, jobs_, recorder_ ? *recorder_ : *engine_);
-        manager.fkt_Init(connectionOf(options_));
-        const bool done = manager.fkt_Drucken(printModeOf(options_.command), options_.company, array_,
-                                              fromUtf8(folder_.string()), fromUtf8(options_.report->listName),
-                                              options_.askForPrinter, kWindow, options_.report->productMode);
+        std::optional<PreviewTurn> turn;
+        if (options_.command == Command::Preview)
+            turn.emplace(previewFolder());
+        clsDruckManager manager(source_.state(), jobs_, recorder_ ? *recorder_ : *engine_);
+        manager.fkt_Init(source_.connection());
+        bool done = true;
+        for (std::size_t i = 0; done && i < prints.size(); ++i) {
+            place_ = {i + 1 < prints.size(), prints[i].bookmark};
+            done = print(manager, prints[i], i == 0);
+        }
         finishRecord();
         keepOutput(done);
+        turn.reset();
         if (!done)
             return cancelled() || dialogCancelled_ ? kCancelled : kFailed;
         if (options_.command == Command::Preview)
@@ -77,10 +70,37 @@ class ReportRun {
     }
 
   private:
+    std::vector<SinglePrint> plan() {
+        const auto& report = *request_.report;
+        const auto prints = planPrints(report.axes, request_.ranges, source_.existing(report, request_.company));
+        // A designer is opened once, on the latest data.
+        return options_.designs() ? std::vector{prints.back()} : prints;
+    }
+
+    /// One of the document's prints. The pages of a preview are all printed into its file; the component shows it
+    /// with the last of them.
+    bool print(clsDruckManager& manager, const SinglePrint& single, bool first) {
+        const auto& report = *request_.report;
+        const bool shows = options_.command == Command::Preview && !place_.more;
+        const auto array =
+            values_ ? values_
+                    : catalog::parameterArray(report, options_.designs()
+                                                          ? catalog::selectionsForDesign(report, single.selections)
+                                                          : single.selections);
+        return manager.fkt_Drucken(options_.designs() ? kDesign
+                                   : shows            ? kPreview
+                                                      : kPrint,
+                                   request_.company, array, fromUtf8(folder_.string()), fromUtf8(report.listName),
+                                   options_.askForPrinter && first, kWindow, report.productMode);
+    }
+
+    std::filesystem::path previewFolder() const { return layoutFolder(folder_) / "Preview"; }
+
     std::unique_ptr<FormFactory> dataExport() {
         druckwerk::DataExportOptions settings;
         settings.format = *options_.data;
-        settings.output = options_.output;
+        settings.output = request_.output;
+        settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         settings.locale = options_.locale;
         settings.warn = [this](std::string_view text) { console_.warning(text); };
@@ -92,7 +112,10 @@ class ReportRun {
 
     std::unique_ptr<FormFactory> druckwerk() {
         druckwerk::Options settings;
-        settings.output = options_.output;
+        settings.output = options_.command == Command::Preview
+                              ? previewFolder() / (std::string(request_.report->listName) + ".ll")
+                              : request_.output;
+        settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
             return deliver(document, message);
@@ -117,8 +140,8 @@ class ReportRun {
 
     /// What is read must not be written over; `option` tells of the output.
     void refuseInput(const std::string& option, const std::filesystem::path& output) const {
-        const std::string layout = std::string(options_.report->listName) + ".svg";
-        const std::array<std::filesystem::path, 3> inputs{options_.database, options_.valuesFile.value_or(""),
+        const std::string layout = std::string(request_.report->listName) + ".svg";
+        const std::array<std::filesystem::path, 3> inputs{options_.database, request_.values.value_or(""),
                                                           layoutFolder(folder_) / layout};
         for (const auto& input : inputs)
             if (isSameFile(output, input))
@@ -127,14 +150,14 @@ class ReportRun {
     }
 
     void refuseOverwriting() const {
-        refuseInput("--ausgabe", options_.output);
+        refuseInput("--ausgabe", request_.output);
         if (!options_.record)
             return;
         refuseInput("--protokoll", *options_.record);
         const auto place = [](const std::filesystem::path& file) {
             return std::filesystem::weakly_canonical(file);
         };
-        if (options_.record->native().rfind("/dev/", 0) != 0 && place(*options_.record) == place(options_.output))
+        if (options_.record->native().rfind("/dev/", 0) != 0 && place(*options_.record) == place(request_.output))
             throw catalog::UsageError("--ausgabe und --protokoll brauchen zwei verschiedene Dateien.");
     }
 
@@ -159,7 +182,9 @@ class ReportRun {
 
     void startRecord() {
         try {
+            const auto before = request_.continuesRecord ? contentOf(*options_.record) : std::string();
             record_ = std::make_unique<AtomicFile>(*options_.record);
+            record_->write(before);
         } catch (const std::system_error& error) {
             throw std::runtime_error(recordFailure(error));
         }
@@ -200,10 +225,17 @@ class ReportRun {
         const auto show = [this](const druckwerk::Finding& finding) {
             finding.error ? console_.error(finding.message) : console_.warning(finding.message);
         };
-        if (options_.command == Command::Design)
+        if (options_.command == Command::Design) {
+            if (isUnset("DISPLAY") && isUnset("WAYLAND_DISPLAY")) {
+                message =
+                    "Zum Gestalten wird eine grafische Oberfläche gebraucht; weder DISPLAY noch WAYLAND_DISPLAY "
+                    "ist gesetzt.";
+                return druckwerk::kDesignFailed;
+            }
             return druckwerk::design(request, show, message);
+        }
         if (!std::filesystem::exists(request.layout)) {
-            console_.notice("Die Liste " + std::string(options_.report->listName) +
+            console_.notice("Die Liste " + std::string(request_.report->listName) +
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
@@ -219,24 +251,25 @@ class ReportRun {
     void showPreview(clsDruckManager& manager) {
         const auto& job = jobs_.rowAt(static_cast<std::int16_t>(jobs_.rowCount() - 1));
         if (job.process == 0) {
-            const auto file = layoutFolder(folder_) / "Preview" / (toUtf8(job.previewName) + ".ll");
-            console_.error("Die Vorschau konnte nicht gezeigt werden; sie liegt als PDF in " + file.string() + ".");
+            const auto made = previewFolder() / (toUtf8(job.previewName) + ".ll");
+            const auto file = std::filesystem::path(made).replace_extension(".pdf");
+            std::filesystem::rename(made, file);
+            console_.error("Die Vorschau konnte nicht gezeigt werden; sie liegt in " + file.string() + ".");
             return;
         }
-        waitForViewer(platform_.processes(), job.process, console_);
+        waitForViewer(source_.platform().processes(), job.process, console_);
         manager.Terminate_Preview(kWindow);
     }
 
     const Options& options_;
+    const PrintRequest& request_;
     Console& console_;
     druckwerk::PrintSettings printing_;
     bool dialogCancelled_ = false;
-    std::shared_ptr<catalog::ParameterArray> array_;
+    std::shared_ptr<catalog::ParameterArray> values_; ///< where the figures come from a file
+    druckwerk::JobPlace place_;
     std::filesystem::path folder_;
-    PosixPlatform platform_;
-    ReferenceKvtzug kvtzug_{{}, &cancelled()};
-    ErrorReports errors_;
-    ComponentState state_;
+    DataSource source_;
     basLL80 jobs_;
     std::unique_ptr<FormFactory> engine_;
     std::unique_ptr<AtomicFile> record_;
@@ -246,29 +279,8 @@ class ReportRun {
 
 } // namespace
 
-int runReport(const Options& options, Console& console) {
-    return ReportRun(options, console).run();
-}
-
-int listCompanies(const Options& options, Console& console) {
-    constexpr DataClass companies{u"clsZugFirmen", u"LeseFirmenAlle", {}};
-    ReferenceKvtzug kvtzug;
-    PosixPlatform platform(options.locale);
-    ErrorReports errors(console);
-    ComponentState state(platform, kvtzug, errors);
-    try {
-        RecordReader reader(state, companies);
-        if (!reader.connect(connectionOf(options)) || !reader.read(companies.readAll, {}))
-            throw RuntimeError(ErrorNumber::InternalError);
-        Member number(u"Fnr", ValueType::Text), name(u"Name1", ValueType::Text), town(u"Ort", ValueType::Text);
-        const auto text = [&](Member& getter) { return toUtf8(toText(reader.value(getter), state.locale())); };
-        for (; !reader.atEnd(); reader.MoveNext())
-            console.notice(text(number) + "\t" + text(name) + "\t" + text(town));
-    } catch (const RuntimeError& error) {
-        console.error(toUtf8(error.description()));
-        return kFailed;
-    }
-    return kDone;
+int runReport(const Options& options, const PrintRequest& request, Console& console) {
+    return ReportRun(options, request, console).run();
 }
 
 } // namespace kvtdruck::cli

@@ -1,22 +1,25 @@
-// One request to the component, with everything that it needs around it.
+// One document: a list of a company with its selection, and everything that the component needs around it.
 #pragma once
 
 #include "cli/console.h"
 #include "cli/options.h"
+#include "cli/outcome.h"
 
 namespace kvtdruck::cli {
 
-/// Exit codes of the program.
-inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;
-inline constexpr int kWrongUsage = 2;
-inline constexpr int kCancelled = 130;
+/// What a document holds, and where it goes.
+struct PrintRequest {
+    const catalog::ReportEntry* report = nullptr;
+    double company = 0;
+    catalog::Selections ranges;                  ///< as `catalog::rangesOf` gives them
+    std::optional<std::filesystem::path> values; ///< the file of values
+    std::filesystem::path output;                ///< empty: to a printer, a viewer or a designer
+    bool continuesRecord = false;                ///< the record of calls goes on in its file
+};
 
-/// Prints, previews, designs or checks the report that `options` name; gives the program's exit code. Messages go
-/// to `console`. May throw what the file system or a file of values throws before anything is printed.
-int runReport(const Options& options, Console& console);
-
-/// Lists the companies of the database on standard output; gives the program's exit code.
-int listCompanies(const Options& options, Console& console);
+/// Prints, previews, designs or checks what `request` names; gives the program's exit code. Messages go to
+/// `console`. May throw what the file system, the data access or a file of values throws before anything is
+/// printed.
+int runReport(const Options& options, const PrintRequest& request, Console& console);
 
 } // namespace kvtdruck::cli

@@ -235,7 +235,7 @@ String Reader::sql(From from) const {
         return result;
     };
     const auto key = joined(names(key_));
-    String result = u"SELECT " + joined(names(selection_)) + u" FROM " + String(class_.tables) + u" WHERE " +
+    String result = (class_.distinct ? u"SELECT DISTINCT " : u"SELECT ") + joined(names(selection_)) + u" FROM " + String(class_.tables) + u" WHERE " +
                     String(operation_->condition);
     if (from != From::First)
         result += u" AND (" + key + (from == From::Key ? u") >= (" : u") > (") +

@@ -58,6 +58,9 @@ constexpr auto kInteger = ValueType::Integer;
 constexpr auto kText = ValueType::Text;
 
 constexpr StringView kOfCompany = u"fnr = ?";
+/// The months of every employee, each with the year and the person that it belongs to.
+constexpr StringView kEmployeeMonths = u"mitarbeiter_monate JOIN mitarbeiter_jahre USING (fnr, nummer, fjahr) "
+                                       u"JOIN mitarbeiter USING (fnr, nummer)";
 constexpr StringView kOfYears = u"fnr = ? AND jahr BETWEEN ? AND ?";
 
 // long: one table, with an entry for each class.
@@ -147,9 +150,29 @@ std::vector<ReaderClass> readerClasses() {
                          {0, 1, 2, 3, 2, 3, kProductMode, kProductMode}}},
          .key = {u"VKonto"}},
 
+        // Hosts learn from these two, which no report asks for either, what can be selected.
+        {.name = u"clsZugKontenJahre",
+         .tables = u"konten",
+         .columns = Columns().singles({u"FJahr"}),
+         .operations = {{u"LeseKontenJahre",
+                         u"fnr = ? AND (? NOT IN (1, 2) OR kontenart = ?)",
+                         {kNumber},
+                         {0, kProductMode, kProductMode}}},
+         .key = {u"FJahr"},
+         .distinct = true},
+
+        {.name = u"clsZugMitarbeiterNummern",
+         .tables = kEmployeeMonths,
+         .columns = Columns().doubles({u"Nummer"}),
+         .operations = {{u"LeseMitarbeiterNummern",
+                         u"fnr = ? AND monat BETWEEN ? AND ?",
+                         {kNumber, kSingle, kSingle},
+                         {0, 1, 2}}},
+         .key = {u"Nummer"},
+         .distinct = true},
+
         {.name = u"clsZugMitarbeiterMonate",
-         .tables = u"mitarbeiter_monate JOIN mitarbeiter_jahre USING (fnr, nummer, fjahr) "
-                   u"JOIN mitarbeiter USING (fnr, nummer)",
+         .tables = kEmployeeMonths,
          .columns =
              Columns()
                  .doubles({u"Nummer"})

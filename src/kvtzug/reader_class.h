@@ -37,6 +37,8 @@ struct ReaderClass {
     std::vector<ReadOperation> operations;
     /// The getters whose columns order the rows; together they tell every row of a selection from every other.
     std::vector<StringView> key;
+    /// Rows that are the same come once.
+    bool distinct = false;
     /// A single record, without a cursor: the read operation gives whether there is one.
     bool single = false;
 };

@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <csignal>
 #include <ostream>
+#include <sstream>
 
 #include <sys/stat.h>
 
@@ -39,18 +41,75 @@ class CommandLine : public HostTest {
 
 // Printing
 
-TEST_F(CommandLine, PrintsOneYearOfARangeAndRecordsTheCalls) {
+TEST_F(CommandLine, PrintsEveryYearOfARangeInOneDocumentAndRecordsTheCalls) {
     const auto outcome =
         print("Umsatz", toPdf({"--von", "2022", "--bis", "2024", "--protokoll", output("protokoll.txt")}));
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(outcome.output + outcome.errors, "") << "silent without a terminal";
-    EXPECT_THAT(run({"pdfinfo", output("l.pdf")}).output, HasSubstr("Pages:           1\n"));
+    EXPECT_THAT(run({"pdfinfo", output("l.pdf")}).output, HasSubstr("Pages:           3\n"));
+    EXPECT_THAT(pdfText("l.pdf"), AllOf(HasSubstr("Seite 1 von 3"), HasSubstr("Seite 3 von 3")));
+    const auto outline = run({"qpdf", "--json", "--json-key=outlines", output("l.pdf")}).output;
+    EXPECT_THAT(outline, AllOf(HasSubstr("\"title\": \"2022\""), HasSubstr("\"title\": \"2024\"")));
     const auto record = readFile(output("protokoll.txt"));
-    EXPECT_THAT(record,
-                AllOf(HasSubstr("LlDefineVariableExt(\"FnrName1\", \"Müller & Söhne GmbH\", 268435456) = 0\n"),
-                      HasSubstr("LlDefineVariableExt(\"Fuerjahr\", \"2022\", 134217728) = 0\n"),
-                      Not(HasSubstr("\"2023\"")), HasSubstr("LlPrintEnd(0) = 0\n")));
+    EXPECT_THAT(record, HasSubstr("LlDefineVariableExt(\"FnrName1\", \"Müller & Söhne GmbH\", 268435456) = 0\n"));
+    std::size_t at = 0;
+    for (const char* year : {"2022", "2023", "2024"})
+        for (const auto& call :
+             {"LlDefineVariableExt(\"Fuerjahr\", \"" + std::string(year) + "\", 134217728) = 0\n",
+              std::string("LlPrintEnd(0) = 0\n")}) {
+            at = record.find(call, at);
+            ASSERT_NE(at, std::string::npos) << call;
+        }
 }
+
+struct RangeCase {
+    const char* list;
+    std::vector<std::string> range;
+    std::vector<std::vector<std::string>> singles; ///< the selections of its values, one by one
+};
+
+void PrintTo(const RangeCase& range, std::ostream* out) {
+    *out << range.list;
+}
+
+class EveryRange : public CommandLine, public ::testing::WithParamInterface<RangeCase> {};
+
+TEST_P(EveryRange, HoldsWhatItsValuesHoldOneByOne) {
+    ASSERT_EQ(print(GetParam().list, toPdf(GetParam().range)).exitCode, 0);
+    ASSERT_EQ(print(GetParam().list, toData("json", GetParam().range)).exitCode, 0);
+    const auto withoutPageNumbers = [](const std::string& text) {
+        return run({"sed", "s/Seite [0-9]* von [0-9]*//; s/ *$//; s/   */  /g"}, {}, text).output;
+    };
+    const auto sections = [&] { return run({"jq", "-c", ".abschnitte[]", output("l.json")}).output; };
+    const auto pages = withoutPageNumbers(pdfText("l.pdf"));
+    const auto data = sections();
+    std::string expectedPages;
+    std::string expectedData;
+    for (const auto& single : GetParam().singles) {
+        ASSERT_EQ(print(GetParam().list, toPdf(single)).exitCode, 0);
+        expectedPages += withoutPageNumbers(pdfText("l.pdf"));
+        ASSERT_EQ(print(GetParam().list, toData("json", single)).exitCode, 0);
+        expectedData += sections();
+    }
+    EXPECT_EQ(pages, expectedPages);
+    EXPECT_EQ(data, expectedData);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, EveryRange,
+    ::testing::Values(RangeCase{"Umsatz", {"--bis", "2020"}, {{"--jahr", "2019"}, {"--jahr", "2020"}}},
+                      RangeCase{"KalkKo", {"--von", "2024"}, {{"--jahr", "2024"}, {"--jahr", "2025"}}},
+                      RangeCase{
+                          "MatUeber", {"--von", "2023", "--bis", "2024"}, {{"--jahr", "2023"}, {"--jahr", "2024"}}},
+                      RangeCase{"MaStKost",
+                                {"--mitarbeiter-von", "5", "--mitarbeiter-bis", "7"},
+                                {{"--mitarbeiter-von", "5", "--mitarbeiter-bis", "5"},
+                                 {"--mitarbeiter-von", "6", "--mitarbeiter-bis", "6"},
+                                 {"--mitarbeiter-von", "7", "--mitarbeiter-bis", "7"}}},
+                      RangeCase{"GemeinK",
+                                {"--von", "2024", "--bis", "2025", "--monat", "3"},
+                                {{"--jahr", "2024", "--monat", "3"}, {"--jahr", "2025", "--monat", "3"}}}),
+    [](const auto& test) { return std::string(test.param.list); });
 
 TEST_F(CommandLine, ShowsProgressOnATerminalAndLeavesACleanLine) {
     std::string line;
@@ -152,6 +211,44 @@ TEST_F(CommandLine, HelpIsGerman) {
     EXPECT_THAT(printing.output,
                 AllOf(HasSubstr("--konto-von KONTO"), Not(HasSubstr("REQUIRED")), Not(HasSubstr("Options"))));
     EXPECT_EQ(kvtdruck({"--version"}).output, KVT_VERSION "\n");
+    EXPECT_EQ(kvtdruck({"-V"}).output, KVT_VERSION "\n");
+    EXPECT_EQ(kvtdruck({"help", "drucken"}).output, printing.output);
+    EXPECT_THAT(printing.output, HasSubstr("Beispiele:\n  kvtdruck drucken Umsatz -d "));
+}
+
+TEST_F(CommandLine, HelpIsAsWideAsTheTerminal) {
+    environment["COLUMNS"] = "72";
+    std::istringstream help(kvtdruck({"drucken", "--hilfe"}).output);
+    std::size_t wide = 0;
+    for (std::string line; std::getline(help, line) && line != "Beispiele:";)
+        wide += std::ranges::count_if(line, [](char c) { return (c & 0xc0) != 0x80; }) > 72 ? 1 : 0;
+    EXPECT_EQ(wide, 0u);
+}
+
+TEST_F(CommandLine, ListsGoByTheirTitlesAndInAnyCase) {
+    const auto byName = kvtdruck({"listen", "MaStKost"}).output;
+    EXPECT_THAT(byName, StartsWith("MaStKost: "));
+    EXPECT_EQ(kvtdruck({"listen", "mastkost"}).output, byName);
+    EXPECT_EQ(kvtdruck({"listen", "Mitarbeiter-Stammblatt-Kosten"}).output, byName);
+    EXPECT_THAT(kvtdruck({"listen", "MITARBEITER-ÜBERSICHT"}).output, StartsWith("MitUeber: "));
+}
+
+TEST_F(CommandLine, TheEnvironmentPresetsOptionsAndTheCommandLineGoesFirst) {
+    environment["KVTDRUCK_DATENBANK"] = database();
+    environment["KVTDRUCK_FIRMA"] = "99";
+    environment["KVTDRUCK_JAHR"] = "2022";
+    EXPECT_EQ(kvtdruck({"drucken", "Umsatz", "-o", output("l.pdf"), "-f", "1", "--von", "2023"}).exitCode, 0);
+    EXPECT_THAT(run({"pdfinfo", output("l.pdf")}).output, HasSubstr("Pages:           3\n"));
+    EXPECT_THAT(kvtdruck({"drucken", "Umsatz", "-o", output("l.pdf")}).errors, HasSubstr("für die Firma 99"));
+    environment["KVTDRUCK_FIRMA"] = "x";
+    EXPECT_THAT(kvtdruck({"drucken", "Umsatz"}).errors, HasSubstr("--firma: „x“ ist keine Firmennummer"));
+}
+
+TEST_F(CommandLine, TheFormatFollowsTheEnding) {
+    ASSERT_EQ(print("Umsatz", {"-o", output("l.xlsx")}).exitCode, 0);
+    EXPECT_EQ(run({"unzip", "-tq", output("l.xlsx")}).exitCode, 0);
+    ASSERT_EQ(print("Umsatz", {"-o", output("l.JSON")}).exitCode, 0);
+    EXPECT_EQ(run({"jq", "-e", ".abschnitte"}, {}, readFile(output("l.JSON"))).exitCode, 0);
 }
 
 // Wrong usage
@@ -185,19 +282,36 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         UsageCase{
             "NoCommand", {}, "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen."},
-        UsageCase{"NoList", {"drucken"}, "Es fehlt LISTE."},
-        UsageCase{"NoCompany", {"drucken", "Umsatz"}, "Es fehlt --firma."},
+        UsageCase{"NoList", {"drucken"}, "Es fehlt die Liste; alle Listen nennt „kvtdruck listen“."},
+        UsageCase{"NoCompany",
+                  {"drucken", "Umsatz", "-d", "d"},
+                  "Es fehlt --firma NUMMER; die Firmen nennt „kvtdruck firmen“."},
+        UsageCase{"UnknownCommand",
+                  {"druken", "Umsatz"},
+                  "Unbekannter Befehl „druken“ – gemeint ist vielleicht „drucken“."},
         UsageCase{"UnknownList",
-                  {"drucken", "umsatz", "--firma", "1", "--datenbank", "d"},
-                  "Die Liste „umsatz“ gibt es nicht. Gemeint ist vielleicht „Umsatz“; alle Listen nennt „kvtdruck "
+                  {"drucken", "umsats", "--firma", "1", "--datenbank", "d"},
+                  "Die Liste „umsats“ gibt es nicht – gemeint ist vielleicht „Umsatz“; alle Listen nennt „kvtdruck "
                   "listen“."},
         UsageCase{"NoDatabase",
                   {"drucken", "Umsatz", "--firma", "1"},
                   "Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT."},
-        UsageCase{
-            "CompanyIsNoNumber", {"drucken", "Umsatz", "--firma", "eins"}, "Das ist keine Zahl: --firma = eins"},
-        UsageCase{"UnknownOption", printing({"--unfug"}), "Unbekannte Angabe: --unfug"},
-        UsageCase{"OptionWithoutValue", printing({"--jahr"}), "--jahr braucht einen Wert (und nur einen)."},
+        UsageCase{"CompanyIsNoNumber",
+                  {"drucken", "Umsatz", "-d", "d", "--firma", "eins"},
+                  "--firma: „eins“ ist keine Firmennummer; möglich sind 7, mehrere wie 1,7,9 und alle."},
+        UsageCase{"UnknownOption", printing({"--unfug"}), "Unbekannte Angabe „--unfug“."},
+        UsageCase{"MistypedOption", printing({"--jahre", "2024"}),
+                  "Unbekannte Angabe „--jahre“ – gemeint ist vielleicht „--jahr“."},
+        UsageCase{"UnknownShortOption", printing({"-x"}), "Unbekannte Angabe „-x“."},
+        UsageCase{"OptionWithoutValue", printing({"--jahr"}), "--jahr braucht einen Wert."},
+        UsageCase{"OptionInPlaceOfAValue", printing({"-j", "--monat", "3"}), "--jahr braucht einen Wert."},
+        UsageCase{"OptionTwice", printing({"--jahr", "2023", "-j", "2024"}), "--jahr steht mehrmals da."},
+        UsageCase{"FormatAgainstEnding", printing({"-o", "u.xlsx", "--format", "pdf"}),
+                  "--format und die Endung von „u.xlsx“ widersprechen sich."},
+        UsageCase{"SeveralListsInOneFile",
+                  {"drucken", "Umsatz", "KalkKo", "-d", "d", "-f", "1", "-o", "x.pdf"},
+                  "Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an."},
+        UsageCase{"BrokenPart", printing({"-n", "x", "--teil", "9/8"}), "--teil: „9/8“ ist kein Teil wie 3/8."},
         UsageCase{"YearIsNoNumber", printing({"--jahr", "MMXX"}),
                   "--jahr: „MMXX“ ist keine ganze Zahl von 1 bis 9999."},
         UsageCase{"MonthTooLarge", printing({"--monat", "13"}), "--monat: „13“ ist keine ganze Zahl von 1 bis 12."},
@@ -209,16 +323,14 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"ValuesMissing",
                   {"drucken", "Bilanz", "--datenbank", "d", "--firma", "1"},
                   "Die Liste Bilanz braucht --werte DATEI."},
-        UsageCase{"YearMissing",
-                  {"drucken", "GemeinK", "--datenbank", "d", "--firma", "1"},
-                  "Die Liste GemeinK braucht --jahr."},
-        UsageCase{"DataWithoutFile", printing({"--format", "csv"}), "--format für Daten braucht --ausgabe DATEI."},
+        UsageCase{"DataWithoutFile", printing({"--format", "csv"}),
+                  "--format für Daten braucht --ausgabe DATEI oder --nach ORDNER."},
         UsageCase{"UnknownFormat", printing({"--format", "odt"}),
-                  "--format: „odt“ ist nicht möglich; es gibt csv|json|pdf|xlsx."},
+                  "--format: „odt“ ist nicht möglich; es gibt csv, json, pdf, xlsx."},
         UsageCase{"FileAndPrinter", printing({"--ausgabe", "a", "--drucker", "b"}),
-                  "--ausgabe und --drucker gehen nicht zusammen."},
+                  "--ausgabe und --nach gehen nicht mit --drucker zusammen."},
         UsageCase{"TrayOfAFile", printing({"--ausgabe", "a", "--fach", "2"}),
-                  "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht mit --ausgabe."},
+                  "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien."},
         UsageCase{"BrokenPageRange", printing({"--seiten", "3-"}),
                   "--seiten: „3-“ ist kein Seitenbereich wie 1-3,7."},
         UsageCase{"BrokenPrintDate", printing({"--druckdatum", "31.2.2024"}),
@@ -256,7 +368,10 @@ TEST_F(CommandLine, ADatabaseWithoutTablesIsNamed) {
 TEST_F(CommandLine, NoDataIsSaid) {
     const auto outcome = print("Umsatz", toPdf({"--jahr", "1949"}));
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.errors, "Fehler: Es sind keine Daten für den Ausdruck vorhanden.\n");
+    EXPECT_EQ(outcome.errors, "Fehler: Keine Daten für 1949; vorhanden: 2019–2025.\n");
+    execute("DELETE FROM umsatz;");
+    EXPECT_EQ(print("Umsatz", toPdf({"--jahr", "2024"})).errors,
+              "Fehler: Es sind keine Daten für den Ausdruck vorhanden.\n");
     EXPECT_EQ(filesNamed("l.pdf"), 0u);
 }
 
@@ -369,6 +484,14 @@ TEST_F(CommandLine, AnApplicationFolderCanBeChosen) {
     EXPECT_FALSE(std::filesystem::exists(layouts()));
 }
 
+TEST_F(CommandLine, WithoutAHomeTheUserLearnsWhatIsMissing) {
+    environment["HOME"] = environment["XDG_DATA_HOME"] = "";
+    const auto outcome = print("Umsatz", toPdf());
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("weder HOME noch XDG_DATA_HOME ist gesetzt. --ordner nennt einen."));
+    EXPECT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);
+}
+
 // Preview
 
 class Preview : public HostTest {
@@ -398,6 +521,14 @@ TEST_F(Preview, StaysUntilEnterAndThenEndsTheViewerAndRemovesTheFile) {
     EXPECT_EQ(previewFiles(), 0u);
 }
 
+TEST_F(Preview, ShowsARangeInOneDocument) {
+    installViewer("cp \"$1\" " + output("gezeigt.pdf"));
+    const auto outcome = run(command("vorschau", "Umsatz", {"--von", "2023", "--bis", "2025"}), environment);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(run({"pdfinfo", output("gezeigt.pdf")}).output, HasSubstr("Pages:           3\n"));
+    EXPECT_EQ(previewFiles(), 0u);
+}
+
 TEST_F(Preview, EndsWhenTheViewerIsClosed) {
     installViewer("exit 0");
     const auto outcome = run(command("vorschau", "Umsatz"), environment);
@@ -420,9 +551,27 @@ TEST_F(Preview, WithoutAViewerTheUserLearnsWhereTheFileIs) {
     environment["PATH"] = (folder / "bin").string();
     const auto outcome = run(command("vorschau", "Umsatz"), environment);
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors,
-                AllOf(HasSubstr("kein PDF-Betrachter installiert"), HasSubstr("sie liegt als PDF in ")));
-    EXPECT_EQ(previewFiles(), 1u);
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("kein PDF-Betrachter installiert"),
+                                      HasSubstr("sie liegt in " + layouts().string())));
+    ASSERT_EQ(previewFiles(), 1u);
+    const auto file = std::filesystem::directory_iterator(layouts() / "Preview")->path();
+    EXPECT_EQ(file.extension(), ".pdf");
+    EXPECT_THAT(outcome.errors, HasSubstr(file.string()));
+    EXPECT_THAT(readFile(file), StartsWith("%PDF-"));
+}
+
+TEST_F(Preview, TwoAtOnceBothComeUp) {
+    installViewer("cp \"$1\" " + output("gezeigt-$$"));
+    Program first(command("vorschau", "Umsatz"), environment);
+    Program second(command("vorschau", "Umsatz"), environment);
+    for (auto* program : {&first, &second}) {
+        const auto outcome = program->wait();
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    }
+    std::size_t shown = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        shown += entry.path().filename().string().starts_with("gezeigt-") ? 1 : 0;
+    EXPECT_EQ(shown, 2u);
 }
 
 } // namespace

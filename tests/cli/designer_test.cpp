@@ -13,6 +13,7 @@ using ::testing::Not;
 /// A stand-in for Inkscape: it keeps what it was opened on and then does what the test asks of it.
 class DesignerTest : public HostTest {
   protected:
+    DesignerTest() { environment["DISPLAY"] = ":0"; }
     void installDesigner(const std::string& work) const {
         writeScript(folder / "bin" / "inkscape",
                     "for file; do :; done\ncp \"$file\" " + (folder / "opened.svg").string() + "\n" + work);
@@ -31,6 +32,15 @@ TEST_F(DesignerTest, ShowsVariablesAndFieldsBesideThePage) {
     EXPECT_THAT(opened(), HasSubstr("inkscape:label=\"Feldliste\""));
     EXPECT_THAT(opened(), HasSubstr(">{{FnrName1}}</text>"));
     EXPECT_THAT(opened(), HasSubstr(">{{IUmsatzDM_12}}</text>"));
+}
+
+TEST_F(DesignerTest, WithoutADisplayTheUserLearnsWhatIsMissing) {
+    environment["DISPLAY"] = environment["WAYLAND_DISPLAY"] = "";
+    installDesigner("");
+    const auto outcome = design("Umsatz");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("Zum Gestalten wird eine grafische Oberfläche gebraucht"));
+    EXPECT_EQ(opened(), "");
 }
 
 TEST_F(DesignerTest, ALayoutThatWasNotSavedStaysAsItWas) {

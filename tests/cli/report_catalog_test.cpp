@@ -86,16 +86,18 @@ TEST(ReportCatalog, RefusesWhatAReportDoesNotKnowOrNeeds) {
 
 TEST(ReportCatalog, ListNamesAreExactAndTheNearestIsFound) {
     EXPECT_EQ(findReport("umsatz"), nullptr);
-    EXPECT_EQ(nearestListName("umsatz"), "Umsatz");
-    EXPECT_EQ(nearestListName("MaKosten"), "MaKost");
+    EXPECT_EQ(findReportLike("umsatz"), findReport("Umsatz"));
+    EXPECT_EQ(findReportLike("was wäre WENN"), findReport("WasWenn"));
+    const std::vector<std::string> words{"Umsatz", "MaKost", "MaZeit"};
+    EXPECT_EQ(nearestWord("makosten", words), "MaKost");
+    EXPECT_EQ(nearestWord("vollkommen anderes", words), std::nullopt);
 }
 
 TEST(ReportList, NamesEveryReportAndItsSelections) {
     const auto text = cli::describeReports();
     for (const auto& report : reports())
         EXPECT_THAT(text, ::testing::HasSubstr(std::string(report.listName) + " "));
-    EXPECT_THAT(text, ::testing::HasSubstr("--jahr --konto-von --konto-bis --monat\n"));
-    EXPECT_THAT(cli::describeReport(*findReport("GemeinK")), ::testing::HasSubstr("ein Jahr (nötig)"));
+    EXPECT_THAT(text, ::testing::HasSubstr("--jahr --von --bis --konto-von --konto-bis --monat\n"));
 }
 
 TEST(ReportList, DocumentationHasEveryColumn) {

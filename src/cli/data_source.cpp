@@ -1,0 +1,33 @@
+#include "cli/data_source.h"
+
+#include "cli/existing_values.h"
+#include "dataaccess/record_reader.h"
+
+namespace kvtdruck::cli {
+
+DataSource::DataSource(const Options& options, Console& console)
+    : platform_(options.locale), errors_(console, options.verbose), state_(platform_, kvtzug_, errors_),
+      connection_(std::make_shared<HostConnection>(options.connectionString.empty()
+                                                       ? sqliteConnection(fromUtf8(options.database))
+                                                       : fromUtf8(options.connectionString))) {}
+
+std::vector<Company> DataSource::companies() {
+    constexpr DataClass kCompanies{u"clsZugFirmen", u"LeseFirmenAlle", {}};
+    RecordReader reader(state_, kCompanies);
+    if (!reader.connect(connection_) || !reader.read(kCompanies.readAll, {}))
+        throw RuntimeError(ErrorNumber::InternalError);
+    Member number(u"Fnr", ValueType::Text);
+    Member name(u"Name1", ValueType::Text);
+    Member town(u"Ort", ValueType::Text);
+    const auto text = [&](Member& getter) { return toUtf8(toText(reader.value(getter), state_.locale())); };
+    std::vector<Company> result;
+    for (; !reader.atEnd(); reader.MoveNext())
+        result.push_back({text(number), text(name), text(town)});
+    return result;
+}
+
+ExistingValues DataSource::existing(const catalog::ReportEntry& report, double company) {
+    return existingValues(state_, connection_, report, company);
+}
+
+} // namespace kvtdruck::cli

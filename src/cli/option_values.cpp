@@ -1,0 +1,104 @@
+#include "cli/option_values.h"
+
+#include "catalog/report_catalog.h"
+#include "catalog/usage_error.h"
+
+#include <charconv>
+#include <chrono>
+#include <ctime>
+#include <optional>
+#include <regex>
+
+namespace kvtdruck::cli {
+namespace {
+
+std::optional<std::int64_t> numberIn(std::string_view text) {
+    std::int64_t number = 0;
+    const auto* end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+/// The largest whole number up to which a Double holds every one.
+constexpr std::int64_t kLargestCompany = 9'007'199'254'740'992;
+
+} // namespace
+
+void refuse(const std::string& reason) {
+    throw catalog::UsageError(reason);
+}
+
+std::int32_t wholeNumber(std::string_view option, const std::string& text, std::int32_t lowest,
+                         std::int32_t highest) {
+    const auto number = numberIn(text);
+    if (!number || *number < lowest || *number > highest)
+        refuse(std::string(option) + ": „" + text + "“ ist keine ganze Zahl von " + std::to_string(lowest) +
+               " bis " + std::to_string(highest) + ".");
+    return std::int32_t(*number);
+}
+
+std::vector<double> companiesIn(const std::string& text) {
+    std::vector<double> companies;
+    if (text == "alle")
+        return companies;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const auto end = std::min(text.find(',', begin), text.size());
+        const auto number = numberIn(std::string_view(text).substr(begin, end - begin));
+        if (!number || *number < 0 || *number > kLargestCompany)
+            refuse("--firma: „" + text + "“ ist keine Firmennummer; möglich sind 7, mehrere wie 1,7,9 und alle.");
+        companies.push_back(double(*number));
+        begin = end + 1;
+    }
+    return companies;
+}
+
+druckwerk::PrintDate currentDate() {
+    const auto now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+}
+
+druckwerk::PrintDate dateIn(const std::string& text) {
+    static const std::regex pattern(
+        R"((?:(\d{1,2})\.(\d{1,2})\.(\d{4})|(\d{4})-(\d{2})-(\d{2}))(?:[ T](\d{1,2}):(\d{2})(?::(\d{2}))?)?)");
+    const auto fail = [&] {
+        refuse("--druckdatum „" + text + "“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15.");
+    };
+    std::smatch parts;
+    if (!std::regex_match(text, parts, pattern))
+        fail();
+    const auto number = [&](std::size_t group) { return parts[group].matched ? std::stoi(parts[group]) : 0; };
+    const bool german = parts[1].matched;
+    const druckwerk::PrintDate date{
+        number(german ? 3 : 4), number(german ? 2 : 5), number(german ? 1 : 6), number(7), number(8), number(9)};
+    const std::chrono::year_month_day day{std::chrono::year(date.year), std::chrono::month(unsigned(date.month)),
+                                          std::chrono::day(unsigned(date.day))};
+    if (!day.ok() || date.hour >= 24 || date.minute >= 60 || date.second >= 60)
+        fail();
+    return date;
+}
+
+std::string pagesIn(const std::string& text) {
+    static const std::regex pattern(R"([1-9]\d{0,8}(-[1-9]\d{0,8})?(,[1-9]\d{0,8}(-[1-9]\d{0,8})?)*)");
+    if (!std::regex_match(text, pattern))
+        refuse("--seiten: „" + text + "“ ist kein Seitenbereich wie 1-3,7.");
+    return text;
+}
+
+Part partIn(const std::string& text) {
+    const auto slash = text.find('/');
+    const auto number = numberIn(text.substr(0, slash));
+    const auto of = slash == std::string::npos ? std::nullopt : numberIn(text.substr(slash + 1));
+    constexpr std::int64_t kMostParts = 1'000'000;
+    if (!number || !of || *of < 1 || *of > kMostParts || *number < 1 || *number > *of)
+        refuse("--teil: „" + text + "“ ist kein Teil wie 3/8.");
+    return {std::int32_t(*number), std::int32_t(*of)};
+}
+
+std::string perhaps(std::string_view word, std::span<const std::string> words) {
+    const auto nearest = catalog::nearestWord(word, words);
+    return nearest ? " – gemeint ist vielleicht „" + *nearest + "“" : "";
+}
+
+} // namespace kvtdruck::cli
