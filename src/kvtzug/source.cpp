@@ -33,7 +33,7 @@ std::chrono::year_month_day dayOf(Date date) {
     return std::chrono::sys_days(1899y / 12 / 30) + std::chrono::days(static_cast<int>(date.days));
 }
 
-std::shared_ptr<Connection> openConnection(StringView connectionString, Cancellation cancelled) {
+std::shared_ptr<Connection> openConnection(StringView connectionString, [[maybe_unused]] Cancellation cancelled) {
 #ifndef _WIN32
     if (isSqlite(connectionAttribute(connectionString, u"Driver")))
         return std::make_shared<SqliteConnection>(connectionAttribute(connectionString, u"Database"),
