@@ -15,8 +15,7 @@ Object::MemberId Member::memberId(Object& object) {
 Variant Member::call(const ObjectRef& object, const Locale& locale, std::initializer_list<Variant> arguments) {
     Object& target = required(object);
     const auto id = memberId(target);
-    auto result = target.call(id, std::span(arguments.begin(), arguments.size()));
-    return type_ == ValueType::Variant ? result : coerced(result, type_, locale);
+    return coerced(target.call(id, std::span(arguments.begin(), arguments.size())), type_, locale);
 }
 
 void Member::put(const ObjectRef& object, std::initializer_list<Variant> arguments, const Variant& value) {

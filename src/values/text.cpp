@@ -79,8 +79,12 @@ String fromUtf8(std::string_view text) {
 }
 
 void appendFromUtf8(String& text, std::string_view utf8) {
-    text.reserve(text.size() + utf8.size());
-    for (std::size_t position = 0; position < utf8.size();) {
+    const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+    const auto ascii = std::size_t(std::ranges::find_if_not(utf8, isAscii) - utf8.begin());
+    const auto before = text.size();
+    text.resize(before + ascii); // most texts are nothing else
+    std::copy_n(utf8.begin(), ascii, text.begin() + std::ptrdiff_t(before));
+    for (std::size_t position = ascii; position < utf8.size();) {
         const std::size_t length = sequenceLength(static_cast<unsigned char>(utf8[position]));
         const bool whole = length != 0 && length <= utf8.size() - position;
         const auto codePoint = whole ? decodedSequence(utf8.substr(position, length)) : std::nullopt;

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace kvtdruck {
 
@@ -158,6 +159,35 @@ std::int16_t roundToInteger(double value) {
 
 std::int32_t roundToLong(double value) {
     return rounded<std::int32_t>(value);
+}
+
+namespace {
+
+bool isOf(const Variant& value, ValueType type) {
+    switch (type) {
+    case ValueType::Boolean:
+        return value.as<bool>() != nullptr;
+    case ValueType::Integer:
+        return value.as<std::int16_t>() != nullptr;
+    case ValueType::Long:
+        return value.as<std::int32_t>() != nullptr;
+    case ValueType::Single:
+        return value.as<float>() != nullptr;
+    case ValueType::Double:
+        return value.as<double>() != nullptr;
+    case ValueType::Text:
+        return value.as<String>() != nullptr;
+    case ValueType::Variant:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+Variant coerced(Variant&& value, ValueType type, const Locale& locale) {
+    return isOf(value, type) ? std::move(value) : coerced(std::as_const(value), type, locale);
 }
 
 Variant coerced(const Variant& value, ValueType type, const Locale& locale) {

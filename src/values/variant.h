@@ -126,5 +126,7 @@ std::int32_t roundToLong(double value);
 /// The foreign result `value` coerced to `type` (as `VariantChangeType` does it, with truth values as the locale's
 /// words): what can't be coerced, Null included, is run-time error 13, a number out of range run-time error 6.
 Variant coerced(const Variant& value, ValueType type, const Locale& locale);
+/// The same for a value that is not needed any more: what has the type already is handed on as it is.
+Variant coerced(Variant&& value, ValueType type, const Locale& locale);
 
 } // namespace kvtdruck
