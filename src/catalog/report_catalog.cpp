@@ -293,6 +293,19 @@ Selections spread(const ReportEntry& report, Selections selections) {
     return selections;
 }
 
+/// A selection's value as a cell. The component hands bounds on as numbers of single precision; what becomes
+/// another number there would select something else, or nothing, without a word.
+Variant cellOf(Selection selection, std::int32_t value) {
+    const auto single = static_cast<float>(value);
+    if (double{single} == value)
+        return value;
+    throw UsageError(
+        std::string(optionOf(selection).option) + " " + std::to_string(value) +
+        " kann nicht ausgewählt werden: Auswahlen haben einfache Genauigkeit, die ab 16777216 nicht jede "
+        "Zahl kennt (statt dieser " +
+        std::to_string(static_cast<std::int64_t>(single)) + ").");
+}
+
 Variant valueOf(const ReportEntry& report, const Cell& cell, const Selections& selections) {
     const auto given = selections.find(cell.first);
     switch (cell.kind) {
@@ -309,7 +322,7 @@ Variant valueOf(const ReportEntry& report, const Cell& cell, const Selections& s
         break;
     }
     if (given != selections.end())
-        return given->second;
+        return cellOf(cell.first, given->second);
     return cell.fallback ? Variant(*cell.fallback) : Variant();
 }
 

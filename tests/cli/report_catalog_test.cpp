@@ -84,6 +84,24 @@ TEST(ReportCatalog, RefusesWhatAReportDoesNotKnowOrNeeds) {
     EXPECT_THROW(cells("Umsatz", {{Year, 2024}, {YearTo, 2024}}), UsageError);
 }
 
+TEST(ReportCatalog, RefusesNumbersThatWouldBecomeOthersOnTheirWay) {
+    EXPECT_EQ(cells("GemeinK", {{AccountFrom, 16777216}, {Year, 2024}})[1], Variant(16777216_l));
+    EXPECT_EQ(cells("GemeinK", {{AccountFrom, 16777218}, {Year, 2024}})[1], Variant(16777218_l));
+    for (const auto selection : {AccountFrom, AccountTo})
+        EXPECT_THROW(cells("GemeinK", {{selection, 16777217}, {Year, 2024}}), UsageError);
+    for (const auto selection : {EmployeeFrom, EmployeeTo})
+        for (const std::string_view list : {"MaKost", "MaStZeit"})
+            EXPECT_THROW(cells(list, {{selection, 999999999}}), UsageError);
+    try {
+        cells("GemeinK", {{AccountTo, 16777217}, {Year, 2024}});
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(
+            error.what(),
+            "--konto-bis 16777217 kann nicht ausgewählt werden: Auswahlen haben einfache Genauigkeit, die ab "
+            "16777216 nicht jede Zahl kennt (statt dieser 16777216).");
+    }
+}
+
 TEST(ReportCatalog, ListNamesAreExactAndTheNearestIsFound) {
     EXPECT_EQ(findReport("umsatz"), nullptr);
     EXPECT_EQ(findReportLike("umsatz"), findReport("Umsatz"));
