@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
+#include <array>
 #include <cstdio>
 #include <limits>
 #include <optional>
@@ -130,6 +133,35 @@ TEST(Dates, NotInText) {
                                   u"1.2.3.4"})
         EXPECT_EQ(dateIn(text, german), std::nullopt) << toUtf8(text);
     EXPECT_EQ(dateIn(u"13:00 PM", englishLocale()), std::nullopt);
+}
+
+TEST(Dates, TheShortFormLeavesTheTimeOut) {
+    EXPECT_EQ(shortDateOf(dateOf(2020, 2, 29, 12, 30), german), u"29.02.2020");
+    EXPECT_EQ(shortDateOf(dateOf(1890, 2, 1, 6), german), u"01.02.1890");
+    EXPECT_EQ(errorOf([] { shortDateOf(Date{2958466}, german); }), 6);
+}
+
+TEST(Dates, AQuotationThatDoesNotEndGoesToThePatternsEnd) {
+    Locale locale = german;
+    locale.shortDate = u"d.'M";
+    EXPECT_EQ(shortDateOf(dateOf(2020, 2, 29), locale), u"29.M");
+}
+
+TEST(Calendar, KnowsOnlyDaysThatThereAre) {
+    EXPECT_EQ(dayIfAny(2024, 2, 29), dateOf(2024, 2, 29));
+    EXPECT_EQ(dayIfAny(9999, 12, 31), dateOf(9999, 12, 31));
+    for (const auto& [year, month, day] : std::vector<std::array<int, 3>>{{-1, 1, 1},
+                                                                          {10000, 1, 1},
+                                                                          {2023, 2, 29},
+                                                                          {2024, 0, 1},
+                                                                          {2024, 13, 1},
+                                                                          {2024, 257, 1},
+                                                                          {2024, -1, 1},
+                                                                          {2024, 1, 0},
+                                                                          {2024, 1, 32},
+                                                                          {2024, 1, 257},
+                                                                          {2024, 1, -1}})
+        EXPECT_EQ(dayIfAny(year, month, day), std::nullopt) << year << " " << month << " " << day;
 }
 
 } // namespace

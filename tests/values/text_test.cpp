@@ -1,5 +1,8 @@
 #include "values/text.h"
 
+#include "values/characters.h"
+#include "values/locale.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -78,6 +81,37 @@ TEST(Text, Decimal) {
     EXPECT_EQ(decimal(-7), u"-7");
     EXPECT_EQ(decimal(std::numeric_limits<long long>::min()), u"-9223372036854775808");
     EXPECT_EQ(decimal(std::numeric_limits<long long>::max()), u"9223372036854775807");
+}
+
+TEST(Characters, BlanksAndDigitsByTheirBounds) {
+    for (const char16_t blank : u" \t\n\v\f\r\u00A0\u2000\u200A\u202F\u3000")
+        EXPECT_EQ(isBlank(blank), blank != 0) << static_cast<unsigned>(blank);
+    for (const char16_t other : u"\b\x0E\u009F\u1FFF\u200B\u2030\u3001")
+        EXPECT_FALSE(isBlank(other)) << static_cast<unsigned>(other);
+    for (unsigned unit = 0; unit < 0x80; ++unit)
+        EXPECT_EQ(isDigit(static_cast<char16_t>(unit)), unit >= '0' && unit <= '9');
+}
+
+TEST(Characters, LettersAToZAreTheSameInBothCases) {
+    EXPECT_TRUE(sameWord(u"@AZ[az{", u"@az[AZ{"));
+    EXPECT_FALSE(sameWord(u"Ä", u"ä"));
+    EXPECT_FALSE(sameWord(u"@", u"`"));
+    EXPECT_FALSE(sameWord(u"Wahr", u"Wah"));
+    EXPECT_FALSE(sameWord(u"Wah", u"Wahr"));
+    EXPECT_TRUE(sameWord(u"", u""));
+}
+
+TEST(Locales, WordsOfTruthFollowTheLanguage) {
+    const auto words = [](std::string_view language) {
+        Locale locale;
+        setTruthWords(locale, language);
+        return std::pair(locale.trueText, locale.falseText);
+    };
+    EXPECT_EQ(words("de"), std::pair(String(u"Wahr"), String(u"Falsch")));
+    EXPECT_EQ(words("fr-CH"), std::pair(String(u"Vrai"), String(u"Faux")));
+    EXPECT_EQ(words("it_IT.UTF-8"), std::pair(String(u"Vero"), String(u"Falso")));
+    EXPECT_EQ(words("den"), std::pair(String(u"True"), String(u"False")));
+    EXPECT_EQ(words(""), std::pair(String(u"True"), String(u"False")));
 }
 
 } // namespace
