@@ -7,6 +7,7 @@
 #include <iostream>
 #include <sstream>
 
+#include <termios.h>
 #include <unistd.h>
 
 namespace kvtdruck::cli {
@@ -82,6 +83,20 @@ std::optional<std::string> Console::ask(std::string_view question) {
         line += c;
     }
     return std::nullopt;
+}
+
+std::optional<std::string> Console::askSecretly(std::string_view question) {
+    termios shown{};
+    const bool isTerminal = ::tcgetattr(STDIN_FILENO, &shown) == 0;
+    if (!isTerminal)
+        return ask(question);
+    auto hidden = shown;
+    hidden.c_lflag &= ~tcflag_t(ECHO);
+    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
+    auto answer = ask(question);
+    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+    std::cout << std::endl;
+    return answer;
 }
 
 } // namespace kvtdruck::cli

@@ -34,6 +34,8 @@ class Console {
 
     /// Asks for one line at standard input; nothing at its end, or when the user cancels with Ctrl-C.
     std::optional<std::string> ask(std::string_view question);
+    /// The same without showing what is typed.
+    std::optional<std::string> askSecretly(std::string_view question);
 
   private:
     void toStandardError(std::string_view prefix, std::string_view text);

@@ -13,7 +13,10 @@
 namespace kvtdruck::cli {
 namespace {
 
-int execute(const Options& options, Console& console) {
+int execute(Options options, Console& console) {
+    if (!options.connectionString.empty()) // once, before the work is divided among processes
+        options.connectionString =
+            toUtf8(withPassword(fromUtf8(options.connectionString), options.password, console));
     switch (options.command) {
     case Command::ListReports:
         console.notice(options.reports.empty() ? describeReports() : describeReport(*options.reports.front()));

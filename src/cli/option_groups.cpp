@@ -30,6 +30,10 @@ void addDatabase(CLI::App& command, Options& options) {
     addValue(command, group, "-d,--datenbank", "DATEI", "SQLite-Datenbank", into(options.database));
     addValue(command, group, "--verbindung", "TEXT", "statt dessen: ODBC-Verbindungszeichenfolge einer Datenbank",
              into(options.connectionString));
+    addValue(command, group, "--kennwort-datei", "DATEI",
+             "Datei mit dem Kennwort zur Verbindung (sonst aus KVTDRUCK_KENNWORT)", into(options.password.file));
+    command.add_flag("--kennwort-fragen", options.password.ask, "fragt nach dem Kennwort zur Verbindung")
+        ->group(group);
 }
 
 void takeReport(Options& options, const std::string& name) {

@@ -3,6 +3,7 @@
 
 #include "catalog/report_catalog.h"
 #include "cli/option_values.h"
+#include "cli/password.h"
 #include "druckwerk/druckwerk.h"
 #include "druckwerk/exits/data_export.h"
 #include "druckwerk/exits/printing.h"
@@ -27,6 +28,7 @@ struct Options {
 
     std::string database;         ///< an SQLite file; empty where
     std::string connectionString; ///< an ODBC connection string is given
+    PasswordSource password;      ///< for a connection string
     std::vector<double> companies;
     bool allCompanies = false; ///< `companies` is empty then
     catalog::Selections selections;

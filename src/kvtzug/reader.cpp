@@ -235,8 +235,8 @@ String Reader::sql(From from) const {
         return result;
     };
     const auto key = joined(names(key_));
-    String result = (class_.distinct ? u"SELECT DISTINCT " : u"SELECT ") + joined(names(selection_)) + u" FROM " + String(class_.tables) + u" WHERE " +
-                    String(operation_->condition);
+    String result = (class_.distinct ? u"SELECT DISTINCT " : u"SELECT ") + joined(names(selection_)) + u" FROM " +
+                    String(class_.tables) + u" WHERE " + String(operation_->condition);
     if (from != From::First)
         result += u" AND (" + key + (from == From::Key ? u") >= (" : u") > (") +
                   joined(std::vector<String>(key_.size(), u"?")) + u")";
