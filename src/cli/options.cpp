@@ -67,6 +67,15 @@ void checkCompanies(const Options& options) {
         refuse("Mehrere Firmen auf einmal gibt es nur mit „drucken“.");
 }
 
+void checkPassword(const Options& options) {
+    if (!options.connectionString.empty())
+        return;
+    for (const auto& [option, given] : {std::pair("--kennwort-datei", !options.password.file.empty()),
+                                        std::pair("--kennwort-fragen", options.password.ask)})
+        if (given)
+            refuse(std::string(option) + " gilt nur mit --verbindung.");
+}
+
 void checkOutput(const Options& options) {
     const bool severalFiles = options.reports.size() > 1 || options.companies.size() > 1 || options.allCompanies;
     if (!options.output.empty() && !options.outputFolder.empty())
@@ -102,6 +111,7 @@ void check(Options& options, bool formatGiven) {
         refuse("Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT.");
     if (!options.database.empty() && !options.connectionString.empty())
         refuse("--datenbank und --verbindung gehen nicht zusammen.");
+    checkPassword(options);
     if (!needsReport)
         return;
     settleFormat(options, formatGiven);

@@ -195,6 +195,7 @@ TEST_F(OutputFileTest, ARecordIsWholeAndItsOwnersAlone) {
 /// The layout is the author's work: whatever happens while it is in the designer, it stays whole.
 TEST_F(OutputFileTest, ALayoutInTheDesignerStaysUntilItIsReplacedAsAWhole) {
     writeScript(folder / "bin" / "inkscape", "true");
+    environment["DISPLAY"] = ":0";
     run(command("gestalten", "Umsatz"), environment); // brings the layouts
     const auto layout = layouts() / "Umsatz.svg";
     const auto before = readFile(layout);

@@ -16,6 +16,11 @@ Job = collections.namedtuple("Job", "company options records sheets flow")
 LETTERHEAD = "SELECT * FROM firma WHERE fnr = ?"
 
 
+def single_year(record):
+    year = str(int(record["jahr"]))
+    return ["--von", year, "--bis", year]
+
+
 def plain(value):
     """A column's value: numbers exact, dates as they are printed."""
     if isinstance(value, float):
@@ -48,7 +53,7 @@ def sheets(table):
         records = database.records(f"SELECT * FROM {table} WHERE fnr = ? ORDER BY jahr", company)
         yield Job(company, [], records, records, [])
         for record in records:
-            yield Job(company, ["--von", str(int(record["jahr"]))], [record], [record], [])
+            yield Job(company, single_year(record), [record], [record], [])
     return jobs
 
 
@@ -84,7 +89,7 @@ def turnover(database, company, values):
         flow = [("Zeile", record, [record]) for record in chosen]
         if len(chosen) > 1:
             flow.append(("Summe", chosen[-1], chosen))
-        options = ["--von", str(int(chosen[0]["jahr"]))] if len(chosen) == 1 else []
+        options = single_year(chosen[0]) if len(chosen) == 1 else []
         yield Job(company, options, chosen, [], flow)
 
 
