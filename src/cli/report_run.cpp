@@ -148,13 +148,13 @@ class ReportRun {
 
     /// Stays until the user has seen enough; the viewer is ended and the preview file removed then.
     void showPreview(clsDruckManager& manager) {
-        const auto& job = jobs_.Zeile(static_cast<std::int16_t>(jobs_.Zeilenzahl() - 1));
-        if (job.prozess == 0) {
-            const auto file = layoutFolder(folder_) / "Preview" / (toUtf8(job.previewName) + ".ll");
+        const auto job = jobs_.Zeile(static_cast<std::int16_t>(jobs_.Zeilenzahl() - 1));
+        if (job->prozess.id == 0) {
+            const auto file = layoutFolder(folder_) / "Preview" / (toUtf8(job->previewName) + ".ll");
             console_.error("Die Vorschau konnte nicht gezeigt werden; sie liegt als PDF in " + file.string() + ".");
             return;
         }
-        waitForViewer(platform_.processes(), job.prozess, console_);
+        waitForViewer(platform_.processes(), job->prozess.id, console_);
         manager.Terminate_Preview(kWindow);
     }
 

@@ -1,9 +1,12 @@
 #include "manager/basLL80.h"
 
+#include <utility>
+
 namespace kvtdruck {
 namespace {
 
 constexpr StringView kModul = u"basLL80";
+constexpr Procedure kAktivierePreview{kModul, u"fkt_Aktiviere_Preview"};
 
 String previewDatei(StringView pfad, StringView name) {
     return String(pfad) + u"\\" + String(name) + u".ll";
@@ -14,15 +17,18 @@ String previewDatei(StringView pfad, StringView name) {
 // The table
 // ---------------------------------------------------------------------------------------------------------
 
+// The old table goes last: an adapter that it held may call the host.
 void basLL80::ErzeugeTabelle() {
-    Akt_ArrAllPrints_.emplace(1);
+    const auto alte = std::exchange(Akt_ArrAllPrints_, std::nullopt);
+    Akt_ArrAllPrints_.emplace();
+    HaengeZeileAn();
 }
 
 std::int16_t basLL80::Zeilenzahl() {
     return roundToInteger(static_cast<double>(required(Akt_ArrAllPrints_).size()));
 }
 
-Druckzeile& basLL80::Zeile(std::int16_t zeile) {
+std::shared_ptr<Druckzeile> basLL80::Zeile(std::int16_t zeile) {
     if (zeile < 0 || zeile >= Zeilenzahl())
         throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return (*Akt_ArrAllPrints_)[zeile];
@@ -30,7 +36,7 @@ Druckzeile& basLL80::Zeile(std::int16_t zeile) {
 
 std::int16_t basLL80::HaengeZeileAn() {
     const auto neue = Zeilenzahl();
-    Akt_ArrAllPrints_->emplace_back();
+    Akt_ArrAllPrints_->push_back(std::make_shared<Druckzeile>());
     return neue;
 }
 
@@ -44,7 +50,7 @@ void basLL80::Init_FileSystem() {
     });
 }
 
-void basLL80::Loesche_Previewdateien(StringView listenname, StringView prevPath, std::int16_t zeile) {
+void basLL80::Loesche_Previewdateien(StringView listenname, StringView prevPath, const Druckzeile& druck) {
     Init_FileSystem();
     const auto loesche = [&](StringView name) {
         const auto datei = previewDatei(prevPath, name);
@@ -52,39 +58,42 @@ void basLL80::Loesche_Previewdateien(StringView listenname, StringView prevPath,
             dateien().remove(datei, false);
     };
     skippingErrors([&] {
-        if (const auto& behaltene = Zeile(zeile).previewName; !behaltene.empty())
-            loesche(behaltene);
+        if (!druck.previewName.empty())
+            loesche(druck.previewName);
     });
     // Without a list name this is the file ".ll".
     skippingErrors([&] { loesche(listenname); });
 }
 
-bool basLL80::fkt_Terminiere_Review(StringView listenname, StringView prevPath, std::int16_t zeile) {
+bool basLL80::fkt_Terminiere_Review(StringView listenname, StringView prevPath, Druckzeile& druck) {
     return guarded(state_, {kModul, u"fkt_Terminiere_Review"}, [&] {
         Init_FileSystem();
-        auto& druck = Zeile(zeile);
-        if (druck.prozess != 0 && druck.istPreview) {
+        if (druck.prozess.id != 0 && druck.istPreview) {
             state_.platform().processes().terminate(druck.prozess);
-            druck.prozess = 0;
+            druck.prozess = {};
         }
-        Loesche_Previewdateien(listenname, prevPath, zeile);
+        Loesche_Previewdateien(listenname, prevPath, druck);
         state_.platform().processPendingMessages();
         return true;
     });
 }
 
 bool basLL80::fkt_Aktiviere_Preview(StringView listenname, StringView prevPath, std::int16_t zeile) {
-    return guarded(state_, {kModul, u"fkt_Aktiviere_Preview"}, [&] {
-        Init_FileSystem();
-        const auto name = Zeile(zeile).previewName;
-        dateien().rename(previewDatei(prevPath, listenname), name + u".ll");
-        state_.platform().processPendingMessages();
-        // Without a folder: the viewer is found through the search path.
-        const auto befehl = u"llview12.exe \"" + previewDatei(prevPath, name) + u"\"";
-        // The row is sought anew: the host may have printed while its messages were processed.
-        Zeile(zeile).prozess = state_.platform().processes().start(befehl);
-        return true;
-    });
+    return guarded(state_, kAktivierePreview, [&] { return ZeigePreview(listenname, prevPath, *Zeile(zeile)); });
+}
+
+bool basLL80::fkt_Aktiviere_Preview(StringView listenname, StringView prevPath, Druckzeile& druck) {
+    return guarded(state_, kAktivierePreview, [&] { return ZeigePreview(listenname, prevPath, druck); });
+}
+
+bool basLL80::ZeigePreview(StringView listenname, StringView prevPath, Druckzeile& druck) {
+    Init_FileSystem();
+    const auto name = druck.previewName;
+    dateien().rename(previewDatei(prevPath, listenname), name + u".ll");
+    state_.platform().processPendingMessages();
+    // Without a folder: the viewer is found through the search path.
+    druck.prozess = state_.platform().processes().start(u"llview12.exe \"" + previewDatei(prevPath, name) + u"\"");
+    return true;
 }
 
 } // namespace kvtdruck

@@ -4,12 +4,13 @@
 #include "module/error_rule.h"
 #include "values/conversion.h"
 
+#include <utility>
+
 namespace kvtdruck {
 namespace {
 
 constexpr StringView kKlasse = u"clsDruckManager";
 constexpr std::int16_t kVorschau = 1;
-constexpr std::int16_t kKeineZeile = -1;
 
 constexpr Launcher kLauncher[] = {
     {u"Umsatz", u"Dr_Umsatz", neu_clsDruck_Umsatz},
@@ -41,6 +42,26 @@ String previewName(StringView listenname, Date jetzt, const Locale& locale) {
     return name;
 }
 
+/// The product mode of a request, for as long as it runs. The last one stays; a request that ran within another one
+/// gives that its own back.
+class Produktmodus {
+  public:
+    Produktmodus(ComponentState& state, std::int16_t wert)
+        : state_(state), voriger_(std::exchange(state.pSelmoraFuer, wert)) {
+        ++state_.laufendeAuftraege;
+    }
+    Produktmodus(const Produktmodus&) = delete;
+    Produktmodus& operator=(const Produktmodus&) = delete;
+    ~Produktmodus() {
+        if (--state_.laufendeAuftraege > 0)
+            state_.pSelmoraFuer = voriger_;
+    }
+
+  private:
+    ComponentState& state_;
+    std::int16_t voriger_;
+};
+
 } // namespace
 
 std::span<const Launcher> alleLauncher() {
@@ -49,7 +70,7 @@ std::span<const Launcher> alleLauncher() {
 
 bool clsDruckManager::fkt_Init(const ObjectRef& pADOCon) {
     return guarded(state_, {kKlasse, u"fkt_Init"}, [&] {
-        connection_ = pADOCon;
+        connection_ = ObjectRef(pADOCon); // moved: letting go of the earlier one may call the host
         basLL80_.ErzeugeTabelle();
         return false; // never set to True: hosts know it so
     });
@@ -60,9 +81,9 @@ bool clsDruckManager::Terminate_Preview(std::int32_t pParentHwnd) {
     bool ergebnis = true;
     skippingErrors([&] {
         for (std::int16_t zeile = 0; zeile < basLL80_.Zeilenzahl(); ++zeile) {
-            const auto& druck = basLL80_.Zeile(zeile);
-            if (druck.parentHwnd == pParentHwnd)
-                ergebnis = basLL80_.fkt_Terminiere_Review(u"", druck.prevPath, zeile);
+            const auto druck = basLL80_.Zeile(zeile);
+            if (druck->parentHwnd == pParentHwnd)
+                ergebnis = basLL80_.fkt_Terminiere_Review(u"", String(druck->prevPath), *druck);
         }
     });
     return ergebnis;
@@ -72,89 +93,95 @@ bool clsDruckManager::fkt_Drucken(std::int16_t pPrintMode, double pFnr, const Ob
                                   StringView pApppath, StringView pListenname, bool pDruckmitDruckerauswahl,
                                   std::int32_t pParentHwnd, std::int16_t pSelmoraFuer) {
     return guarded(state_, {kKlasse, u"fkt_Drucken"}, [&] {
-        state_.pSelmoraFuer = pSelmoraFuer;
-        if (!Lese_Allgemeine_Firmendaten(pFnr))
+        const Produktmodus produktmodus(state_, pSelmoraFuer);
+        // Connection, company, row and names are the request's own: a host that prints, connects or closes windows
+        // while foreign code runs or its messages are processed changes none of them.
+        const auto connection = connection_;
+        const auto firma = Lese_Allgemeine_Firmendaten(connection, pFnr);
+        if (!firma)
             return false;
-        // The request's own: a host that prints again while its messages are processed changes none of them.
-        const auto firma = firma_;
         const String listenname(pListenname);
         const auto listenPath = String(pApppath) + u"\\DB\\BerichteLLVT";
         const auto prevPath = pPrintMode == kVorschau ? listenPath + u"\\Preview" : listenPath;
-        if (!fkt_Registriere_Druckauftrag(pPrintMode, listenname, pParentHwnd, prevPath))
+        const auto zeile = fkt_Registriere_Druckauftrag(pPrintMode, listenname, pParentHwnd, prevPath);
+        if (!zeile)
             return false;
         if (pPrintMode == kVorschau)
-            required(basLL80_.Zeile(aktZeile_).formular).LlPreviewSetTempPath(prevPath);
+            required(zeile->druck().formular).LlPreviewSetTempPath(prevPath);
         for (const auto& launcher : kLauncher) {
             if (launcher.listenname == listenname)
-                return Starte(launcher, {pPrintMode, pFnr, connection_, firma, nullptr, listenPath, listenname,
-                                         pDruckmitDruckerauswahl, pParArray, prevPath, aktZeile_});
+                return Starte(launcher, *zeile,
+                              {pPrintMode, pFnr, connection, firma, nullptr, listenPath, listenname,
+                               pDruckmitDruckerauswahl, pParArray, prevPath, zeile->zeile()});
         }
         return false;
     });
 }
 
-bool clsDruckManager::Starte(const Launcher& launcher, Druckauftrag auftrag) {
+bool clsDruckManager::Starte(const Launcher& launcher, LaufendeZeile& zeile, Druckauftrag auftrag) {
     return guarded(state_, {kKlasse, launcher.prozedur}, [&] {
-        // Held here as well: the window's next job may replace the row's adapter while this one runs.
-        const auto formular = basLL80_.Zeile(aktZeile_).formular;
-        auftrag.pDrFormDll = formular.get();
-        return launcher.bericht({state_, basLL80_}, std::move(auftrag))->fkt_Drucken();
+        auftrag.pDrFormDll = zeile.druck().formular.get();
+        return launcher.bericht({state_, zeile}, std::move(auftrag))->fkt_Drucken();
     });
 }
 
-bool clsDruckManager::Lese_Allgemeine_Firmendaten(double pFnr) {
+ObjectRef clsDruckManager::Lese_Allgemeine_Firmendaten(const ObjectRef& connection, double pFnr) {
     const Procedure prozedur{kKlasse, u"Lese_Allgemeine_Firmendaten"};
-    return guarded(state_, prozedur, [&] {
-        firma_ = state_.dataLibrary().create(clsZugFirmaAllg);
-        FirmaAllg firma(state_, firma_);
-        if (!firma.Verbinde(connection_)) {
+    return guarded(state_, prozedur, [&]() -> ObjectRef {
+        const auto objekt = state_.dataLibrary().create(clsZugFirmaAllg);
+        firma_ = ObjectRef(objekt); // moved, as the connection is
+        FirmaAllg firma(state_, objekt);
+        if (!firma.Verbinde(connection)) {
             state_.report(prozedur, u"Die allgemeinen Firmendaten konnten nicht gelesen werden");
-            return false;
+            return nullptr;
         }
         if (firma.LeseFirmaAllg(pFnr))
-            return true;
+            return objekt;
         state_.report(prozedur, u"Die allgemeinen Firmendaten für die Firma " + textOf(pFnr, state_.locale()) +
                                     u" sind nicht vorhanden.");
-        return false;
+        return nullptr;
     });
 }
 
-bool clsDruckManager::fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname,
-                                                   std::int32_t pParentHwnd, StringView pPrevPath) {
+std::unique_ptr<LaufendeZeile> clsDruckManager::fkt_Registriere_Druckauftrag(std::int16_t pPrintMode,
+                                                                             StringView pListenname,
+                                                                             std::int32_t pParentHwnd,
+                                                                             StringView pPrevPath) {
     // Reports under a blank name; the host's error log depends on it.
     return guarded(state_, {kKlasse, u" "}, [&] {
-        aktZeile_ = kKeineZeile;
-        aktZeile_ = WaehleZeile(pListenname, pParentHwnd, pPrevPath);
-        const auto formular = std::make_shared<clsDruckFormular>(state_, formFactory_);
-        basLL80_.Zeile(aktZeile_).formular = formular;
-        formular->fkt_Starte_Form();
+        auto zeile = WaehleZeile(pListenname, pParentHwnd, pPrevPath);
+        auto& druck = zeile->druck();
+        druck.formular = std::make_shared<clsDruckFormular>(state_, formFactory_);
+        druck.formular->fkt_Starte_Form();
 
-        auto& druck = basLL80_.Zeile(aktZeile_);
         druck.parentHwnd = pParentHwnd;
         druck.listenname = pListenname;
-        druck.istPreview = false;
-        druck.prozess = 0;
+        druck.istPreview = pPrintMode == kVorschau;
+        druck.prozess = {};
         druck.previewName = previewName(pListenname, state_.platform().now(), state_.locale());
         druck.prevPath = pPrevPath;
-        if (pPrintMode == kVorschau)
-            druck.istPreview = true;
-        return true;
+        return zeile;
     });
 }
 
 /// The window's row, its viewers ended, or else a new one. Among several rows of the window the last one is taken.
-std::int16_t clsDruckManager::WaehleZeile(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath) {
-    auto gewaehlt = kKeineZeile;
-    for (std::int16_t zeile = 0; zeile < basLL80_.Zeilenzahl(); ++zeile) {
-        if (basLL80_.Zeile(zeile).parentHwnd == pParentHwnd) {
-            gewaehlt = zeile;
-            basLL80_.fkt_Terminiere_Review(pListenname, pPrevPath, zeile);
-        }
+/// A row that a request of the window works on at this moment is left to it.
+std::unique_ptr<LaufendeZeile> clsDruckManager::WaehleZeile(StringView pListenname, std::int32_t pParentHwnd,
+                                                            StringView pPrevPath) {
+    std::unique_ptr<LaufendeZeile> gewaehlt;
+    // Rows that are added meanwhile belong to others.
+    const auto anzahl = basLL80_.Zeilenzahl();
+    for (std::int16_t zeile = 0; zeile < anzahl && zeile < basLL80_.Zeilenzahl(); ++zeile) {
+        const auto druck = basLL80_.Zeile(zeile);
+        if (druck->inArbeit || druck->parentHwnd != pParentHwnd)
+            continue;
+        gewaehlt = std::make_unique<LaufendeZeile>(basLL80_, zeile);
+        basLL80_.fkt_Terminiere_Review(pListenname, pPrevPath, *druck);
     }
-    if (gewaehlt != kKeineZeile)
-        return gewaehlt;
-    gewaehlt = basLL80_.HaengeZeileAn();
-    basLL80_.Loesche_Previewdateien(pListenname, pPrevPath, gewaehlt);
+    if (!gewaehlt) {
+        gewaehlt = std::make_unique<LaufendeZeile>(basLL80_, basLL80_.HaengeZeileAn());
+        basLL80_.Loesche_Previewdateien(pListenname, pPrevPath, gewaehlt->druck());
+    }
     return gewaehlt;
 }
 

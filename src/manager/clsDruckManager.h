@@ -44,18 +44,20 @@ class clsDruckManager {
                      std::int16_t pSelmoraFuer);
 
   private:
-    bool Lese_Allgemeine_Firmendaten(double pFnr);
-    bool fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname, std::int32_t pParentHwnd,
-                                      StringView pPrevPath);
-    std::int16_t WaehleZeile(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath);
-    bool Starte(const Launcher& launcher, Druckauftrag auftrag);
+    /// The company's general data; empty where they can't be had, which is reported.
+    ObjectRef Lese_Allgemeine_Firmendaten(const ObjectRef& connection, double pFnr);
+    /// The request's row; empty where it could not be registered.
+    std::unique_ptr<LaufendeZeile> fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname,
+                                                                std::int32_t pParentHwnd, StringView pPrevPath);
+    std::unique_ptr<LaufendeZeile> WaehleZeile(StringView pListenname, std::int32_t pParentHwnd,
+                                               StringView pPrevPath);
+    bool Starte(const Launcher& launcher, LaufendeZeile& zeile, Druckauftrag auftrag);
 
     ComponentState& state_;
     basLL80& basLL80_;
     FormFactory& formFactory_;
     ObjectRef connection_;
     ObjectRef firma_;
-    std::int16_t aktZeile_ = -1;
 };
 
 } // namespace kvtdruck

@@ -38,6 +38,9 @@ class Outside {
     /// The position of the engine call that answers `code` instead.
     std::optional<std::size_t> codeAt;
     std::int32_t code = -10;
+    /// Called within the call at position `interruptAt`, before it is answered.
+    std::optional<std::size_t> interruptAt;
+    std::function<void()> interrupt;
     /// Fakes that live; 0 after everything is gone.
     int live = 0;
 
