@@ -22,17 +22,18 @@ String mitTrenner(StringView pfad) {
 
 Variant clsDruckFormular::fkt_Starte_Form() {
     return guarded(state_, {kKlasse, u"fkt_Starte_Form"}, [&] {
-        frmDruck_ = formFactory_.create();
-        frmDruck_->ll60().put(kEigenschaftBeimLaden, true);
+        std::shared_ptr<Form> form = formFactory_.create();
+        frmDruck_ = std::shared_ptr(form); // moved: an earlier form may call the host while it is unloaded
+        form->ll60().put(kEigenschaftBeimLaden, true);
         return true;
     });
 }
 
 void clsDruckFormular::fkt_Form_Hide() {
     skippingErrors([&] {
-        Form& form = required(frmDruck_);
-        if (form.visible())
-            form.hide();
+        const auto form = frmDruck_;
+        if (required(form).visible())
+            form->hide();
     });
 }
 
@@ -46,7 +47,10 @@ void clsDruckFormular::fkt_Form_Unload() {
 template <class Aufruf>
 std::int32_t clsDruckFormular::rufe(Aufruf&& aufruf) noexcept {
     std::int32_t rc = kEngineSuccess;
-    skippingErrors([&] { rc = aufruf(required(frmDruck_)); });
+    skippingErrors([&] {
+        const auto form = frmDruck_;
+        rc = aufruf(required(form));
+    });
     return rc;
 }
 
@@ -157,7 +161,8 @@ std::int32_t clsDruckFormular::LlPrintOptionsDialog(StringView pText) {
 void clsDruckFormular::LlPrintAbort() {
     skippingErrors([&] {
         const auto& locale = state_.locale();
-        const auto drForm = required(frmDruck_).ll60().member(u"DrForm");
+        const auto form = frmDruck_;
+        const auto drForm = required(form).ll60().member(u"DrForm");
         const auto ll60 = Mitglied(u"ll60", ValueType::Object).rufe(drForm, locale);
         Mitglied(u"LlPrintAbort", ValueType::Variant).rufe(*ll60.as<ObjectRef>(), locale);
     });
