@@ -36,6 +36,17 @@ TLIBATTR libraryAttributes(ITypeLib& library) {
     return copy;
 }
 
+std::wstring versionOf(const TLIBATTR& library) {
+    return std::to_wstring(library.wMajorVerNum) + L"." + std::to_wstring(library.wMinorVerNum);
+}
+
+/// The library's key for no language in particular, where marshallers look that know the interface alone.
+std::wstring neutralKey(const TLIBATTR& library) {
+    return L"TypeLib\\" + textOf(library.guid) + L"\\" + versionOf(library) + L"\\0";
+}
+
+constexpr const wchar_t* kSystem = sizeof(void*) == 8 ? L"\\win64" : L"\\win32";
+
 /// Writes string values below HKEY_CLASSES_ROOT; after the first failure nothing more.
 class Writer {
   public:
@@ -67,8 +78,7 @@ void writeClass(Writer& writer, const CoClass& coClass, const TLIBATTR& library)
     writer.set(key + L"\\ProgID", nullptr, name);
     writer.set(key + L"\\Programmable", nullptr, L"");
     writer.set(key + L"\\TypeLib", nullptr, textOf(library.guid));
-    writer.set(key + L"\\VERSION", nullptr,
-               std::to_wstring(library.wMajorVerNum) + L"." + std::to_wstring(library.wMinorVerNum));
+    writer.set(key + L"\\VERSION", nullptr, versionOf(library));
     writer.set(name, nullptr, name);
     writer.set(name + L"\\Clsid", nullptr, textOf(coClass.id));
 }
@@ -79,6 +89,7 @@ HRESULT writeAll() {
     Writer writer;
     for (const auto& coClass : allClasses())
         writeClass(writer, coClass, attributes);
+    writer.set(neutralKey(attributes) + kSystem, nullptr, ownPath());
     if (FAILED(writer.result()))
         return writer.result();
     return RegisterTypeLib(library.get(), ownPath().data(), nullptr);
@@ -93,6 +104,10 @@ HRESULT removeKey(const std::wstring& key) {
 
 HRESULT removeTypeLibrary() {
     const auto attributes = libraryAttributes(*ownTypeLibrary().get());
+    const auto neutral = neutralKey(attributes);
+    if (const auto removed = removeKey(neutral + kSystem); FAILED(removed))
+        return removed;
+    RegDeleteKeyW(HKEY_CLASSES_ROOT, neutral.c_str()); // stays where it holds the other architecture's library
     BSTR path = nullptr;
     if (FAILED(QueryPathOfRegTypeLib(attributes.guid, attributes.wMajorVerNum, attributes.wMinorVerNum,
                                      attributes.lcid, &path)))
