@@ -1,4 +1,4 @@
-// A host that loads the DLL, prints, and lets it go again, a thousand times.
+// A host that loads the DLL, has it report an error, and lets it go again, a thousand times.
 #include "stage.h"
 
 namespace kvtdruck::test {
@@ -22,7 +22,7 @@ long long heapBytes() {
 
 class Unload : public HostTest {
   protected:
-    void loadPrintUnload() {
+    void loadFailUnload() {
         const HMODULE module = LoadLibraryW(dllPath().c_str());
         ASSERT_NE(module, nullptr);
         using ClassObject = HRESULT WINAPI(REFCLSID, REFIID, void**);
@@ -36,8 +36,6 @@ class Unload : public HostTest {
             const Ref<DruckManager> manager(static_cast<DruckManager*>(object));
             EXPECT_FALSE(stage.print(*manager.get(), L"Umsatz")) << "without fkt_Init there is no job table";
             stage.init(*manager.get());
-            EXPECT_TRUE(stage.print(*manager.get(), L"Umsatz"));
-            stage.takeEngineCalls() = {};
             stage.forgetErrors();
         }
         EXPECT_EQ(dllCanUnloadNow(), S_OK);
@@ -50,11 +48,11 @@ class Unload : public HostTest {
 
 TEST_F(Unload, LeavesNothingBehindButTheThreadsRecord) {
     for (int i = 0; i < 20; ++i) // what the system makes once and keeps is there now
-        loadPrintUnload();
+        loadFailUnload();
     const auto before = heapBytes();
     constexpr int kTimes = 1000;
     for (int i = 0; i < kTimes; ++i)
-        loadPrintUnload();
+        loadFailUnload();
     // The C++ runtime's threads library keeps a record of a thread that has used it until the thread ends, about
     // one and a half kilobytes for each loading; the exceptions' memory, which it frees, is 19 to 75.
     EXPECT_LT((heapBytes() - before) / kTimes, 2048);
