@@ -249,15 +249,15 @@ class ReportRun {
 
     /// Stays until the user has seen enough; the viewer is ended and the preview file removed then.
     void showPreview(clsDruckManager& manager) {
-        const auto& job = jobs_.rowAt(static_cast<std::int16_t>(jobs_.rowCount() - 1));
-        if (job.process == 0) {
-            const auto made = previewFolder() / (toUtf8(job.previewName) + ".ll");
+        const auto job = jobs_.rowAt(static_cast<std::int16_t>(jobs_.rowCount() - 1));
+        if (job->process.id == 0) {
+            const auto made = previewFolder() / (toUtf8(job->previewName) + ".ll");
             const auto file = std::filesystem::path(made).replace_extension(".pdf");
             std::filesystem::rename(made, file);
             console_.error("Die Vorschau konnte nicht gezeigt werden; sie liegt in " + file.string() + ".");
             return;
         }
-        waitForViewer(source_.platform().processes(), job.process, console_);
+        waitForViewer(source_.platform().processes(), job->process.id, console_);
         manager.Terminate_Preview(kWindow);
     }
 

@@ -19,8 +19,11 @@ ComPtr<ITypeInfo> typeInfoOf(REFIID iid);
 HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD flags, const DISPPARAMS& arguments,
                         VARIANT* result, UINT* wrongArgument);
 
-/// A class with one dual interface. Errors within operations never become COM errors, and ISupportErrorInfo says
-/// so.
+/// A class with one dual interface, whose objects live in the apartment that they were made in. Errors within
+/// operations never become COM errors, and ISupportErrorInfo says so.
+///
+/// An operation calls foreign objects and lets the host process its messages, and either may let go of the object's
+/// last reference. So whatever runs here holds the object until it is done.
 template <class Interface>
 class AutomationClass : public Counted<Interface, ISupportErrorInfo> {
   public:
@@ -45,6 +48,7 @@ class AutomationClass : public Counted<Interface, ISupportErrorInfo> {
                                      VARIANT* result, EXCEPINFO*, UINT* wrongArgument) override {
         if (!arguments)
             return E_INVALIDARG;
+        const ComPtr<Interface> self(this);
         HRESULT answer = S_OK;
         const auto failure = guarded([&] {
             answer = invokeOperation(static_cast<Interface*>(this), typeInfo().get(), member, flags, *arguments,
@@ -74,25 +78,46 @@ class AutomationClass : public Counted<Interface, ISupportErrorInfo> {
         }
     }
 
-    /// An operation's frame: its result reaches the caller and the HRESULT is S_OK, whatever happens inside.
-    template <class Result, class Body>
-    static HRESULT answer(Result* result, Body&& body) noexcept {
-        if (!result)
-            return E_POINTER;
-        *result = Result{};
-        guarded([&] { *result = body(); });
+    /// An operation's frame: the HRESULT is S_OK, whatever happens inside. A caller that brings the object's
+    /// pointer to another thread without COM's help is refused: the foreign objects behind it are bound to this
+    /// one's.
+    template <class Body>
+    HRESULT run(Body&& body) noexcept {
+        if (!apartment_->isCurrent())
+            return RPC_E_WRONG_THREAD;
+        const ComPtr<Interface> self(this);
+        guarded(body);
         return S_OK;
     }
 
+    /// The frame of an operation with a result.
+    template <class Result, class Body>
+    HRESULT answer(Result* result, Body&& body) noexcept {
+        if (!result)
+            return E_POINTER;
+        *result = Result{};
+        return run([&] { *result = body(); });
+    }
+
+    Apartment& apartment() { return *apartment_; }
+
   private:
+    // Foreign objects can be released on their own thread alone. An object whose last reference is dropped on
+    // another one stays, and the DLL with it: the host has broken COM's rules, and a leak is the least harm.
+    void end() override {
+        if (apartment_->isCurrent())
+            delete this;
+    }
+
     ComPtr<ITypeInfo> typeInfo() {
         if (!typeInfo_)
             typeInfo_ = typeInfoOf(__uuidof(Interface));
         return typeInfo_;
     }
 
+    LiveObject live_; // first, so that it is counted until all else is gone
+    std::shared_ptr<Apartment> apartment_ = Apartment::current();
     ComPtr<ITypeInfo> typeInfo_;
-    LiveObject live_;
 };
 
 } // namespace kvtdruck::com

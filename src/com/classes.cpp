@@ -31,7 +31,7 @@ class ManagerClass final : public AutomationClass<_clsDruckManager> {
     }
 
   private:
-    clsDruckManager manager_{component().state, component().jobTable, component().forms};
+    clsDruckManager manager_{apartment().state(), apartment().jobTable(), apartment().forms()};
 };
 
 /// One of the eighteen report classes. The report object itself lives for one request.
@@ -45,20 +45,21 @@ class ReportClass final : public AutomationClass<Interface> {
                                           BSTR* pPrevPath, short* pAktind_ArrAllPrints,
                                           VARIANT_BOOL* result) override {
         return this->answer(result, [&] {
-            const auto shared = component();
-            const auto adapter = formularOf(in(pDrFormDll));
-            const PrintRequest request{in(pPrintMode),
-                                       in(pFnr),
-                                       in(pADOCon),
-                                       in(pZuDbFnrAllg),
-                                       adapter.get(),
-                                       String(in(pListenPath)),
-                                       String(in(pListenname)),
-                                       truth(pDruckmitDruckerauswahl),
-                                       in(parray),
-                                       String(in(pPrevPath)),
-                                       in(pAktind_ArrAllPrints)};
-            return boolOf(createReport({shared.state, shared.jobTable}, request)->fkt_Drucken());
+            auto& state = this->apartment().state();
+            PrintRequest request{in(pPrintMode),
+                                 in(pFnr),
+                                 in(pADOCon),
+                                 in(pZuDbFnrAllg),
+                                 nullptr,
+                                 in(pListenPath),
+                                 in(pListenname),
+                                 truth(pDruckmitDruckerauswahl),
+                                 in(parray),
+                                 in(pPrevPath),
+                                 in(pAktind_ArrAllPrints)};
+            const auto adapter = formularOf(in(pDrFormDll), state);
+            request.pDrFormDll = adapter.get();
+            return boolOf(createReport({state, this->apartment().jobTable()}, std::move(request))->fkt_Drucken());
         });
     }
 };

@@ -43,13 +43,17 @@ class ComPtr {
     /// The object's interface `Other`; empty where it has none.
     template <class Other>
     ComPtr<Other> as() const {
-        ComPtr<Other> other;
-        if (object_)
-            object_->QueryInterface(__uuidof(Other), reinterpret_cast<void**>(other.put()));
-        return other;
+        void* other = nullptr;
+        ComPtr<Other> owner;
+        if (object_ && SUCCEEDED(object_->QueryInterface(__uuidof(Other), &other)))
+            owner.object_ = static_cast<Other*>(other);
+        return owner;
     }
 
   private:
+    template <class>
+    friend class ComPtr;
+
     T* object_ = nullptr;
 };
 

@@ -96,6 +96,16 @@ class ControlSite final : public Counted<IOleClientSite, IOleControlSite, IOleIn
     HWND window_;
 };
 
+/// An empty storage, for a control that keeps its data in one.
+ComPtr<IStorage> storageInMemory() {
+    ComPtr<ILockBytes> memory;
+    check(CreateILockBytesOnHGlobal(nullptr, TRUE, memory.put()));
+    ComPtr<IStorage> storage;
+    check(StgCreateDocfileOnILockBytes(memory.get(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
+                                       storage.put()));
+    return storage;
+}
+
 } // namespace
 
 HostedControl::HostedControl(ComPtr<IUnknown> control, HWND window)
@@ -129,10 +139,12 @@ void HostedControl::place(HWND window) {
 }
 
 void HostedControl::initialise() {
-    if (const auto streamed = control_.as<IPersistStreamInit>())
+    if (const auto streamed = control_.as<IPersistStreamInit>()) {
         streamed->InitNew();
-    else if (const auto stored = control_.as<IPersistStorage>())
-        stored->InitNew(nullptr);
+    } else if (const auto stored = control_.as<IPersistStorage>()) {
+        storage_ = storageInMemory();
+        stored->InitNew(storage_.get());
+    }
 }
 
 } // namespace kvtdruck::com

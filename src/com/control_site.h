@@ -22,6 +22,7 @@ class HostedControl {
     void place(HWND window);
     void initialise();
 
+    ComPtr<IStorage> storage_; ///< lives as long as the control, which may use it until then
     ComPtr<IUnknown> control_;
     ComPtr<IOleObject> ole_;
     ComPtr<IOleClientSite> site_;

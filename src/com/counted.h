@@ -9,8 +9,8 @@
 
 namespace kvtdruck::com {
 
-/// An object that is made with one reference and deletes itself with the last. It answers what it is made of, the
-/// first of them for IUnknown.
+/// An object that is made with one reference and ends with the last. It answers what it is made of, the first of
+/// them for IUnknown.
 template <class First, class... Others>
 class Counted : public First, public Others... {
   public:
@@ -32,7 +32,7 @@ class Counted : public First, public Others... {
     ULONG STDMETHODCALLTYPE Release() final {
         const auto left = --references_;
         if (left == 0)
-            delete this;
+            end();
         return left;
     }
 
@@ -43,6 +43,9 @@ class Counted : public First, public Others... {
         ((found = iid == __uuidof(Others) ? static_cast<Others*>(this) : found), ...);
         return found;
     }
+
+    /// What becomes of the object with its last reference.
+    virtual void end() { delete this; }
 
   private:
     std::atomic<ULONG> references_ = 1;

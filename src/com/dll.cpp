@@ -7,6 +7,12 @@
 
 #include <new>
 
+// The C++ runtime's way to give back what it keeps for exceptions without memory. It has no header:
+// https://gcc.gnu.org/git/?p=gcc.git;f=libstdc++-v3/libsupc%2B%2B/eh_alloc.cc
+namespace __gnu_cxx {
+void __freeres();
+}
+
 namespace kvtdruck::com {
 namespace {
 
@@ -53,6 +59,13 @@ HRESULT guarded(HRESULT (*action)()) {
 
 using namespace kvtdruck::com;
 
+// At the end of the process the system takes all back by itself; when the DLL alone goes, nobody else does.
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
+    if (reason == DLL_PROCESS_DETACH && !processEnds)
+        __gnu_cxx::__freeres();
+    return TRUE;
+}
+
 STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
     if (!object)
         return E_POINTER;
@@ -71,10 +84,7 @@ STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
 }
 
 STDAPI DllCanUnloadNow() {
-    if (liveObjects != 0)
-        return S_FALSE;
-    releaseComponent();
-    return S_OK;
+    return liveObjects == 0 ? S_OK : S_FALSE;
 }
 
 STDAPI DllRegisterServer() {

@@ -19,15 +19,45 @@ constexpr wchar_t kWindowClass[] = L"KVTDruck.frmDruck";
 /// No operation takes more.
 constexpr std::size_t kMostArguments = 10;
 
-/// The hidden window. Its class lives as long as a window of it, so that the DLL can be unloaded.
-class HiddenWindow {
+/// The class of the hidden windows, which all threads share. It lives as long as a form of any thread, so that the
+/// DLL can be unloaded.
+class WindowClass {
   public:
-    HiddenWindow() {
+    WindowClass() {
+        const Guard guard;
+        if (users_++ != 0)
+            return;
         WNDCLASSW description{};
         description.lpfnWndProc = DefWindowProcW;
         description.hInstance = ownModule();
         description.lpszClassName = kWindowClass;
         RegisterClassW(&description);
+    }
+    WindowClass(const WindowClass&) = delete;
+    WindowClass& operator=(const WindowClass&) = delete;
+    ~WindowClass() {
+        const Guard guard;
+        if (--users_ == 0)
+            UnregisterClassW(kWindowClass, ownModule());
+    }
+
+  private:
+    /// The system's own lock, which needs no memory that the unloading of the DLL would leave behind.
+    class Guard {
+      public:
+        Guard() { AcquireSRWLockExclusive(&lock_); }
+        Guard(const Guard&) = delete;
+        Guard& operator=(const Guard&) = delete;
+        ~Guard() { ReleaseSRWLockExclusive(&lock_); }
+    };
+
+    static inline SRWLOCK lock_ = SRWLOCK_INIT;
+    static inline int users_ = 0;
+};
+
+class HiddenWindow {
+  public:
+    HiddenWindow() {
         window_ = CreateWindowExW(0, kWindowClass, L"frmDruck", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
                                   CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, ownModule(), nullptr);
         if (!window_)
@@ -35,14 +65,12 @@ class HiddenWindow {
     }
     HiddenWindow(const HiddenWindow&) = delete;
     HiddenWindow& operator=(const HiddenWindow&) = delete;
-    ~HiddenWindow() {
-        DestroyWindow(window_);
-        UnregisterClassW(kWindowClass, ownModule()); // refused while another form is open
-    }
+    ~HiddenWindow() { DestroyWindow(window_); }
 
     HWND get() const { return window_; }
 
   private:
+    WindowClass class_;
     HWND window_ = nullptr;
 };
 
@@ -59,25 +87,25 @@ ComPtr<IUnknown> createControl() {
     const Bstr owner(key);
     check(hasKey ? licensed->CreateInstanceLic(nullptr, nullptr, IID_IUnknown, key, target)
                  : factory->CreateInstance(nullptr, IID_IUnknown, target));
+    if (!control.as<IDispatch>())
+        throw RuntimeError(ErrorNumber::CannotCreateObject);
     return control;
 }
 
 class ComControl final : public Control {
   public:
-    explicit ComControl(ComPtr<IDispatch> control) : control_(std::move(control)) {
-        if (!control_)
-            throw RuntimeError(ErrorNumber::CannotCreateObject);
-    }
+    ComControl(ComPtr<IDispatch> control, Platform& platform) : control_(std::move(control)), platform_(platform) {}
 
     std::int32_t call(Operation operation, std::span<const Argument> arguments) override {
+        const auto count = arguments.size();
+        if (count > kMostArguments)
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
         Bstr texts[kMostArguments];
         VARIANT variants[kMostArguments];
-        const auto count = arguments.size();
         for (std::size_t i = 0; i < count; ++i)
             set(variants[count - 1 - i], texts[i], arguments[i]);
         DISPPARAMS parameters{variants, nullptr, static_cast<UINT>(count), 0};
-        return toLong(invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters),
-                      component().state.locale());
+        return toLong(invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters), platform_.locale());
     }
 
     void put(std::int32_t dispatchId, bool value) override {
@@ -124,12 +152,14 @@ class ComControl final : public Control {
     }
 
     ComPtr<IDispatch> control_;
+    Platform& platform_;
     std::optional<DISPID> printEnd_;
 };
 
 class ComForm final : public Form {
   public:
-    ComForm() : hosted_(createControl(), window_.get()), control_(hosted_.control().as<IDispatch>()) {}
+    explicit ComForm(Platform& platform)
+        : hosted_(createControl(), window_.get()), control_(hosted_.control().as<IDispatch>(), platform) {}
 
     Control& ll60() override { return control_; }
     WindowHandle hWnd() override { return {reinterpret_cast<std::intptr_t>(window_.get())}; }
@@ -145,7 +175,7 @@ class ComForm final : public Form {
 } // namespace
 
 std::unique_ptr<Form> ComFormFactory::create() {
-    return std::make_unique<ComForm>();
+    return std::make_unique<ComForm>(platform_);
 }
 
 } // namespace kvtdruck::com

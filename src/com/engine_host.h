@@ -2,13 +2,19 @@
 #pragma once
 
 #include "control/control.h"
+#include "platform/services.h"
 
 namespace kvtdruck::com {
 
 /// Makes forms: a hidden window that carries a new control (ProgID ListLabel.ListLabel).
 class ComFormFactory final : public FormFactory {
   public:
+    /// `platform` outlives the forms: its locale reads what the control answers.
+    explicit ComFormFactory(Platform& platform) : platform_(platform) {}
     std::unique_ptr<Form> create() override;
+
+  private:
+    Platform& platform_;
 };
 
 } // namespace kvtdruck::com

@@ -68,10 +68,14 @@ ComPtr<IUnknown> createObject(REFCLSID id) {
     ComPtr<IUnknown> object;
     check(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
                            reinterpret_cast<void**>(object.put())));
+    if (!object)
+        throw RuntimeError(ErrorNumber::CannotCreateObject);
     return object;
 }
 
 DISPID dispatchIdOf(IDispatch* dispatch, StringView name) {
+    if (!dispatch)
+        throw RuntimeError(ErrorNumber::MemberNotFound);
     const Bstr text(name);
     LPOLESTR names[] = {text.get()};
     DISPID id = DISPID_UNKNOWN;
@@ -96,12 +100,9 @@ Variant invoke(IDispatch* dispatch, DISPID member, WORD flags, DISPPARAMS& argum
     return valueOf(answer.get());
 }
 
-ForeignObject::ForeignObject(IUnknown* object)
-    : object_(object), dispatch_(ComPtr<IUnknown>(object).as<IDispatch>()) {}
-
 Object::MemberId ForeignObject::idOf(StringView name) {
     if (!dispatch_)
-        throw RuntimeError(ErrorNumber::MemberNotFound);
+        dispatch_ = object_.as<IDispatch>();
     return dispatchIdOf(dispatch_.get(), name);
 }
 

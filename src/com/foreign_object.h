@@ -8,11 +8,12 @@
 
 namespace kvtdruck::com {
 
-/// An object reached through its IDispatch. One that has none (a connection that answers by its vtable alone) is
-/// held and handed on all the same; calling a member of it is run-time error 438.
+/// An object reached through its IDispatch, which it is asked for when a member's name is. One that has none (a
+/// connection that answers by its vtable alone) is held and handed on all the same; calling a member of it is
+/// run-time error 438.
 class ForeignObject final : public Object {
   public:
-    explicit ForeignObject(IUnknown* object);
+    explicit ForeignObject(IUnknown* object) : object_(object) {}
 
     MemberId idOf(StringView name) override;
     Variant call(MemberId member, std::span<const Variant> arguments) override;
@@ -36,7 +37,7 @@ VARIANT referenceTo(const ObjectRef& object);
 CLSID classIdOf(StringView progId);
 ComPtr<IUnknown> createObject(REFCLSID id);
 
-/// The number of member `name` of a foreign object; run-time error 438 where there is none.
+/// The number of member `name` of a foreign object; run-time error 438 where there is none, or no object.
 DISPID dispatchIdOf(IDispatch* dispatch, StringView name);
 
 /// One Invoke: `arguments` in reverse order, as Automation wants them. Gives the result; failures are run-time

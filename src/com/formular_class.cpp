@@ -131,19 +131,13 @@ class FormularClass final : public AutomationClass<_clsDruckFormular> {
         return iid == kOwnFormular ? this : AutomationClass::interfaceOf(iid);
     }
 
-    template <class Body>
-    static HRESULT run(Body&& body) {
-        guarded(body);
-        return S_OK;
-    }
-
-    clsDruckFormular formular_{component().state, component().forms};
+    clsDruckFormular formular_{apartment().state(), apartment().forms()};
 };
 
 /// An adapter of another maker. A failing call is a run-time error of the procedure that makes it.
 class ForeignFormular final : public DruckFormular {
   public:
-    explicit ForeignFormular(IUnknown* object) : object_(object) {}
+    ForeignFormular(IUnknown* object, ComponentState& state) : object_(object), state_(state) {}
 
     bool FKT_DefiniereVariablen_AllgemeineFirmendaten(const ObjectRef& pZuDbFnrAllg,
                                                       StringView pListenUeberschrift) override {
@@ -210,10 +204,10 @@ class ForeignFormular final : public DruckFormular {
 
   private:
     bool truth(StringView operation, std::initializer_list<Variant> arguments) {
-        return toBoolean(call(operation, arguments), component().state.locale());
+        return toBoolean(call(operation, arguments), state_.locale());
     }
     std::int32_t number(StringView operation, std::initializer_list<Variant> arguments = {}) {
-        return toLong(call(operation, arguments), component().state.locale());
+        return toLong(call(operation, arguments), state_.locale());
     }
     Variant call(StringView operation, std::initializer_list<Variant> arguments = {}) {
         const auto member = ids_.try_emplace(operation, DISPID_UNKNOWN).first;
@@ -223,6 +217,7 @@ class ForeignFormular final : public DruckFormular {
     }
 
     ForeignObject object_;
+    ComponentState& state_;
     std::map<StringView, DISPID> ids_;
 };
 
@@ -232,12 +227,12 @@ IUnknown* createFormular() {
     return static_cast<IDispatch*>(new FormularClass);
 }
 
-std::shared_ptr<DruckFormular> formularOf(_clsDruckFormular* object) {
+std::shared_ptr<DruckFormular> formularOf(const ComPtr<_clsDruckFormular>& object, ComponentState& state) {
     if (!object)
         return nullptr;
     void* own = nullptr;
     if (FAILED(object->QueryInterface(kOwnFormular, &own)))
-        return std::make_shared<ForeignFormular>(object);
+        return std::make_shared<ForeignFormular>(object.get(), state);
     const std::shared_ptr<FormularClass> shared(static_cast<FormularClass*>(own),
                                                 [](FormularClass* formular) { formular->Release(); });
     return {shared, &shared->formular()};

@@ -1,4 +1,6 @@
-// By-reference parameters of the vtable, as the component takes them. A null pointer counts as the type's zero.
+// By-reference parameters of the vtable, as the component takes them: copied, or counted, when the operation
+// begins, since what they refer to is the host's and may be gone as soon as foreign code has run. None of these
+// runs any but the counting of a reference. A null pointer counts as the type's zero.
 #pragma once
 
 #include "com/foreign_object.h"
@@ -13,11 +15,15 @@ T in(const T* parameter) {
 inline std::int32_t in(const LONG* parameter) {
     return parameter ? static_cast<std::int32_t>(*parameter) : 0;
 }
-inline StringView in(const BSTR* parameter) {
-    return parameter ? textOf(*parameter) : StringView();
+inline String in(const BSTR* parameter) {
+    return parameter ? String(textOf(*parameter)) : String();
 }
 inline Variant in(const VARIANT* parameter) {
     return parameter ? valueOf(*parameter) : Variant();
+}
+template <class Interface>
+ComPtr<Interface> in(Interface* const* parameter) {
+    return parameter ? ComPtr<Interface>(*parameter) : ComPtr<Interface>();
 }
 inline ObjectRef in(IDispatch* const* parameter) {
     return parameter ? foreignObject(*parameter) : nullptr;

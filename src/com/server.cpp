@@ -1,39 +1,56 @@
 #include "com/server.h"
 
 #include "com/com_error.h"
-#include "com/engine_host.h"
-#include "com/host_libraries.h"
-#include "platform/windows/windows_platform.h"
 
 #include <oleauto.h>
+
+#include <new>
+#include <utility>
 
 namespace kvtdruck::com {
 namespace {
 
-struct Shared {
-    WindowsPlatform platform;
-    ComKvtzug kvtzug;
-    ComFehlerFactory fehler;
-    ComFormFactory forms;
-    ComponentState state{platform, kvtzug, fehler};
-    basLL80 jobTable{state};
+/// A place of every thread for its apartment. The system's own, since a compiler's thread-local variables leave
+/// memory behind when a DLL is unloaded.
+class ThreadSlot {
+  public:
+    ThreadSlot() : index_(TlsAlloc()) {}
+    ThreadSlot(const ThreadSlot&) = delete;
+    ThreadSlot& operator=(const ThreadSlot&) = delete;
+    ~ThreadSlot() { TlsFree(index_); }
+
+    Apartment* get() const { return static_cast<Apartment*>(TlsGetValue(index_)); }
+    void set(Apartment* apartment) const {
+        if (!TlsSetValue(index_, apartment))
+            throw std::bad_alloc();
+    }
+
+  private:
+    DWORD index_;
 };
 
-// Never destroyed by the end of the process: COM is gone by then, and the foreign objects with it.
-Shared* shared = nullptr;
+const ThreadSlot slot;
 
 } // namespace
 
 std::atomic<long> liveObjects = 0;
 
-Component component() {
-    if (!shared)
-        shared = new Shared;
-    return {shared->state, shared->jobTable, shared->forms};
+std::shared_ptr<Apartment> Apartment::current() {
+    if (auto* const apartment = slot.get())
+        return apartment->shared_from_this();
+    auto made = std::make_shared<Apartment>();
+    slot.set(made.get());
+    return made;
 }
 
-void releaseComponent() {
-    delete std::exchange(shared, nullptr);
+// First of all the thread forgets it: what is released now may call the host, which may make new objects.
+Apartment::~Apartment() {
+    if (isCurrent())
+        slot.set(nullptr);
+}
+
+bool Apartment::isCurrent() const {
+    return slot.get() == this;
 }
 
 HMODULE ownModule() {

@@ -21,17 +21,18 @@ String withSeparator(StringView path) {
 
 Variant clsDruckFormular::fkt_Starte_Form() {
     return guarded(state_, {kClass, u"fkt_Starte_Form"}, [&] {
-        frmDruck_ = formFactory_.create();
-        frmDruck_->ll60().put(kPropertyWhileLoading, true);
+        std::shared_ptr<Form> form = formFactory_.create();
+        frmDruck_ = std::shared_ptr(form); // moved: an earlier form may call the host while it is unloaded
+        form->ll60().put(kPropertyWhileLoading, true);
         return true;
     });
 }
 
 void clsDruckFormular::fkt_Form_Hide() {
     skippingErrors([&] {
-        Form& form = required(frmDruck_);
-        if (form.visible())
-            form.hide();
+        const auto form = frmDruck_;
+        if (required(form).visible())
+            form->hide();
     });
 }
 
@@ -44,7 +45,10 @@ void clsDruckFormular::fkt_Form_Unload() {
 template <class Body>
 std::int32_t clsDruckFormular::call(Body&& body) noexcept {
     std::int32_t rc = kEngineSuccess;
-    skippingErrors([&] { rc = body(required(frmDruck_)); });
+    skippingErrors([&] {
+        const auto form = frmDruck_;
+        rc = body(required(form));
+    });
     return rc;
 }
 
@@ -153,7 +157,8 @@ std::int32_t clsDruckFormular::LlPrintOptionsDialog(StringView pText) {
 void clsDruckFormular::LlPrintAbort() {
     skippingErrors([&] {
         const auto& locale = state_.locale();
-        const auto drForm = required(frmDruck_).ll60().member(u"DrForm");
+        const auto form = frmDruck_;
+        const auto drForm = required(form).ll60().member(u"DrForm");
         const auto ll60 = Member(u"ll60", ValueType::Object).call(drForm, locale);
         Member(u"LlPrintAbort", ValueType::Variant).call(*ll60.as<ObjectRef>(), locale);
     });

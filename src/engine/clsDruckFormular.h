@@ -59,7 +59,8 @@ class clsDruckFormular final : public DruckFormular {
 
     ComponentState& state_;
     FormFactory& formFactory_;
-    std::unique_ptr<Form> frmDruck_;
+    /// Held by every call as long as it lasts, since the host may unload the form meanwhile.
+    std::shared_ptr<Form> frmDruck_;
 };
 
 } // namespace kvtdruck

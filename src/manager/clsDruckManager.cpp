@@ -5,11 +5,12 @@
 #include "module/error_rule.h"
 #include "values/conversion.h"
 
+#include <utility>
+
 namespace kvtdruck {
 namespace {
 
 constexpr StringView kClass = u"clsDruckManager";
-constexpr std::int16_t kNoRow = -1;
 
 constexpr Launcher kLaunchers[] = {
     {u"Umsatz", u"Dr_Umsatz", new_clsDruck_Umsatz},
@@ -41,6 +42,26 @@ String previewName(StringView listName, Date now, const Locale& locale) {
     return name;
 }
 
+/// The product mode of a request, for as long as it runs. The last one stays; a request that ran within another one
+/// gives that its own back.
+class ProductMode {
+  public:
+    ProductMode(ComponentState& state, std::int16_t value)
+        : state_(state), previous_(std::exchange(state.pSelmoraFuer, value)) {
+        ++state_.runningRequests;
+    }
+    ProductMode(const ProductMode&) = delete;
+    ProductMode& operator=(const ProductMode&) = delete;
+    ~ProductMode() {
+        if (--state_.runningRequests > 0)
+            state_.pSelmoraFuer = previous_;
+    }
+
+  private:
+    ComponentState& state_;
+    std::int16_t previous_;
+};
+
 } // namespace
 
 std::span<const Launcher> allLaunchers() {
@@ -49,7 +70,7 @@ std::span<const Launcher> allLaunchers() {
 
 bool clsDruckManager::fkt_Init(const ObjectRef& pADOCon) {
     return guarded(state_, {kClass, u"fkt_Init"}, [&] {
-        connection_ = pADOCon;
+        connection_ = ObjectRef(pADOCon); // moved: letting go of the earlier one may call the host
         basLL80_.createTable();
         return false; // never set to True: hosts know it so
     });
@@ -60,9 +81,9 @@ bool clsDruckManager::Terminate_Preview(std::int32_t pParentHwnd) {
     bool result = true;
     skippingErrors([&] {
         for (std::int16_t row = 0; row < basLL80_.rowCount(); ++row) {
-            const auto& job = basLL80_.rowAt(row);
-            if (job.parentHwnd == pParentHwnd)
-                result = basLL80_.fkt_Terminiere_Review(u"", job.prevPath, row);
+            const auto job = basLL80_.rowAt(row);
+            if (job->parentHwnd == pParentHwnd)
+                result = basLL80_.fkt_Terminiere_Review(u"", String(job->prevPath), *job);
         }
     });
     return result;
@@ -72,89 +93,95 @@ bool clsDruckManager::fkt_Drucken(std::int16_t pPrintMode, double pFnr, const Ob
                                   StringView pApppath, StringView pListenname, bool pDruckmitDruckerauswahl,
                                   std::int32_t pParentHwnd, std::int16_t pSelmoraFuer) {
     return guarded(state_, {kClass, u"fkt_Drucken"}, [&] {
-        state_.pSelmoraFuer = pSelmoraFuer;
-        if (!Lese_Allgemeine_Firmendaten(pFnr))
+        const ProductMode productMode(state_, pSelmoraFuer);
+        // Connection, company, row and names are the request's own: a host that prints, connects or closes windows
+        // while foreign code runs or its messages are processed changes none of them.
+        const auto connection = connection_;
+        const auto company = Lese_Allgemeine_Firmendaten(connection, pFnr);
+        if (!company)
             return false;
-        // The request's own: a host that prints again while its messages are processed changes none of them.
-        const auto company = company_;
         const String listName(pListenname);
         const auto listenPath = String(pApppath) + u"\\DB\\BerichteLLVT";
         const auto prevPath = pPrintMode == kPreview ? listenPath + u"\\Preview" : listenPath;
-        if (!fkt_Registriere_Druckauftrag(pPrintMode, listName, pParentHwnd, prevPath))
+        const auto row = fkt_Registriere_Druckauftrag(pPrintMode, listName, pParentHwnd, prevPath);
+        if (!row)
             return false;
         if (pPrintMode == kPreview)
-            required(basLL80_.rowAt(currentRow_).adapter).LlPreviewSetTempPath(prevPath);
+            required(row->job().adapter).LlPreviewSetTempPath(prevPath);
         for (const auto& launcher : kLaunchers) {
             if (launcher.listName == listName)
-                return launch(launcher, {pPrintMode, pFnr, connection_, company, nullptr, listenPath, listName,
-                                         pDruckmitDruckerauswahl, pParArray, prevPath, currentRow_});
+                return launch(launcher, *row,
+                              {pPrintMode, pFnr, connection, company, nullptr, listenPath, listName,
+                               pDruckmitDruckerauswahl, pParArray, prevPath, row->index()});
         }
         return false;
     });
 }
 
-bool clsDruckManager::launch(const Launcher& launcher, PrintRequest request) {
+bool clsDruckManager::launch(const Launcher& launcher, RunningRow& row, PrintRequest request) {
     return guarded(state_, {kClass, launcher.procedure}, [&] {
-        // Held here as well: the window's next job may replace the row's adapter while this one runs.
-        const auto adapter = basLL80_.rowAt(currentRow_).adapter;
-        request.pDrFormDll = adapter.get();
-        return launcher.report({state_, basLL80_}, std::move(request))->fkt_Drucken();
+        request.pDrFormDll = row.job().adapter.get();
+        return launcher.report({state_, row}, std::move(request))->fkt_Drucken();
     });
 }
 
-bool clsDruckManager::Lese_Allgemeine_Firmendaten(double pFnr) {
+ObjectRef clsDruckManager::Lese_Allgemeine_Firmendaten(const ObjectRef& connection, double pFnr) {
     const Procedure procedure{kClass, u"Lese_Allgemeine_Firmendaten"};
-    return guarded(state_, procedure, [&] {
-        company_ = state_.dataLibrary().create(clsZugFirmaAllg);
-        CompanyData company(state_, company_);
-        if (!company.connect(connection_)) {
+    return guarded(state_, procedure, [&]() -> ObjectRef {
+        const auto object = state_.dataLibrary().create(clsZugFirmaAllg);
+        company_ = ObjectRef(object); // moved, as the connection is
+        CompanyData company(state_, object);
+        if (!company.connect(connection)) {
             state_.report(procedure, u"Die allgemeinen Firmendaten konnten nicht gelesen werden");
-            return false;
+            return nullptr;
         }
         if (company.read(pFnr))
-            return true;
+            return object;
         state_.report(procedure, u"Die allgemeinen Firmendaten für die Firma " + textOf(pFnr, state_.locale()) +
                                      u" sind nicht vorhanden.");
-        return false;
+        return nullptr;
     });
 }
 
-bool clsDruckManager::fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname,
-                                                   std::int32_t pParentHwnd, StringView pPrevPath) {
+std::unique_ptr<RunningRow> clsDruckManager::fkt_Registriere_Druckauftrag(std::int16_t pPrintMode,
+                                                                          StringView pListenname,
+                                                                          std::int32_t pParentHwnd,
+                                                                          StringView pPrevPath) {
     // Reports under a blank name; the host's error log depends on it.
     return guarded(state_, {kClass, u" "}, [&] {
-        currentRow_ = kNoRow;
-        currentRow_ = chooseRow(pListenname, pParentHwnd, pPrevPath);
-        const auto adapter = std::make_shared<clsDruckFormular>(state_, formFactory_);
-        basLL80_.rowAt(currentRow_).adapter = adapter;
-        adapter->fkt_Starte_Form();
+        auto row = chooseRow(pListenname, pParentHwnd, pPrevPath);
+        auto& job = row->job();
+        job.adapter = std::make_shared<clsDruckFormular>(state_, formFactory_);
+        job.adapter->fkt_Starte_Form();
 
-        auto& job = basLL80_.rowAt(currentRow_);
         job.parentHwnd = pParentHwnd;
         job.listName = pListenname;
-        job.isPreview = false;
-        job.process = 0;
+        job.isPreview = pPrintMode == kPreview;
+        job.process = {};
         job.previewName = previewName(pListenname, state_.platform().now(), state_.locale());
         job.prevPath = pPrevPath;
-        if (pPrintMode == kPreview)
-            job.isPreview = true;
-        return true;
+        return row;
     });
 }
 
 /// The window's row, its viewers ended, or else a new one. Among several rows of the window the last one is taken.
-std::int16_t clsDruckManager::chooseRow(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath) {
-    auto chosen = kNoRow;
-    for (std::int16_t row = 0; row < basLL80_.rowCount(); ++row) {
-        if (basLL80_.rowAt(row).parentHwnd == pParentHwnd) {
-            chosen = row;
-            basLL80_.fkt_Terminiere_Review(pListenname, pPrevPath, row);
-        }
+/// A row that a request of the window works on at this moment is left to it.
+std::unique_ptr<RunningRow> clsDruckManager::chooseRow(StringView pListenname, std::int32_t pParentHwnd,
+                                                       StringView pPrevPath) {
+    std::unique_ptr<RunningRow> chosen;
+    // Rows that are added meanwhile belong to others.
+    const auto count = basLL80_.rowCount();
+    for (std::int16_t row = 0; row < count && row < basLL80_.rowCount(); ++row) {
+        const auto job = basLL80_.rowAt(row);
+        if (job->isBusy || job->parentHwnd != pParentHwnd)
+            continue;
+        chosen = std::make_unique<RunningRow>(basLL80_, row);
+        basLL80_.fkt_Terminiere_Review(pListenname, pPrevPath, *job);
     }
-    if (chosen != kNoRow)
-        return chosen;
-    chosen = basLL80_.appendRow();
-    basLL80_.Loesche_Previewdateien(pListenname, pPrevPath, chosen);
+    if (!chosen) {
+        chosen = std::make_unique<RunningRow>(basLL80_, basLL80_.appendRow());
+        basLL80_.Loesche_Previewdateien(pListenname, pPrevPath, chosen->job());
+    }
     return chosen;
 }
 

@@ -43,18 +43,19 @@ class clsDruckManager {
                      std::int16_t pSelmoraFuer);
 
   private:
-    bool Lese_Allgemeine_Firmendaten(double pFnr);
-    bool fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname, std::int32_t pParentHwnd,
-                                      StringView pPrevPath);
-    std::int16_t chooseRow(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath);
-    bool launch(const Launcher& launcher, PrintRequest request);
+    /// The company's general data; empty where they can't be had, which is reported.
+    ObjectRef Lese_Allgemeine_Firmendaten(const ObjectRef& connection, double pFnr);
+    /// The request's row; empty where it could not be registered.
+    std::unique_ptr<RunningRow> fkt_Registriere_Druckauftrag(std::int16_t pPrintMode, StringView pListenname,
+                                                             std::int32_t pParentHwnd, StringView pPrevPath);
+    std::unique_ptr<RunningRow> chooseRow(StringView pListenname, std::int32_t pParentHwnd, StringView pPrevPath);
+    bool launch(const Launcher& launcher, RunningRow& row, PrintRequest request);
 
     ComponentState& state_;
     basLL80& basLL80_;
     FormFactory& formFactory_;
     ObjectRef connection_;
     ObjectRef company_;
-    std::int16_t currentRow_ = -1;
 };
 
 } // namespace kvtdruck

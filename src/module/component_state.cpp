@@ -29,8 +29,11 @@ void ComponentState::reportRuntimeError(const Procedure& procedure) noexcept {
 // A report that can't be delivered must not become an error of its own: nothing ever leaves the component.
 void ComponentState::report(const Procedure& procedure, long number, StringView text, bool runtime) noexcept {
     skippingErrors([&] {
-        if (!errorReport_)
-            errorReport_ = errorReports_.create();
+        if (!errorReport_) {
+            auto created = errorReports_.create(); // foreign code, which may cause a report of its own
+            if (!errorReport_)
+                errorReport_ = std::move(created);
+        }
         required(errorReport_).fkt_Fehlermeldung(procedure.className, procedure.name, number, text, runtime);
     });
 }

@@ -29,6 +29,8 @@ class ComponentState {
 
     /// The host's product-mode value, handed to every data-access object unchanged.
     std::int16_t pSelmoraFuer = 0;
+    /// Requests that run at this moment, one within the other.
+    int runningRequests = 0;
 
     /// Reports a message that the component composed itself: number 0, no run-time error.
     void report(const Procedure& procedure, StringView text) noexcept;

@@ -24,15 +24,22 @@ class FileSystem {
     virtual void rename(StringView path, StringView newName) = 0;
 };
 
-/// Processes by id.
+/// A process that was started here.
+struct Process {
+    /// 0: none.
+    std::int32_t id = 0;
+    /// Where the system gives the id of an ended process to another one as soon as nobody holds it, this does.
+    std::shared_ptr<void> hold = nullptr;
+};
+
 class Processes {
   public:
     virtual ~Processes() = default;
     /// Starts a command line (program by search path, arguments in double quotes) with a normal, focused window,
-    /// without waiting; gives its process id. Run-time error 53 where the program is not found.
-    virtual std::int32_t start(StringView commandLine) = 0;
-    /// Ends the process with exit code 0. An id that no longer exists is ignored.
-    virtual void terminate(std::int32_t id) = 0;
+    /// without waiting. Run-time error 53 where the program is not found.
+    virtual Process start(StringView commandLine) = 0;
+    /// Ends the process with exit code 0. One that has ended already is ignored.
+    virtual void terminate(const Process& process) = 0;
 };
 
 /// The surroundings of the component within one process. It outlives every object of the component.

@@ -22,14 +22,15 @@ constexpr CLSID kFehlerClass = {0xD26DE823, 0x97C9, 0x11D1, {0x8B, 0x58, 0x00, 0
 /// Stands before the registered class within this process, and makes no objects.
 class RefusingFactory final : public LastingObject<IClassFactory> {
   public:
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID, void** object) override {
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
         *object = nullptr;
         ++asked;
-        return CLASS_E_CLASSNOTAVAILABLE;
+        return offered == nullptr ? CLASS_E_CLASSNOTAVAILABLE : offered->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
     int asked = 0;
+    IUnknown* offered = nullptr; ///< the object that is made all the same
 };
 
 /// As long as it lives, the process belongs to a window station that nobody sees, as a service does.
@@ -102,9 +103,10 @@ class Fallback : public HostTest {
         return all;
     }
 
+    RefusingFactory factory_;
+
   private:
     std::filesystem::path log_;
-    RefusingFactory factory_;
     DWORD cookie_ = 0;
 };
 
@@ -119,6 +121,14 @@ TEST_F(Fallback, ServiceGetsALineInTheLogAndNoBox) {
     EXPECT_FALSE(print(*readyManager().get(), L"Umsatz", 0, 4711));
     EXPECT_THAT(log(), ElementsAre(logLine("clsDruckManager.Lese_Allgemeine_Firmendaten: Meldung: Die allgemeinen "
                                            "Firmendaten für die Firma 4711 sind nicht vorhanden.")));
+}
+
+TEST_F(Fallback, ObjectThatAnswersToNoNamesIsNoReporter) {
+    const InvisibleStation station;
+    LastingObject<IUnknown> mute;
+    factory_.offered = &mute;
+    EXPECT_FALSE(print(*readyManager().get(), L"Umsatz", 0, 4711));
+    EXPECT_THAT(log(), SizeIs(1));
 }
 
 TEST_F(Fallback, UserSeesTheMessageToo) {

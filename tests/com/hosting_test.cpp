@@ -42,6 +42,24 @@ TEST_F(Hosting, ControlInvisibleAtRunTimeIsNotActivated) {
                                             "ambient LOCALEID 1031", "Close 1", "SetClientSite NULL"));
 }
 
+TEST_F(Hosting, ControlThatKeepsItsDataInAStorage) {
+    loadForm(L"stored");
+    EXPECT_EQ(hostingSteps().front(), "InitNew in a storage");
+}
+
+TEST_F(Hosting, ControlThatAnswersToNoNamesIsNone) {
+    offerControl(L"mute");
+    const auto adapter = create<DruckFormular>(kFormularClass.clsid, kFormularClass.iid);
+    Value loaded;
+    ASSERT_EQ(adapter->fkt_Starte_Form(&loaded), S_OK);
+    EXPECT_EQ(loaded.boolVal, VARIANT_FALSE);
+    EXPECT_THAT(reportedErrors(), ElementsAre(testing::StartsWith("clsDruckFormular|fkt_Starte_Form|429|")));
+    EXPECT_THAT(hostingSteps(), IsEmpty());
+    long judged = 0;
+    EXPECT_EQ(adapter->LlPrint(&judged), S_OK);
+    EXPECT_EQ(judged, -1);
+}
+
 TEST_F(Hosting, ControlWithoutEmbedding) {
     loadForm(L"bare");
     EXPECT_THAT(hostingSteps(), IsEmpty());

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 namespace kvtdruck::test {
 namespace {
@@ -41,6 +43,37 @@ TEST_P(RegistrationFree, NameLeadsToTheClass) {
     CLSID found{};
     ASSERT_EQ(CLSIDFromProgID((std::wstring(L"KVTDruck.") + GetParam().name).c_str(), &found), S_OK);
     expectCreated(found);
+}
+
+// The manifest tells COM how to carry calls of the interface to the object's thread.
+TEST_P(RegistrationFree, InterfaceIsMarshalledBetweenApartments) {
+    IUnknown* object = nullptr;
+    ASSERT_EQ(CoCreateInstance(GetParam().clsid, nullptr, CLSCTX_INPROC_SERVER, GetParam().iid,
+                               reinterpret_cast<void**>(&object)),
+              S_OK);
+    IStream* stream = nullptr;
+    EXPECT_EQ(CoMarshalInterThreadInterfaceInStream(GetParam().iid, object, &stream), S_OK);
+    HRESULT unmarshalled = E_FAIL;
+    std::atomic<bool> done = false;
+    std::thread other([&] {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        IUnknown* proxy = nullptr;
+        if (stream != nullptr)
+            unmarshalled = CoGetInterfaceAndReleaseStream(stream, GetParam().iid, reinterpret_cast<void**>(&proxy));
+        if (proxy != nullptr)
+            proxy->Release();
+        CoUninitialize();
+        done = true;
+    });
+    MSG message;
+    while (!done)
+        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0)
+            DispatchMessageW(&message);
+        else
+            Sleep(1);
+    other.join();
+    EXPECT_EQ(unmarshalled, S_OK);
+    object->Release();
 }
 
 INSTANTIATE_TEST_SUITE_P(AllClasses, RegistrationFree, testing::ValuesIn(kComponentClasses),

@@ -216,7 +216,7 @@ class EveryFault : public ::testing::TestWithParam<std::tuple<ReportDescription,
         calls = host.world.outside.calls;
         record = host.world.engineCalls;
         files = host.world.files;
-        row = host.jobs.rowAt(1);
+        row = *host.jobs.rowAt(1);
         row.adapter.reset();
         live = host.world.outside.live;
     }
@@ -238,7 +238,7 @@ class EveryFault : public ::testing::TestWithParam<std::tuple<ReportDescription,
     /// Prints with the fault at `position`, behind a viewer and a preview file as a good print leaves them.
     bool printWithFault(std::size_t position) {
         host.world.files = files;
-        auto& job = host.jobs.rowAt(1);
+        auto& job = *host.jobs.rowAt(1);
         job.process = row.process;
         job.isPreview = row.isPreview;
         job.previewName = row.previewName;
@@ -284,9 +284,9 @@ class EveryFault : public ::testing::TestWithParam<std::tuple<ReportDescription,
                 return;
         }
         host.world.files = files;
-        host.jobs.rowAt(1).process = row.process;
-        host.jobs.rowAt(1).isPreview = row.isPreview;
-        host.jobs.rowAt(1).previewName = row.previewName;
+        host.jobs.rowAt(1)->process = row.process;
+        host.jobs.rowAt(1)->isPreview = row.isPreview;
+        host.jobs.rowAt(1)->previewName = row.previewName;
         EXPECT_TRUE(print());
         EXPECT_EQ(host.world.outside.calls, calls);
         EXPECT_EQ(host.world.engineCalls, record);

@@ -49,6 +49,8 @@ class FakeReader final : public Object {
             ++position_;
         else if (name == u"Verbinde" || name.starts_with(u"Lese"))
             return answer(name, arguments);
+        else if (name == u"Fnr" && company_)
+            return *company_;
         else
             return position_ < records_.count ? records_.value(name, position_) : Variant();
         return true;
@@ -62,6 +64,8 @@ class FakeReader final : public Object {
     Variant answer(const String& name, std::span<const Variant> arguments) {
         if (name != u"Verbinde")
             records_.reads.emplace_back(arguments.begin(), arguments.end());
+        if (name == u"LeseFirmaAllg")
+            company_ = arguments[0];
         position_ = 0;
         const auto found = records_.answers.find(name);
         return found == records_.answers.end() || found->second;
@@ -73,6 +77,7 @@ class FakeReader final : public Object {
     Records& records_;
     std::vector<String> members_;
     std::size_t position_ = 0;
+    std::optional<Variant> company_; ///< whose general data were read
 };
 
 class FakeControl final : public Control {
@@ -201,14 +206,14 @@ class FakeFiles final : public FileSystem {
 class FakeProcesses final : public Processes {
   public:
     explicit FakeProcesses(World& world) : world_(world) {}
-    std::int32_t start(StringView commandLine) override {
+    Process start(StringView commandLine) override {
         world_.outside.call("process start");
         world_.started.push_back(toUtf8(commandLine));
-        return 1000 + static_cast<std::int32_t>(world_.started.size());
+        return {1000 + static_cast<std::int32_t>(world_.started.size())};
     }
-    void terminate(std::int32_t id) override {
+    void terminate(const Process& process) override {
         world_.outside.call("process end");
-        world_.ended.push_back(id);
+        world_.ended.push_back(process.id);
     }
 
   private:
@@ -227,6 +232,8 @@ std::ostream& operator<<(std::ostream& out, const ErrorReport& report) {
 
 void Outside::call(const std::string& name) {
     calls.push_back(name);
+    if (interruptAt && *interruptAt + 1 == calls.size())
+        std::exchange(interrupt, nullptr)();
     if (!hits(failAt))
         return;
     switch (fault) {

@@ -44,6 +44,9 @@ class Outside {
     std::int32_t code = -10;
     bool forGood = false; ///< all further calls fail as well
     bool mute = false;    ///< the error-report object can't be created, and takes no report
+    /// Called within the call at position `interruptAt`, before it is answered.
+    std::optional<std::size_t> interruptAt;
+    std::function<void()> interrupt;
     /// Fakes that live; 0 after everything is gone.
     int live = 0;
 

@@ -23,7 +23,7 @@ class Manager : public ::testing::Test {
         host.engineWritesPreview();
         return host.print({.mode = 1, .array = allYears(), .window = window});
     }
-    const JobRow& row(std::int16_t index) { return host.jobs.rowAt(index); }
+    const JobRow& row(std::int16_t index) { return *host.jobs.rowAt(index); }
 
     Host host;
 };
@@ -40,7 +40,7 @@ TEST_F(Manager, RowZeroStaysUnused) {
     EXPECT_EQ(row(0).adapter, nullptr);
     EXPECT_EQ(row(1).parentHwnd, kWindow);
     EXPECT_EQ(row(1).listName, u"Umsatz");
-    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(row(1).process.id, 0);
     EXPECT_FALSE(row(1).isPreview);
     EXPECT_EQ(toUtf8(row(1).prevPath), kLayouts) << "a printed job has the layout folder as its preview path";
 }
@@ -65,13 +65,13 @@ TEST_F(Manager, AmongSeveralRowsOfAWindowTheLastIsTakenAndEachViewerEnded) {
     preview();
     const auto copy = row(1);
     host.jobs.appendRow();
-    host.jobs.rowAt(2) = copy;
-    host.jobs.rowAt(2).process = 4321;
+    *host.jobs.rowAt(2) = copy;
+    host.jobs.rowAt(2)->process = {4321};
     host.world.ended.clear();
     EXPECT_TRUE(preview());
     EXPECT_THAT(host.world.ended, ElementsAre(1001, 4321));
-    EXPECT_EQ(row(2).process, 1002);
-    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(row(2).process.id, 1002);
+    EXPECT_EQ(row(1).process.id, 0);
 }
 
 TEST_F(Manager, InitForgetsEveryRow) {
@@ -169,7 +169,7 @@ TEST_F(Manager, APreviewIsRenamedAndShown) {
     const auto kept = kPreviews + "\\Umsatz04032026050607.ll";
     EXPECT_THAT(host.world.started, ElementsAre("llview12.exe \"" + kept + "\""));
     EXPECT_THAT(host.world.files, ElementsAre(kept));
-    EXPECT_EQ(row(1).process, 1001);
+    EXPECT_EQ(row(1).process.id, 1001);
     EXPECT_TRUE(row(1).isPreview);
     EXPECT_EQ(host.world.pumps, 1);
     EXPECT_THAT(host.world.engineCalls,
@@ -185,7 +185,7 @@ TEST_F(Manager, TheNextPreviewEndsTheFirstViewerAndRemovesItsFile) {
     EXPECT_THAT(host.world.ended, ElementsAre(1001));
     EXPECT_THAT(host.world.removed, ElementsAre(first, kPreviews + "\\Umsatz.ll"));
     EXPECT_THAT(host.world.files, ElementsAre(kPreviews + "\\Umsatz04032026050608.ll"));
-    EXPECT_EQ(row(1).process, 1002);
+    EXPECT_EQ(row(1).process.id, 1002);
 }
 
 TEST_F(Manager, ANewRowRemovesALeftOverPreviewOfItsList) {
@@ -208,7 +208,7 @@ TEST_F(Manager, ClosingAWindowEndsItsViewerAndLooksForAFileWithoutName) {
     EXPECT_TRUE(host.manager.Terminate_Preview(kWindow));
     EXPECT_THAT(host.world.ended, ElementsAre(1001));
     EXPECT_THAT(host.world.removed, ElementsAre(kPreviews + "\\Umsatz04032026050607.ll", kPreviews + "\\.ll"));
-    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(row(1).process.id, 0);
     EXPECT_EQ(host.jobs.rowCount(), 2) << "the row stays";
     EXPECT_TRUE(host.manager.Terminate_Preview(kWindow));
     EXPECT_EQ(host.world.ended.size(), 1u);
@@ -222,10 +222,10 @@ TEST_F(Manager, ClosingAWindowWithoutARowDoesNothing) {
 
 TEST_F(Manager, APrintedJobNeverEndsAProcess) {
     host.print({.array = allYears()});
-    host.jobs.rowAt(1).process = 555;
+    host.jobs.rowAt(1)->process = {555};
     host.manager.Terminate_Preview(kWindow);
     EXPECT_THAT(host.world.ended, IsEmpty());
-    EXPECT_EQ(row(1).process, 555);
+    EXPECT_EQ(row(1).process.id, 555);
 }
 
 TEST_F(Manager, AMissingPreviewFileIsReportedAndTheReportStillCounts) {
@@ -233,7 +233,7 @@ TEST_F(Manager, AMissingPreviewFileIsReportedAndTheReportStillCounts) {
     EXPECT_THAT(host.world.reports,
                 ElementsAre(runtimeError("basLL80", "fkt_Aktiviere_Preview", ErrorNumber::FileNotFound)));
     EXPECT_THAT(host.world.started, IsEmpty());
-    EXPECT_EQ(row(1).process, 0);
+    EXPECT_EQ(row(1).process.id, 0);
 }
 
 TEST_F(Manager, PreviewNamesLoseDotsColonsAndBlanksAlone) {
@@ -257,7 +257,7 @@ TEST_F(Manager, AHostThatPrintsWhileMessagesAreProcessedLosesNothing) {
             host.print({.list = u"unbekannt", .array = nullptr, .window = window});
     };
     EXPECT_TRUE(host.print({.mode = 1, .array = allYears()}));
-    EXPECT_EQ(row(1).process, 1001);
+    EXPECT_EQ(row(1).process.id, 1001);
 }
 
 TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
@@ -270,7 +270,7 @@ TEST_F(Manager, AHostThatPrintsWhileItsViewerEndsKeepsBothJobs) {
     EXPECT_EQ(toUtf8(row(1).prevPath), kLayouts);
     EXPECT_EQ(row(2).parentHwnd, 100);
     EXPECT_EQ(toUtf8(row(2).prevPath), kPreviews);
-    EXPECT_EQ(row(2).process, 1002);
+    EXPECT_EQ(row(2).process.id, 1002);
     EXPECT_THAT(host.world.reports, IsEmpty());
 }
 
@@ -308,21 +308,94 @@ TEST_F(Manager, AFailureInTheFirstPrintOfAllLeavesNothingForTheSecond) {
     }
 }
 
-TEST_F(Manager, AHostThatInitialisesWhileItsViewerEndsLosesTheJobsRow) {
+TEST_F(Manager, AHostThatInitialisesWhileItsViewerEndsForgetsTheRowButNotTheJob) {
     preview();
+    const auto record = host.world.engineCalls;
+    host.world.engineCalls.clear();
+    host.engineWritesPreview();
     host.world.whilePumping = [this] { host.manager.fkt_Init(nullptr); };
-    EXPECT_FALSE(host.print({.array = allYears()}));
-    EXPECT_THAT(host.world.reports,
-                ElementsAre(runtimeError("clsDruckManager", " ", ErrorNumber::SubscriptOutOfRange)));
+    EXPECT_TRUE(host.print({.mode = 1, .array = allYears()}));
+    EXPECT_EQ(host.world.engineCalls, record);
+    EXPECT_EQ(host.world.started.size(), 2u);
+    EXPECT_EQ(host.jobs.rowCount(), 1);
+    EXPECT_THAT(host.world.reports, IsEmpty());
 }
+
+TEST_F(Manager, AJobForTheWindowOfARunningOneTakesARowOfItsOwn) {
+    preview();
+    host.engineWritesPreview();
+    host.world.whilePumping = [this] { EXPECT_TRUE(host.print({.mode = 0, .array = allYears()})); };
+    EXPECT_TRUE(host.print({.mode = 1, .array = allYears()}));
+    EXPECT_TRUE(row(1).isPreview);
+    EXPECT_EQ(row(1).process.id, 1002);
+    EXPECT_FALSE(row(2).isPreview);
+    EXPECT_EQ(row(2).parentHwnd, kWindow);
+    EXPECT_TRUE(host.manager.Terminate_Preview(kWindow));
+    EXPECT_THAT(host.world.ended, ElementsAre(1001, 1002));
+}
+
+/// What a host may do while foreign code runs.
+struct Disturbance {
+    const char* name;
+    void (*run)(Host& host);
+};
+
+class Disturbed : public ::testing::TestWithParam<Disturbance> {};
+
+TEST_P(Disturbed, APrintGivesTheEngineWhatItWouldHaveGivenAlone) {
+    const auto prepare = [](Host& host) {
+        host.world.readers["clsZugUmsatz"].values[u"Jahr"] = {2024.0};
+        host.engineWritesPreview();
+    };
+    const auto print = [](Host& host) {
+        return host.print({.mode = 1, .array = host.world.array({{true, Variant(0.0), Variant(0.0)}})});
+    };
+    Host alone;
+    prepare(alone);
+    EXPECT_TRUE(print(alone));
+    for (std::size_t position = 0; position < alone.world.outside.calls.size(); ++position) {
+        SCOPED_TRACE(std::to_string(position) + " " + alone.world.outside.calls[position]);
+        Host host;
+        prepare(host);
+        host.world.outside.interruptAt = position;
+        host.world.outside.interrupt = [&] {
+            auto record = std::exchange(host.world.engineCalls, {});
+            GetParam().run(host);
+            host.world.engineCalls = std::move(record);
+        };
+        EXPECT_TRUE(print(host));
+        EXPECT_EQ(host.world.engineCalls, alone.world.engineCalls);
+        EXPECT_EQ(host.world.started.size(), 1u);
+        EXPECT_EQ(host.state.pSelmoraFuer, 3);
+        EXPECT_THAT(host.world.reports, IsEmpty());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ByTheHost, Disturbed,
+    ::testing::Values(
+        Disturbance{
+            "PrintOfAnotherCompany",
+            [](Host& host) {
+                EXPECT_TRUE(host.print(
+                    {.array = host.world.array({{true, 0.0, 0.0}}), .window = 99, .company = 8, .productMode = 5}));
+            }},
+        Disturbance{"PrintForTheSameWindow",
+                    [](Host& host) {
+                        EXPECT_TRUE(host.print(
+                            {.array = host.world.array({{true, 0.0, 0.0}}), .company = 8, .productMode = 5}));
+                    }},
+        Disturbance{"NewConnection", [](Host& host) { host.manager.fkt_Init(nullptr); }},
+        Disturbance{"EndOfPreviews", [](Host& host) { EXPECT_TRUE(host.manager.Terminate_Preview(kWindow)); }}),
+    [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
     preview();
     host.jobs.appendRow();
-    host.jobs.rowAt(2) = row(1);
+    *host.jobs.rowAt(2) = row(1);
     const auto ends = [this](std::size_t failing) {
         for (std::int16_t index : {std::int16_t{1}, std::int16_t{2}})
-            host.jobs.rowAt(index).process = 600 + index;
+            host.jobs.rowAt(index)->process = {600 + index};
         host.world.reports.clear();
         // Four calls for each row: its process, two files, the pending messages.
         host.world.outside.failAt = host.world.outside.calls.size() + failing;
@@ -333,11 +406,11 @@ TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
     };
     host.world.files.clear();
     EXPECT_TRUE(ends(0)) << "the first row's failure is forgotten";
-    EXPECT_EQ(row(1).process, 601);
-    EXPECT_EQ(row(2).process, 0);
+    EXPECT_EQ(row(1).process.id, 601);
+    EXPECT_EQ(row(2).process.id, 0);
     EXPECT_FALSE(ends(4));
-    EXPECT_EQ(row(1).process, 0);
-    EXPECT_EQ(row(2).process, 602);
+    EXPECT_EQ(row(1).process.id, 0);
+    EXPECT_EQ(row(2).process.id, 602);
 }
 
 TEST_F(Manager, AViewerThatDoesNotStartLeavesTheRenamedFile) {
@@ -352,7 +425,7 @@ TEST_F(Manager, AViewerThatDoesNotStartLeavesTheRenamedFile) {
         << "the viewer's result is ignored";
     EXPECT_THAT(fresh.world.reports, ElementsAre(injected("basLL80", "fkt_Aktiviere_Preview")));
     EXPECT_THAT(fresh.world.files, ElementsAre(kPreviews + "\\Umsatz04032026050607.ll"));
-    EXPECT_EQ(fresh.jobs.rowAt(1).process, 0);
+    EXPECT_EQ(fresh.jobs.rowAt(1)->process.id, 0);
 }
 
 } // namespace

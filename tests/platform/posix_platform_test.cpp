@@ -220,18 +220,19 @@ TEST_F(RealProcesses, ProgramThatMayNotBeStarted) {
 }
 
 TEST_F(RealProcesses, TerminateEndsTheProcess) {
-    const std::int32_t id = processes.start(u"sleep 1000");
+    const auto process = processes.start(u"sleep 1000");
+    const auto id = process.id;
     EXPECT_TRUE(processes.isRunning(id));
     EXPECT_EQ(kill(id, 0), 0);
-    processes.terminate(id);
+    processes.terminate(process);
     EXPECT_TRUE(eventually([&] { return !processes.isRunning(id); }));
     // It is gone altogether, not waiting to be asked after.
     EXPECT_EQ(kill(id, 0), -1);
-    processes.terminate(id);
+    processes.terminate(process);
 }
 
 TEST_F(RealProcesses, EndedProcessesLeaveNoTrace) {
-    const std::int32_t id = processes.start(u"true");
+    const auto id = processes.start(u"true").id;
     EXPECT_TRUE(eventually([&] { return !processes.isRunning(id); }));
     EXPECT_EQ(waitpid(id, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
@@ -244,9 +245,9 @@ TEST_F(RealProcesses, ForeignProcessesAreLeftAlone) {
         pause();
         _exit(0);
     }
-    processes.terminate(foreign);
-    processes.terminate(0);
-    processes.terminate(-1);
+    processes.terminate({foreign});
+    processes.terminate({0});
+    processes.terminate({-1});
     EXPECT_EQ(waitpid(foreign, nullptr, WNOHANG), 0);
     kill(foreign, SIGKILL);
     int status = 0;
@@ -258,7 +259,7 @@ TEST_F(RealProcesses, OutliveTheirStarter) {
     std::int32_t id = 0;
     {
         PosixProcesses starter({});
-        id = starter.start(u"sleep 1000");
+        id = starter.start(u"sleep 1000").id;
     }
     EXPECT_EQ(kill(id, 0), 0);
     EXPECT_EQ(getsid(id), id) << "a session of its own, so that no terminal takes it along";
@@ -272,10 +273,10 @@ TEST_F(RealProcesses, InheritNoOpenFiles) {
                                 (folder / "tmp").string() + "' '" + list.string() + "'\nsleep 1000");
     const int open = dup2(STDIN_FILENO, 50);
     ASSERT_EQ(open, 50);
-    const std::int32_t id = processes.start(u"lister");
+    const auto process = processes.start(u"lister");
     ASSERT_TRUE(eventually([&] { return fs::exists(list); }));
     EXPECT_THAT(contentOf(list), testing::Not(testing::HasSubstr("50")));
-    processes.terminate(id);
+    processes.terminate(process);
     close(open);
 }
 

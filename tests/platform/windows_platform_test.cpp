@@ -4,15 +4,18 @@
 #include "values/conversion.h"
 #include "values/printers.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <windows.h>
 
 #include <cwchar>
+#include <functional>
 #include <string>
 #include <vector>
 
 using namespace kvtdruck;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace {
 
@@ -194,29 +197,30 @@ DWORD exitCode(std::int32_t id) {
 TEST(Processes, StartAndTerminate) {
     WindowsProcesses processes;
     // Without arguments the command interpreter waits for input that never comes.
-    const std::int32_t id = processes.start(u"cmd.exe /c pause");
-    EXPECT_EQ(exitCode(id), static_cast<DWORD>(STILL_ACTIVE));
-    const HANDLE process = OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, FALSE, static_cast<DWORD>(id));
-    ASSERT_NE(process, nullptr);
-    processes.terminate(id);
-    EXPECT_EQ(WaitForSingleObject(process, 30000), WAIT_OBJECT_0);
-    DWORD code = 1;
-    EXPECT_TRUE(GetExitCodeProcess(process, &code));
-    EXPECT_EQ(code, 0U);
-    CloseHandle(process);
-    processes.terminate(id);
-    processes.terminate(0);
+    const auto process = processes.start(u"cmd.exe /c pause");
+    EXPECT_EQ(exitCode(process.id), static_cast<DWORD>(STILL_ACTIVE));
+    processes.terminate(process);
+    EXPECT_EQ(WaitForSingleObject(process.hold.get(), 30000), WAIT_OBJECT_0);
+    EXPECT_EQ(exitCode(process.id), 0U);
+    processes.terminate(process);
+    processes.terminate({});
+}
+
+TEST(Processes, IdOfAnEndedProcessIsNobodyElsesWhileItIsHeld) {
+    WindowsProcesses processes;
+    const auto ended = processes.start(u"cmd.exe /c exit 3");
+    EXPECT_EQ(WaitForSingleObject(ended.hold.get(), 30000), WAIT_OBJECT_0);
+    EXPECT_EQ(exitCode(ended.id), 3U) << "the system still knows it";
+    processes.terminate(ended);
+    EXPECT_EQ(exitCode(ended.id), 3U);
 }
 
 TEST(Processes, PassTheCommandLineOn) {
     Folder folder;
     WindowsPlatform platform;
     const String file = folder / u"Ergebnis für Größe.txt";
-    const std::int32_t id = platform.processes().start(u"cmd.exe /c echo x> \"" + file + u"\"");
-    if (const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(id))) {
-        EXPECT_EQ(WaitForSingleObject(process, 30000), WAIT_OBJECT_0);
-        CloseHandle(process);
-    }
+    const auto process = platform.processes().start(u"cmd.exe /c echo x> \"" + file + u"\"");
+    EXPECT_EQ(WaitForSingleObject(process.hold.get(), 30000), WAIT_OBJECT_0);
     EXPECT_TRUE(platform.createFileSystem()->exists(file));
 }
 
@@ -262,34 +266,90 @@ TEST(Surroundings, Clock) {
     EXPECT_LE(now.days, date(after));
 }
 
-int arrived = 0;
+class Messages : public testing::Test {
+  protected:
+    Messages() {
+        WNDCLASSW windowClass{};
+        windowClass.lpszClassName = L"kvtdruck-test";
+        windowClass.lpfnWndProc = receive;
+        RegisterClassW(&windowClass);
+        window =
+            CreateWindowW(windowClass.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        EXPECT_NE(window, nullptr);
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    }
+    ~Messages() override {
+        DestroyWindow(window);
+        UnregisterClassW(L"kvtdruck-test", nullptr);
+    }
 
-LRESULT CALLBACK countMessages(HWND window, UINT message, WPARAM first, LPARAM second) {
-    arrived += message == WM_APP ? 1 : 0;
-    return DefWindowProcW(window, message, first, second);
-}
+    void post(UINT message) { EXPECT_TRUE(PostMessageW(window, message, 0, 0)); }
 
-TEST(Surroundings, PendingMessagesArriveOnceAndQuitStays) {
     WindowsPlatform platform;
-    WNDCLASSW windowClass{};
-    windowClass.lpszClassName = L"kvtdruck-test";
-    windowClass.lpfnWndProc = countMessages;
-    ASSERT_NE(RegisterClassW(&windowClass), 0);
-    const HWND window =
-        CreateWindowW(windowClass.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    ASSERT_NE(window, nullptr);
-    PostMessageW(window, WM_APP, 0, 0);
-    PostMessageW(window, WM_APP, 0, 0);
-    EXPECT_EQ(arrived, 0);
+    HWND window = nullptr;
+    std::vector<UINT> arrived;
+    std::function<void(UINT)> handler; ///< called for each message that arrives
+
+  private:
+    static LRESULT CALLBACK receive(HWND window, UINT message, WPARAM first, LPARAM second) {
+        auto* const self = reinterpret_cast<Messages*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (self == nullptr || (message < WM_APP && message != WM_TIMER))
+            return DefWindowProcW(window, message, first, second);
+        self->arrived.push_back(message);
+        if (self->handler)
+            self->handler(message);
+        return 0;
+    }
+};
+
+TEST_F(Messages, PendingOnesArriveOnceAndQuitStays) {
+    post(WM_APP);
+    post(WM_APP + 1);
+    EXPECT_THAT(arrived, IsEmpty());
     platform.processPendingMessages();
-    EXPECT_EQ(arrived, 2);
+    EXPECT_THAT(arrived, ElementsAre(WM_APP, WM_APP + 1));
     PostQuitMessage(7);
     platform.processPendingMessages();
     MSG message;
     ASSERT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
     EXPECT_EQ(message.wParam, 7U);
-    DestroyWindow(window);
+}
+
+TEST_F(Messages, OneThatIsPostedAnewByItsHandlerWaitsForTheNextPass) {
+    handler = [this](UINT message) { post(message); };
+    post(WM_APP);
+    for (std::size_t pass = 1; pass <= 3; ++pass) {
+        platform.processPendingMessages();
+        EXPECT_EQ(arrived.size(), pass);
+    }
+}
+
+TEST_F(Messages, PassWithinAPassTakesWhatIsPendingThen) {
+    handler = [this](UINT message) {
+        if (message != WM_APP)
+            return;
+        post(WM_APP + 2);
+        platform.processPendingMessages();
+        EXPECT_THAT(arrived, ElementsAre(WM_APP, WM_APP + 1, WM_APP + 2));
+        post(WM_APP + 3);
+    };
+    post(WM_APP);
+    post(WM_APP + 1);
+    platform.processPendingMessages();
+    EXPECT_THAT(arrived, ElementsAre(WM_APP, WM_APP + 1, WM_APP + 2));
+    platform.processPendingMessages();
+    EXPECT_EQ(arrived.back(), WM_APP + 3);
+}
+
+TEST_F(Messages, TimersThatAreDueArriveAndSlowHandlersDoNotKeepThePass) {
+    handler = [](UINT) { Sleep(30); };
+    SetTimer(window, 1, 10, nullptr);
+    Sleep(50);
+    platform.processPendingMessages();
+    EXPECT_THAT(arrived, testing::SizeIs(testing::AllOf(testing::Ge(1U), testing::Le(2U))))
+        << "the first that became due meanwhile ends the pass";
+    KillTimer(window, 1);
 }
 
 } // namespace

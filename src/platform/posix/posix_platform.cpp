@@ -222,7 +222,7 @@ std::vector<std::string> PosixProcesses::viewerCommand(std::vector<std::string> 
     return arguments;
 }
 
-std::int32_t PosixProcesses::start(StringView commandLine) {
+Process PosixProcesses::start(StringView commandLine) {
     reap();
     std::vector<std::string> arguments = splitCommandLine(commandLine);
     if (arguments.empty() || arguments.front().empty())
@@ -240,13 +240,13 @@ std::int32_t PosixProcesses::start(StringView commandLine) {
     if (failure != 0)
         throw runtimeErrorOf(failure);
     running_.push_back(id);
-    return id;
+    return {id};
 }
 
-void PosixProcesses::terminate(std::int32_t id) {
+void PosixProcesses::terminate(const Process& process) {
     // As long as an ended child has not been waited for, its id can't belong to another process.
-    if (isRunning(id))
-        kill(id, SIGTERM);
+    if (isRunning(process.id))
+        kill(process.id, SIGTERM);
 }
 
 bool PosixProcesses::isRunning(std::int32_t id) {

@@ -38,10 +38,10 @@ class PosixProcesses : public Processes {
     explicit PosixProcesses(std::vector<std::string> viewers) : viewers_(std::move(viewers)) {}
     ~PosixProcesses() override;
 
-    std::int32_t start(StringView commandLine) override;
-    /// Asks the process to end (SIGTERM). An id that was not given out by `start` is left alone: it could be
+    Process start(StringView commandLine) override;
+    /// Asks the process to end (SIGTERM). One whose id was not given out by `start` is left alone: it could be
     /// anybody's.
-    void terminate(std::int32_t id) override;
+    void terminate(const Process& process) override;
     /// Whether the process `id`, started here, has not ended yet.
     bool isRunning(std::int32_t id);
 

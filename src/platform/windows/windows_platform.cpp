@@ -141,7 +141,7 @@ std::wstring nativePath(StringView path) {
     return absolute.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + absolute.substr(1) : std::wstring(unlimited) + absolute;
 }
 
-std::int32_t WindowsProcesses::start(StringView commandLine) {
+Process WindowsProcesses::start(StringView commandLine) {
     std::wstring line = wide(commandLine);
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
@@ -150,36 +150,17 @@ std::int32_t WindowsProcesses::start(StringView commandLine) {
     PROCESS_INFORMATION process{};
     check(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
     CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return static_cast<std::int32_t>(process.dwProcessId);
+    return {static_cast<std::int32_t>(process.dwProcessId), {process.hProcess, CloseHandle}};
 }
 
-void WindowsProcesses::terminate(std::int32_t id) {
-    // All access rights. A viewer that the user has closed already is simply not found.
-    constexpr DWORD allAccess = 0x1F0FFF;
-    if (const HANDLE process = OpenProcess(allAccess, FALSE, static_cast<DWORD>(id))) {
-        TerminateProcess(process, 0);
-        CloseHandle(process);
-    }
+void WindowsProcesses::terminate(const Process& process) {
+    TerminateProcess(process.hold.get(), 0);
 }
 
 WindowsPlatform::WindowsPlatform() : locale_(userLocale()), localeReadAt_(GetTickCount64()) {}
 
 std::unique_ptr<FileSystem> WindowsPlatform::createFileSystem() {
     return std::make_unique<WindowsFileSystem>();
-}
-
-void WindowsPlatform::processPendingMessages() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message == WM_QUIT) {
-            // The host's own loop has to see it.
-            PostQuitMessage(static_cast<int>(message.wParam));
-            return;
-        }
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
 }
 
 Date WindowsPlatform::now() {

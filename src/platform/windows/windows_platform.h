@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/services.h"
+#include "platform/windows/pending_messages.h"
 #include "values/runtime_error.h"
 
 #include <cstdint>
@@ -10,8 +11,8 @@ namespace kvtdruck {
 
 class WindowsProcesses : public Processes {
   public:
-    std::int32_t start(StringView commandLine) override;
-    void terminate(std::int32_t id) override;
+    Process start(StringView commandLine) override;
+    void terminate(const Process& process) override;
 };
 
 class WindowsPlatform : public Platform {
@@ -20,7 +21,7 @@ class WindowsPlatform : public Platform {
 
     std::unique_ptr<FileSystem> createFileSystem() override;
     WindowsProcesses& processes() override { return processes_; }
-    void processPendingMessages() override;
+    void processPendingMessages() override { messages_.process(); }
     Date now() override;
     /// The user's settings, changes by hand included. They are read again when a second has passed since the last
     /// time, because every number that becomes a text asks for them.
@@ -28,6 +29,7 @@ class WindowsPlatform : public Platform {
 
   private:
     WindowsProcesses processes_;
+    PendingMessages messages_;
     Locale locale_;
     std::uint64_t localeReadAt_;
 };

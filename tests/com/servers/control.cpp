@@ -223,11 +223,43 @@ class Initialisation final : public IPersistStreamInit {
     IUnknown& control_;
 };
 
+/// The initialisation of a control that keeps its data in a storage.
+class StoredInitialisation final : public IPersistStorage {
+  public:
+    explicit StoredInitialisation(IUnknown& control) : control_(control) {}
+    virtual ~StoredInitialisation() = default;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        return control_.QueryInterface(iid, object);
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return control_.AddRef(); }
+    ULONG STDMETHODCALLTYPE Release() override { return control_.Release(); }
+    HRESULT STDMETHODCALLTYPE GetClassID(CLSID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE IsDirty() override { return S_FALSE; }
+    HRESULT STDMETHODCALLTYPE Load(IStorage*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Save(IStorage*, BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SaveCompleted(IStorage*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE HandsOffStorage() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE InitNew(IStorage* storage) override {
+        IStream* stream = nullptr;
+        const bool usable =
+            storage != nullptr && SUCCEEDED(storage->CreateStream(
+                                      L"Data", STGM_CREATE | STGM_WRITE | STGM_SHARE_EXCLUSIVE, 0, 0, &stream));
+        if (stream != nullptr)
+            stream->Release();
+        hosting(usable ? "InitNew in a storage" : "InitNew without a storage");
+        return S_OK;
+    }
+
+  private:
+    IUnknown& control_;
+};
+
 class Control final : public Dispatch {
   public:
     Control()
         : kind_(environment(L"KVT_TEST_CONTROL")), embedding_(*this, kind_ == "invisible", kind_ == "site first"),
-          initialisation_(*this) {}
+          initialisation_(*this), stored_(*this) {}
 
   protected:
     DISPID idOf(StringView name) override {
@@ -247,10 +279,14 @@ class Control final : public Dispatch {
     }
 
     void* interfaceOf(REFIID iid) override {
+        if (kind_ == "mute" && IsEqualIID(iid, IID_IDispatch))
+            return nullptr;
         if (void* const own = Dispatch::interfaceOf(iid); own != nullptr || kind_ == "bare")
             return own;
         if (IsEqualIID(iid, IID_IOleObject))
             return &embedding_;
+        if (kind_ == "stored")
+            return IsEqualIID(iid, IID_IPersistStorage) ? &stored_ : nullptr;
         if (IsEqualIID(iid, IID_IPersistStreamInit) || IsEqualIID(iid, IID_IPersist))
             return &initialisation_;
         return nullptr;
@@ -301,6 +337,7 @@ class Control final : public Dispatch {
     std::string kind_;
     Embedding embedding_;
     Initialisation initialisation_;
+    StoredInitialisation stored_;
     Answers answers_;
     Preview preview_;
 };

@@ -13,7 +13,8 @@ namespace kvtdruck::test {
 /// - KVT_TEST_RECORD: the file to which calls are appended, in the form of the component's own record.
 /// - KVT_TEST_HOSTING: the file to which the steps of its host are appended.
 /// - KVT_TEST_CONTROL: "invisible" (no window at run time), "site first" (wants its site before it is initialised),
-///   "bare" (nothing but calls), "licensed" (created with a key only); else an ordinary control.
+///   "bare" (nothing but calls), "mute" (everything but calls), "stored" (keeps its data in a storage), "licensed"
+///   (created with a key only); else an ordinary control.
 /// A print into a preview leaves its file in the folder that was set for it.
 IUnknown* createControl();
 
