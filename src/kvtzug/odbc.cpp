@@ -141,7 +141,8 @@ void OdbcQuery::execute(std::span<const Parameter> parameters) {
 }
 
 void OdbcQuery::bind(std::size_t index) {
-    auto& [date, length] = bound_[index];
+    auto& date = bound_[index].date;
+    auto& length = bound_[index].length;
     const auto bindAs = [&](SQLSMALLINT type, SQLSMALLINT sqlType, SQLULEN size, const void* value) {
         check(SQLBindParameter(statement_, SQLUSMALLINT(index + 1), SQL_PARAM_INPUT, type, sqlType, size, 0,
                                const_cast<void*>(value), length, &length));
