@@ -14,10 +14,8 @@ constexpr const char* kAll = "alle";
 
 /// One option with a value; `take` is handed its text, and throws where it means nothing.
 CLI::Option* addValue(CLI::App& command, const char* group, const std::string& names, const char* placeholder,
-                      const std::string& help, std::function<void(const std::string&)> take) {
-    return command.add_option_function<std::string>(names, std::move(take), help)
-        ->type_name(placeholder)
-        ->group(group);
+                      const std::string& help, const std::function<void(const std::string&)>& take) {
+    return command.add_option_function<std::string>(names, take, help)->type_name(placeholder)->group(group);
 }
 
 template <class T>

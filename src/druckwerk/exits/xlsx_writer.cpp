@@ -216,12 +216,12 @@ void XlsxWriter::writeParts(ZipWriter& archive) const {
     std::string relations;
     for (std::size_t i = 1; i <= sheets_.size(); ++i) {
         const std::string number = std::to_string(i);
-        types += "<Override PartName=\"/xl/worksheets/sheet" + number + ".xml\" ContentType=\"" +
-                 std::string(kType) + "worksheet+xml\"/>";
-        sheets += "<sheet name=\"" + sheets_[i - 1]->name() + "\" sheetId=\"" + number + "\" r:id=\"rId" + number +
-                  "\"/>";
-        relations += "<Relationship Id=\"rId" + number + "\" Type=\"" + std::string(kOffice) +
-                     "/worksheet\" Target=\"worksheets/sheet" + number + ".xml\"/>";
+        types += joined({"<Override PartName=\"/xl/worksheets/sheet", number, ".xml\" ContentType=\"", kType,
+                         "worksheet+xml\"/>"});
+        sheets += joined(
+            {"<sheet name=\"", sheets_[i - 1]->name(), "\" sheetId=\"", number, "\" r:id=\"rId", number, "\"/>"});
+        relations += joined({"<Relationship Id=\"rId", number, "\" Type=\"", kOffice,
+                             "/worksheet\" Target=\"worksheets/sheet", number, ".xml\"/>"});
     }
     const std::string head(kHead);
     const std::string relationships = "<Relationships xmlns=\"" + std::string(kPackage) + "relationships\">";
@@ -253,6 +253,13 @@ void XlsxWriter::finish() {
     for (const auto& sheet : sheets_)
         archive.add(sheet->finish());
     archive.finish();
+}
+
+std::string joined(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (const std::string_view part : parts)
+        text += part;
+    return text;
 }
 
 } // namespace

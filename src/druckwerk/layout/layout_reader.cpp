@@ -120,7 +120,7 @@ Layout readTree(const std::string& source, const std::string& name, const std::f
         reading.report(kLayoutInvalid, node, layer, message, false);
     });
     for (const auto& message : inspectPlaces(reading.layout))
-        findings.push_back({false, kLayoutInvalid, name + ", " + message});
+        findings.push_back({false, kLayoutInvalid, std::string(name).append(", ").append(message)});
     if (!reading.layout.foreignIds.empty())
         reading.layout.foreignSource = file.text();
     return std::move(reading.layout);
