@@ -10,9 +10,6 @@
 namespace kvtdruck::test {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 /// The record in short: a run of definitions is one line that counts them.
 std::string shortened(const std::vector<std::string>& calls) {
     std::ostringstream text;

@@ -43,6 +43,7 @@ MariadbServer::MariadbServer() : process_(-1) {
         dup2(output, STDOUT_FILENO);
         dup2(output, STDERR_FILENO);
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (auto& word : words)
             arguments.push_back(word.data());
         arguments.push_back(nullptr);

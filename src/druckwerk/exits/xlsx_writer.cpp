@@ -8,11 +8,19 @@
 
 #include <array>
 #include <charconv>
+#include <initializer_list>
 #include <stdexcept>
 #include <utility>
 
 namespace kvtdruck::druckwerk {
 namespace {
+
+std::string joined(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (const std::string_view part : parts)
+        text += part;
+    return text;
+}
 
 /// What a cell, a row and a sheet can hold (ECMA-376 leaves it to Excel, whose documented limits these are:
 /// https://support.microsoft.com/office/excel-specifications-and-limits-1672b34d-7043-467e-8e27-269d656771c3).
@@ -253,13 +261,6 @@ void XlsxWriter::finish() {
     for (const auto& sheet : sheets_)
         archive.add(sheet->finish());
     archive.finish();
-}
-
-std::string joined(std::initializer_list<std::string_view> parts) {
-    std::string text;
-    for (const std::string_view part : parts)
-        text += part;
-    return text;
 }
 
 } // namespace
