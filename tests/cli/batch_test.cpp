@@ -54,7 +54,8 @@ class Batches : public HostTest {
 };
 
 TEST_F(Batches, AllListsGoToAFolder) {
-    const auto outcome = printAll({"alle"}, {"-f", "1", "-j", "2024", "--werte", KVT_SOURCE_FOLDER "/demo/werte"});
+    const std::string values = KVT_SOURCE_FOLDER "/demo/werte";
+    const auto outcome = printAll({"alle"}, {"-f", "1", "-j", "2024", "--werte", values});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(outcome.output + outcome.errors, "");
     EXPECT_THAT(names(), ::testing::SizeIs(18));

@@ -21,7 +21,7 @@ class Passwords : public ::testing::Test {
     ~Passwords() override { unsetenv("KVTDRUCK_KENNWORT"); }
 
     std::filesystem::path file(const std::string& content, std::filesystem::perms mode) const {
-        const auto path = folder_.path() / "kennwort";
+        auto path = folder_.path() / "kennwort";
         std::ofstream(path) << content;
         std::filesystem::permissions(path, mode);
         return path;

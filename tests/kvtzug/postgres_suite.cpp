@@ -2,7 +2,9 @@
 #include "kvtzug/postgres_server.h"
 
 // The driver itself loses a few bytes for every statement that the server refuses.
-// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier): the sanitizer's name
+#ifdef __clang__
+#pragma clang diagnostic ignored "-Wreserved-identifier" // the sanitizer's names
+#endif
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:psqlodbcw.so";
