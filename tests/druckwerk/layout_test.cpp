@@ -91,8 +91,9 @@ TEST_F(LayoutTest, NamesWithinAggregatesChartsAndConditionsAreNames) {
           field(5, 20, 20, "{{Nr}}", "id='x' data-if='sum(Betrga) > 0'"),
           field(5, 20, 20, "{{Nr}}", "id='x' data-if='leer(Betrga)'"),
           "<g data-if='Nr > 0'>" + field(5, 20, 20, "{{=sum(Betrga)}}", "id='x'") + "</g>",
-          chart + "data-series='Nr, Betrga'" + box, chart + "data-series='=sum(Betrga)'" + box,
-          chart + "data-series='Nr' data-labels='{{Betrga}}'" + box}) {
+          std::string(chart).append("data-series='Nr, Betrga'").append(box),
+          std::string(chart).append("data-series='=sum(Betrga)'").append(box),
+          std::string(chart).append("data-series='Nr' data-labels='{{Betrga}}'").append(box)}) {
         const auto found = findings(row(element));
         ASSERT_THAT(found, SizeIs(1)) << element;
         EXPECT_THAT(found[0].message, HasSubstr("Zeile 2, Ebene „Zeile“, <g id=\"x\">: Unbekannter Name „Betrga“ "
@@ -396,7 +397,8 @@ TEST_F(LayoutTest, AnAttributeCannotHideBehindAnotherOfItsName) {
           "<image xlink:href='data:image/png;base64,iVBORw0KGgo=' href='../../../etc/passwd'/>",
           "<image href='file:///etc/passwd' xlink:href='#a'/>",
           "<rect q:style='fill:red' style='fill:url(http://example.org/a.svg#b)' width='1' height='1'/>"})
-        EXPECT_THAT(error(row("<g id='a' " + q + ">" + hidden + "</g>"), kLayoutRefused),
+        EXPECT_THAT(error(row(std::string("<g id='a' ").append(q).append(">").append(hidden).append("</g>")),
+                          kLayoutRefused),
                     HasSubstr("Verweis nach außen ist nicht erlaubt"))
             << hidden;
 }
@@ -431,9 +433,15 @@ TEST_F(LayoutTest, MarkersAtManyPointsAreCounted) {
     for (int i = 0; i < 1000; ++i)
         path += "L1 1";
     for (const std::string how : {"marker-mid='url(#m)'", "style='marker-mid:url(#m)'"})
-        EXPECT_THAT(
-            error(row("<defs>" + marker + "</marker></defs><path " + how + " d='" + path + "'/>"), kLayoutRefused),
-            HasSubstr("vervielfacht"));
+        EXPECT_THAT(error(row(std::string("<defs>")
+                                  .append(marker)
+                                  .append("</marker></defs><path ")
+                                  .append(how)
+                                  .append(" d='")
+                                  .append(path)
+                                  .append("'/>")),
+                          kLayoutRefused),
+                    HasSubstr("vervielfacht"));
 }
 
 TEST_F(LayoutTest, AChainOfUsesIsNoDeeperThanElementsMayBe) {
