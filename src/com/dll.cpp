@@ -9,6 +9,9 @@
 
 // The C++ runtime's way to give back what it keeps for exceptions without memory. It has no header:
 // https://gcc.gnu.org/git/?p=gcc.git;f=libstdc++-v3/libsupc%2B%2B/eh_alloc.cc
+#ifdef __clang__
+#pragma clang diagnostic ignored "-Wreserved-identifier"
+#endif
 namespace __gnu_cxx {
 void __freeres();
 }

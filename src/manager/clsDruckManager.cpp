@@ -128,7 +128,7 @@ bool clsDruckManager::launch(const Launcher& launcher, RunningRow& row, PrintReq
 ObjectRef clsDruckManager::Lese_Allgemeine_Firmendaten(const ObjectRef& connection, double pFnr) {
     const Procedure procedure{kClass, u"Lese_Allgemeine_Firmendaten"};
     return guarded(state_, procedure, [&]() -> ObjectRef {
-        const auto object = state_.dataLibrary().create(clsZugFirmaAllg);
+        auto object = state_.dataLibrary().create(clsZugFirmaAllg);
         company_ = ObjectRef(object); // moved, as the connection is
         CompanyData company(state_, object);
         if (!company.connect(connection)) {

@@ -24,7 +24,7 @@ std::string textOf(const VARIANT& value) {
     VARIANT text{};
     if (FAILED(VariantChangeType(&text, const_cast<VARIANT*>(&value), 0, VT_BSTR)))
         return "?";
-    const auto result = narrow({V_BSTR(&text), SysStringLen(V_BSTR(&text))});
+    auto result = narrow({V_BSTR(&text), SysStringLen(V_BSTR(&text))});
     VariantClear(&text);
     return result;
 }

@@ -9,7 +9,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::Not;
 using ::testing::StartsWith;
 
 std::vector<std::string> arrayFedLists() {
