@@ -28,6 +28,10 @@ String shortDateOf(Date date, const Locale& locale);
 String textOf(Currency amount, const Locale& locale);
 String textOf(const Decimal& number, const Locale& locale);
 
+/// Appends `textOf(number, locale)` to `text`.
+void appendTextOf(String& text, double number, const Locale& locale);
+void appendTextOf(String& text, float number, const Locale& locale);
+
 /// The number that `text` holds in the notation of `locale` (thousands separators, sign before or behind,
 /// parentheses for a negative number, currency symbol, exponent, &H and &O); nothing where it holds none. Infinity
 /// where the number is too large for a double.
