@@ -70,23 +70,27 @@ Rowset::Cell Rowset::cellOf(Query& query, std::size_t index, ColumnType type) {
     return cell;
 }
 
-Variant Rowset::value(std::size_t column, std::size_t row) const {
+void Rowset::read(std::size_t column, std::size_t row, Variant& value) const {
     const auto& found = cell(column, row);
     const auto type = types_[column];
-    if (found.content == Cell::Content::Nothing)
-        return nothing(type);
+    if (found.content == Cell::Content::Nothing) {
+        value = nothing(type);
+        return;
+    }
     switch (type) {
     case ColumnType::Text:
-        return textOf(found);
+        value.emptyText() = textOf(found);
+        break;
     case ColumnType::Single:
-        return float(found.number);
+        value = float(found.number);
+        break;
     case ColumnType::Double:
-        return found.number;
+        value = found.number;
+        break;
     case ColumnType::Date:
     case ColumnType::OptionalDate:
-        break;
+        value = Date{found.number};
     }
-    return Date{found.number};
 }
 
 Parameter Rowset::parameter(std::size_t column, std::size_t row) const {

@@ -27,7 +27,7 @@ class Rowset {
     bool isLast() const { return last_; }
 
     /// The value of a column in a row of the block. A NULL is the type's zero, or Null for an optional date.
-    Variant value(std::size_t column, std::size_t row) const;
+    void read(std::size_t column, std::size_t row, Variant& value) const;
 
     /// The value of a key's column in a row of the block, for a query that goes on from there.
     Parameter parameter(std::size_t column, std::size_t row) const;
