@@ -132,18 +132,8 @@ String fixedPointText(std::string units, int scale, bool negative, const Locale&
     return number.digits.empty() ? String(u"0") : plainForm(number, locale);
 }
 
-/// The number in ten-thousandths, where it is the one nearest to such an amount: as most numbers are. At most 15
-/// digits tell it from every other, so they are its text.
-std::optional<std::int64_t> tenThousandths(double number) {
-    constexpr double kPart = 10'000;
-    if (!(std::abs(number) < 1e15 / kPart)) // or no number at all
-        return std::nullopt;
-    const auto units = static_cast<std::int64_t>(number * kPart + std::copysign(0.5, number));
-    return static_cast<double>(units) / kPart == number ? std::optional(units) : std::nullopt;
-}
-
 /// Whole numbers below ten millions are told by 7 digits, as are most that a float holds.
-std::optional<std::int64_t> tenThousandths(float number) {
+std::optional<std::int64_t> wholeInTenThousandths(float number) {
     const bool whole = std::abs(number) < 1e7F && std::trunc(number) == number;
     return whole ? std::optional(static_cast<std::int64_t>(number) * 10'000) : std::nullopt;
 }
@@ -170,16 +160,14 @@ void appendTenThousandths(String& text, std::int64_t units, const Locale& locale
         text += digit(rest / place);
 }
 
+/// Appends a number that has no short way of its own, to so many significant digits.
 template <class Real>
-void appendReal(String& text, Real number, const Locale& locale) {
-    constexpr int significant = std::is_same_v<Real, float> ? 7 : 15;
-    if (const auto units = tenThousandths(number))
-        return appendTenThousandths(text, *units, locale);
+void appendReal(String& text, Real number, int significant, const Locale& locale) {
     if (!std::isfinite(number)) {
         text += notFinite(std::isnan(number), std::signbit(number), locale);
         return;
     }
-    const Digits digits = significantDigits(number, significant);
+    const Digits digits = significantDigits(number, static_cast<std::size_t>(significant));
     const bool fits = digits.point > -4 && digits.point <= significant;
     text += fits ? plainForm(digits, locale) : exponentForm(digits, locale);
 }
@@ -203,6 +191,14 @@ std::string integerDigits(std::uint32_t high, std::uint64_t low) {
 
 } // namespace
 
+std::optional<std::int64_t> tenThousandths(double number) {
+    constexpr double kPart = 10'000;
+    if (!(std::abs(number) < 1e15 / kPart)) // or no number at all
+        return std::nullopt;
+    const auto units = static_cast<std::int64_t>(number * kPart + std::copysign(0.5, number));
+    return static_cast<double>(units) / kPart == number ? std::optional(units) : std::nullopt;
+}
+
 String textOf(double number, const Locale& locale) {
     String text;
     appendTextOf(text, number, locale);
@@ -216,11 +212,17 @@ String textOf(float number, const Locale& locale) {
 }
 
 void appendTextOf(String& text, double number, const Locale& locale) {
-    appendReal(text, number, locale);
+    if (const auto units = tenThousandths(number))
+        appendTenThousandths(text, *units, locale);
+    else
+        appendReal(text, number, 15, locale);
 }
 
 void appendTextOf(String& text, float number, const Locale& locale) {
-    appendReal(text, number, locale);
+    if (const auto units = wholeInTenThousandths(number))
+        appendTenThousandths(text, *units, locale);
+    else
+        appendReal(text, number, 7, locale);
 }
 
 String textOf(Currency amount, const Locale& locale) {
