@@ -173,10 +173,10 @@ bool Reader::moveNext() {
     else
         ++row_;
     if (!block_.rows.isLast()) {
-        if (row_ == 1 && !fetching_.valid() && connection_->readsAhead())
-            readAhead();
         if (row_ == block_.rows.rows())
             takeNext();
+        else if (row_ == 1 && !fetching_.valid() && connection_->readsAhead())
+            readAhead();
     }
     return hasRecord();
 }

@@ -46,7 +46,7 @@ class Reader : public Object {
     std::vector<Parameter> keyOf(std::size_t row) const;
     /// Rows, and the columns that they were queried with.
     struct Block {
-        explicit Block(const ReaderClass& readerClass) : rows(readerClass.columns) {}
+        explicit Block(const ReaderClass& readerClass) : rows(readerClass.columns, readerClass.atOnce) {}
         Rowset rows;
         std::vector<std::size_t> columns;
     };

@@ -7,7 +7,6 @@ namespace {
 
 /// Bytes that cells take at most, and bytes of texts that end a block.
 constexpr std::size_t kBlockBytes = 1U << 20U;
-constexpr std::size_t kMostRows = 1024;
 
 } // namespace
 
@@ -25,8 +24,8 @@ CellType cellTypeOf(ColumnType type) {
     return CellType::Number;
 }
 
-Rowset::Rowset(const std::vector<Column>& columns)
-    : most_(std::min(kMostRows, kBlockBytes / (columns.size() * sizeof(Cell)))) {
+Rowset::Rowset(const std::vector<Column>& columns, std::size_t atOnce)
+    : most_(std::min(atOnce, kBlockBytes / (columns.size() * sizeof(Cell)))) {
     for (const auto& column : columns)
         types_.push_back(column.type);
 }

@@ -12,7 +12,8 @@ namespace kvtdruck {
 /// One block of rows. It is as long as about a megabyte takes, so memory stays flat.
 class Rowset {
   public:
-    explicit Rowset(const std::vector<Column>& columns);
+    /// A block has at most `atOnce` rows.
+    Rowset(const std::vector<Column>& columns, std::size_t atOnce);
 
     /// Rows that a block has at most; it has fewer where texts are long.
     std::size_t most() const { return most_; }
