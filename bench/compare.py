@@ -280,7 +280,7 @@ class Bench:
                                      ("MaKost", months("MaKost"), lists), ("MaZeit", months("MaZeit"), lists),
                                      ("MaStKost, with charts", months("MaStKost"), (120, 1200, 12_000)),
                                      ("MaStZeit, with charts", months("MaStZeit"), (120, 1200, 12_000)),
-                                     ("Bilanz, from a file", figures, lists)):
+                                     ("Bilanz, from a file", figures, (1000, 10_000, 32_000))): # an array has 32,768 rows
             self.grow(name, command, sizes)
 
     def grow(self, name, command, sizes):
