@@ -1,9 +1,9 @@
 // Prints one list of eight columns, 45 lines a page, in one of several ways: with the embedded engine through its
 // control, with cairo and pango (a layout for each cell), with libharu. compare.py measures and compares them.
 #include "druckwerk/druckwerk.h"
+#include "list.h"
 #include "values/text.h"
 
-#include <array>
 #include <cairo-pdf.h>
 #include <cstdio>
 #include <cstdlib>
@@ -16,43 +16,15 @@
 namespace {
 
 using namespace kvtdruck;
-
-constexpr int kLinesPerPage = 45;
-constexpr double kPoints = 72 / 25.4;
-constexpr double kFirstLine = 30.8;
-constexpr double kStep = 5.5;
-constexpr double kSize = 2.75 * kPoints;
-
-struct Column {
-    const char* name;
-    double x; // in millimetres: the left edge of a text, the right edge of a number
-    bool number;
-    int decimals;
-};
-constexpr std::array<Column, 8> kColumns = {{{"Nummer", 27, true, 0},
-                                             {"Bezeichnung", 30, false, 0},
-                                             {"Ort", 80, false, 0},
-                                             {"Soll", 143, true, 2},
-                                             {"Ist", 163, true, 2},
-                                             {"Abweichung", 178, true, 2},
-                                             {"Prozent", 188, true, 1},
-                                             {"Jahr", 198, true, 0}}};
+using namespace list;
 
 /// The record `i`: numbers in cents, texts as they are.
 struct Record {
-    std::array<long, 8> cents{};
+    std::array<long, 8> cents;
     std::array<std::string, 8> texts;
-    explicit Record(long i) {
-        cents = {(4000 + i) * 100,
-                 0,
-                 0,
-                 i * 731 % 9999999,
-                 i * 977 % 9999999,
-                 i * 331 % 500000 - 250000,
-                 i * 7 % 10000,
-                 201000 + i % 10 * 100};
-        texts[1] = "Bezeichnung des Kontos " + std::to_string(i);
-        texts[2] = i % 3 == 0 ? "Neustadt an der Weinstraße" : "Dresden";
+    explicit Record(long i) : cents(centsOf(i)) {
+        texts[1] = kDescription + std::to_string(i);
+        texts[2] = townOf(i);
     }
 };
 
@@ -125,7 +97,7 @@ void printWithEngine(long rows, const std::string& output, const std::string& la
 }
 
 void printWithPango(long rows, const std::string& output) {
-    cairo_surface_t* surface = cairo_pdf_surface_create(output.c_str(), 210 * kPoints, 297 * kPoints);
+    cairo_surface_t* surface = cairo_pdf_surface_create(output.c_str(), 210 * kPoints, kPageHeight * kPoints);
     cairo_t* drawing = cairo_create(surface);
     PangoLayout* layout = pango_cairo_create_layout(drawing);
     PangoFontDescription* font = pango_font_description_from_string("Liberation Sans");
@@ -137,7 +109,7 @@ void printWithPango(long rows, const std::string& output) {
             cairo_show_page(drawing);
         if (i % 2 == 1) {
             cairo_set_source_rgb(drawing, 0.96, 0.97, 0.98);
-            cairo_rectangle(drawing, 12 * kPoints, (27 + line * kStep) * kPoints, 186 * kPoints, kStep * kPoints);
+            cairo_rectangle(drawing, 12 * kPoints, (kFirstBand + line * kStep) * kPoints, 186 * kPoints, kStep * kPoints);
             cairo_fill(drawing);
             cairo_set_source_rgb(drawing, 0.12, 0.16, 0.2);
         }
@@ -185,7 +157,7 @@ void printWithHaru(long rows, const std::string& output, const std::string& font
             const std::string text = cell(record, column);
             const HPDF_REAL width = kColumns[column].number ? HPDF_Page_TextWidth(page, text.c_str()) : 0;
             HPDF_Page_TextOut(page, static_cast<HPDF_REAL>(kColumns[column].x * kPoints) - width,
-                              static_cast<HPDF_REAL>((297 - kFirstLine - line * kStep) * kPoints), text.c_str());
+                              static_cast<HPDF_REAL>((kPageHeight - kFirstLine - line * kStep) * kPoints), text.c_str());
         }
         HPDF_Page_EndText(page);
     }

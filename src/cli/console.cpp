@@ -52,8 +52,10 @@ void Console::toStandardError(std::string_view prefix, std::string_view text) {
 
 void Console::progress(const druckwerk::Progress& progress) {
     static const bool isTerminal = ::isatty(STDERR_FILENO) != 0;
+    if (!isTerminal)
+        return;
     const auto now = std::chrono::steady_clock::now();
-    if (!isTerminal || now < nextBar_)
+    if (now < nextBar_)
         return;
     nextBar_ = now + kBetweenBars;
     const auto filled = std::clamp(progress.percent * kBarWidth / 100, 0, kBarWidth);

@@ -15,7 +15,16 @@ Object::MemberId Member::memberId(Object& object) {
 Variant Member::call(const ObjectRef& object, const Locale& locale, std::initializer_list<Variant> arguments) {
     Object& target = required(object);
     const auto id = memberId(target);
-    return coerced(target.call(id, std::span(arguments.begin(), arguments.size())), type_, locale);
+    auto result = target.call(id, std::span(arguments.begin(), arguments.size()));
+    coerce(result, type_, locale);
+    return result;
+}
+
+const Variant& Member::read(const ObjectRef& object, const Locale& locale) {
+    Object& target = required(object);
+    target.read(memberId(target), value_);
+    coerce(value_, type_, locale);
+    return value_;
 }
 
 void Member::put(const ObjectRef& object, std::initializer_list<Variant> arguments, const Variant& value) {

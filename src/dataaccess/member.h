@@ -18,6 +18,9 @@ class Member {
     /// the result.
     Variant call(const ObjectRef& object, const Locale& locale, std::initializer_list<Variant> arguments = {});
 
+    /// The property's value on `object`, coerced likewise. It stays until the next reading.
+    const Variant& read(const ObjectRef& object, const Locale& locale);
+
     /// Writes the property on `object`.
     void put(const ObjectRef& object, std::initializer_list<Variant> arguments, const Variant& value);
 
@@ -27,6 +30,7 @@ class Member {
     StringView name_;
     ValueType type_;
     std::optional<Object::MemberId> id_;
+    Variant value_; ///< as read last
 };
 
 } // namespace kvtdruck

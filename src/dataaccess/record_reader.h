@@ -21,8 +21,8 @@ class RecordReader {
     void MoveFirst();
     void MoveNext();
 
-    /// The current record's value; `getter` belongs to this reader.
-    Variant value(Member& getter) { return getter.call(object_, state_.locale()); }
+    /// The current record's value, until `getter` is read again; `getter` belongs to this reader.
+    const Variant& value(Member& getter) { return getter.read(object_, state_.locale()); }
 
     const DataClass& dataClass() const { return dataClass_; }
 

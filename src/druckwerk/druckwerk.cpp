@@ -6,6 +6,7 @@
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
 #include "druckwerk/page/print_job.h"
+#include "druckwerk/text/installed_fonts.h"
 #include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
 
@@ -434,7 +435,9 @@ class DruckwerkForm final : public Form {
 } // namespace
 
 DruckwerkFormFactory::DruckwerkFormFactory(Options options)
-    : options_(std::make_shared<const Options>(std::move(options))), document_(std::make_shared<OpenDocument>()) {}
+    : options_(std::make_shared<const Options>(std::move(options))), document_(std::make_shared<OpenDocument>()) {
+    InstalledFonts::prepare();
+}
 
 std::unique_ptr<Form> DruckwerkFormFactory::create() {
     return std::make_unique<DruckwerkForm>(options_, document_);

@@ -4,6 +4,8 @@
 #include "values/runtime_error.h"
 
 #include <algorithm>
+#include <numeric>
+#include <system_error>
 #include <utility>
 
 namespace kvtdruck {
@@ -50,8 +52,8 @@ bool sameName(StringView left, StringView right) {
 
 Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections,
                ReferenceKvtzug::Trace trace)
-    : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)),
-      rowset_(readerClass.columns) {
+    : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)), block_(readerClass),
+      ahead_(readerClass) {
     asked_.resize(readerClass.columns.size());
     for (const auto getter : readerClass.key) {
         key_.push_back(std::size_t(std::ranges::find(readerClass.columns, getter, &Column::getter) -
@@ -78,15 +80,29 @@ Variant Reader::call(MemberId member, std::span<const Variant> arguments) {
     const auto index = std::size_t(member) - 1;
     if (index >= class_.columns.size())
         return operate(index - class_.columns.size(), arguments);
-    if (!asked_[index])
-        askFor(index);
-    return valueOf(index);
+    Variant value;
+    read(member, value);
+    return value;
 }
 
-Variant Reader::valueOf(std::size_t column) const {
+void Reader::read(MemberId member, Variant& value) {
+    const auto index = std::size_t(member) - 1;
+    if (index >= class_.columns.size()) {
+        value = operate(index - class_.columns.size(), {});
+        return;
+    }
+    if (!asked_[index])
+        askFor(index);
+    valueOf(index, value);
+}
+
+void Reader::valueOf(std::size_t column, Variant& value) const {
     if (gone_)
-        return (*gone_)[column];
-    return atEnd() ? rowset_.nothing(column) : rowset_.value(column, row_);
+        value = (*gone_)[column];
+    else if (atEnd())
+        value = block_.rows.nothing(column);
+    else
+        block_.rows.read(column, row_, value);
 }
 
 void Reader::put(MemberId, std::span<const Variant>, const Variant&) {
@@ -119,6 +135,7 @@ bool Reader::connect(std::span<const Variant> arguments) {
     if (!host || !*host)
         throw RuntimeError(ErrorNumber::ObjectNotSet);
     productMode_ = coerced(arguments[1], ValueType::Integer, germanLocale());
+    dropAhead();
     query_.reset();
     sql_.clear();
     connection_ = connections_->open(**host);
@@ -129,6 +146,7 @@ bool Reader::read(const ReadOperation& operation, std::span<const Variant> argum
     checkCount(arguments, operation.arguments.size());
     if (!connection_)
         throw RuntimeError(ErrorNumber::ObjectNotSet);
+    dropAhead();
     operation_ = &operation;
     parameters_.clear();
     for (const auto argument : operation.parameters)
@@ -154,15 +172,19 @@ bool Reader::moveNext() {
         gone_.reset();
     else
         ++row_;
-    if (row_ == rowset_.rows() && !rowset_.isLast())
-        fetchBlock(From::BehindKey, keyOf(rowset_.rows() - 1));
+    if (!block_.rows.isLast()) {
+        if (row_ == block_.rows.rows())
+            takeNext();
+        else if (row_ == 1 && !fetching_.valid() && connection_->readsAhead())
+            readAhead();
+    }
     return hasRecord();
 }
 
 std::vector<Parameter> Reader::keyOf(std::size_t row) const {
     std::vector<Parameter> key;
     for (const auto column : key_)
-        key.push_back(rowset_.parameter(column, row));
+        key.push_back(block_.rows.parameter(column, row));
     return key;
 }
 
@@ -170,63 +192,120 @@ std::vector<Parameter> Reader::keyOf(std::size_t row) const {
 /// the current record on: a block may have fewer rows than the one before, and others may have written meanwhile. A
 /// record that they have deleted keeps the values that were in hand.
 void Reader::askFor(std::size_t column) {
+    dropAhead(); // it lacks the column
     asked_[column] = true;
     if (firstBlock_ || gone_ || atEnd())
         return;
     std::vector<Variant> values;
-    for (std::size_t other = 0; other < asked_.size(); ++other)
-        values.push_back(std::ranges::count(selection_, other) ? valueOf(other) : rowset_.nothing(other));
+    for (std::size_t other = 0; other < asked_.size(); ++other) {
+        values.push_back(block_.rows.nothing(other));
+        if (std::ranges::count(block_.columns, other))
+            valueOf(other, values.back());
+    }
     const auto key = keyOf(row_);
     fetchBlock(From::Key, key);
     if (atEnd() || keyOf(0) != key)
         gone_ = std::move(values);
 }
 
-/// Queries the rows from the first one, from the key `key`, or behind it. Behind the first block only those columns
-/// are queried that anybody has asked for: turning the months that a report does not print into numbers would cost
-/// more than all else.
-void Reader::fetchBlock(From from, std::vector<Parameter> key) {
-    firstBlock_ = from == From::First;
-    gone_.reset();
-    rowset_.clear();
-    row_ = 0;
-    selection_.clear();
+/// Behind the first block only those columns are queried that anybody has asked for: turning the months that a
+/// report does not print into numbers would cost more than all else.
+std::vector<std::size_t> Reader::askedColumns() const {
+    std::vector<std::size_t> columns;
     for (std::size_t column = 0; column < asked_.size(); ++column)
-        if (firstBlock_ || asked_[column])
-            selection_.push_back(column);
-    auto parameters = parameters_;
-    parameters.insert(parameters.end(), key.begin(), key.end());
+        if (asked_[column])
+            columns.push_back(column);
+    return columns;
+}
+
+/// Queries the rows from the first one, from the key `key`, or behind it.
+void Reader::fetchBlock(From from, const std::vector<Parameter>& key) {
+    dropAhead();
+    firstBlock_ = from == From::First;
+    receive([&] {
+        block_.columns = askedColumns();
+        if (firstBlock_) {
+            block_.columns.resize(asked_.size());
+            std::iota(block_.columns.begin(), block_.columns.end(), std::size_t{0});
+        }
+        query(block_, from, key, trace_);
+    });
+}
+
+/// Has `fetch` bring a new block.
+template <class Fetch>
+void Reader::receive(Fetch&& fetch) {
+    gone_.reset();
+    block_.rows.clear();
+    row_ = 0;
     try {
-        query(from, parameters);
+        fetch();
     } catch (const RuntimeError&) {
         query_.reset();
         sql_.clear();
-        rowset_.clear();
+        block_.rows.clear();
         // Who has asked to stop wants no message of a walk that ends.
         if (firstBlock_ || !connections_->isCancelled())
             throw;
     }
 }
 
-void Reader::query(From from, std::span<const Parameter> parameters) {
-    const auto text = sql(from);
+/// Begins to fetch the block behind the one in hand on another thread.
+void Reader::readAhead() {
+    ahead_.columns = askedColumns();
+    executedAhead_.clear();
+    const auto fetch = [this, key = keyOf(block_.rows.rows() - 1)] {
+        query(ahead_, From::BehindKey, key, [this](StringView sql) { executedAhead_.emplace_back(sql); });
+    };
+    try {
+        fetching_ = std::async(std::launch::async, fetch);
+    } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch): without a thread it is fetched when needed
+    }
+}
+
+void Reader::takeNext() {
+    if (!fetching_.valid())
+        return fetchBlock(From::BehindKey, keyOf(block_.rows.rows() - 1));
+    firstBlock_ = false;
+    receive([this] {
+        fetching_.wait();
+        for (const auto& sql : executedAhead_)
+            if (trace_)
+                trace_(sql);
+        fetching_.get();
+        std::swap(block_, ahead_);
+    });
+}
+
+void Reader::dropAhead() {
+    if (fetching_.valid())
+        fetching_.wait();
+    fetching_ = {};
+}
+
+void Reader::query(Block& block, From from, const std::vector<Parameter>& key,
+                   const ReferenceKvtzug::Trace& trace) {
+    const std::lock_guard lock(connection_->inUse());
+    auto parameters = parameters_;
+    parameters.insert(parameters.end(), key.begin(), key.end());
+    const auto text = sql(block, from);
     if (text != sql_) {
         std::vector<CellType> types;
-        for (const auto column : selection_)
+        for (const auto column : block.columns)
             types.push_back(cellTypeOf(class_.columns[column].type));
         query_ = connection_->query(u"Die Daten von " + String(class_.name) + u" konnten nicht gelesen werden.",
                                     text, std::move(types));
         sql_ = text;
     }
     do {
-        if (trace_)
-            trace_(text);
+        if (trace)
+            trace(text);
         query_->execute(parameters);
-        rowset_.fill(*query_, selection_);
+        block.rows.fill(*query_, block.columns);
     } while (!query_->finish());
 }
 
-String Reader::sql(From from) const {
+String Reader::sql(const Block& block, From from) const {
     const auto names = [this](const std::vector<std::size_t>& columns) {
         std::vector<String> result;
         result.reserve(columns.size());
@@ -235,13 +314,13 @@ String Reader::sql(From from) const {
         return result;
     };
     const auto key = joined(names(key_));
-    String result = (class_.distinct ? u"SELECT DISTINCT " : u"SELECT ") + joined(names(selection_)) + u" FROM " +
-                    String(class_.tables) + u" WHERE " + String(operation_->condition);
+    String result = (class_.distinct ? u"SELECT DISTINCT " : u"SELECT ") + joined(names(block.columns)) +
+                    u" FROM " + String(class_.tables) + u" WHERE " + String(operation_->condition);
     if (from != From::First)
         result += u" AND (" + key + (from == From::Key ? u") >= (" : u") > (") +
                   joined(std::vector<String>(key_.size(), u"?")) + u")";
     return result + u" ORDER BY " + key + u" LIMIT " +
-           decimal(class_.single ? 1 : static_cast<long long>(rowset_.most()));
+           decimal(class_.single ? 1 : static_cast<long long>(block.rows.most()));
 }
 
 } // namespace kvtdruck

@@ -159,7 +159,7 @@ std::vector<ReaderClass> readerClasses() {
                          {kNumber},
                          {0, kProductMode, kProductMode}}},
          .key = {u"FJahr"},
-         .distinct = true},
+         .atOnce = 1},
 
         {.name = u"clsZugMitarbeiterNummern",
          .tables = kEmployeeMonths,

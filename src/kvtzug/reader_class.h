@@ -39,6 +39,9 @@ struct ReaderClass {
     std::vector<StringView> key;
     /// Rows that are the same come once.
     bool distinct = false;
+    /// How many rows are queried at once at most. Where the key is a single column and repeats itself in many rows,
+    /// one at a time gives each of its values once, and a database finds each by its index.
+    std::size_t atOnce = 1024;
     /// A single record, without a cursor: the read operation gives whether there is one.
     bool single = false;
 };

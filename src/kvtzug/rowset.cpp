@@ -7,7 +7,6 @@ namespace {
 
 /// Bytes that cells take at most, and bytes of texts that end a block.
 constexpr std::size_t kBlockBytes = 1U << 20U;
-constexpr std::size_t kMostRows = 1024;
 
 } // namespace
 
@@ -25,8 +24,8 @@ CellType cellTypeOf(ColumnType type) {
     return CellType::Number;
 }
 
-Rowset::Rowset(const std::vector<Column>& columns)
-    : most_(std::min(kMostRows, kBlockBytes / (columns.size() * sizeof(Cell)))) {
+Rowset::Rowset(const std::vector<Column>& columns, std::size_t atOnce)
+    : most_(std::min(atOnce, kBlockBytes / (columns.size() * sizeof(Cell)))) {
     for (const auto& column : columns)
         types_.push_back(column.type);
 }
@@ -70,23 +69,27 @@ Rowset::Cell Rowset::cellOf(Query& query, std::size_t index, ColumnType type) {
     return cell;
 }
 
-Variant Rowset::value(std::size_t column, std::size_t row) const {
+void Rowset::read(std::size_t column, std::size_t row, Variant& value) const {
     const auto& found = cell(column, row);
     const auto type = types_[column];
-    if (found.content == Cell::Content::Nothing)
-        return nothing(type);
+    if (found.content == Cell::Content::Nothing) {
+        value = nothing(type);
+        return;
+    }
     switch (type) {
     case ColumnType::Text:
-        return textOf(found);
+        value.emptyText() = textOf(found);
+        break;
     case ColumnType::Single:
-        return float(found.number);
+        value = float(found.number);
+        break;
     case ColumnType::Double:
-        return found.number;
+        value = found.number;
+        break;
     case ColumnType::Date:
     case ColumnType::OptionalDate:
-        break;
+        value = Date{found.number};
     }
-    return Date{found.number};
 }
 
 Parameter Rowset::parameter(std::size_t column, std::size_t row) const {

@@ -12,7 +12,8 @@ namespace kvtdruck {
 /// One block of rows. It is as long as about a megabyte takes, so memory stays flat.
 class Rowset {
   public:
-    explicit Rowset(const std::vector<Column>& columns);
+    /// A block has at most `atOnce` rows.
+    Rowset(const std::vector<Column>& columns, std::size_t atOnce);
 
     /// Rows that a block has at most; it has fewer where texts are long.
     std::size_t most() const { return most_; }
@@ -27,7 +28,7 @@ class Rowset {
     bool isLast() const { return last_; }
 
     /// The value of a column in a row of the block. A NULL is the type's zero, or Null for an optional date.
-    Variant value(std::size_t column, std::size_t row) const;
+    void read(std::size_t column, std::size_t row, Variant& value) const;
 
     /// The value of a key's column in a row of the block, for a query that goes on from there.
     Parameter parameter(std::size_t column, std::size_t row) const;

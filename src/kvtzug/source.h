@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <variant>
@@ -53,7 +54,8 @@ class Query {
     virtual bool finish() = 0;
 };
 
-/// One open connection, shared by its readers. All calls on it come on one thread.
+/// One open connection, shared by its readers. Who uses it on several threads keeps `inUse` locked for as long as a
+/// query of it is executed, made or destroyed.
 class Connection {
   public:
     Connection() = default;
@@ -66,6 +68,14 @@ class Connection {
 
     /// Whether the data source is still held for reachable.
     virtual bool alive() const = 0;
+
+    /// Whether rows may be fetched beside the thread that uses them.
+    virtual bool readsAhead() const { return false; }
+
+    std::recursive_mutex& inUse() { return inUse_; }
+
+  private:
+    std::recursive_mutex inUse_;
 };
 
 /// Set where the user has asked to stop: whatever waits or runs ends with an error then. May be nullptr.

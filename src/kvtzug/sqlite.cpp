@@ -97,7 +97,10 @@ class SqliteQuery : public Query {
   public:
     SqliteQuery(std::shared_ptr<SqliteConnection> connection, String sentence, StringView sql)
         : connection_(std::move(connection)), sentence_(std::move(sentence)), sql_(toUtf8(sql)) {}
-    ~SqliteQuery() override { sqlite3_finalize(statement_); }
+    ~SqliteQuery() override {
+        const std::lock_guard lock(connection_->inUse());
+        sqlite3_finalize(statement_);
+    }
 
     void execute(std::span<const Parameter> parameters) override;
     bool step() override;

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 struct sqlite3;
 
@@ -20,6 +21,7 @@ class SqliteConnection : public Connection, public std::enable_shared_from_this<
 
     std::unique_ptr<Query> query(String sentence, StringView sql, std::vector<CellType> columns) override;
     bool alive() const override { return true; }
+    bool readsAhead() const override { return std::thread::hardware_concurrency() > 1; }
 
     sqlite3* handle() const { return database_; }
 

@@ -1,7 +1,5 @@
 #include "reports/account_report.h"
 
-#include "values/conversion.h"
-
 namespace kvtdruck {
 namespace {
 
@@ -67,7 +65,7 @@ void AccountReport::defineAmounts(StringView actualName, StringView targetName, 
 }
 
 void AccountReport::defineAmount(StringView name, double amount, std::optional<double> factor) {
-    define(kField, name, textOf(factor ? amount * *factor : amount, locale()), kTypeNumeric);
+    defineNumber(kField, name, factor ? amount * *factor : amount);
 }
 
 /// The chosen month, counted from 0; nothing where the cell holds no value from 1 to 12.

@@ -1,7 +1,5 @@
 #include "reports/reader_report.h"
 
-#include <algorithm>
-
 namespace kvtdruck {
 namespace {
 
@@ -87,7 +85,8 @@ bool ReaderReport::defineBeforeFirstPage() {
 
 bool ReaderReport::printRecords() {
     reader().MoveFirst();
-    keys_ = readKeys();
+    keys_.assign(keyGetters_.size(), 0);
+    takeKeys();
     for (bool first = true; !reader().atEnd(); first = false) {
         if (!printRecord(first))
             return false;
@@ -100,11 +99,8 @@ bool ReaderReport::printRecord(bool) {
     if (!Definiere_Übergebe_Felder())
         return false;
     showProgress();
-    auto keys = readKeys();
-    const bool change = !std::equal(keys.begin(), keys.end(), keys_.begin(), std::not_fn(differ));
-    if (change && !beginGroup())
+    if (takeKeys() && !beginGroup())
         return false;
-    keys_ = std::move(keys);
     printLine();
     return true;
 }
@@ -124,12 +120,14 @@ bool ReaderReport::beginGroup() {
     return true;
 }
 
-std::vector<double> ReaderReport::readKeys() {
-    std::vector<double> values;
-    values.reserve(keyGetters_.size());
-    for (auto& getter : keyGetters_)
-        values.push_back(toDouble(reader().value(getter), locale()));
-    return values;
+bool ReaderReport::takeKeys() {
+    bool change = false;
+    for (std::size_t i = 0; i < keyGetters_.size(); ++i) {
+        const auto key = toDouble(reader().value(keyGetters_[i]), locale());
+        change = change || differ(key, keys_[i]);
+        keys_[i] = key;
+    }
+    return change;
 }
 
 } // namespace kvtdruck

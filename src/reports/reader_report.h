@@ -66,7 +66,8 @@ class ReaderReport : public Report {
 
   private:
     bool beginGroup();
-    std::vector<double> readKeys();
+    /// Takes the current record's keys; gives whether one differs from the record's before.
+    bool takeKeys();
 
     const DataClass& dataClass_;
     std::optional<RecordReader> reader_;

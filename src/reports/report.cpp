@@ -107,6 +107,10 @@ void Report::define(Target target, StringView name, StringView content, std::int
     (adapter().*target)(name, content, type);
 }
 
+void Report::defineNumber(Target target, StringView name, double number) {
+    define(target, name, textOfValue(number), kTypeNumeric);
+}
+
 void Report::define(Target target, BoundTable& table, const Record& record) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         const auto& row = table.row(i);
@@ -114,21 +118,30 @@ void Report::define(Target target, BoundTable& table, const Record& record) {
     }
 }
 
-String Report::contentOf(const Source& source, std::span<Member> getters, const Record& record) {
-    const auto fetched = [&](Member& getter) { return required(record.reader).value(getter); };
+StringView Report::textOfValue(const Variant& value) {
+    if (const auto* text = value.as<String>())
+        return *text;
+    content_.clear();
+    appendText(content_, value, locale());
+    return content_;
+}
+
+StringView Report::contentOf(const Source& source, std::span<Member> getters, const Record& record) {
+    const auto fetched = [&](Member& getter) -> const Variant& { return required(record.reader).value(getter); };
+    const auto kept = [&](String text) -> StringView { return content_ = std::move(text); };
     return std::visit(
         Overloaded{
-            [&](const CompanyNumber&) { return textOf(request_.pFnr, locale()); },
-            [&](const CompanyCurrency&) { return currency_; },
-            [&](const FixedText& fixed) { return fixed.text; },
-            [&](const FromGetter&) { return toText(fetched(getters.front()), locale()); },
-            [&](const FromDateGetter&) { return fkt_Datum_Text(fetched(getters.front()), locale()); },
-            [&](const FromCell& cell) { return parray_.text(cell.row.value_or(record.row), cell.column); },
+            [&](const CompanyNumber&) { return textOfValue(request_.pFnr); },
+            [&](const CompanyCurrency&) { return StringView(currency_); },
+            [&](const FixedText& fixed) { return StringView(fixed.text); },
+            [&](const FromGetter&) { return textOfValue(fetched(getters.front())); },
+            [&](const FromDateGetter&) { return kept(fkt_Datum_Text(fetched(getters.front()), locale())); },
+            [&](const FromCell& cell) { return kept(parray_.text(cell.row.value_or(record.row), cell.column)); },
             [&](const Composed& composed) {
                 std::vector<String> texts;
                 for (auto& getter : getters)
                     texts.push_back(toText(fetched(getter), locale()));
-                return composed.text(texts);
+                return kept(composed.text(texts));
             },
         },
         source);

@@ -51,6 +51,7 @@ class Report {
     /// Hands every row of the table to the engine.
     void define(Target target, BoundTable& table, const Record& record);
     void define(Target target, StringView name, StringView content, std::int32_t type);
+    void defineNumber(Target target, StringView name, double number);
     /// Shows the progress: a counter from 2 to 101 that then starts again at 1, not a share of the records.
     void showProgress();
     /// Prints the current line, on a new page where the page in hand is full.
@@ -72,7 +73,9 @@ class Report {
     bool print();
     bool beginJob();
     bool endJob();
-    String contentOf(const Source& source, std::span<Member> getters, const Record& record);
+    /// The value's text, until the next one is asked for.
+    StringView contentOf(const Source& source, std::span<Member> getters, const Record& record);
+    StringView textOfValue(const Variant& value);
 
     ReportEnvironment environment_;
     PrintRequest request_;
@@ -82,6 +85,7 @@ class Report {
     ParameterCells parray_;
     String layoutFile_;
     String currency_;
+    String content_; ///< of the definition in hand; its room is used again and again
     std::int32_t engineMode_ = 0;
     std::int32_t progress_ = 1;
 };

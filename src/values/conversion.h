@@ -6,6 +6,7 @@
 #include "values/text.h"
 #include "values/variant.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace kvtdruck {
@@ -27,6 +28,14 @@ String shortDateOf(Date date, const Locale& locale);
 
 String textOf(Currency amount, const Locale& locale);
 String textOf(const Decimal& number, const Locale& locale);
+
+/// Appends `textOf(number, locale)` to `text`.
+void appendTextOf(String& text, double number, const Locale& locale);
+void appendTextOf(String& text, float number, const Locale& locale);
+
+/// The number in ten-thousandths, where it is the double nearest to such an amount: as most numbers are. At most 15
+/// digits tell it from every other, so they are its text.
+std::optional<std::int64_t> tenThousandths(double number);
 
 /// The number that `text` holds in the notation of `locale` (thousands separators, sign before or behind,
 /// parentheses for a negative number, currency symbol, exponent, &H and &O); nothing where it holds none. Infinity

@@ -132,29 +132,44 @@ String fixedPointText(std::string units, int scale, bool negative, const Locale&
     return number.digits.empty() ? String(u"0") : plainForm(number, locale);
 }
 
-/// The number in ten-thousandths, where it is the one nearest to such an amount: as most numbers are. At most 15
-/// digits tell it from every other, so they are its text.
-std::optional<std::int64_t> tenThousandths(double number) {
-    constexpr double kPart = 10'000;
-    if (std::abs(number) >= 1e15 / kPart)
-        return std::nullopt;
-    const auto units = static_cast<std::int64_t>(number * kPart + std::copysign(0.5, number));
-    return static_cast<double>(units) / kPart == number ? std::optional(units) : std::nullopt;
+/// Whole numbers below ten millions are told by 7 digits, as are most that a float holds.
+std::optional<std::int64_t> wholeInTenThousandths(float number) {
+    const bool whole = std::abs(number) < 1e7F && std::trunc(number) == number;
+    return whole ? std::optional(static_cast<std::int64_t>(number) * 10'000) : std::nullopt;
 }
 
+/// Appends ten-thousandths as a number, without zeros at the end of its decimals.
+void appendTenThousandths(String& text, std::int64_t units, const Locale& locale) {
+    const auto digit = [](auto number) { return static_cast<char16_t>(u'0' + number % 10); };
+    const auto magnitude = static_cast<std::uint64_t>(std::abs(units));
+    auto whole = magnitude / 10'000;
+    std::array<char16_t, 24> buffer;
+    char16_t* const end = buffer.data() + buffer.size();
+    char16_t* begin = end;
+    do
+        *--begin = digit(whole);
+    while ((whole /= 10) != 0);
+    if (units < 0)
+        *--begin = u'-';
+    text.append(begin, static_cast<std::size_t>(end - begin));
+    auto rest = static_cast<std::uint32_t>(magnitude % 10'000);
+    if (rest == 0)
+        return;
+    text += locale.decimalSign;
+    for (std::uint32_t place = 1000; rest != 0; rest %= place, place /= 10)
+        text += digit(rest / place);
+}
+
+/// Appends a number that has no short way of its own, to so many significant digits.
 template <class Real>
-String realText(Real number, const Locale& locale) {
-    constexpr int significant = std::is_same_v<Real, float> ? 7 : 15;
-    if (!std::isfinite(number))
-        return notFinite(std::isnan(number), std::signbit(number), locale);
-    if (number == 0)
-        return u"0";
-    if constexpr (std::is_same_v<Real, double>)
-        if (const auto units = tenThousandths(number))
-            return fixedPointText(std::to_string(std::abs(*units)), 4, number < 0, locale);
-    const Digits digits = significantDigits(number, significant);
+void appendReal(String& text, Real number, int significant, const Locale& locale) {
+    if (!std::isfinite(number)) {
+        text += notFinite(std::isnan(number), std::signbit(number), locale);
+        return;
+    }
+    const Digits digits = significantDigits(number, static_cast<std::size_t>(significant));
     const bool fits = digits.point > -4 && digits.point <= significant;
-    return fits ? plainForm(digits, locale) : exponentForm(digits, locale);
+    text += fits ? plainForm(digits, locale) : exponentForm(digits, locale);
 }
 
 /// The decimal digits of a 96-bit integer.
@@ -176,12 +191,38 @@ std::string integerDigits(std::uint32_t high, std::uint64_t low) {
 
 } // namespace
 
+std::optional<std::int64_t> tenThousandths(double number) {
+    constexpr double kPart = 10'000;
+    if (!(std::abs(number) < 1e15 / kPart)) // or no number at all
+        return std::nullopt;
+    const auto units = static_cast<std::int64_t>(number * kPart + std::copysign(0.5, number));
+    return static_cast<double>(units) / kPart == number ? std::optional(units) : std::nullopt;
+}
+
 String textOf(double number, const Locale& locale) {
-    return realText(number, locale);
+    String text;
+    appendTextOf(text, number, locale);
+    return text;
 }
 
 String textOf(float number, const Locale& locale) {
-    return realText(number, locale);
+    String text;
+    appendTextOf(text, number, locale);
+    return text;
+}
+
+void appendTextOf(String& text, double number, const Locale& locale) {
+    if (const auto units = tenThousandths(number))
+        appendTenThousandths(text, *units, locale);
+    else
+        appendReal(text, number, 15, locale);
+}
+
+void appendTextOf(String& text, float number, const Locale& locale) {
+    if (const auto units = wholeInTenThousandths(number))
+        appendTenThousandths(text, *units, locale);
+    else
+        appendReal(text, number, 7, locale);
 }
 
 String textOf(Currency amount, const Locale& locale) {

@@ -29,6 +29,10 @@ class Object {
     /// Empty.
     virtual Variant call(MemberId member, std::span<const Variant> arguments) = 0;
 
+    /// The result of `call` without arguments, put into `value`. What is read again and again need not take new
+    /// room every time.
+    virtual void read(MemberId member, Variant& value);
+
     /// Writes a property: `arguments` address it, `value` is what it takes.
     virtual void put(MemberId member, std::span<const Variant> arguments, const Variant& value) = 0;
 };

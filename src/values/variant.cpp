@@ -65,7 +65,7 @@ Date toDate(const Variant& value, const Locale& locale) {
         return *date;
     }
     const Date date{toDouble(value, locale)};
-    textOf(date, locale); // raises the error of a date beyond the calendar
+    calendarTimeOf(date); // raises the error of a date beyond the calendar
     return date;
 }
 
@@ -95,16 +95,24 @@ bool equals(const Variant& value, StringView text, const Locale& locale) {
 }
 
 String toText(const Variant& value, const Locale& locale) {
-    return std::visit(
-        Overloaded{[](Empty) { return String(); }, [](Null) -> String { fail(ErrorNumber::InvalidUseOfNull); },
-                   [&](bool truth) { return truth ? locale.trueText : locale.falseText; },
-                   [](std::uint8_t number) { return decimal(number); },
-                   [](std::int16_t number) { return decimal(number); },
-                   [](std::int32_t number) { return decimal(number); }, [](const String& text) { return text; },
-                   [](const ObjectRef&) -> String { fail(ErrorNumber::TypeMismatch); },
-                   [](ErrorValue) -> String { fail(ErrorNumber::TypeMismatch); },
-                   [&](const auto& number) { return textOf(number, locale); }},
-        value.value());
+    String text;
+    appendText(text, value, locale);
+    return text;
+}
+
+void appendText(String& text, const Variant& value, const Locale& locale) {
+    std::visit(Overloaded{[](Empty) {}, [](Null) { fail(ErrorNumber::InvalidUseOfNull); },
+                          [&](bool truth) { text += truth ? locale.trueText : locale.falseText; },
+                          [&](std::uint8_t number) { text += decimal(number); },
+                          [&](std::int16_t number) { text += decimal(number); },
+                          [&](std::int32_t number) { text += decimal(number); },
+                          [&](float number) { appendTextOf(text, number, locale); },
+                          [&](double number) { appendTextOf(text, number, locale); },
+                          [&](const String& content) { text += content; },
+                          [](const ObjectRef&) { fail(ErrorNumber::TypeMismatch); },
+                          [](ErrorValue) { fail(ErrorNumber::TypeMismatch); },
+                          [&](const auto& number) { text += textOf(number, locale); }},
+               value.value());
 }
 
 double toDouble(const Variant& value, const Locale& locale) {
@@ -186,8 +194,13 @@ bool isOf(const Variant& value, ValueType type) {
 
 } // namespace
 
-Variant coerced(Variant&& value, ValueType type, const Locale& locale) {
-    return isOf(value, type) ? std::move(value) : coerced(std::as_const(value), type, locale);
+void coerce(Variant& value, ValueType type, const Locale& locale) {
+    if (!isOf(value, type))
+        value = coerced(value, type, locale);
+}
+
+void Object::read(MemberId member, Variant& value) {
+    value = call(member, {});
 }
 
 Variant coerced(const Variant& value, ValueType type, const Locale& locale) {

@@ -66,6 +66,17 @@ class Variant {
     requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && AlternativeOf<T, Value>)
         Variant(T&& value) // NOLINT(bugprone-forwarding-reference-overload)
         : value_(std::in_place_type<std::remove_cvref_t<T>>, std::forward<T>(value)) {}
+    /// What has the value's type already is taken over in its place.
+    template <class T>
+    requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && AlternativeOf<T, Value>) Variant&
+    operator=(T&& value) {
+        using Held = std::remove_cvref_t<T>;
+        if (auto* held = std::get_if<Held>(&value_))
+            *held = std::forward<T>(value);
+        else
+            value_.emplace<Held>(std::forward<T>(value));
+        return *this;
+    }
     Variant(StringView text) : value_(std::in_place_type<String>, text) {}
     Variant(const char16_t* text) : value_(std::in_place_type<String>, text) {}
 
@@ -73,6 +84,15 @@ class Variant {
     template <class T>
     const T* as() const {
         return std::get_if<T>(&value_);
+    }
+
+    /// Makes it an empty text, to be filled; a text that it was before gives its room.
+    String& emptyText() {
+        if (auto* text = std::get_if<String>(&value_)) {
+            text->clear();
+            return *text;
+        }
+        return value_.emplace<String>();
     }
 
     bool isEmpty() const { return as<Empty>() != nullptr; }
@@ -110,6 +130,8 @@ bool equals(const Variant& value, Truth truth, const Locale& locale) {
 
 /// The general conversion to text. Empty gives ""; Null is run-time error 94; an object or an error value is 13.
 String toText(const Variant& value, const Locale& locale);
+/// Appends `toText(value, locale)` to `text`.
+void appendText(String& text, const Variant& value, const Locale& locale);
 
 /// Conversions to numbers: Null is run-time error 94, a text that is no number 13, a value out of range 6. Empty is
 /// 0.
@@ -126,7 +148,7 @@ std::int32_t roundToLong(double value);
 /// The foreign result `value` coerced to `type` (as `VariantChangeType` does it, with truth values as the locale's
 /// words): what can't be coerced, Null included, is run-time error 13, a number out of range run-time error 6.
 Variant coerced(const Variant& value, ValueType type, const Locale& locale);
-/// The same for a value that is not needed any more: what has the type already is handed on as it is.
-Variant coerced(Variant&& value, ValueType type, const Locale& locale);
+/// The same in place: what has the type already stays as it is.
+void coerce(Variant& value, ValueType type, const Locale& locale);
 
 } // namespace kvtdruck

@@ -441,6 +441,31 @@ TEST_F(ManyYears, MoveFirstAsksTheDatabaseOnlyWhenTheFirstRecordIsNoLongerInHand
     EXPECT_EQ(turnover.numbers(u"Jahr").size(), std::size_t(kYears));
 }
 
+TEST_F(ManyYears, YearsOfAccountsComeOnceEachHoweverManyAccountsThereAre) {
+    std::string rows;
+    for (int account = 1; account <= 3000; ++account)
+        rows += (rows.empty() ? "(1, " : ", (1, ") + std::to_string(2020 + account % 3 * 2) + ", " +
+                std::to_string(account) + ", " + std::to_string(account) + ", " + std::to_string(1 + account % 2) +
+                ")";
+    execute("INSERT INTO konten (fnr, fjahr, vkonto, ekonto, kontenart) VALUES " + rows);
+    const auto years = reader(u"clsZugKontenJahre");
+    years.call(u"LeseKontenJahre", {1.0});
+    EXPECT_THAT(years.numbers(u"FJahr"), testing::ElementsAre(2020, 2022, 2024));
+    years.call(u"MoveFirst");
+    EXPECT_THAT(years.numbers(u"FJahr"), testing::ElementsAre(2020, 2022, 2024));
+}
+
+TEST_F(ManyYears, AReaderMayGoAnywhereOnItsWalk) {
+    auto turnover = std::make_unique<ReaderAccess>(reader(u"clsZugUmsatz"));
+    turnover->call(u"LeseUmsatzAlle", {1.0});
+    turnover->call(u"MoveNext"); // the next rows are on their way
+    turnover->call(u"LeseUmsatzVonBis", {1.0, 5.0f, 2000.0f});
+    EXPECT_EQ(turnover->numbers(u"Jahr").size(), 1996u);
+    turnover->call(u"LeseUmsatzAlle", {1.0});
+    turnover->call(u"MoveNext");
+    turnover.reset();
+}
+
 TEST_F(ManyYears, AGetterThatIsFirstUsedFarIntoTheDataGivesItsValue) {
     const auto turnover = reader(u"clsZugUmsatz");
     turnover.call(u"LeseUmsatzAlle", {1.0});

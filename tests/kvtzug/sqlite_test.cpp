@@ -71,6 +71,14 @@ class SqliteFiles : public testing::Test {
                              name + "')");
     }
 
+    static std::string monthColumns() {
+        std::string columns;
+        for (const char* series : {"iumsatzdm_", "sumsatzdm_"})
+            for (int month = 1; month <= 12; ++month)
+                columns += std::string(", ") + series + (month < 10 ? "0" : "") + std::to_string(month);
+        return columns;
+    }
+
     TemporaryFolder folder_;
     std::filesystem::path file_ = folder_.path() / "test.sqlite";
     std::atomic<bool> cancelled_ = false;
@@ -98,6 +106,23 @@ TEST_F(SqliteFiles, APasswordNeverShowsUp) {
     const auto file = folder_.path() / "fehlt.sqlite";
     EXPECT_THAT(errorOf(sqliteConnection(fromUtf8(file.string())) + u";PWD=geheimnis"),
                 testing::Not(HasSubstr("geheimnis")));
+}
+
+TEST_F(SqliteFiles, AnErrorFurtherOnShowsWhereTheWalkGetsThere) {
+    Writer(file_).execute("CREATE TABLE umsatz (fnr, jahr, iumsatzdm, sumsatzdm" + monthColumns() +
+                          "); WITH RECURSIVE years (jahr) AS (SELECT 1 UNION ALL SELECT jahr + 1 FROM years WHERE "
+                          "jahr < 3000) INSERT INTO umsatz (fnr, jahr, iumsatzdm) SELECT 1, jahr, "
+                          "CASE jahr WHEN 1500 THEN 'viel' ELSE jahr END FROM years");
+    const ReaderAccess turnover(library_, u"clsZugUmsatz", sqliteConnection(fromUtf8(file_.string())));
+    turnover.call(u"LeseUmsatzAlle", {1.0});
+    EXPECT_EQ(turnover.number(u"IUmsatzDM"), 1); // from now on it is fetched with every block
+    int walked = 1;
+    const auto walk = [&] {
+        for (; turnover.truth(u"MoveNext"); ++walked)
+            ASSERT_EQ(turnover.number(u"IUmsatzDM"), walked + 1);
+    };
+    EXPECT_THROW(walk(), RuntimeError);
+    EXPECT_EQ(walked, 1024) << "all of the block before";
 }
 
 TEST_F(SqliteFiles, AFileNameIsDataWhateverIsInIt) {

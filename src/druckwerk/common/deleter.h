@@ -8,7 +8,7 @@ template <auto Release>
 struct Deleter {
     template <class T>
     void operator()(T* object) const {
-        Release(object);
+        (*Release)(object);
     }
 };
 

@@ -1,5 +1,7 @@
 #include "druckwerk/exits/printing.h"
 
+#include "platform/posix/lazy_function.h"
+
 #include <cups/cups.h>
 
 #include <algorithm>
@@ -10,6 +12,21 @@
 
 namespace kvtdruck::druckwerk {
 namespace {
+
+constexpr const char* kLibrary = "libcups.so.2";
+const LazyFunction<decltype(::cupsAddOption)> cupsAddOption(kLibrary, "cupsAddOption");
+const LazyFunction<decltype(::cupsCancelJob2)> cupsCancelJob2(kLibrary, "cupsCancelJob2");
+const LazyFunction<decltype(::cupsCreateJob)> cupsCreateJob(kLibrary, "cupsCreateJob");
+const LazyFunction<decltype(::cupsFinishDocument)> cupsFinishDocument(kLibrary, "cupsFinishDocument");
+const LazyFunction<decltype(::cupsFreeDests)> cupsFreeDests(kLibrary, "cupsFreeDests");
+const LazyFunction<decltype(::cupsFreeOptions)> cupsFreeOptions(kLibrary, "cupsFreeOptions");
+const LazyFunction<decltype(::cupsGetDest)> cupsGetDest(kLibrary, "cupsGetDest");
+const LazyFunction<decltype(::cupsGetDests2)> cupsGetDests2(kLibrary, "cupsGetDests2");
+const LazyFunction<decltype(::cupsGetOption)> cupsGetOption(kLibrary, "cupsGetOption");
+const LazyFunction<decltype(::cupsLastError)> cupsLastError(kLibrary, "cupsLastError");
+const LazyFunction<decltype(::cupsLastErrorString)> cupsLastErrorString(kLibrary, "cupsLastErrorString");
+const LazyFunction<decltype(::cupsStartDocument)> cupsStartDocument(kLibrary, "cupsStartDocument");
+const LazyFunction<decltype(::cupsWriteRequestData)> cupsWriteRequestData(kLibrary, "cupsWriteRequestData");
 
 /// The queues as libcups lists them.
 class Destinations {

@@ -5,7 +5,7 @@
 #include "druckwerk/expression/contents.h"
 #include "values/variant.h"
 
-#include <deque>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -50,13 +50,13 @@ class Definitions {
 
     /// The slot of `name`, new and undefined where nothing has defined it yet. Slots stay valid for good.
     std::size_t slotOf(StringView name);
-    bool isDefined(std::size_t slot) const { return slots_[slot].values[0].defined; }
-    bool isNumeric(std::size_t slot) const { return slots_[slot].numeric; }
-    StringView nameOf(std::size_t slot) const { return slots_[slot].name; }
+    bool isDefined(std::size_t slot) const { return slots_[slot]->values[0].defined; }
+    bool isNumeric(std::size_t slot) const { return slots_[slot]->numeric; }
+    StringView nameOf(std::size_t slot) const { return slots_[slot]->name; }
 
     /// The slot's value at `moment`; where it had none then, its present one.
     const Value& value(std::size_t slot, Moment moment) const {
-        const Slot& found = slots_[slot];
+        const Slot& found = *slots_[slot];
         const Value& then = found.values[static_cast<std::size_t>(moment)];
         return then.defined ? then : found.values[0];
     }
@@ -65,7 +65,7 @@ class Definitions {
     const Number& number(std::size_t slot, Moment moment) const {
         const Value& found = value(slot, moment);
         if (!found.parsed) {
-            found.number = contents_.number(slots_[slot].name, found.text);
+            found.number = contents_.number(slots_[slot]->name, found.text);
             found.parsed = true;
         }
         return found.number;
@@ -95,8 +95,8 @@ class Definitions {
         bool field = false;
         std::size_t successor = 0;
     };
-    mutable Contents contents_; ///< remembers what it has reported
-    std::deque<Slot> slots_;
+    mutable Contents contents_;                ///< remembers what it has reported
+    std::vector<std::unique_ptr<Slot>> slots_; ///< each stays where it is: `index_` refers to its name
     std::unordered_map<StringView, std::size_t> index_;
     std::vector<std::size_t> order_;
     std::array<std::vector<std::size_t>, 3> kept_;

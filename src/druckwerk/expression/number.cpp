@@ -1,5 +1,7 @@
 #include "druckwerk/expression/number.h"
 
+#include "values/conversion.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -150,6 +152,13 @@ Number Number::of(double value) {
     number.kind = std::isfinite(value) ? Kind::Large : Kind::None;
     if (number.kind == Kind::None || std::fabs(value) >= 1e15)
         return number;
+    if (const auto units = tenThousandths(value)) { // as most sums and differences of amounts are
+        number.kind = Kind::Exact;
+        number.digits = *units;
+        for (number.scale = 4; number.scale > 0 && number.digits % 10 == 0; --number.scale)
+            number.digits /= 10;
+        return number;
+    }
     std::array<char, 40> buffer{};
     const auto written =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific, 14);

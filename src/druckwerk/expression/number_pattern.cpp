@@ -12,6 +12,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr int kMaximumDigits = 18;
+constexpr std::size_t kGroup = 3; // digits between two separators
 
 constexpr std::array<std::int64_t, kMaximumDigits + 1> kIntegerPowers = [] {
     std::array<std::int64_t, kMaximumDigits + 1> powers{};
@@ -40,15 +41,15 @@ Magnitude rounded(const Number& number, bool percent, int decimals) {
 }
 
 /// Writes all digits in front of `end`, the last `decimals` of them behind the comma; gives the first one.
-char* writeDigits(Magnitude number, int decimals, char* end) {
-    char* begin = end;
+char16_t* writeDigits(Magnitude number, int decimals, char16_t* end) {
+    char16_t* begin = end;
     if (number.digits != 0)
         for (int i = number.scale; i < decimals; ++i)
-            *--begin = '0';
-    for (; number.digits != 0; number.digits /= 10)
-        *--begin = static_cast<char>('0' + number.digits % 10);
+            *--begin = u'0';
+    for (auto rest = static_cast<std::uint64_t>(number.digits); rest != 0; rest /= 10)
+        *--begin = static_cast<char16_t>(u'0' + rest % 10);
     while (end - begin < decimals)
-        *--begin = '0';
+        *--begin = u'0';
     return begin;
 }
 
@@ -146,21 +147,22 @@ NumberPattern::NumberPattern(StringView pattern) {
 }
 
 /// All digits without a sign between them, the last `decimals` of them behind the decimal sign.
-void NumberPattern::appendDigits(const Part& part, std::string_view digits, int decimals, const Locale& locale,
+void NumberPattern::appendDigits(const Part& part, StringView digits, int decimals, const Locale& locale,
                                  String& out) {
-    const int integers = static_cast<int>(digits.size()) - decimals;
-    for (int i = std::max(integers, part.integerDigits); i > 0; --i) {
-        out += i > integers ? u'0' : static_cast<char16_t>(digits[static_cast<std::size_t>(integers - i)]);
-        if (part.grouped && i > 1 && (i - 1) % 3 == 0)
-            out += locale.thousandsSeparator;
-    }
-    std::string_view behind = digits.substr(static_cast<std::size_t>(integers));
-    while (static_cast<int>(behind.size()) > part.minimumDecimals && behind.back() == '0')
+    const auto integers = digits.size() - static_cast<std::size_t>(decimals);
+    const auto begin = out.size();
+    const auto wanted = static_cast<std::size_t>(part.integerDigits);
+    if (wanted > integers)
+        out.append(wanted - integers, u'0');
+    out += digits.substr(0, integers);
+    if (part.grouped)
+        for (auto at = out.size(); at > begin + kGroup;)
+            out.insert(at -= kGroup, locale.thousandsSeparator);
+    StringView behind = digits.substr(integers);
+    while (static_cast<int>(behind.size()) > part.minimumDecimals && behind.back() == u'0')
         behind.remove_suffix(1);
     if (!behind.empty())
-        out += locale.decimalSign;
-    for (const char c : behind)
-        out += static_cast<char16_t>(c);
+        out.append(locale.decimalSign).append(behind);
 }
 
 void NumberPattern::appendLarge(const Number& number, const Locale& locale, String& out) const {
@@ -175,7 +177,7 @@ void NumberPattern::appendLarge(const Number& number, const Locale& locale, Stri
         const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(number.value),
                                            std::chars_format::fixed, decimals);
         const char* end = std::remove(buffer.data(), written.ptr, '.');
-        appendDigits(part, {buffer.data(), static_cast<std::size_t>(end - buffer.data())}, part.maximumDecimals,
+        appendDigits(part, String(buffer.begin(), buffer.begin() + (end - buffer.data())), part.maximumDecimals,
                      locale, out);
     }
     out += part.suffix;
@@ -195,9 +197,9 @@ void NumberPattern::append(const Number& number, const Locale& locale, String& o
         out += u'-';
     out += part.prefix;
     if (part.hasDigits) {
-        std::array<char, 64> buffer;
-        char* const end = buffer.data() + buffer.size();
-        const char* const begin = writeDigits(shown, decimals, end);
+        std::array<char16_t, 64> buffer;
+        char16_t* const end = buffer.data() + buffer.size();
+        const char16_t* const begin = writeDigits(shown, decimals, end);
         appendDigits(part, {begin, static_cast<std::size_t>(end - begin)}, decimals, locale, out);
     }
     out += part.suffix;

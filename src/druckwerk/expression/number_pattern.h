@@ -3,7 +3,6 @@
 
 #include "druckwerk/expression/number.h"
 
-#include <string_view>
 #include <vector>
 
 namespace kvtdruck::druckwerk {
@@ -27,8 +26,7 @@ class NumberPattern {
         bool hasDigits = false;
     };
     class PartReader;
-    static void appendDigits(const Part& part, std::string_view digits, int decimals, const Locale& locale,
-                             String& out);
+    static void appendDigits(const Part& part, StringView digits, int decimals, const Locale& locale, String& out);
     void appendLarge(const Number& number, const Locale& locale, String& out) const;
     std::vector<Part> parts_;
 };

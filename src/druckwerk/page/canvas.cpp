@@ -9,12 +9,14 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
+/// To the nearest, halves away from zero.
 std::int64_t hundredths(double value) {
-    return std::fabs(value) < 1e9 ? std::llround(value * 100) : 0;
-}
-
-void appendHundredths(std::string& out, std::int64_t value) {
-    appendNumber(out, static_cast<double>(value) / 100);
+    if (!(std::fabs(value) < 1e9))
+        return 0;
+    const double exact = value * 100;
+    const auto whole = static_cast<std::int64_t>(exact);
+    const double rest = exact - static_cast<double>(whole);
+    return whole + (rest >= 0.5 ? 1 : rest <= -0.5 ? -1 : 0);
 }
 
 } // namespace
@@ -70,9 +72,7 @@ void Canvas::moveText(Point at, Rgb color) {
     }
     const std::int64_t x = hundredths(at.x);
     const std::int64_t y = hundredths(height_ - at.y);
-    appendHundredths(buffer_, x - lineX_);
-    buffer_ += ' ';
-    appendHundredths(buffer_, y - lineY_);
+    appendHundredths(buffer_, x - lineX_, y - lineY_);
     buffer_ += " Td";
     lineX_ = x;
     lineY_ = y;

@@ -54,7 +54,8 @@ std::optional<int> PdfDocument::formsOf(const std::string& source) const {
 
 void PdfDocument::beginPage() {
     canvas_.clear();
-    ++pages_;
+    if (++pages_ == 2) // one page alone is done before a thread would have begun
+        output_.workBeside();
     page_ = output_.allocate();
 }
 

@@ -31,12 +31,56 @@ PdfOutput::PdfOutput(std::filesystem::path file) : name_(std::move(file)) {
 }
 
 PdfOutput::~PdfOutput() {
+    beside_.reset();
     libdeflate_free_compressor(compressor_);
 }
 
-int PdfOutput::allocate() {
-    offsets_.push_back(0);
-    return static_cast<int>(offsets_.size());
+void PdfOutput::workBeside() {
+    if (beside_ || std::thread::hardware_concurrency() < 2)
+        return;
+    try {
+        beside_ = std::make_unique<TaskQueue<Piece>>(
+            [this](const Piece& piece) { put(piece.kind, piece.number, piece.entries, piece.data); });
+    } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch): without a thread it is done as before
+    }
+}
+
+void PdfOutput::take(Kind kind, int number, std::string_view entries, std::string_view data) {
+    if (!beside_)
+        return put(kind, number, entries, data);
+    beside_->add([&](Piece& piece) {
+        piece.kind = kind;
+        piece.number = number;
+        piece.entries = entries;
+        piece.data = data;
+    });
+}
+
+void PdfOutput::put(Kind kind, int number, std::string_view entries, std::string_view data) {
+    const auto index = static_cast<std::size_t>(number) - 1;
+    if (index >= offsets_.size())
+        offsets_.resize(index + 1);
+    offsets_[index] = position_;
+    write(std::to_string(number) + " 0 obj\n");
+    if (kind == Kind::Object) {
+        write(data);
+        write("\nendobj\n");
+    } else if (kind == Kind::RawStream) {
+        putStream(entries, data);
+    } else {
+        compressed_.resize(libdeflate_zlib_compress_bound(compressor_, data.size()));
+        const std::size_t size =
+            libdeflate_zlib_compress(compressor_, data.data(), data.size(), compressed_.data(), compressed_.size());
+        putStream(std::string(entries) + "/Filter/FlateDecode", std::string_view(compressed_).substr(0, size));
+    }
+}
+
+void PdfOutput::putStream(std::string_view entries, std::string_view data) {
+    write("<<");
+    write(entries);
+    write("/Length " + std::to_string(data.size()) + ">>stream\n");
+    write(data);
+    write("\nendstream\nendobj\n");
 }
 
 void PdfOutput::write(std::string_view data) {
@@ -65,35 +109,22 @@ void PdfOutput::flush() {
     buffer_.clear();
 }
 
-void PdfOutput::beginObject(int number) {
-    offsets_[static_cast<std::size_t>(number) - 1] = position_;
-    write(std::to_string(number) + " 0 obj\n");
-}
-
 void PdfOutput::writeObject(int number, std::string_view body) {
-    beginObject(number);
-    write(body);
-    write("\nendobj\n");
+    take(Kind::Object, number, {}, body);
 }
 
 void PdfOutput::writeStream(int number, std::string_view entries, std::string_view data) {
-    compressed_.resize(libdeflate_zlib_compress_bound(compressor_, data.size()));
-    const std::size_t size =
-        libdeflate_zlib_compress(compressor_, data.data(), data.size(), compressed_.data(), compressed_.size());
-    writeRawStream(number, std::string(entries) + "/Filter/FlateDecode",
-                   std::string_view(compressed_).substr(0, size));
+    take(Kind::Stream, number, entries, data);
 }
 
 void PdfOutput::writeRawStream(int number, std::string_view entries, std::string_view data) {
-    beginObject(number);
-    write("<<");
-    write(entries);
-    write("/Length " + std::to_string(data.size()) + ">>stream\n");
-    write(data);
-    write("\nendstream\nendobj\n");
+    take(Kind::RawStream, number, entries, data);
 }
 
 std::unique_ptr<AtomicFile> PdfOutput::finish(int catalog, int info) {
+    if (beside_)
+        beside_->finish();
+    offsets_.resize(static_cast<std::size_t>(objects_));
     const std::uint64_t start = position_;
     write("xref\n0 " + std::to_string(offsets_.size() + 1) + "\n0000000000 65535 f \n");
     std::array<char, 32> entry{};

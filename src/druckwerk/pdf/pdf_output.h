@@ -1,6 +1,7 @@
 // A PDF file written from front to back: objects go out as they are finished, only their offsets stay in memory.
 #pragma once
 
+#include "druckwerk/pdf/task_queue.h"
 #include "platform/posix/atomic_file.h"
 
 #include <cstdint>
@@ -22,8 +23,12 @@ class PdfOutput {
     PdfOutput(const PdfOutput&) = delete;
     PdfOutput& operator=(const PdfOutput&) = delete;
 
+    /// From now on objects are compressed and written beside the calling thread, in the same order, where there is
+    /// a second processor. A failure then shows with a later object, or at the end.
+    void workBeside();
+
     /// A number for an object that is written later.
-    int allocate();
+    int allocate() { return ++objects_; }
     /// Writes the object `number`; `body` is its PDF syntax.
     void writeObject(int number, std::string_view body);
     /// Writes a compressed stream; `entries` are further entries of its dictionary.
@@ -35,9 +40,19 @@ class PdfOutput {
     std::unique_ptr<AtomicFile> finish(int catalog, int info);
 
   private:
+    enum class Kind : std::uint8_t { Object, Stream, RawStream };
+    struct Piece {
+        Kind kind = Kind::Object;
+        int number = 0;
+        std::string entries;
+        std::string data;
+    };
+
+    void take(Kind kind, int number, std::string_view entries, std::string_view data);
+    void put(Kind kind, int number, std::string_view entries, std::string_view data);
+    void putStream(std::string_view entries, std::string_view data);
     void write(std::string_view data);
     void flush();
-    void beginObject(int number);
 
     std::filesystem::path name_;
     std::unique_ptr<AtomicFile> file_;
@@ -45,8 +60,11 @@ class PdfOutput {
     std::string compressed_;
     std::uint64_t position_ = 0;
     std::uint64_t hash_ = 0xcbf29ce484222325U;
+    int objects_ = 0;
     std::vector<std::uint64_t> offsets_;
     libdeflate_compressor* compressor_;
+    std::unique_ptr<TaskQueue<Piece>>
+        beside_; ///< where there is one, all of the file but `objects_` is its thread's
 };
 
 } // namespace kvtdruck::druckwerk

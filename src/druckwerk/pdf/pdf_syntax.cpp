@@ -1,38 +1,59 @@
 #include "druckwerk/pdf/pdf_syntax.h"
 
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 
 namespace kvtdruck::druckwerk {
 
 namespace {
 
 constexpr double kMaximumNumber = 1e9; // beyond it, and for NaN, there is nothing to be seen on a page
+constexpr std::int64_t kMaximumHundredths = 100'000'000'000;
+constexpr std::size_t kNumberRoom = 16;
+
+/// Writes hundredths in front of `end`, without zeros at the end of the decimals; gives where they begin.
+char* written(std::int64_t hundredths, char* end) {
+    if (std::abs(hundredths) > kMaximumHundredths)
+        hundredths = 0;
+    const auto magnitude = static_cast<std::uint64_t>(std::abs(hundredths));
+    auto whole = static_cast<std::uint32_t>(magnitude / 100);
+    const auto decimals = static_cast<std::uint32_t>(magnitude % 100);
+    if (decimals != 0) {
+        if (decimals % 10 != 0)
+            *--end = static_cast<char>('0' + decimals % 10);
+        *--end = static_cast<char>('0' + decimals / 10);
+        *--end = '.';
+    }
+    do
+        *--end = static_cast<char>('0' + whole % 10);
+    while ((whole /= 10) != 0);
+    if (hundredths < 0)
+        *--end = '-';
+    return end;
+}
 
 } // namespace
 
 void appendNumber(std::string& out, double value) {
     if (!(std::fabs(value) < kMaximumNumber))
         value = 0;
-    auto hundredths = static_cast<std::int64_t>(value < 0 ? value * 100 - 0.5 : value * 100 + 0.5);
-    std::array<char, 24> buffer;
-    char* at = buffer.data();
-    if (hundredths < 0) {
-        *at++ = '-';
-        hundredths = -hundredths;
-    }
-    at = std::to_chars(at, buffer.data() + buffer.size(), hundredths / 100).ptr;
-    const auto decimals = static_cast<int>(hundredths % 100);
-    if (decimals != 0) {
-        *at++ = '.';
-        *at++ = static_cast<char>('0' + decimals / 10);
-        if (decimals % 10 != 0)
-            *at++ = static_cast<char>('0' + decimals % 10);
-    }
-    out.append(buffer.data(), at);
+    std::array<char, kNumberRoom> buffer;
+    char* const end = buffer.data() + buffer.size();
+    const char* const begin =
+        written(static_cast<std::int64_t>(value < 0 ? value * 100 - 0.5 : value * 100 + 0.5), end);
+    out.append(begin, static_cast<std::size_t>(end - begin));
+}
+
+void appendHundredths(std::string& out, std::int64_t x, std::int64_t y) {
+    std::array<char, 2 * kNumberRoom> buffer;
+    char* const end = buffer.data() + buffer.size();
+    char* begin = written(y, end);
+    *--begin = ' ';
+    begin = written(x, begin);
+    out.append(begin, static_cast<std::size_t>(end - begin));
 }
 
 std::string pdfText(std::u16string_view text) {

@@ -3,6 +3,7 @@
 
 #include "druckwerk/common/geometry.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,8 @@ namespace kvtdruck::druckwerk {
 
 /// `value` with at most two decimals, as PDF numbers are written.
 void appendNumber(std::string& out, double value);
+/// Two such numbers, given in hundredths, with a blank between them.
+void appendHundredths(std::string& out, std::int64_t x, std::int64_t y);
 /// A PDF text string (UTF-16 in hexadecimal) of UTF-16 `text`.
 std::string pdfText(std::u16string_view text);
 /// A colour as operands of a colour operator.

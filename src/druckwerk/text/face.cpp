@@ -2,6 +2,7 @@
 
 #include "druckwerk/common/deleter.h"
 
+#include <algorithm>
 #include <hb-ot.h>
 #include <hb.h>
 
@@ -35,6 +36,7 @@ Face::Face(hb_face_t* face, int number)
     : face_(face), font_(hb_font_create(face)), number_(number), unitsPerEm_(hb_face_get_upem(face)),
       hasPictures_(hb_ot_color_has_png(face) != 0) {
     asciiKerning_.fill(kUnknown);
+    std::fill_n(asciiKerning_.begin(), 128, std::int16_t{0}); // behind nothing
 }
 
 Face::~Face() {
@@ -72,38 +74,44 @@ std::uint16_t Face::codeOf(std::uint32_t glyph, StringView text) {
 }
 
 void Face::learn(char16_t c, Plain& plain) {
-    plain.known = true;
+    plain.state = Plain::State::Unusable;
     hb_codepoint_t glyph = 0;
     if (hasPictures_ || c < 0x20 || (c >= 0x7F && c < 0xA0) || isIgnorable(c) ||
         hb_font_get_nominal_glyph(font_, c, &glyph) == 0)
         return;
-    plain.usable = true;
+    plain.state = Plain::State::Usable;
     std::string bytes;
     appendCode(bytes, codeOf(glyph, StringView(&c, 1)));
     plain.size = static_cast<std::uint8_t>(bytes.copy(plain.bytes.data(), plain.bytes.size()));
     plain.advance = static_cast<std::int16_t>(hb_font_get_glyph_h_advance(font_, glyph));
 }
 
-std::int16_t Face::measureKerning(char16_t left, char16_t right) const {
+int Face::shapedAdvance(StringView text) const {
     static const std::array<hb_feature_t, 3> kNoLigatures = {
         {{HB_TAG('l', 'i', 'g', 'a'), 0, 0, HB_FEATURE_GLOBAL_END},
          {HB_TAG('c', 'l', 'i', 'g'), 0, 0, HB_FEATURE_GLOBAL_END},
          {HB_TAG('c', 'a', 'l', 't'), 0, 0, HB_FEATURE_GLOBAL_END}}};
-    const auto advance = [&](const std::u16string& text) {
-        const Buffer buffer(hb_buffer_create());
-        hb_buffer_add_utf16(buffer.get(), reinterpret_cast<const std::uint16_t*>(text.data()),
-                            static_cast<int>(text.size()), 0, -1);
-        hb_buffer_set_direction(buffer.get(), HB_DIRECTION_LTR);
-        hb_buffer_set_script(buffer.get(), HB_SCRIPT_LATIN);
-        hb_shape(font_, buffer.get(), kNoLigatures.data(), kNoLigatures.size());
-        unsigned count = 0;
-        const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer.get(), &count);
-        int sum = 0;
-        for (unsigned i = 0; i < count; ++i)
-            sum += positions[i].x_advance;
-        return sum;
+    const Buffer buffer(hb_buffer_create());
+    hb_buffer_add_utf16(buffer.get(), reinterpret_cast<const std::uint16_t*>(text.data()),
+                        static_cast<int>(text.size()), 0, -1);
+    hb_buffer_set_direction(buffer.get(), HB_DIRECTION_LTR);
+    hb_buffer_set_script(buffer.get(), HB_SCRIPT_LATIN);
+    hb_shape(font_, buffer.get(), kNoLigatures.data(), kNoLigatures.size());
+    unsigned count = 0;
+    const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer.get(), &count);
+    int sum = 0;
+    for (unsigned i = 0; i < count; ++i)
+        sum += positions[i].x_advance;
+    return sum;
+}
+
+std::int16_t Face::measureKerning(char16_t left, char16_t right) {
+    const auto alone = [this](char16_t c) {
+        std::int16_t& advance = plain_[plainIndex(c)].alone;
+        return advance != kUnknown ? advance : advance = static_cast<std::int16_t>(shapedAdvance({&c, 1}));
     };
-    return static_cast<std::int16_t>(advance({left, right}) - advance({left}) - advance({right}));
+    const std::array<char16_t, 2> pair{left, right};
+    return static_cast<std::int16_t>(shapedAdvance({pair.data(), pair.size()}) - alone(left) - alone(right));
 }
 
 } // namespace kvtdruck::druckwerk

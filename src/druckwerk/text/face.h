@@ -31,14 +31,17 @@ void appendCode(std::string& out, std::uint16_t code);
 /// One font within one document: what of it was used gets codes of its own, from 1, in the order of first use. A
 /// code stands for a glyph and the text it shows, so that text taken from the document is exactly what was printed.
 class Face {
+    static constexpr std::int16_t kUnknown = INT16_MIN;
+
   public:
     /// A character that needs no shaping: its code as bytes of a PDF string, and its advance in font units.
     struct Plain {
+        enum class State : std::uint8_t { Unknown, Usable, Unusable };
         std::array<char, 4> bytes{};
-        std::uint8_t size = 0;
-        bool known = false;
-        bool usable = false;
         std::int16_t advance = 0;
+        std::int16_t alone = kUnknown; ///< its advance as it is shaped, known where a pair was measured
+        std::uint8_t size = 0;
+        State state = State::Unknown;
     };
 
     /// nullptr where the file can't be used.
@@ -56,9 +59,17 @@ class Face {
         if (index >= plain_.size())
             return nullptr;
         Plain& found = plain_[index];
-        if (!found.known)
+        if (found.state == Plain::State::Unknown)
             learn(c, found);
-        return found.usable ? &found : nullptr;
+        return found.state == Plain::State::Usable ? &found : nullptr;
+    }
+    /// The plain character `c` where it is known that nothing moves it behind `previous` (0 at the beginning of a
+    /// text), else nullptr: the short way for most characters.
+    const Plain* unkerned(char16_t previous, char16_t c) const {
+        if ((previous | c) >= 128 || asciiKerning_[previous * 128U + c] != 0)
+            return nullptr;
+        const Plain& found = plain_[c];
+        return found.state == Plain::State::Usable ? &found : nullptr;
     }
     /// How much closer (negative) or wider two neighbouring plain characters stand, in font units.
     int kerning(char16_t left, char16_t right) {
@@ -85,7 +96,6 @@ class Face {
         std::uint32_t glyph;
         String text;
     };
-    static constexpr std::int16_t kUnknown = INT16_MIN;
     static constexpr std::size_t kLatinEnd = 0x250;
     static constexpr std::size_t kPunctuationBegin = 0x2010;
     static constexpr std::size_t kPunctuationEnd = 0x20D0;
@@ -97,7 +107,8 @@ class Face {
     }
     Face(hb_face_t* face, int number);
     void learn(char16_t c, Plain& plain);
-    std::int16_t measureKerning(char16_t left, char16_t right) const;
+    int shapedAdvance(StringView text) const;
+    std::int16_t measureKerning(char16_t left, char16_t right);
     std::string subset(std::vector<std::uint16_t>& glyphOfCode) const;
     std::string descriptor(const std::string& name, int fontFile) const;
     std::string widths() const;

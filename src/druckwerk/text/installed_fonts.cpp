@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cstring>
 #include <fontconfig/fontconfig.h>
+#include <future>
 #include <strings.h>
+#include <system_error>
 
 namespace kvtdruck::druckwerk {
 
@@ -51,7 +53,27 @@ FontFile fileOf(FcPattern* pattern) {
     return font;
 }
 
+/// The one reading of this process.
+std::shared_future<void>& reading() {
+    static std::shared_future<void> begun;
+    return begun;
+}
+
 } // namespace
+
+void InstalledFonts::prepare() {
+    if (reading().valid())
+        return;
+    try {
+        reading() = std::async(std::launch::async, [] { FcInit(); });
+    } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch): without a thread it is read when needed
+    }
+}
+
+void InstalledFonts::awaitPreparation() {
+    if (reading().valid())
+        reading().wait();
+}
 
 bool FontFile::hasFamily(const std::string& name) const {
     return std::any_of(families.begin(), families.end(),
@@ -66,6 +88,7 @@ InstalledFonts::InstalledFonts() = default;
 InstalledFonts::~InstalledFonts() = default;
 
 bool InstalledFonts::findLike(const FontRequest& request, const Visit& visit) const {
+    awaitPreparation();
     const Pattern pattern = patternFor(request);
     FcResult result = FcResultNoMatch;
     const Pattern match(FcFontMatch(nullptr, pattern.get(), &result));
@@ -79,6 +102,7 @@ bool InstalledFonts::findLike(const FontRequest& request, const Visit& visit) co
 }
 
 bool InstalledFonts::findWith(char32_t c, const Visit& visit) {
+    awaitPreparation();
     if (!sorted_) {
         const Pattern pattern = patternFor({{"sans-serif"}, 400, false});
         FcResult result = FcResultNoMatch;

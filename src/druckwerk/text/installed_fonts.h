@@ -22,6 +22,11 @@ struct FontFile {
 
 class InstalledFonts {
   public:
+    /// Begins to read beside the calling thread what is installed, which takes as long as loading the data of a page.
+    static void prepare();
+    /// Waits until that has ended, where it was begun. Fontconfig is not to be at work where the process is copied.
+    static void awaitPreparation();
+
     /// Answers whether the font is taken, which ends the search.
     using Visit = std::function<bool(const FontFile&)>;
 

@@ -5,9 +5,11 @@
 #include "values/code_points.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fribidi.h>
 #include <hb.h>
 #include <new>
+#include <optional>
 #include <set>
 #include <span>
 
@@ -23,24 +25,48 @@ void appendAdjustment(std::string& out, double ems) {
     out += '(';
 }
 
+/// Appends any plain character behind `previous`; gives how far it advances, or nothing where it is not plain.
+std::optional<int> appendPlainly(Face& face, char16_t previous, char16_t c, ShapedRun& run) {
+    const Face::Plain* plain = face.plain(c);
+    if (plain == nullptr)
+        return std::nullopt;
+    const int kerning = previous != 0 ? face.kerning(previous, c) : 0;
+    if (kerning != 0) {
+        appendAdjustment(run.glyphs, kerning / face.unitsPerEm());
+        run.kerned = true;
+    }
+    run.glyphs.append(plain->bytes.data(), plain->size);
+    return kerning + plain->advance;
+}
+
 bool shapePlainly(StringView text, Face& face, ShapedText& out) {
     out.clear();
     ShapedRun& run = out.add(face);
     int advance = 0;
     char16_t previous = 0;
-    for (const char16_t c : text) {
-        const Face::Plain* plain = face.plain(c);
-        if (plain == nullptr)
+    for (std::size_t i = 0; i < text.size();) {
+        // Most characters are met again, and in a pair that is not kerned: they are written where there is room for
+        // all.
+        const std::size_t used = run.glyphs.size();
+        run.glyphs.resize(used + (text.size() - i) * sizeof(Face::Plain::bytes));
+        char* at = run.glyphs.data() + used;
+        for (; i < text.size(); ++i) {
+            const Face::Plain* plain = face.unkerned(previous, text[i]);
+            if (plain == nullptr)
+                break;
+            std::memcpy(at, plain->bytes.data(), sizeof(Face::Plain::bytes));
+            at += plain->size;
+            advance += plain->advance;
+            previous = text[i];
+        }
+        run.glyphs.resize(static_cast<std::size_t>(at - run.glyphs.data()));
+        if (i == text.size())
+            break;
+        const auto added = appendPlainly(face, previous, text[i], run);
+        if (!added)
             return false;
-        if (previous != 0)
-            if (const int kerning = face.kerning(previous, c); kerning != 0) {
-                appendAdjustment(run.glyphs, kerning / face.unitsPerEm());
-                run.kerned = true;
-                advance += kerning;
-            }
-        run.glyphs.append(plain->bytes.data(), plain->size);
-        advance += plain->advance;
-        previous = c;
+        advance += *added;
+        previous = text[i++];
     }
     run.width = out.width = advance / face.unitsPerEm();
     return true;
