@@ -42,7 +42,7 @@ std::string pngVersion() {
 
 std::string versionText() {
     const std::pair<const char*, std::string> libraries[] = {
-        {"cairo", cairo_version_string()},
+        {"cairo", CAIRO_VERSION_STRING},
         {"CLI11", CLI11_VERSION},
         {"CUPS", dotted(CUPS_VERSION_MAJOR, CUPS_VERSION_MINOR, CUPS_VERSION_PATCH)},
         {"fontconfig", fontconfigVersion()},
@@ -50,7 +50,7 @@ std::string versionText() {
         {"HarfBuzz", hb_version_string()},
         {"libdeflate", LIBDEFLATE_VERSION_STRING},
         {"libpng", pngVersion()},
-        {"librsvg", dotted(rsvg_major_version, rsvg_minor_version, rsvg_micro_version)},
+        {"librsvg", LIBRSVG_VERSION},
         {"libxml2", LIBXML_DOTTED_VERSION},
         {"qpdf", qpdf_get_qpdf_version()},
         {"SQLite", sqlite3_libversion()},
