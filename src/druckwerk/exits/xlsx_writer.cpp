@@ -3,13 +3,11 @@
 // nothing of rows that a full disk has swallowed.
 #include "druckwerk/exits/xlsx_writer.h"
 
+#include "druckwerk/exits/xlsx_sheet.h"
 #include "druckwerk/exits/zip_writer.h"
 #include "values/code_points.h"
 
-#include <array>
-#include <charconv>
 #include <initializer_list>
-#include <stdexcept>
 #include <utility>
 
 namespace kvtdruck::druckwerk {
@@ -22,14 +20,6 @@ std::string joined(std::initializer_list<std::string_view> parts) {
     return text;
 }
 
-/// What a cell, a row and a sheet can hold (ECMA-376 leaves it to Excel, whose documented limits these are:
-/// https://support.microsoft.com/office/excel-specifications-and-limits-1672b34d-7043-467e-8e27-269d656771c3).
-constexpr std::size_t kLongestCell = 32767;
-constexpr std::size_t kMostColumns = 16384;
-constexpr std::size_t kMostRows = 1048576;
-
-constexpr std::string_view kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
-constexpr std::string_view kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 constexpr std::string_view kPackage = "http://schemas.openxmlformats.org/package/2006/";
 constexpr std::string_view kOffice = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
 constexpr std::string_view kType = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
@@ -40,7 +30,7 @@ std::string quoted(std::string_view text) {
 
 /// Two formats of a cell: the plain one, and the bold one of headings, which is number 1.
 std::string styles() {
-    return std::string(kHead) + "<styleSheet xmlns=" + quoted(kMain) +
+    return std::string(kXmlHead) + "<styleSheet xmlns=" + quoted(kMainNames) +
            "><fonts count=\"2\"><font><sz val=\"11\"/><name val=\"Calibri\"/></font>"
            "<font><b/><sz val=\"11\"/><name val=\"Calibri\"/></font></fonts>"
            "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill>"
@@ -52,98 +42,6 @@ std::string styles() {
            "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" "
            "builtinId=\"0\"/></cellStyles></styleSheet>";
 }
-
-/// Text of XML (https://www.w3.org/TR/xml/#charsets): U+FFFD stands for what that can't hold. What looks like the
-/// format's own way of writing a character, "_x0041_", is written in it.
-std::string escaped(StringView text) {
-    const String whole = wellFormed(text);
-    String out;
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        const char16_t c = whole[i];
-        if (c == u'&')
-            out += u"&amp;";
-        else if (c == u'<')
-            out += u"&lt;";
-        else if (c == u'>')
-            out += u"&gt;";
-        else if (c == u'\r')
-            out += u"&#13;"; // a reader would take it for a line end otherwise
-        else if ((c < 0x20 && c != u'\t' && c != u'\n') || c >= 0xFFFE)
-            out += u'\xFFFD';
-        else if (whole.compare(i, 2, u"_x") == 0 && i + 6 < whole.size() && whole[i + 6] == u'_')
-            out += u"_x005F_";
-        else
-            out += c;
-    }
-    return toUtf8(out);
-}
-
-/// "A" to "XFD".
-std::string columnName(std::size_t column) {
-    std::string name;
-    for (++column; column > 0; column = (column - 1) / 26)
-        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % 26));
-    return name;
-}
-
-/// One sheet: the rows that it has so far, packed.
-class Sheet {
-  public:
-    Sheet(std::string name, std::size_t number)
-        : name_(std::move(name)), entry_("xl/worksheets/sheet" + std::to_string(number) + ".xml") {
-        entry_.write(std::string(kHead) + "<worksheet xmlns=" + quoted(kMain) + "><sheetData>");
-    }
-
-    const std::string& name() const { return name_; }
-    std::size_t rows() const { return rows_; }
-
-    void beginRow() {
-        ++rows_;
-        columns_ = 0;
-        row_ = "<row r=\"" + std::to_string(rows_) + "\">";
-    }
-    void number(double value) {
-        beginCell();
-        std::array<char, 32> digits{};
-        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-        row_ += "\"><v>";
-        row_.append(digits.data(), end);
-        row_ += "</v></c>";
-    }
-    void text(StringView value, bool heading) {
-        if (value.empty()) {
-            ++columns_; // an empty cell is left out
-            return;
-        }
-        beginCell();
-        row_ += heading ? "\" s=\"1\" t=\"inlineStr\"><is><t" : "\" t=\"inlineStr\"><is><t";
-        const bool keepsBlanks = value.find_first_of(u" \t\n") != StringView::npos;
-        row_ += keepsBlanks ? " xml:space=\"preserve\">" : ">";
-        row_ += escaped(value) + "</t></is></c>";
-    }
-    void endRow() {
-        row_ += "</row>";
-        entry_.write(row_);
-    }
-    const ZipEntry& finish() {
-        entry_.write("</sheetData></worksheet>");
-        entry_.finish();
-        return entry_;
-    }
-
-  private:
-    void beginCell() {
-        if (columns_ == kMostColumns)
-            throw std::runtime_error("Eine XLSX-Datei fasst höchstens 16.384 Spalten");
-        row_ += "<c r=\"" + columnName(columns_++) + std::to_string(rows_);
-    }
-
-    std::string name_;
-    ZipEntry entry_;
-    std::size_t rows_ = 0;
-    std::size_t columns_ = 0;
-    std::string row_;
-};
 
 class XlsxWriter final : public RecordWriter {
   public:
@@ -231,7 +129,7 @@ void XlsxWriter::writeParts(ZipWriter& archive) const {
         relations += joined({"<Relationship Id=\"rId", number, "\" Type=\"", kOffice,
                              "/worksheet\" Target=\"worksheets/sheet", number, ".xml\"/>"});
     }
-    const std::string head(kHead);
+    const std::string head(kXmlHead);
     const std::string relationships = "<Relationships xmlns=\"" + std::string(kPackage) + "relationships\">";
     archive.add("[Content_Types].xml",
                 head + "<Types xmlns=\"" + std::string(kPackage) +
@@ -245,7 +143,7 @@ void XlsxWriter::writeParts(ZipWriter& archive) const {
                     std::string(kType) + "styles+xml\"/>" + types + "</Types>");
     archive.add("_rels/.rels", head + relationships + "<Relationship Id=\"rId1\" Type=\"" + std::string(kOffice) +
                                    "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>");
-    archive.add("xl/workbook.xml", head + "<workbook xmlns=" + quoted(kMain) + " xmlns:r=" + quoted(kOffice) +
+    archive.add("xl/workbook.xml", head + "<workbook xmlns=" + quoted(kMainNames) + " xmlns:r=" + quoted(kOffice) +
                                        "><sheets>" + sheets + "</sheets></workbook>");
     archive.add("xl/_rels/workbook.xml.rels",
                 head + relationships + relations + "<Relationship Id=\"rId" + std::to_string(sheets_.size() + 1) +
