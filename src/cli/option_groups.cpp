@@ -204,11 +204,17 @@ void addCommands(CLI::App& app, Options& options) {
         ->group("Prüfung");
     for (auto* command : {&print, &preview, &design, &check})
         addGeneral(*command, options);
-    addReports(add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports, example("listen GemeinK")),
-               options, "Name oder Titel der Liste");
-    addDatabase(add("firmen", "nennt die Firmen der Datenbank", Command::ListCompanies,
-                    example("firmen -d musterbau.sqlite")),
-                options);
+    auto& lists =
+        add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports, example("listen GemeinK"));
+    addReports(lists, options, "Name oder Titel der Liste");
+    auto& companies = add("firmen", "nennt die Firmen der Datenbank", Command::ListCompanies,
+                          example("firmen -d musterbau.sqlite"));
+    addDatabase(companies, options);
+    for (auto* command : {&lists, &companies})
+        addValue(*command, "Ausgabe", "--format", "text|json", "Text (Vorgabe), oder JSON für Programme",
+                 [&](const std::string& text) {
+                     options.asJson = choiceIn<bool>("--format", text, {{"text", false}, {"json", true}});
+                 });
 }
 
 } // namespace kvtdruck::cli

@@ -50,6 +50,7 @@ struct Options {
     Locale locale = germanLocale();
     druckwerk::PrintDate printDate;
     bool verbose = false;
+    bool asJson = false; ///< lists and companies as JSON
 
     bool designs() const { return command == Command::Design || command == Command::Check; }
 };

@@ -35,6 +35,39 @@ std::string escaped(StringView text) {
     return toUtf8(out);
 }
 
+std::string digits(double value) {
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    return {text.data(), end};
+}
+
+/// What stands before a table's rows: one page wide, the headings frozen, the columns as wide as they are to be.
+std::string beginningOf(const SheetLook& look) {
+    const auto below = std::to_string(look.headRow + 1);
+    std::string text =
+        "<sheetPr><pageSetUpPr fitToPage=\"1\"/></sheetPr><sheetViews><sheetView "
+        "showGridLines=\"0\" workbookViewId=\"0\"><pane ySplit=\"" +
+        std::to_string(look.headRow) + "\" topLeftCell=\"A" + below +
+        "\" activePane=\"bottomLeft\" state=\"frozen\"/><selection pane=\"bottomLeft\" activeCell=\"A" + below +
+        "\" sqref=\"A" + below + "\"/></sheetView></sheetViews><cols>";
+    for (std::size_t i = 0; i < look.widths.size(); ++i) {
+        const auto number = std::to_string(i + 1);
+        text += "<col min=\"" + number + "\" max=\"" + number + "\" width=\"" + std::to_string(look.widths[i]) +
+                "\" customWidth=\"1\"/>";
+    }
+    return text + "</cols>";
+}
+
+/// A4, as many pages as the rows take; at the foot the sheet's name, the day and the page. Lengths are inches.
+std::string printSetup(const SheetLook& look) {
+    return std::string("<pageMargins left=\"0.6\" right=\"0.6\" top=\"0.6\" bottom=\"0.7\" header=\"0.3\" "
+                       "footer=\"0.3\"/><pageSetup paperSize=\"9\" orientation=\"") +
+           (look.landscape ? "landscape" : "portrait") +
+           "\" fitToWidth=\"1\" fitToHeight=\"0\"/><headerFooter><oddFooter>&amp;L&amp;A&amp;C&amp;D&amp;RSeite "
+           "&amp;P von "
+           "&amp;N</oddFooter></headerFooter>";
+}
+
 } // namespace
 
 std::string columnName(std::size_t column) {
@@ -44,36 +77,48 @@ std::string columnName(std::size_t column) {
     return name;
 }
 
-Sheet::Sheet(std::string name, std::size_t number)
-    : name_(std::move(name)), entry_("xl/worksheets/sheet" + std::to_string(number) + ".xml") {
-    entry_.write(std::string(kXmlHead) + "<worksheet xmlns=\"" + std::string(kMainNames) + "\"><sheetData>");
+Sheet::Sheet(std::string name, std::size_t number, std::optional<SheetLook> look)
+    : name_(std::move(name)), number_(number), look_(std::move(look)),
+      entry_("xl/worksheets/sheet" + std::to_string(number) + ".xml") {
+    entry_.write(std::string(kXmlHead) + "<worksheet xmlns=\"" + std::string(kMainNames) + "\">" +
+                 (look_ ? beginningOf(*look_) : "") + "<sheetData>");
 }
 
-void Sheet::beginRow() {
+void Sheet::beginRow(unsigned height) {
     ++rows_;
     columns_ = 0;
-    row_ = "<row r=\"" + std::to_string(rows_) + "\">";
+    row_ = "<row r=\"" + std::to_string(rows_) + "\"";
+    row_ += height > 0 ? " ht=\"" + std::to_string(height) + "\" customHeight=\"1\">" : ">";
 }
 
-void Sheet::number(double value) {
-    beginCell();
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    row_ += "\"><v>";
-    row_.append(digits.data(), end);
-    row_ += "</v></c>";
+void Sheet::number(double value, CellStyle style) {
+    beginCell(style);
+    row_ += "><v>" + digits(value) + "</v></c>";
 }
 
-void Sheet::text(StringView value, bool heading) {
-    if (value.empty()) {
-        ++columns_; // an empty cell is left out
+void Sheet::text(StringView value, CellStyle style) {
+    if (value.empty())
+        return empty(style);
+    beginCell(style);
+    const bool keepsBlanks = value.find_first_of(u" \t\n") != StringView::npos;
+    row_ += keepsBlanks ? " t=\"inlineStr\"><is><t xml:space=\"preserve\">" : " t=\"inlineStr\"><is><t>";
+    row_ += escaped(value) + "</t></is></c>";
+}
+
+void Sheet::formula(std::string_view formula, std::optional<double> value, CellStyle style) {
+    beginCell(style);
+    row_ += value ? ">" : " t=\"str\">";
+    row_.append("<f>").append(formula).append("</f><v>");
+    row_ += (value ? digits(*value) : "") + "</v></c>";
+}
+
+void Sheet::empty(CellStyle style) {
+    if (style == kPlain) {
+        ++columns_; // it is left out
         return;
     }
-    beginCell();
-    row_ += heading ? "\" s=\"1\" t=\"inlineStr\"><is><t" : "\" t=\"inlineStr\"><is><t";
-    const bool keepsBlanks = value.find_first_of(u" \t\n") != StringView::npos;
-    row_ += keepsBlanks ? " xml:space=\"preserve\">" : ">";
-    row_ += escaped(value) + "</t></is></c>";
+    beginCell(style);
+    row_ += "/>";
 }
 
 void Sheet::endRow() {
@@ -81,16 +126,28 @@ void Sheet::endRow() {
     entry_.write(row_);
 }
 
+void Sheet::filterRows() {
+    filter_ =
+        "A" + std::to_string(look_->headRow) + ":" + columnName(look_->widths.size() - 1) + std::to_string(rows_);
+}
+
 const ZipEntry& Sheet::finish() {
-    entry_.write("</sheetData></worksheet>");
+    entry_.write("</sheetData>");
+    if (!filter_.empty())
+        entry_.write("<autoFilter ref=\"" + filter_ + "\"/>");
+    if (look_)
+        entry_.write(printSetup(*look_));
+    entry_.write("</worksheet>");
     entry_.finish();
     return entry_;
 }
 
-void Sheet::beginCell() {
+void Sheet::beginCell(CellStyle style) {
     if (columns_ == kMostColumns)
         throw std::runtime_error("Eine XLSX-Datei fasst höchstens 16.384 Spalten");
-    row_ += "<c r=\"" + columnName(columns_++) + std::to_string(rows_);
+    row_ += "<c r=\"" + columnName(columns_++) + std::to_string(rows_) + "\"";
+    if (style != kPlain)
+        row_ += " s=\"" + std::to_string(style) + "\"";
 }
 
 } // namespace kvtdruck::druckwerk
