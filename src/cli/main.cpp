@@ -3,6 +3,8 @@
 #include "cli/cancellation.h"
 #include "cli/console.h"
 #include "cli/data_source.h"
+#include "cli/database_command.h"
+#include "cli/import_command.h"
 #include "cli/options.h"
 #include "cli/outcome.h"
 #include "cli/report_list.h"
@@ -33,6 +35,12 @@ int execute(Options options, Console& console) {
     case Command::ListCompanies:
         listCompanies(DataSource(options, console).companies(), options.asJson, console);
         return kDone;
+    case Command::Database:
+        watchForCancellation();
+        return runDatabaseCommand(options, console);
+    case Command::Import:
+        watchForCancellation();
+        return runImport(options, console);
     default:
         watchForCancellation();
         return printAll(options, console);

@@ -2,6 +2,7 @@
 
 #include "catalog/usage_error.h"
 #include "cli/command_words.h"
+#include "cli/database_command.h"
 #include "cli/help_text.h"
 #include "cli/option_groups.h"
 #include "cli/settings_file.h"
@@ -97,6 +98,14 @@ void checkOutput(const Options& options) {
         refuse("--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
 }
 
+void checkImport(const Options& options) {
+    if (options.words.size() < 2)
+        refuse("Der Aufruf ist „kvtdruck einlesen TABELLE DATEI … --datenbank DATEI“; die Tabellen nennt „kvtdruck "
+               "datenbank tabellen“.");
+    if (options.database.empty())
+        refuse("Es fehlt --datenbank DATEI; eingelesen wird in eine SQLite-Datenbank.");
+}
+
 /// What can only be judged once all options are known.
 void check(Options& options, bool formatGiven) {
     if (options.command == Command::ListReports) {
@@ -104,7 +113,11 @@ void check(Options& options, bool formatGiven) {
             options.reports.clear(); // all of them
         return;
     }
-    const bool needsReport = options.command != Command::ListCompanies;
+    if (options.command == Command::Import)
+        return checkImport(options);
+    if (options.command == Command::Database && !readsDatabase(options.words))
+        return;
+    const bool needsReport = options.command != Command::ListCompanies && options.command != Command::Database;
     if (needsReport && options.reports.empty())
         refuse("Es fehlt die Liste; alle Listen nennt „kvtdruck listen“.");
     if (options.database.empty() && options.connectionString.empty())
@@ -151,7 +164,8 @@ class Parser {
             app_.exit(success, std::cout, std::cerr);
             return std::nullopt;
         } catch (const CLI::RequiredError&) {
-            refuse("Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen.");
+            refuse("Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, firmen, datenbank oder "
+                   "einlesen.");
         }
         const auto* format = app_.get_subcommands().front()->get_option_no_throw("--format");
         check(options_, format && format->count() > 0);
