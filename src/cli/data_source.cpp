@@ -1,9 +1,19 @@
 #include "cli/data_source.h"
 
 #include "cli/existing_values.h"
+#include "cli/json_text.h"
 #include "dataaccess/record_reader.h"
 
 namespace kvtdruck::cli {
+
+std::string companiesAsJson(const std::vector<Company>& companies) {
+    std::vector<std::string> objects;
+    for (const auto& company : companies)
+        objects.push_back(jsonObject({{"nummer", jsonText(company.number)},
+                                      {"name", jsonText(company.name)},
+                                      {"ort", jsonText(company.town)}}));
+    return jsonArray(objects);
+}
 
 DataSource::DataSource(const Options& options, Console& console)
     : platform_(options.locale), errors_(console, options.verbose), state_(platform_, kvtzug_, errors_),

@@ -21,6 +21,9 @@ struct Company {
     std::string town;
 };
 
+/// The companies as a JSON array for programs.
+std::string companiesAsJson(const std::vector<Company>& companies);
+
 /// The surroundings in which the component reads. Its operations throw the `RuntimeError`s of the data access.
 class DataSource {
   public:

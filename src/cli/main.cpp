@@ -6,6 +6,8 @@
 #include "cli/data_source.h"
 #include "cli/manual.h"
 #include "cli/option_groups.h"
+#include "cli/database_command.h"
+#include "cli/import_command.h"
 #include "cli/options.h"
 #include "cli/outcome.h"
 #include "cli/report_list.h"
@@ -18,18 +20,32 @@
 namespace kvtdruck::cli {
 namespace {
 
+void listCompanies(const std::vector<Company>& companies, bool asJson, Console& console) {
+    if (asJson)
+        return console.notice(companiesAsJson(companies));
+    for (const auto& company : companies)
+        console.notice(company.number + "\t" + company.name + "\t" + company.town);
+}
+
 int execute(Options options, Console& console) {
     if (!options.connectionString.empty()) // once, before the work is divided among processes
         options.connectionString =
             toUtf8(withPassword(fromUtf8(options.connectionString), options.password, console));
     switch (options.command) {
     case Command::ListReports:
-        console.notice(options.reports.empty() ? describeReports() : describeReport(*options.reports.front()));
+        console.notice(options.asJson            ? reportsAsJson(options.reports)
+                       : options.reports.empty() ? describeReports()
+                                                 : describeReport(*options.reports.front()));
         return kDone;
     case Command::ListCompanies:
-        for (const auto& company : DataSource(options, console).companies())
-            console.notice(company.number + "\t" + company.name + "\t" + company.town);
+        listCompanies(DataSource(options, console).companies(), options.asJson, console);
         return kDone;
+    case Command::Database:
+        watchForCancellation();
+        return runDatabaseCommand(options, console);
+    case Command::Import:
+        watchForCancellation();
+        return runImport(options, console);
     default:
         watchForCancellation();
         return printAll(options, console);

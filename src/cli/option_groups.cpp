@@ -164,6 +164,35 @@ void addPrinter(CLI::App& command, Options& options) {
     addValue(command, group, "--fach", "NAME", "Papierfach, wie der Drucker es nennt", into(options.printing.tray));
 }
 
+constexpr const char* kDatabaseExamples = R"(Beispiele:
+  kvtdruck datenbank vorlage postgresql > sichten.sql
+  kvtdruck datenbank pruefen -d musterbau.sqlite)";
+constexpr const char* kImportExamples = R"(Beispiele:
+  kvtdruck einlesen konten konten.csv -d firma.sqlite --probe
+  kvtdruck einlesen umsatz umsatz.csv -d firma.sqlite --anlegen)";
+
+void addWords(CLI::App& command, Options& options, const char* name, const char* help) {
+    command
+        .add_option_function<std::vector<std::string>>(
+            name, [&options](const std::vector<std::string>& words) { options.words = words; }, help)
+        ->type_name("");
+}
+
+/// The commands about a database of one's own; `add` adds one.
+template <class Add>
+void addDatabaseCommands(Add&& add, Options& options) {
+    auto& database = add("datenbank", "prüft eine eigene Datenbank, oder gibt die Vorlage ihrer Sichten",
+                         Command::Database, kDatabaseExamples);
+    addWords(database, options, "AUFGABE", "pruefen; vorlage mariadb|postgresql|sqlite|sqlserver; tabellen");
+    addDatabase(database, options);
+    auto& import = add("einlesen", "liest CSV-Dateien in eine SQLite-Datenbank", Command::Import, kImportExamples);
+    addWords(import, options, "TABELLE",
+             "Tabelle und CSV-Dateien; die Tabellen nennt „kvtdruck datenbank tabellen“");
+    addValue(import, "Daten", "-d,--datenbank", "DATEI", "SQLite-Datenbank", into(options.database));
+    import.add_flag("--probe", options.tryOnly, "prüft alles und ändert nichts")->group("Daten");
+    import.add_flag("--anlegen", options.creates, "legt die Datenbank und fehlende Tabellen an")->group("Daten");
+}
+
 constexpr const char* kPrintExamples = R"(Beispiele:
   kvtdruck drucken Umsatz -d musterbau.sqlite -f 1 -j 2024 -o Umsatz.pdf
   kvtdruck drucken MaStKost -d musterbau.sqlite -f 1 --mitarbeiter-von 5 --mitarbeiter-bis 7 -o Blätter.pdf
@@ -214,11 +243,18 @@ void addCommands(CLI::App& app, Options& options) {
         ->group("Prüfung");
     for (auto* command : {&print, &preview, &design, &check})
         addGeneral(*command, options);
-    addReports(add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports, example("listen GemeinK")),
-               options, "Name oder Titel der Liste");
-    addDatabase(add("firmen", "nennt die Firmen der Datenbank", Command::ListCompanies,
-                    example("firmen -d musterbau.sqlite")),
-                options);
+    auto& lists =
+        add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports, example("listen GemeinK"));
+    addReports(lists, options, "Name oder Titel der Liste");
+    auto& companies = add("firmen", "nennt die Firmen der Datenbank", Command::ListCompanies,
+                          example("firmen -d musterbau.sqlite"));
+    addDatabase(companies, options);
+    addDatabaseCommands(add, options);
+    for (auto* command : {&lists, &companies})
+        addValue(*command, "Ausgabe", "--format", "text|json", "Text (Vorgabe), oder JSON für Programme",
+                 [&](const std::string& text) {
+                     options.asJson = choiceIn<bool>("--format", text, {{"text", false}, {"json", true}});
+                 });
 }
 
 } // namespace kvtdruck::cli

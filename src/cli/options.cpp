@@ -2,6 +2,7 @@
 
 #include "catalog/usage_error.h"
 #include "cli/command_words.h"
+#include "cli/database_command.h"
 #include "cli/option_groups.h"
 #include "cli/presets.h"
 #include "cli/settings_file.h"
@@ -96,6 +97,14 @@ void checkOutput(const Options& options) {
         refuse("--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
 }
 
+void checkImport(const Options& options) {
+    if (options.words.size() < 2)
+        refuse("Der Aufruf ist „kvtdruck einlesen TABELLE DATEI … --datenbank DATEI“; die Tabellen nennt „kvtdruck "
+               "datenbank tabellen“.");
+    if (options.database.empty())
+        refuse("Es fehlt --datenbank DATEI; eingelesen wird in eine SQLite-Datenbank.");
+}
+
 /// What can only be judged once all options are known.
 void check(Options& options, bool formatGiven) {
     if (options.command == Command::ListReports) {
@@ -103,7 +112,11 @@ void check(Options& options, bool formatGiven) {
             options.reports.clear(); // all of them
         return;
     }
-    const bool needsReport = options.command != Command::ListCompanies;
+    if (options.command == Command::Import)
+        return checkImport(options);
+    if (options.command == Command::Database && !readsDatabase(options.words))
+        return;
+    const bool needsReport = options.command != Command::ListCompanies && options.command != Command::Database;
     if (needsReport && options.reports.empty())
         refuse("Es fehlt die Liste; alle Listen nennt „kvtdruck listen“.");
     if (options.database.empty() && options.connectionString.empty())

@@ -16,7 +16,7 @@
 
 namespace kvtdruck::cli {
 
-enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies };
+enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies, Database, Import };
 
 /// What a batch makes a file of its own for, within a list and a company.
 enum class Per { Company, Year, Employee };
@@ -50,6 +50,10 @@ struct Options {
     Locale locale = germanLocale();
     druckwerk::PrintDate printDate;
     bool verbose = false;
+    std::vector<std::string> words; ///< what `datenbank` is to do; the table of `einlesen`, and the files
+    bool tryOnly = false;           ///< an import that changes nothing
+    bool creates = false;           ///< an import makes the database and the tables that are missing
+    bool asJson = false;            ///< lists and companies as JSON
 
     bool designs() const { return command == Command::Design || command == Command::Check; }
 };

@@ -1,5 +1,7 @@
 #include "cli/report_list.h"
 
+#include "cli/json_text.h"
+
 #include <algorithm>
 
 namespace kvtdruck::cli {
@@ -37,6 +39,39 @@ std::string_view nameOf(catalog::ValueColumn::Rows rows) {
 }
 
 } // namespace
+
+namespace {
+
+std::string asJson(const catalog::ReportEntry& report) {
+    std::vector<std::string> selections;
+    for (const auto* option : report.selections())
+        selections.push_back(jsonObject({{"option", jsonText(option->option)},
+                                         {"wert", jsonText(option->placeholder)},
+                                         {"bedeutung", jsonText(option->help)},
+                                         {"von", std::to_string(option->lowest)},
+                                         {"bis", std::to_string(option->highest)}}));
+    std::vector<std::string> columns;
+    for (const auto& column : report.columns)
+        columns.push_back(jsonObject({{"nummer", std::to_string(column.column)},
+                                      {"name", jsonText(column.name)},
+                                      {"zeilen", jsonText(nameOf(column.rows))},
+                                      {"bedeutung", jsonText(column.meaning)}}));
+    return jsonObject({{"name", jsonText(report.listName)},
+                       {"titel", jsonText(report.title)},
+                       {"hinweis", jsonText(report.note)},
+                       {"auswahl", jsonArray(selections)},
+                       {"spalten", jsonArray(columns)}});
+}
+
+} // namespace
+
+std::string reportsAsJson(const std::vector<const catalog::ReportEntry*>& reports) {
+    std::vector<std::string> texts;
+    for (const auto& report : catalog::reports())
+        if (reports.empty() || std::ranges::find(reports, &report) != reports.end())
+            texts.push_back(asJson(report));
+    return jsonArray(texts);
+}
 
 std::string describeReports() {
     std::size_t name = 0;

@@ -7,6 +7,7 @@
 #include "cli/data_source.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
+#include "cli/report_workbooks.h"
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
 #include "manager/clsDruckManager.h"
@@ -99,6 +100,7 @@ class ReportRun {
     std::unique_ptr<FormFactory> dataExport() {
         druckwerk::DataExportOptions settings;
         settings.format = *options_.data;
+        settings.workbook = {workbookOf(*request_.report), selectionText(*request_.report, request_.ranges)};
         settings.output = request_.output;
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };

@@ -68,6 +68,35 @@ String withoutCreating(StringView connectionString) {
     return String(connectionString) + (creates ? u";NoCreat=1" : u"");
 }
 
+/// What a column of an SQL type is; nothing for a kind of its own, such as a picture.
+std::optional<CellType> typeOf(SQLSMALLINT type) {
+    switch (type) {
+    case SQL_CHAR:
+    case SQL_VARCHAR:
+    case SQL_LONGVARCHAR:
+    case SQL_WCHAR:
+    case SQL_WVARCHAR:
+    case SQL_WLONGVARCHAR:
+        return CellType::Text;
+    case SQL_TYPE_DATE:
+    case SQL_TYPE_TIMESTAMP:
+        return CellType::Date;
+    case SQL_NUMERIC:
+    case SQL_DECIMAL:
+    case SQL_INTEGER:
+    case SQL_SMALLINT:
+    case SQL_TINYINT:
+    case SQL_BIGINT:
+    case SQL_BIT:
+    case SQL_REAL:
+    case SQL_FLOAT:
+    case SQL_DOUBLE:
+        return CellType::Number;
+    default:
+        return std::nullopt;
+    }
+}
+
 /// One statement with its parameters and its columns' buffers.
 class OdbcQuery : public Query {
   public:
@@ -230,7 +259,44 @@ void OdbcConnection::release() noexcept {
 }
 
 std::unique_ptr<Query> OdbcConnection::query(String sentence, StringView sql, std::vector<CellType> columns) {
-    return std::make_unique<OdbcQuery>(shared_from_this(), std::move(sentence), sql, columns);
+    return std::make_unique<OdbcQuery>(shared_from_this(), std::move(sentence), keys_.adapted(sql), columns);
+}
+
+std::vector<SourceColumn> OdbcConnection::columnsOf(StringView table) {
+    const auto sentence = u"„" + String(table) + u"“ kann nicht gelesen werden.";
+    auto sql = u"SELECT * FROM " + String(table) + u" WHERE 1 = 0";
+    SQLHSTMT statement = nullptr;
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection_, &statement)))
+        raise(sentence, diagnose(SQL_HANDLE_DBC, connection_).text);
+    const std::unique_ptr<void, void (*)(SQLHSTMT)> owner(
+        statement, [](SQLHSTMT handle) { SQLFreeHandle(SQL_HANDLE_STMT, handle); });
+    SQLSMALLINT count = 0;
+    if (!SQL_SUCCEEDED(SQLExecDirectW(statement, wide(sql), SQLINTEGER(sql.size()))) ||
+        !SQL_SUCCEEDED(SQLNumResultCols(statement, &count)))
+        raise(sentence, diagnose(SQL_HANDLE_STMT, statement).text);
+    std::vector<SourceColumn> columns;
+    for (SQLSMALLINT i = 1; i <= count; ++i) {
+        String name(256, u'\0');
+        SQLSMALLINT length = 0;
+        SQLSMALLINT type = 0;
+        if (!SQL_SUCCEEDED(SQLDescribeColW(statement, SQLUSMALLINT(i), wide(name), SQLSMALLINT(name.size()),
+                                           &length, &type, nullptr, nullptr, nullptr)))
+            raise(sentence, diagnose(SQL_HANDLE_STMT, statement).text);
+        name.resize(std::min(name.size(), std::size_t(length)));
+        columns.push_back({name, typeOf(type)});
+    }
+    return columns;
+}
+
+/// MySQL and MariaDB know no such type to cast to; a sum makes a number of a text there.
+String OdbcConnection::asNumber(StringView column) const {
+    String name(64, u'\0');
+    SQLSMALLINT bytes = 0;
+    SQLGetInfoW(connection_, SQL_DBMS_NAME, name.data(), SQLSMALLINT(name.size() * sizeof(char16_t)), &bytes);
+    name.resize(std::min(name.size(), std::size_t(bytes) / sizeof(char16_t)));
+    if (name == u"MySQL" || name == u"MariaDB")
+        return u"(" + String(column) + u" + 0e0)";
+    return u"CAST(" + String(column) + u" AS DOUBLE PRECISION)";
 }
 
 bool OdbcConnection::alive() const {

@@ -8,6 +8,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include "kvtzug/numeric_keys.h"
 #include "kvtzug/source.h"
 
 namespace kvtdruck {
@@ -22,6 +23,8 @@ class OdbcConnection : public Connection, public std::enable_shared_from_this<Od
     ~OdbcConnection() override;
 
     std::unique_ptr<Query> query(String sentence, StringView sql, std::vector<CellType> columns) override;
+    std::vector<SourceColumn> columnsOf(StringView table) override;
+    String asNumber(StringView column) const override;
     /// Whether the driver still holds the data source for reachable.
     bool alive() const override;
 
@@ -33,6 +36,7 @@ class OdbcConnection : public Connection, public std::enable_shared_from_this<Od
 
     SQLHENV environment_ = nullptr;
     SQLHDBC connection_ = nullptr;
+    NumericKeys keys_{*this};
 };
 
 } // namespace kvtdruck

@@ -243,9 +243,13 @@ std::vector<ReaderClass> readerClasses() {
 
 } // namespace
 
-const ReaderClass* findReaderClass(StringView name) {
+const std::vector<ReaderClass>& allReaderClasses() {
     static const auto classes = readerClasses();
-    for (const auto& candidate : classes)
+    return classes;
+}
+
+const ReaderClass* findReaderClass(StringView name) {
+    for (const auto& candidate : allReaderClasses())
         if (candidate.name == name)
             return &candidate;
     return nullptr;

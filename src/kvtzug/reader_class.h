@@ -46,6 +46,8 @@ struct ReaderClass {
     bool single = false;
 };
 
+const std::vector<ReaderClass>& allReaderClasses();
+
 /// The class of that name, or nullptr.
 const ReaderClass* findReaderClass(StringView name);
 

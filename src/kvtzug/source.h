@@ -54,6 +54,12 @@ class Query {
     virtual bool finish() = 0;
 };
 
+/// A column of a table or view as the data source describes it.
+struct SourceColumn {
+    String name;
+    std::optional<CellType> type; ///< nothing where the source knows none, or one of another kind
+};
+
 /// One open connection, shared by its readers. Who uses it on several threads keeps `inUse` locked for as long as a
 /// query of it is executed, made or destroyed.
 class Connection {
@@ -65,6 +71,13 @@ class Connection {
 
     /// A query of columns of these types. `sentence` begins its error messages.
     virtual std::unique_ptr<Query> query(String sentence, StringView sql, std::vector<CellType> columns) = 0;
+
+    /// The columns of a table or view. Run-time error -2147467259 with the source's own words where it can't be
+    /// read.
+    virtual std::vector<SourceColumn> columnsOf(StringView table) = 0;
+
+    /// How this source turns a column's text into a number, in SQL.
+    virtual String asNumber(StringView column) const = 0;
 
     /// Whether the data source is still held for reachable.
     virtual bool alive() const = 0;

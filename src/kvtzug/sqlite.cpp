@@ -3,7 +3,9 @@
 #include "values/conversion.h"
 #include "values/runtime_error.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <cstdio>
 #include <fstream>
@@ -219,6 +221,19 @@ void SqliteQuery::refuse(int column, StringView what) const {
                         fromUtf8(bytes(column)) + u"“; das ist " + String(what) + u".");
 }
 
+std::optional<CellType> typeOf(std::string declared) {
+    std::ranges::transform(declared, declared.begin(), [](unsigned char c) { return char(std::toupper(c)); });
+    const auto names = [&](std::initializer_list<const char*> words) {
+        return std::ranges::any_of(words,
+                                   [&](const char* word) { return declared.find(word) != std::string::npos; });
+    };
+    if (names({"CHAR", "TEXT", "CLOB"}))
+        return CellType::Text;
+    if (names({"DATE"}))
+        return CellType::Date;
+    return names({"INT", "REAL", "FLOA", "DOUB", "NUM", "DEC"}) ? std::optional(CellType::Number) : std::nullopt;
+}
+
 String openingSentence(StringView name) {
     return u"Die Datenbank „" + String(name) + u"“ konnte nicht geöffnet werden.";
 }
@@ -270,7 +285,29 @@ void SqliteConnection::open() {
 }
 
 std::unique_ptr<Query> SqliteConnection::query(String sentence, StringView sql, std::vector<CellType>) {
-    return std::make_unique<SqliteQuery>(shared_from_this(), std::move(sentence), sql);
+    return std::make_unique<SqliteQuery>(shared_from_this(), std::move(sentence), keys_.adapted(sql));
+}
+
+/// SQLite's columns hold any type; what they are declared as decides how they are compared
+/// (https://www.sqlite.org/datatype3.html, "Determination Of Column Affinity").
+std::vector<SourceColumn> SqliteConnection::columnsOf(StringView table) {
+    holds();
+    const auto sql = "SELECT * FROM " + toUtf8(table);
+    sqlite3_stmt* statement = nullptr;
+    const int result = sqlite3_prepare_v2(database_, sql.c_str(), -1, &statement, nullptr);
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> owner(statement, sqlite3_finalize);
+    if (result != SQLITE_OK)
+        raise(u"„" + String(table) + u"“ kann nicht gelesen werden.", result);
+    std::vector<SourceColumn> columns;
+    for (int i = 0; i < sqlite3_column_count(statement); ++i) {
+        const char* declared = sqlite3_column_decltype(statement, i);
+        columns.push_back({fromUtf8(sqlite3_column_name(statement, i)), typeOf(declared ? declared : "")});
+    }
+    return columns;
+}
+
+String SqliteConnection::asNumber(StringView column) const {
+    return u"CAST(" + String(column) + u" AS REAL)";
 }
 
 bool SqliteConnection::hasLog() const {

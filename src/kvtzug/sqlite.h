@@ -1,6 +1,7 @@
 // SQLite files, read by SQLite's own library: read only, by their name as it is, without a driver.
 #pragma once
 
+#include "kvtzug/numeric_keys.h"
 #include "kvtzug/source.h"
 
 #include <chrono>
@@ -20,6 +21,8 @@ class SqliteConnection : public Connection, public std::enable_shared_from_this<
     ~SqliteConnection() override;
 
     std::unique_ptr<Query> query(String sentence, StringView sql, std::vector<CellType> columns) override;
+    std::vector<SourceColumn> columnsOf(StringView table) override;
+    String asNumber(StringView column) const override;
     bool alive() const override { return true; }
     bool readsAhead() const override { return std::thread::hardware_concurrency() > 1; }
 
@@ -59,6 +62,7 @@ class SqliteConnection : public Connection, public std::enable_shared_from_this<
     Stamp opened_;
     unsigned opening_ = 0;
     sqlite3* database_ = nullptr;
+    NumericKeys keys_{*this};
 };
 
 } // namespace kvtdruck

@@ -572,5 +572,17 @@ TEST_F(Preview, TwoAtOnceBothComeUp) {
     EXPECT_EQ(shown, 2u);
 }
 
+TEST_F(CommandLine, ListsAndCompaniesAsJson) {
+    const auto companies = kvtdruck({"firmen", "--datenbank", database(), "--format", "json"});
+    EXPECT_EQ(run({"jq", "-c", ".[0]"}, {}, companies.output).output,
+              "{\"nummer\":\"1\",\"name\":\"Müller & Söhne GmbH\",\"ort\":\"Dresden\"}\n");
+    const auto lists = kvtdruck({"listen", "--format", "json"});
+    EXPECT_EQ(
+        run({"jq", "-c", "[length, .[3].name, .[3].auswahl[0].option, .[17].spalten[0].name]"}, {}, lists.output)
+            .output,
+        "[18,\"GemeinK\",\"--jahr\",\"Jahr\"]\n");
+    EXPECT_EQ(run({"jq", "length"}, {}, kvtdruck({"listen", "Bilanz", "--format", "json"}).output).output, "1\n");
+}
+
 } // namespace
 } // namespace kvtdruck::testing

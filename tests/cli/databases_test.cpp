@@ -1,6 +1,10 @@
-// The same company in SQLite and in a PostgreSQL server gives the same record of engine calls.
+// Databases of one's own: the sample company in a PostgreSQL server, and the foreign one that the guide leads from
+// its tables to the first page.
 #include "cli/program_fixture.h"
+#include "kvtzug/mariadb_server.h"
 #include "kvtzug/postgres_server.h"
+
+#include <gmock/gmock.h>
 
 namespace kvtdruck::testing {
 namespace {
@@ -40,6 +44,77 @@ TEST_F(Databases, GiveTheSameRecordOfEngineCalls) {
         EXPECT_NE(record.find("LlPrintEnd(0) = 0"), std::string::npos);
         EXPECT_EQ(recordOf(list, {"--verbindung", toUtf8(server.connectionString())}), record);
     }
+}
+
+class EmptyPostgres : public test::Database {
+  public:
+    String connectionString() const override { return server_.connectionString(); }
+    bool takesWideSql() const override { return true; }
+
+  private:
+    test::PostgresServer server_;
+};
+
+class EmptyMariadb : public test::Database {
+  public:
+    EmptyMariadb() { executeOn(server_.connectionString(), "CREATE DATABASE erp CHARACTER SET utf8mb4;\n"); }
+    String connectionString() const override { return server_.connectionString(u"erp"); }
+    bool takesWideSql() const override { return true; }
+
+  private:
+    test::MariadbServer server_;
+};
+
+/// The pieces of SQL in the guide, in their order.
+std::vector<std::string> sqlOfTheGuide() {
+    const auto guide = readFile(std::filesystem::path(KVT_SOURCE_FOLDER) / "docs" / "eigene-datenbank.md");
+    const std::string begin = "```sql\n";
+    std::vector<std::string> pieces;
+    for (auto at = guide.find(begin); at != std::string::npos; at = guide.find(begin, at)) {
+        at += begin.size();
+        pieces.push_back(guide.substr(at, guide.find("```", at) - at));
+    }
+    return pieces;
+}
+
+class Guide : public Databases {
+  protected:
+    /// From the foreign tables to the first page, as the guide says.
+    void follow(const test::Database& database, const std::string& product) const {
+        const auto source = toUtf8(database.connectionString());
+        const auto pieces = sqlOfTheGuide();
+        ASSERT_EQ(pieces.size(), 3u);
+        database.execute(pieces[0]);
+        database.execute(kvtdruck({"datenbank", "vorlage", product}).output);
+        const auto empty = kvtdruck({"datenbank", "pruefen", "--verbindung", source});
+        EXPECT_EQ(empty.exitCode, 0) << empty.output << empty.errors;
+        EXPECT_THAT(empty.output, ::testing::HasSubstr("  konten              leer\n"));
+        EXPECT_THAT(empty.output, ::testing::HasSubstr("  GemeinK             nicht druckbar: firma ist leer\n"));
+        database.execute(pieces[1]);
+        database.execute(pieces[2]);
+        const auto full = kvtdruck({"datenbank", "pruefen", "--verbindung", source});
+        EXPECT_EQ(full.exitCode, 0) << full.output << full.errors;
+        EXPECT_THAT(full.output, ::testing::HasSubstr("  konten              in Ordnung\n"));
+        EXPECT_THAT(full.output, ::testing::HasSubstr("  GemeinK             druckbar\n"));
+        EXPECT_THAT(full.output, ::testing::HasSubstr("  NeutralA            druckbar\n"));
+        EXPECT_THAT(full.output, ::testing::HasSubstr("  Umsatz              nicht druckbar: umsatz ist leer\n"));
+        EXPECT_EQ(kvtdruck({"firmen", "--verbindung", source}).output, "7\tTischlerei Grün\tLeipzig\n");
+        const auto page = kvtdruck({"drucken", "GemeinK", "--verbindung", source, "-f", "7", "-j", "2024", "-m",
+                                    "3", "-o", output("g.pdf")});
+        EXPECT_EQ(page.exitCode, 0) << page.errors;
+        const auto text = run({"pdftotext", "-layout", output("g.pdf"), "-"}).output;
+        for (const std::string words : {"Tischlerei Grün", "04109 Leipzig", "Fahrzeuge", "300,00", "3.600,00"})
+            EXPECT_THAT(text, ::testing::HasSubstr(words));
+        EXPECT_THAT(text, ::testing::Not(::testing::HasSubstr("Zinserträge")));
+    }
+};
+
+TEST_F(Guide, LeadsFromForeignTablesToAPageWithPostgres) {
+    follow(EmptyPostgres(), "postgresql");
+}
+
+TEST_F(Guide, LeadsFromForeignTablesToAPageWithMariadb) {
+    follow(EmptyMariadb(), "mariadb");
 }
 
 } // namespace

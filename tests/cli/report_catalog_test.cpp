@@ -9,6 +9,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 namespace kvtdruck::catalog {
 namespace {
 
@@ -163,6 +167,26 @@ TEST_F(ParameterArrayTest, ForeignCellsAndMembersAreRunTimeErrors) {
     EXPECT_EQ(errorOf([&] { value(0, 3); }), 9);
     EXPECT_EQ(errorOf([&] { value(-1, 0); }), 9);
     EXPECT_EQ(errorOf([&] { array_.idOf(u"Gibtsnicht"); }), 438);
+}
+
+TEST(ReportCatalog, EveryColumnOfAFileOfValuesIsExplainedInTheGuide) {
+    std::ifstream stream(std::filesystem::path(KVT_SOURCE_FOLDER) / "docs" / "werte.md");
+    const std::string guide{std::istreambuf_iterator<char>(stream), {}};
+    for (const auto& report : reports()) {
+        if (!report.isFedByValues())
+            continue;
+        const auto begin = guide.find("### " + std::string(report.listName) + " (");
+        ASSERT_NE(begin, std::string::npos) << report.listName;
+        const auto section = guide.substr(begin, guide.find("\n### ", begin) - begin);
+        for (const auto& column : report.columns) {
+            const auto row = "| " + std::to_string(column.column) + " | `" + std::string(column.name) + "` | ";
+            const auto at = section.find(row);
+            ASSERT_NE(at, std::string::npos) << report.listName << ": " << row;
+            const auto line = section.substr(at, section.find('\n', at) - at);
+            EXPECT_NE(line.find("| " + std::string(column.meaning) + " |"), std::string::npos) << line;
+            EXPECT_NE(column.meaning, column.name) << "a name explains nothing";
+        }
+    }
 }
 
 } // namespace

@@ -79,6 +79,14 @@ TEST(ValuesFile, UmlautsAndSurrogatesArrive) {
     EXPECT_EQ(parse("\"Größe 😀\"")->cell(0, 0), Variant(u"Größe 😀"));
 }
 
+TEST(ValuesFile, TextsMayBeWindows1252) {
+    EXPECT_EQ(parse("\"Gr\xF6\xDF"
+                    "e \x80 \x84x\x93\"")
+                  ->cell(0, 0),
+              Variant(u"Größe € „x“"));
+    EXPECT_THAT(errorOf("1;\x81\n"), ::testing::HasSubstr("Spalte 2: Das Zeichen ist kein UTF-8"));
+}
+
 TEST(ValuesFile, ErrorsNameFileLineColumnAndReason) {
     EXPECT_EQ(
         errorOf("Jahr;Gewinn\n2024;1.5\n"),
@@ -89,7 +97,7 @@ TEST(ValuesFile, ErrorsNameFileLineColumnAndReason) {
     EXPECT_EQ(errorOf("1;\"offen\n"), "w.csv, Zeile 1, Spalte 2: Das schließende Anführungszeichen fehlt.");
     EXPECT_EQ(errorOf("\"a\"b;1\n"),
               "w.csv, Zeile 1, Spalte 1: Nach dem schließenden Anführungszeichen steht noch Text.");
-    EXPECT_EQ(errorOf("1;\xE4\n"),
+    EXPECT_EQ(errorOf("\"ä\";\xE4\n"),
               "w.csv, Zeile 1, Spalte 2: Das Zeichen ist kein UTF-8; bitte die Datei als UTF-8 speichern.");
     EXPECT_EQ(errorOf("Jahr;Jahr\n1;2\n"),
               "w.csv, Zeile 1, Spalte 2: Die Spalte „Jahr“ steht mehrmals in der Kopfzeile.");

@@ -49,8 +49,7 @@ class NamedValues {
 /// The file of a job, or of several that share it, and what writes it.
 struct OpenFile {
     explicit OpenFile(const DataExportOptions& options)
-        : file(std::make_unique<AtomicFile>(options.output)),
-          writer(openWriter(options.format, *file, options.locale, options.warn)) {}
+        : file(std::make_unique<AtomicFile>(options.output)), writer(openWriter(options, *file)) {}
 
     std::unique_ptr<AtomicFile> file;
     std::unique_ptr<RecordWriter> writer;

@@ -4,20 +4,29 @@
 
 #include "control/control.h"
 #include "druckwerk/common/options.h"
+#include "druckwerk/exits/workbook_plan.h"
 #include "values/locale.h"
 
 #include <atomic>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace kvtdruck::druckwerk {
 
 /// The kinds of data files (docs/data-formats.md).
 enum class DataFormat { Csv, Xlsx, Json };
 
+/// What a workbook shows besides the records.
+struct WorkbookContent {
+    WorkbookPlan plan;     ///< outlives the export
+    std::string selection; ///< what was selected, as a text
+};
+
 struct DataExportOptions {
     DataFormat format = DataFormat::Csv;
+    WorkbookContent workbook;
     std::filesystem::path output;
     /// Takes the complete file of a job, which has its place once it is committed. Where this is empty, a job that
     /// has ended well commits it.

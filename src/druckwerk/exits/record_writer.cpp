@@ -144,15 +144,15 @@ class JsonWriter final : public RecordWriter {
 
 } // namespace
 
-std::unique_ptr<RecordWriter> openWriter(DataFormat format, AtomicFile& file, const Locale& locale,
-                                         const std::function<void(std::string_view)>& warn) {
-    switch (format) {
+std::unique_ptr<RecordWriter> openWriter(const DataExportOptions& options, AtomicFile& file) {
+    Contents contents(options.locale, options.warn);
+    switch (options.format) {
     case DataFormat::Csv:
-        return std::make_unique<CsvWriter>(file, Contents(locale, warn));
+        return std::make_unique<CsvWriter>(file, std::move(contents));
     case DataFormat::Xlsx:
-        return openXlsxWriter(file, Contents(locale, warn), warn);
+        return openXlsxWriter(file, std::move(contents), options.workbook, options.warn);
     case DataFormat::Json:
-        return std::make_unique<JsonWriter>(file, Contents(locale, warn));
+        return std::make_unique<JsonWriter>(file, std::move(contents));
     }
     return nullptr;
 }

@@ -41,9 +41,8 @@ std::optional<double> numberOf(const NamedValue& value, Contents& contents);
 /// Whether the names of `values` differ from `known`, which then takes them.
 bool takeNames(std::vector<String>& known, std::span<const NamedValue> values);
 
-/// A writer for `format` on `file`, which outlives it and is committed by its owner; `locale` is the notation of
-/// numbers, `warn` takes what is no number in it and what a format can't hold.
-std::unique_ptr<RecordWriter> openWriter(DataFormat format, AtomicFile& file, const Locale& locale,
-                                         const std::function<void(std::string_view)>& warn);
+/// A writer of the options' format on `file`, which outlives it and is committed by its owner. `options.warn` takes
+/// what is no number in the options' notation and what a format can't hold.
+std::unique_ptr<RecordWriter> openWriter(const DataExportOptions& options, AtomicFile& file);
 
 } // namespace kvtdruck::druckwerk

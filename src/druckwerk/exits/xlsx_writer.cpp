@@ -3,13 +3,14 @@
 // nothing of rows that a full disk has swallowed.
 #include "druckwerk/exits/xlsx_writer.h"
 
+#include "druckwerk/exits/sheet_table.h"
+#include "druckwerk/exits/xlsx_sheet.h"
+#include "druckwerk/exits/xlsx_styles.h"
 #include "druckwerk/exits/zip_writer.h"
 #include "values/code_points.h"
 
-#include <array>
-#include <charconv>
 #include <initializer_list>
-#include <stdexcept>
+#include <map>
 #include <utility>
 
 namespace kvtdruck::druckwerk {
@@ -22,14 +23,6 @@ std::string joined(std::initializer_list<std::string_view> parts) {
     return text;
 }
 
-/// What a cell, a row and a sheet can hold (ECMA-376 leaves it to Excel, whose documented limits these are:
-/// https://support.microsoft.com/office/excel-specifications-and-limits-1672b34d-7043-467e-8e27-269d656771c3).
-constexpr std::size_t kLongestCell = 32767;
-constexpr std::size_t kMostColumns = 16384;
-constexpr std::size_t kMostRows = 1048576;
-
-constexpr std::string_view kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
-constexpr std::string_view kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 constexpr std::string_view kPackage = "http://schemas.openxmlformats.org/package/2006/";
 constexpr std::string_view kOffice = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
 constexpr std::string_view kType = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
@@ -38,123 +31,58 @@ std::string quoted(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-/// Two formats of a cell: the plain one, and the bold one of headings, which is number 1.
-std::string styles() {
-    return std::string(kHead) + "<styleSheet xmlns=" + quoted(kMain) +
-           "><fonts count=\"2\"><font><sz val=\"11\"/><name val=\"Calibri\"/></font>"
-           "<font><b/><sz val=\"11\"/><name val=\"Calibri\"/></font></fonts>"
-           "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill>"
-           "<fill><patternFill patternType=\"gray125\"/></fill></fills>"
-           "<borders count=\"1\"><border><left/><right/><top/><bottom/><diagonal/></border></borders>"
-           "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\"/></cellStyleXfs>"
-           "<cellXfs count=\"2\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/>"
-           "<xf numFmtId=\"0\" fontId=\"1\" fillId=\"0\" borderId=\"0\" xfId=\"0\" applyFont=\"1\"/></cellXfs>"
-           "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" "
-           "builtinId=\"0\"/></cellStyles></styleSheet>";
+/// "'Gemeinkosten'!$A$6:$K$34" for "A6:K34".
+std::string reference(const Sheet& sheet, std::string_view cells) {
+    std::string text = "'" + sheet.name() + "'!";
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const bool begins = i == 0 || cells[i - 1] == ':' || (cells[i - 1] > '9' && cells[i] <= '9');
+        text += (begins ? "$" : "") + std::string(1, cells[i]);
+    }
+    return text;
 }
 
-/// Text of XML (https://www.w3.org/TR/xml/#charsets): U+FFFD stands for what that can't hold. What looks like the
-/// format's own way of writing a character, "_x0041_", is written in it.
-std::string escaped(StringView text) {
-    const String whole = wellFormed(text);
-    String out;
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        const char16_t c = whole[i];
-        if (c == u'&')
-            out += u"&amp;";
-        else if (c == u'<')
-            out += u"&lt;";
-        else if (c == u'>')
-            out += u"&gt;";
-        else if (c == u'\r')
-            out += u"&#13;"; // a reader would take it for a line end otherwise
-        else if ((c < 0x20 && c != u'\t' && c != u'\n') || c >= 0xFFFE)
-            out += u'\xFFFD';
-        else if (whole.compare(i, 2, u"_x") == 0 && i + 6 < whole.size() && whole[i + 6] == u'_')
-            out += u"_x005F_";
-        else
-            out += c;
-    }
-    return toUtf8(out);
+/// The names by which a spreadsheet knows a sheet's filter and the rows that each page repeats
+/// (ECMA-376-1, 18.2.5).
+std::string definedNames(const Sheet& sheet, std::size_t place) {
+    if (!sheet.look())
+        return {};
+    const auto head = std::to_string(sheet.look()->headRow);
+    const auto name = [&](std::string_view kind, std::string_view more, const std::string& cells) {
+        return joined({"<definedName name=\"_xlnm.", kind, "\" localSheetId=\"", std::to_string(place), "\"", more,
+                       ">", cells, "</definedName>"});
+    };
+    return name("_FilterDatabase", " hidden=\"1\"", reference(sheet, sheet.filter())) +
+           name("Print_Titles", "", reference(sheet, head + ":" + head));
 }
-
-/// "A" to "XFD".
-std::string columnName(std::size_t column) {
-    std::string name;
-    for (++column; column > 0; column = (column - 1) / 26)
-        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % 26));
-    return name;
-}
-
-/// One sheet: the rows that it has so far, packed.
-class Sheet {
-  public:
-    Sheet(std::string name, std::size_t number)
-        : name_(std::move(name)), entry_("xl/worksheets/sheet" + std::to_string(number) + ".xml") {
-        entry_.write(std::string(kHead) + "<worksheet xmlns=" + quoted(kMain) + "><sheetData>");
-    }
-
-    const std::string& name() const { return name_; }
-    std::size_t rows() const { return rows_; }
-
-    void beginRow() {
-        ++rows_;
-        columns_ = 0;
-        row_ = "<row r=\"" + std::to_string(rows_) + "\">";
-    }
-    void number(double value) {
-        beginCell();
-        std::array<char, 32> digits{};
-        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-        row_ += "\"><v>";
-        row_.append(digits.data(), end);
-        row_ += "</v></c>";
-    }
-    void text(StringView value, bool heading) {
-        if (value.empty()) {
-            ++columns_; // an empty cell is left out
-            return;
-        }
-        beginCell();
-        row_ += heading ? "\" s=\"1\" t=\"inlineStr\"><is><t" : "\" t=\"inlineStr\"><is><t";
-        const bool keepsBlanks = value.find_first_of(u" \t\n") != StringView::npos;
-        row_ += keepsBlanks ? " xml:space=\"preserve\">" : ">";
-        row_ += escaped(value) + "</t></is></c>";
-    }
-    void endRow() {
-        row_ += "</row>";
-        entry_.write(row_);
-    }
-    const ZipEntry& finish() {
-        entry_.write("</sheetData></worksheet>");
-        entry_.finish();
-        return entry_;
-    }
-
-  private:
-    void beginCell() {
-        if (columns_ == kMostColumns)
-            throw std::runtime_error("Eine XLSX-Datei fasst höchstens 16.384 Spalten");
-        row_ += "<c r=\"" + columnName(columns_++) + std::to_string(rows_);
-    }
-
-    std::string name_;
-    ZipEntry entry_;
-    std::size_t rows_ = 0;
-    std::size_t columns_ = 0;
-    std::string row_;
-};
 
 class XlsxWriter final : public RecordWriter {
   public:
-    XlsxWriter(AtomicFile& file, Contents contents, std::function<void(std::string_view)> warn)
-        : file_(file), contents_(std::move(contents)), warn_(std::move(warn)) {}
+    XlsxWriter(AtomicFile& file, Contents contents, const WorkbookContent& content,
+               std::function<void(std::string_view)> warn)
+        : file_(file), contents_(std::move(contents)), warn_(std::move(warn)) {
+        tables_.reserve(content.plan.size());
+        for (std::size_t i = 0; i < content.plan.size(); ++i)
+            tables_.emplace_back(content.plan[i],
+                                 TableSurroundings{names_, contents_, content.selection,
+                                                   [this, i](std::string name, SheetLook look) -> Sheet& {
+                                                       return addSheet(i, std::move(name), std::move(look));
+                                                   },
+                                                   [this](StringView text) { return fitting(text); }});
+    }
 
     void variables(std::span<const NamedValue> values) override {
         ++section_;
+        names_.setVariables(values);
+        for (auto& table : tables_)
+            table.section();
         row(variables_, values);
     }
-    void record(std::span<const NamedValue> values) override { row(fields_, values); }
+    void record(std::span<const NamedValue> values) override {
+        names_.setFields(values);
+        for (auto& table : tables_)
+            table.record();
+        row(fields_, values);
+    }
     void finish() override;
 
   private:
@@ -169,13 +97,17 @@ class XlsxWriter final : public RecordWriter {
 
     void row(Series& series, std::span<const NamedValue> values);
     void addSheet(Series& series);
+    /// The sheets of the plan's tables stand in its order, before those of the records.
+    Sheet& addSheet(std::size_t place, std::string name, std::optional<SheetLook> look);
     StringView fitting(StringView value) const;
     void writeParts(ZipWriter& archive) const;
 
     AtomicFile& file_;
     Contents contents_;
     std::function<void(std::string_view)> warn_;
-    std::vector<std::unique_ptr<Sheet>> sheets_;
+    NamedCells names_;
+    std::vector<SheetTable> tables_;
+    std::multimap<std::size_t, std::unique_ptr<Sheet>> sheets_; ///< by their place in the workbook
     Series variables_{"Variablen"};
     Series fields_{"Felder"};
     int section_ = 0;
@@ -187,9 +119,9 @@ void XlsxWriter::row(Series& series, std::span<const NamedValue> values) {
     Sheet& sheet = *series.sheet;
     if (takeNames(series.names, values)) {
         sheet.beginRow();
-        sheet.text(u"Abschnitt", true);
+        sheet.text(u"Abschnitt", kBold);
         for (const auto& name : series.names)
-            sheet.text(fitting(name), true);
+            sheet.text(fitting(name), kBold);
         sheet.endRow();
     }
     sheet.beginRow();
@@ -198,16 +130,20 @@ void XlsxWriter::row(Series& series, std::span<const NamedValue> values) {
         if (const auto number = numberOf(value, contents_))
             sheet.number(*number);
         else
-            sheet.text(fitting(value.text), false);
+            sheet.text(fitting(value.text));
     }
     sheet.endRow();
 }
 
 void XlsxWriter::addSheet(Series& series) {
     const std::string name = series.title + (++series.sheets > 1 ? " " + std::to_string(series.sheets) : "");
-    sheets_.push_back(std::make_unique<Sheet>(name, sheets_.size() + 1));
-    series.sheet = sheets_.back().get();
+    series.sheet = &addSheet(tables_.size(), name, {});
     series.names.clear();
+}
+
+Sheet& XlsxWriter::addSheet(std::size_t place, std::string name, std::optional<SheetLook> look) {
+    auto sheet = std::make_unique<Sheet>(std::move(name), sheets_.size() + 1, std::move(look));
+    return *sheets_.emplace(place, std::move(sheet))->second;
 }
 
 StringView XlsxWriter::fitting(StringView value) const {
@@ -222,16 +158,21 @@ void XlsxWriter::writeParts(ZipWriter& archive) const {
     std::string types;
     std::string sheets;
     std::string relations;
-    for (std::size_t i = 1; i <= sheets_.size(); ++i) {
-        const std::string number = std::to_string(i);
+    std::string names;
+    std::size_t place = 0;
+    for (const auto& [key, sheet] : sheets_) {
+        const std::string number = std::to_string(sheet->number());
         types += joined({"<Override PartName=\"/xl/worksheets/sheet", number, ".xml\" ContentType=\"", kType,
                          "worksheet+xml\"/>"});
-        sheets += joined(
-            {"<sheet name=\"", sheets_[i - 1]->name(), "\" sheetId=\"", number, "\" r:id=\"rId", number, "\"/>"});
+        sheets +=
+            joined({"<sheet name=\"", sheet->name(), "\" sheetId=\"", number, "\" r:id=\"rId", number, "\"/>"});
         relations += joined({"<Relationship Id=\"rId", number, "\" Type=\"", kOffice,
                              "/worksheet\" Target=\"worksheets/sheet", number, ".xml\"/>"});
+        names += definedNames(*sheet, place++);
     }
-    const std::string head(kHead);
+    if (!names.empty())
+        names = "<definedNames>" + names + "</definedNames>";
+    const std::string head(kXmlHead);
     const std::string relationships = "<Relationships xmlns=\"" + std::string(kPackage) + "relationships\">";
     archive.add("[Content_Types].xml",
                 head + "<Types xmlns=\"" + std::string(kPackage) +
@@ -245,29 +186,32 @@ void XlsxWriter::writeParts(ZipWriter& archive) const {
                     std::string(kType) + "styles+xml\"/>" + types + "</Types>");
     archive.add("_rels/.rels", head + relationships + "<Relationship Id=\"rId1\" Type=\"" + std::string(kOffice) +
                                    "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>");
-    archive.add("xl/workbook.xml", head + "<workbook xmlns=" + quoted(kMain) + " xmlns:r=" + quoted(kOffice) +
-                                       "><sheets>" + sheets + "</sheets></workbook>");
+    archive.add("xl/workbook.xml", head + "<workbook xmlns=" + quoted(kMainNames) + " xmlns:r=" + quoted(kOffice) +
+                                       "><sheets>" + sheets + "</sheets>" + names +
+                                       "<calcPr fullCalcOnLoad=\"1\"/></workbook>");
     archive.add("xl/_rels/workbook.xml.rels",
                 head + relationships + relations + "<Relationship Id=\"rId" + std::to_string(sheets_.size() + 1) +
                     "\" Type=\"" + std::string(kOffice) + "/styles\" Target=\"styles.xml\"/></Relationships>");
-    archive.add("xl/styles.xml", styles());
+    archive.add("xl/styles.xml", stylesPart());
 }
 
 void XlsxWriter::finish() {
     if (sheets_.empty())
         addSheet(variables_); // a workbook has a sheet at least
+    for (auto& table : tables_)
+        table.finish();
     ZipWriter archive([&](std::string_view data) { file_.write(data); });
     writeParts(archive);
-    for (const auto& sheet : sheets_)
+    for (const auto& [place, sheet] : sheets_)
         archive.add(sheet->finish());
     archive.finish();
 }
 
 } // namespace
 
-std::unique_ptr<RecordWriter> openXlsxWriter(AtomicFile& file, Contents contents,
+std::unique_ptr<RecordWriter> openXlsxWriter(AtomicFile& file, Contents contents, const WorkbookContent& content,
                                              std::function<void(std::string_view)> warn) {
-    return std::make_unique<XlsxWriter>(file, std::move(contents), std::move(warn));
+    return std::make_unique<XlsxWriter>(file, std::move(contents), content, std::move(warn));
 }
 
 } // namespace kvtdruck::druckwerk
