@@ -136,6 +136,12 @@ void addFiles(CLI::App& command, Options& options) {
                                                                      {"xlsx", DataFormat::Xlsx},
                                                                      {"json", DataFormat::Json}});
              });
+    addValue(command, group, "--pdf", "archiv|einfach",
+             "PDF/A-3u für das Archiv (Vorgabe), oder ohne dessen Zusätze", [&](const std::string& text) {
+                 using druckwerk::PdfLevel;
+                 options.level = choiceIn<PdfLevel>("--pdf", text,
+                                                    {{"archiv", PdfLevel::Archive}, {"einfach", PdfLevel::Plain}});
+             });
     addValue(command, group, "--teil", "K/N", "nur der K-te von N Teilen der Arbeit, für mehrere Rechner",
              [&](const std::string& text) { options.part = partIn(text); });
     addValue(command, group, "--prozesse", "ZAHL",

@@ -7,6 +7,7 @@
 #include "cli/data_source.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
+#include "cli/selection_text.h"
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
 #include "manager/clsDruckManager.h"
@@ -134,6 +135,9 @@ class ReportRun {
         settings.progress = [this](const druckwerk::Progress& progress) { console_.progress(progress); };
         settings.cancelled = &cancelled();
         settings.printDate = options_.printDate;
+        settings.level = options_.level;
+        settings.period = periodText(request_.ranges);
+        settings.selection = selectionText(request_.company, request_.ranges);
         settings.locale = options_.locale;
         return std::make_unique<druckwerk::DruckwerkFormFactory>(std::move(settings));
     }

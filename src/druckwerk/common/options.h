@@ -3,6 +3,7 @@
 
 #include "druckwerk/common/definition.h"
 #include "druckwerk/common/engine_codes.h"
+#include "druckwerk/common/pdf_level.h"
 #include "druckwerk/common/print_date.h"
 #include "platform/posix/atomic_file.h"
 #include "values/locale.h"
@@ -81,6 +82,12 @@ struct Options {
     /// document of its own.
     const JobPlace* place = nullptr;
     PrintDate printDate;
+    /// What a file is to conform to; what goes to a printer is plain.
+    PdfLevel level = PdfLevel::Archive;
+    /// What tells this document from others of its list, for its title, such as "2024"; may be empty.
+    std::string period;
+    /// What was selected, for whoever searches an archive, such as "Jahr 2024, Konto von 4100"; may be empty.
+    std::string selection;
     /// The notation in which the report hands over numbers and dates, and in which they are printed.
     Locale locale = germanLocale();
     std::string creator = "KVTDruck";

@@ -12,6 +12,8 @@ namespace kvtdruck::druckwerk {
 void appendNumber(std::string& out, double value);
 /// A PDF text string (UTF-16 in hexadecimal) of UTF-16 `text`.
 std::string pdfText(std::u16string_view text);
+/// `bytes` as a PDF string in hexadecimal.
+std::string hexadecimalString(std::string_view bytes);
 /// A colour as operands of a colour operator.
 void appendColor(std::string& out, Rgb color);
 
