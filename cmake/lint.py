@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""lint.py BUILD…: clang-tidy over every source of the build trees, with a memory of what was clean.
+"""lint.py BUILD… [FILE…]: clang-tidy over every source of the build trees, or the named ones alone, with a memory of what
+was clean.
 
 A source is checked again when it, a header that it includes, its compile command, the rules or clang-tidy itself has
 changed. The memory outlives a clone; it lies beside the compiler's cache.
@@ -36,7 +37,9 @@ def dependencies(build):
     files, current = {}, None
     for line in lines.splitlines():
         if line.startswith("    "):
-            current.append(os.path.normpath(os.path.join(build, line.strip())))
+            path = os.path.normpath(os.path.join(build, line.strip()))
+            if "/cmake_pch.hxx" not in path:
+                current.append(path)
         elif ":" in line:
             current = files.setdefault(line.split(":", 1)[0], [])
     return files
@@ -74,8 +77,18 @@ def compiler_of(entry):
     return words[1] if os.path.basename(words[0]) == "ccache" else words[0]
 
 
-def check(build, entry):
-    command = [TIDY, "--quiet", "-p", build, *cross_arguments(compiler_of(entry)), entry["file"]]
+def commands_of_lint(build):
+    """Writes the compile commands of the build tree as clang takes them, and gives the folder. It can't read the
+    precompiled headers of g++, and a source shall include by itself what it uses."""
+    folder = pathlib.Path(build, "lint")
+    folder.mkdir(exist_ok=True)
+    commands = pathlib.Path(build, "compile_commands.json").read_text()
+    (folder / "compile_commands.json").write_text(re.sub(r" -Winvalid-pch -include \S+/cmake_pch\.hxx", "", commands))
+    return folder
+
+
+def check(commands, entry):
+    command = [TIDY, "--quiet", "-p", commands, *cross_arguments(compiler_of(entry)), entry["file"]]
     result = subprocess.run(command, capture_output=True, text=True)
     return result.returncode == 0, result.stdout
 
@@ -86,17 +99,22 @@ def main():
     version = subprocess.run([TIDY, "--version"], check=True, capture_output=True, text=True).stdout
     rules = version + "".join((ROOT / folder / ".clang-tidy").read_text() for folder in (".", "tests"))
     jobs, seen = {}, set()
-    for build in map(os.path.abspath, sys.argv[1:]):
+    builds = [path for path in map(os.path.abspath, sys.argv[1:]) if os.path.isdir(path)]
+    wanted = {path for path in map(os.path.abspath, sys.argv[1:]) if not os.path.isdir(path)}
+    for build in builds:
         made_of = dependencies(build)
-        for entry in json.loads(pathlib.Path(build, "compile_commands.json").read_text()):
+        commands = commands_of_lint(build)
+        for entry in json.loads((commands / "compile_commands.json").read_text()):
             file = entry["file"]
             if not file.startswith(CHECKED) or not file.endswith(".cpp") or file in seen:
+                continue
+            if wanted and file not in wanted:
                 continue
             seen.add(file)
             files = made_of.get(os.path.relpath(os.path.join(entry["directory"], object_of(entry)), build))
             if not files:
                 sys.exit(f"lint: {file} has not been built")
-            jobs[fingerprint(entry, files, rules)] = (build, entry)
+            jobs[fingerprint(entry, files, rules)] = (commands, entry)
 
     unknown = {key: job for key, job in jobs.items() if not (memory / key).exists()}
     print(f"{len(jobs)} sources, {len(unknown)} to check")

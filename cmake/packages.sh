@@ -68,5 +68,8 @@ use_compiler_cache() {
     export CCACHE_DIR="${CCACHE_DIR:-${XDG_CACHE_HOME:-${HOME:-/tmp}/.cache}/kvtdruck/ccache}"
     mkdir -p "$CCACHE_DIR" || fail "the compiler cache $CCACHE_DIR can't be created"
     export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1 CCACHE_MAXSIZE=3G
+    # What ccache asks for before it keeps results that precompiled headers are part of
+    # (https://ccache.dev/manual/4.7.5.html#_precompiled_headers).
+    export CCACHE_SLOPPINESS=pch_defines,time_macros
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 }

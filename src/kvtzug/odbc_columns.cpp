@@ -82,6 +82,8 @@ bool OdbcColumns::widen() {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (needed_[i] <= columns_[i].width)
             continue;
+        // MariaDB's driver (3.1.15) takes half as much again for its own copy and reads a text that is longer up to the
+        // next zero: the allocator leaves one behind such a power's.
         columns_[i].width = std::bit_ceil(needed_[i]);
         widened = true;
     }

@@ -47,7 +47,7 @@ Digits realDigits(Real number, std::optional<int> places) {
     const std::string_view text(begin, static_cast<std::size_t>(written.ptr - begin));
     const std::size_t mantissa = text.find('e');
     Digits result;
-    result.digits = text.substr(0, 1);
+    result.digits.assign(1, text.front());
     if (mantissa > 1)
         result.digits += text.substr(2, mantissa - 2);
     std::from_chars(text.data() + mantissa + 2, text.data() + text.size(), result.point);

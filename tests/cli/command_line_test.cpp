@@ -441,8 +441,8 @@ TEST_P(EveryFormat, CtrlCLeavesTheOldFile) {
         "FROM n WHERE i < 400000) SELECT 1, i, 'Name' FROM n;");
     const auto file = output("l");
     writeFile(file, "alt");
-    ASSERT_EQ(::mkfifo(output("p").c_str(), 0600), 0); // shows the record while it is written
-    Program record({"cat", output("p")});
+    ASSERT_EQ(::mkfifo(output("p").c_str(), 0600), 0); // shows the record's beginning while it is written
+    Program record({"sh", "-c", "{ head -c 100000; cat >/dev/null; } <\"$0\"", output("p")});
     Program program(
         command("drucken", "MitUeber", {"--format", GetParam(), "--ausgabe", file, "--protokoll", output("p")}),
         environment);
@@ -451,7 +451,7 @@ TEST_P(EveryFormat, CtrlCLeavesTheOldFile) {
     const auto outcome = program.wait();
     EXPECT_EQ(outcome.exitCode, 130) << outcome.errors;
     EXPECT_EQ(outcome.errors, "");
-    EXPECT_EQ(readFile(file), "alt");
+    EXPECT_TRUE(readFile(file) == "alt");
     EXPECT_EQ(filesNamed("l"), 1u) << "nothing unfinished is left";
 }
 
