@@ -71,11 +71,11 @@ def state(pdf, **entries):
 def attach(pdf, leave_out=(), associate=True):
     data = Stream(pdf, b"a;b")
     data.Type, data.Subtype = Name.EmbeddedFile, Name("/text/csv")
-    specification = Dictionary(Type=Name.Filespec, F=String("a.csv"), UF=String("a.csv"), AFRelationship=Name.Data,
+    filespec = Dictionary(Type=Name.Filespec, F=String("a.csv"), UF=String("a.csv"), AFRelationship=Name.Data,
                                EF=Dictionary(F=pdf.make_indirect(data)))
     for key in leave_out:
-        del specification[key]
-    reference = pdf.make_indirect(specification)
+        del filespec[key]
+    reference = pdf.make_indirect(filespec)
     names = pdf.Root.get("/Names", Dictionary())
     names.EmbeddedFiles = Dictionary(Names=Array([String("a.csv"), reference]))
     pdf.Root.Names = names

@@ -1,6 +1,7 @@
 // The surroundings that an engine is given: where its output goes and whom it asks and tells.
 #pragma once
 
+#include "druckwerk/common/attachment.h"
 #include "druckwerk/common/definition.h"
 #include "druckwerk/common/engine_codes.h"
 #include "druckwerk/common/pdf_level.h"
@@ -67,6 +68,8 @@ struct Options {
     FinishedSink finished;
     /// Hands a finished document to a printer; answers 0 or an engine code, having put its message into `message`.
     std::function<std::int32_t(const Document& document, std::string& message)> deliver;
+    /// The file that a finished document carries along; asked for when its last job has ended.
+    std::function<Attachment()> attachment;
     /// Lets the user choose printer or file before a job; answers 0, -99 or an engine code.
     std::function<std::int32_t(OptionsRequest& request, std::string& message)> optionsDialog;
     /// Opens the designer and waits for its end; answers 0 or an engine code.

@@ -10,11 +10,16 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace kvtdruck::druckwerk {
 
 /// The kinds of data files (docs/data-formats.md).
 enum class DataFormat { Csv, Xlsx, Json };
+
+/// The ending of such a file, with its dot.
+std::string endingOf(DataFormat format);
+std::string mimeTypeOf(DataFormat format);
 
 struct DataExportOptions {
     DataFormat format = DataFormat::Csv;

@@ -39,9 +39,7 @@ void Bookmarks::shrink(std::size_t size) {
     path_.clear();
 }
 
-std::string Bookmarks::write(PdfOutput& output) const {
-    if (entries_.empty())
-        return {};
+int Bookmarks::write(PdfOutput& output) const {
     std::vector<int> objects(entries_.size() + 1); // the last one is the outline itself
     for (int& object : objects)
         object = output.allocate();
@@ -52,11 +50,9 @@ std::string Bookmarks::write(PdfOutput& output) const {
                                            destination(entry.page, entry.y) + ">>");
     }
     output.writeObject(objects.back(), "<<" + links.back().entries() + "/Type/Outlines>>");
-    return "/PageMode/UseOutlines/Outlines " + reference(objects.back()) + "/Names<</Dests " +
-           reference(writeNames(output)) + ">>";
+    return objects.back();
 }
 
-/// Writes the tree of the destinations' names (ISO 32000-1, 7.9.6 and 12.3.2.3); gives its object.
 int Bookmarks::writeNames(PdfOutput& output) const {
     std::map<String, std::size_t> names; // in the order of their bytes, as the tree wants them
     std::vector<String> path;

@@ -20,9 +20,12 @@ class Bookmarks {
     /// Takes out all but the first `size` entries.
     void shrink(std::size_t size);
 
-    /// Writes it; gives the entries that the catalog has for it, none where it is empty. What is called `a`, with
-    /// `b` and `c` below it, is the destination "a/b/c"; of several with one name the first one has it.
-    std::string write(PdfOutput& output) const;
+    /// Writes the outline; gives its object. It may not be empty.
+    int write(PdfOutput& output) const;
+    /// Writes the tree of the destinations' names (ISO 32000-1, 7.9.6 and 12.3.2.3); gives its object. What is
+    /// called `a`, with `b` and `c` below it, is the destination "a/b/c"; of several with one name the first one
+    /// has it.
+    int writeNames(PdfOutput& output) const;
 
   private:
     struct Entry {
@@ -38,7 +41,6 @@ class Bookmarks {
         std::string entries() const;
     };
     std::vector<Links> link(const std::vector<int>& objects) const;
-    int writeNames(PdfOutput& output) const;
 
     std::vector<Entry> entries_;
     std::vector<String> path_;

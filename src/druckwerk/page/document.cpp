@@ -1,6 +1,7 @@
 #include "druckwerk/page/document.h"
 
 #include "druckwerk/pdf/color_profile.h"
+#include "druckwerk/pdf/embedded_file.h"
 #include "druckwerk/pdf/pdf_syntax.h"
 
 namespace kvtdruck::druckwerk {
@@ -167,16 +168,33 @@ std::string PdfDocument::writeArchiveEntries(const DocumentInfo& info) {
            reference(profile) + ">>]";
 }
 
-std::unique_ptr<AtomicFile> PdfDocument::finish(const DocumentInfo& info) {
+/// What leads from the catalog to places and to data: outline, named destinations, the attachment.
+std::string PdfDocument::writeNavigation(const DocumentInfo& info, const Attachment* attachment) {
+    std::string entries;
+    std::string names;
+    if (bookmarks_.size() > 0) {
+        entries += "/PageMode/UseOutlines/Outlines " + reference(bookmarks_.write(output_));
+        names += "/Dests " + reference(bookmarks_.writeNames(output_));
+    }
+    if (attachment != nullptr) {
+        const std::string file = reference(writeEmbeddedFile(output_, *attachment, info.date));
+        const String name = fromUtf8(attachment->file.filename().string());
+        entries += "/AF[" + file + "]";
+        names += "/EmbeddedFiles<</Names[" + pdfText(name) + file + "]>>";
+    }
+    return names.empty() ? entries : entries + "/Names<<" + names + ">>";
+}
+
+std::unique_ptr<AtomicFile> PdfDocument::finish(const DocumentInfo& info, const Attachment* attachment) {
     writeLateTexts();
     writePageTree();
     writeResources();
-    const std::string outline = bookmarks_.write(output_);
+    const std::string navigation = writeNavigation(info, attachment);
     const std::string archive = writeArchiveEntries(info);
     const int catalog = output_.allocate();
     output_.writeObject(catalog, "<</Type/Catalog/Pages " + reference(root_) +
-                                     "/Lang(de-DE)/ViewerPreferences<</DisplayDocTitle true>>" + outline + archive +
-                                     ">>");
+                                     "/Lang(de-DE)/ViewerPreferences<</DisplayDocTitle true>>" + navigation +
+                                     archive + ">>");
     const int infoObject = output_.allocate();
     output_.writeObject(infoObject, infoDictionary(info));
     return output_.finish(catalog, infoObject);

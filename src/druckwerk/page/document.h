@@ -1,6 +1,7 @@
 // The document that is being printed: its pages, fonts, bookmarks. Pages are written as they close.
 #pragma once
 
+#include "druckwerk/common/attachment.h"
 #include "druckwerk/common/pdf_level.h"
 #include "druckwerk/page/bookmarks.h"
 #include "druckwerk/page/canvas.h"
@@ -60,8 +61,8 @@ class PdfDocument {
     /// Takes out every page and bookmark since `mark`.
     void dropSince(const Mark& mark);
 
-    /// Gives the file, which is complete and not yet in its place.
-    std::unique_ptr<AtomicFile> finish(const DocumentInfo& info);
+    /// Gives the file, which is complete and not yet in its place. `attachment` is the data behind it, if any.
+    std::unique_ptr<AtomicFile> finish(const DocumentInfo& info, const Attachment* attachment = nullptr);
 
   private:
     struct Size {
@@ -74,6 +75,7 @@ class PdfDocument {
     void writeLateTexts();
     void writePageTree();
     void writeResources();
+    std::string writeNavigation(const DocumentInfo& info, const Attachment* attachment);
     std::string writeArchiveEntries(const DocumentInfo& info);
 
     PdfLevel level_;

@@ -77,6 +77,10 @@ std::string identification(PdfLevel level) {
 
 } // namespace
 
+std::string pdfDate(const PrintDate& date) {
+    return "(D:" + dateText(date, "%04d%02d%02d%02d%02d%02d", "'", "'") + ")";
+}
+
 std::string infoDictionary(const DocumentInfo& info) {
     std::string out = "<<";
     const auto add = [&](const char* name, StringView text) {
@@ -89,7 +93,7 @@ std::string infoDictionary(const DocumentInfo& info) {
     add("/Keywords", keywordsOf(info));
     add("/Creator", info.creator);
     add("/Producer", info.creator);
-    const std::string date = "(D:" + dateText(info.date, "%04d%02d%02d%02d%02d%02d", "'", "'") + ")";
+    const std::string date = pdfDate(info.date);
     return out + "/CreationDate" + date + "/ModDate" + date + ">>";
 }
 

@@ -19,6 +19,9 @@ struct DocumentInfo {
     PrintDate date;
 };
 
+/// A date as PDF writes it (ISO 32000-1, 7.9.4), with its parentheses.
+std::string pdfDate(const PrintDate& date);
+
 /// The document's information dictionary (ISO 32000-1, 14.3.3).
 std::string infoDictionary(const DocumentInfo& info);
 
