@@ -41,12 +41,13 @@ def difference(one, other):
 
 
 def without_a_text(pdf, target):
-    """The document with one text of its first page left out."""
+    """The document with one text of its first page left out, the longest."""
     with pikepdf.open(pdf) as file:
         page = file.pages[0]
         instructions = list(pikepdf.parse_content_stream(page))
         shown = [at for at, instruction in enumerate(instructions) if str(instruction.operator) in ("Tj", "TJ")]
-        instructions[shown[len(shown) // 2]] = ([pikepdf.String("")], pikepdf.Operator("Tj"))
+        longest = max(shown, key=lambda at: len(pikepdf.unparse_content_stream([instructions[at]])))
+        instructions[longest] = ([pikepdf.String("")], pikepdf.Operator("Tj"))
         page.Contents = file.make_stream(pikepdf.unparse_content_stream(instructions))
         file.save(target)
 
