@@ -48,10 +48,7 @@ std::string nameOf(const PrintRequest& request) {
 }
 
 std::string endingOf(const Options& options) {
-    using druckwerk::DataFormat;
-    if (!options.data)
-        return ".pdf";
-    return *options.data == DataFormat::Csv ? ".csv" : *options.data == DataFormat::Xlsx ? ".xlsx" : ".json";
+    return options.data ? druckwerk::endingOf(*options.data) : ".pdf";
 }
 
 /// Puts the documents of a call together.

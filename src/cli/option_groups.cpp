@@ -138,6 +138,18 @@ void addFiles(CLI::App& command, Options& options) {
                                                                      {"xlsx", DataFormat::Xlsx},
                                                                      {"json", DataFormat::Json}});
              });
+    addValue(command, group, "--pdf", "archiv|einfach",
+             "PDF/A-3u für das Archiv (Vorgabe), oder ohne dessen Zusätze", [&](const std::string& text) {
+                 using druckwerk::PdfLevel;
+                 options.level = choiceIn<PdfLevel>("--pdf", text,
+                                                    {{"archiv", PdfLevel::Archive}, {"einfach", PdfLevel::Plain}});
+             });
+    addValue(command, group, "--beilage", "csv|json|xlsx", "legt die Datensätze als Datei in das PDF",
+             [&](const std::string& text) {
+                 options.attachment = choiceIn<DataFormat>(
+                     "--beilage", text,
+                     {{"csv", DataFormat::Csv}, {"json", DataFormat::Json}, {"xlsx", DataFormat::Xlsx}});
+             });
     addValue(command, group, "--teil", "K/N", "nur der K-te von N Teilen der Arbeit, für mehrere Rechner",
              [&](const std::string& text) { options.part = partIn(text); });
     addValue(command, group, "--prozesse", "ZAHL",

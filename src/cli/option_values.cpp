@@ -22,6 +22,30 @@ std::optional<std::int64_t> numberIn(std::string_view text) {
 /// The largest whole number up to which a Double holds every one.
 constexpr std::int64_t kLargestCompany = 9'007'199'254'740'992;
 
+/// Minutes that the clocks here are ahead of UTC on `date`.
+int localOffset(const druckwerk::PrintDate& date) {
+    std::tm local{};
+    local.tm_year = date.year - 1900;
+    local.tm_mon = date.month - 1;
+    local.tm_mday = date.day;
+    local.tm_hour = date.hour;
+    local.tm_min = date.minute;
+    local.tm_sec = date.second;
+    local.tm_isdst = -1;
+    std::mktime(&local);
+    return static_cast<int>(local.tm_gmtoff / 60);
+}
+
+/// "Z", "+01:00", "-0330"; the zone here where there is none.
+int offsetIn(const std::string& text, const druckwerk::PrintDate& date) {
+    if (text.empty())
+        return localOffset(date);
+    if (text == "Z")
+        return 0;
+    const int minutes = std::stoi(text.substr(1, 2)) * 60 + std::stoi(text.substr(text.size() - 2));
+    return text.front() == '-' ? -minutes : minutes;
+}
+
 } // namespace
 
 void refuse(const std::string& reason) {
@@ -56,12 +80,18 @@ druckwerk::PrintDate currentDate() {
     const auto now = std::time(nullptr);
     std::tm local{};
     localtime_r(&now, &local);
-    return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+    return {local.tm_year + 1900,
+            local.tm_mon + 1,
+            local.tm_mday,
+            local.tm_hour,
+            local.tm_min,
+            local.tm_sec,
+            static_cast<int>(local.tm_gmtoff / 60)};
 }
 
 druckwerk::PrintDate dateIn(const std::string& text) {
     static const std::regex pattern(
-        R"((?:(\d{1,2})\.(\d{1,2})\.(\d{4})|(\d{4})-(\d{2})-(\d{2}))(?:[ T](\d{1,2}):(\d{2})(?::(\d{2}))?)?)");
+        R"((?:(\d{1,2})\.(\d{1,2})\.(\d{4})|(\d{4})-(\d{2})-(\d{2}))(?:[ T](\d{1,2}):(\d{2})(?::(\d{2}))?(Z|[+-](?:0\d|1[0-4]):?[0-5]\d)?)?)");
     const auto fail = [&] {
         refuse("--druckdatum „" + text + "“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15.");
     };
@@ -70,12 +100,13 @@ druckwerk::PrintDate dateIn(const std::string& text) {
         fail();
     const auto number = [&](std::size_t group) { return parts[group].matched ? std::stoi(parts[group]) : 0; };
     const bool german = parts[1].matched;
-    const druckwerk::PrintDate date{
+    druckwerk::PrintDate date{
         number(german ? 3 : 4), number(german ? 2 : 5), number(german ? 1 : 6), number(7), number(8), number(9)};
     const std::chrono::year_month_day day{std::chrono::year(date.year), std::chrono::month(unsigned(date.month)),
                                           std::chrono::day(unsigned(date.day))};
     if (!day.ok() || date.hour >= 24 || date.minute >= 60 || date.second >= 60)
         fail();
+    date.utcOffset = offsetIn(parts[10], date);
     return date;
 }
 

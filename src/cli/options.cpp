@@ -88,6 +88,8 @@ void checkOutput(const Options& options) {
         refuse("--je und --name gelten nur mit --nach ORDNER.");
     if (options.data && !fillsFiles(options))
         refuse("--format für Daten braucht --ausgabe DATEI oder --nach ORDNER.");
+    if (options.attachment && (options.data || !fillsFiles(options)))
+        refuse("--beilage gibt es nur für PDF-Dateien, mit --ausgabe DATEI oder --nach ORDNER.");
     if (options.askForPrinter && (options.data || !options.outputFolder.empty()))
         refuse("--druckerauswahl gibt es nur für gedruckte Seiten.");
     const auto& printing = options.printing;

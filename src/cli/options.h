@@ -39,6 +39,8 @@ struct Options {
     std::string namePattern;                   ///< of the files in it; empty for the usual one
     std::optional<Per> per;                    ///< one file for each
     std::optional<druckwerk::DataFormat> data; ///< none: pages
+    std::optional<druckwerk::DataFormat> attachment; ///< the records as a file within the PDF
+    druckwerk::PdfLevel level = druckwerk::PdfLevel::Archive;
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
     bool unused = false; ///< a check names variables and fields that the layout does not print

@@ -8,13 +8,17 @@
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "cli/report_workbooks.h"
+#include "cli/selection_text.h"
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
+#include "druckwerk/exits/tee.h"
 #include "manager/clsDruckManager.h"
 #include "platform/posix/atomic_file.h"
 #include "platform/posix/posix_platform.h"
+#include "platform/posix/temporary_folder.h"
 
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -43,7 +47,7 @@ class ReportRun {
         : options_(options), request_(request), console_(console), printing_(options.printing),
           values_(request.values ? catalog::readValues(*request.report, *request.values) : nullptr),
           folder_(prepareApplicationFolder(options.folder)), source_(options, console), jobs_(source_.state()),
-          engine_(options.data ? dataExport() : druckwerk()) {}
+          engine_(options.data ? dataExport() : withAttachment(druckwerk())) {}
 
     int run() {
         refuseOverwriting();
@@ -97,19 +101,41 @@ class ReportRun {
 
     std::filesystem::path previewFolder() const { return layoutFolder(folder_) / "Preview"; }
 
-    std::unique_ptr<FormFactory> dataExport() {
+    druckwerk::DataExportOptions dataExportOptions(druckwerk::DataFormat format, std::filesystem::path output) {
         druckwerk::DataExportOptions settings;
-        settings.format = *options_.data;
+        settings.format = format;
         settings.workbook = {workbookOf(*request_.report), selectionText(*request_.report, request_.ranges)};
-        settings.output = request_.output;
+        settings.output = std::move(output);
         settings.place = &place_;
-        settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         settings.locale = options_.locale;
         settings.warn = [this](std::string_view text) { console_.warning(text); };
         settings.error = [this](const druckwerk::EngineError& error) { console_.error(error.message); };
         settings.progress = [this](const druckwerk::Progress& progress) { console_.progress(progress); };
         settings.cancelled = &cancelled();
+        return settings;
+    }
+
+    std::unique_ptr<FormFactory> dataExport() {
+        auto settings = dataExportOptions(*options_.data, request_.output);
+        settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         return std::make_unique<druckwerk::DataExportFormFactory>(std::move(settings));
+    }
+
+    /// The records of the print go into a file of their own, which the document takes up when it is complete.
+    std::unique_ptr<FormFactory> withAttachment(std::unique_ptr<FormFactory> pages) {
+        if (!options_.attachment)
+            return pages;
+        data_ = std::make_unique<druckwerk::DataExportFormFactory>(
+            dataExportOptions(*options_.attachment, attachmentFile()));
+        pages_ = std::move(pages);
+        return std::make_unique<druckwerk::TeeFormFactory>(*pages_, *data_);
+    }
+
+    std::filesystem::path attachmentFile() {
+        if (!attachmentFolder_)
+            attachmentFolder_.emplace();
+        return attachmentFolder_->path() /
+               (std::string(request_.report->listName) + druckwerk::endingOf(*options_.attachment));
     }
 
     std::unique_ptr<FormFactory> druckwerk() {
@@ -136,6 +162,15 @@ class ReportRun {
         settings.progress = [this](const druckwerk::Progress& progress) { console_.progress(progress); };
         settings.cancelled = &cancelled();
         settings.printDate = options_.printDate;
+        if (options_.attachment)
+            settings.attachment = [this] {
+                return druckwerk::Attachment{attachmentFile(), druckwerk::mimeTypeOf(*options_.attachment),
+                                             "Datensätze der Liste " + std::string(request_.report->title)};
+            };
+        settings.level = options_.level;
+        settings.period = periodText(request_.ranges);
+        settings.selection = "Firma " + std::to_string(std::llround(request_.company)) + " · " +
+                             selectionText(*request_.report, request_.ranges);
         settings.locale = options_.locale;
         return std::make_unique<druckwerk::DruckwerkFormFactory>(std::move(settings));
     }
@@ -273,6 +308,9 @@ class ReportRun {
     std::filesystem::path folder_;
     DataSource source_;
     basLL80 jobs_;
+    std::optional<TemporaryFolder> attachmentFolder_;
+    std::unique_ptr<FormFactory> data_;
+    std::unique_ptr<FormFactory> pages_;
     std::unique_ptr<FormFactory> engine_;
     std::unique_ptr<AtomicFile> record_;
     std::unique_ptr<AtomicFile> finished_; ///< a complete file that waits for its place

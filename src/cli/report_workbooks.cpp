@@ -362,20 +362,6 @@ constexpr std::array kWorkbooks{
 using catalog::Selection;
 
 /// "Jahr 2024", "Jahre 2019–2021", "Jahre ab 2019".
-std::string rangeText(const catalog::Selections& ranges, const catalog::Axis& axis) {
-    const auto bound = [&](Selection selection) {
-        const auto found = ranges.find(selection);
-        return found == ranges.end() ? std::string() : std::to_string(found->second);
-    };
-    const auto from = bound(axis.from);
-    const auto to = bound(axis.to);
-    if (from == to)
-        return from.empty() ? "alle " + std::string(axis.many) : std::string(axis.one) + " " + from;
-    return std::string(axis.many) + (from.empty() ? " bis " + to
-                                     : to.empty() ? " ab " + from
-                                                  : " " + from + "–" + to);
-}
-
 } // namespace
 
 WorkbookPlan workbookOf(const catalog::ReportEntry& report) {
@@ -383,25 +369,6 @@ WorkbookPlan workbookOf(const catalog::ReportEntry& report) {
         return personnel;
     const auto* found = std::ranges::find(kWorkbooks, report.listName, &NamedPlan::listName);
     return found == kWorkbooks.end() ? WorkbookPlan() : found->plan;
-}
-
-std::string selectionText(const catalog::ReportEntry& report, const catalog::Selections& ranges) {
-    constexpr catalog::Axis kMonths{catalog::Axis::Takes::Range,
-                                    Selection::MonthFrom,
-                                    Selection::MonthTo,
-                                    Selection::MonthFrom,
-                                    Selection::MonthTo,
-                                    "Monat",
-                                    "Monate"};
-    std::string text;
-    const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : " · ") + part; };
-    for (const auto& axis : report.axes)
-        add(rangeText(ranges, axis));
-    if (const auto month = ranges.find(Selection::Month); month != ranges.end())
-        add("Monat " + std::to_string(month->second));
-    if (ranges.contains(Selection::MonthFrom) || ranges.contains(Selection::MonthTo))
-        add(rangeText(ranges, kMonths));
-    return text.empty() ? std::string(report.isFedByValues() ? "aus einer Wertedatei" : "ohne Auswahl") : text;
 }
 
 } // namespace kvtdruck::cli

@@ -5,11 +5,14 @@
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
+#include "druckwerk/open_document.h"
 #include "druckwerk/page/print_job.h"
 #include "druckwerk/text/installed_fonts.h"
 #include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
 
+#include <array>
+#include <cstdio>
 #include <new>
 #include <set>
 
@@ -42,35 +45,6 @@ std::filesystem::path layoutFile(const std::filesystem::path& objectName) {
 }
 
 } // namespace
-
-class OpenDocument {
-  public:
-    bool isOpen() const { return pdf_.has_value(); }
-    PdfDocument& pdf() { return *pdf_; }
-    /// Whether it goes to a printer: then it lies in a temporary folder.
-    bool isForPrinter() const { return folder_ != nullptr; }
-    const std::filesystem::path& file() const { return file_; }
-    const DocumentInfo& info() const { return info_; }
-
-    void open(const std::filesystem::path& file, std::unique_ptr<TemporaryFolder> folder, DocumentInfo info,
-              const FontLibrary::Warn& warn) {
-        drop();
-        folder_ = std::move(folder);
-        file_ = file;
-        info_ = std::move(info);
-        pdf_.emplace(file_, warn);
-    }
-    void drop() {
-        pdf_.reset();
-        folder_.reset();
-    }
-
-  private:
-    std::unique_ptr<TemporaryFolder> folder_;
-    std::filesystem::path file_;
-    DocumentInfo info_;
-    std::optional<PdfDocument> pdf_;
-};
 
 /// The state behind the control: definitions, and the print job where there is one.
 class Druckwerk::Engine {
@@ -147,6 +121,7 @@ class Druckwerk::Engine {
     bool moreFollows() const { return options_->place != nullptr && options_->place->more; }
     std::int32_t design(std::span<const Argument> arguments);
     std::int32_t deletePreview(std::span<const Argument> arguments) const;
+    String heading() const;
     DocumentInfo documentInfo() const;
 
     std::shared_ptr<const Options> options_;
@@ -309,7 +284,8 @@ void Druckwerk::Engine::openDocument() {
     }
     // The document may outlive this engine.
     const auto warned = std::make_shared<std::set<std::string>>();
-    document_->open(file, std::move(folder), documentInfo(),
+    const PdfLevel level = folder ? PdfLevel::Plain : options_->level;
+    document_->open(file, std::move(folder), level, documentInfo(),
                     [options = options_, warned](const std::string& message) {
                         if (warned->insert(message).second && options->warn)
                             options->warn(message);
@@ -337,10 +313,28 @@ void Druckwerk::Engine::dropJob() {
     job_.reset();
 }
 
-DocumentInfo Druckwerk::Engine::documentInfo() const {
+String Druckwerk::Engine::heading() const {
     const StringView heading = definitions_.textOf(u"Ueberschrift");
-    return {heading.empty() ? fromUtf8(job_->listName) : String(heading), String(definitions_.textOf(u"FnrName1")),
-            fromUtf8(options_->creator), options_->printDate};
+    return heading.empty() ? fromUtf8(job_->listName) : String(heading);
+}
+
+DocumentInfo Druckwerk::Engine::documentInfo() const {
+    const String company(definitions_.textOf(u"FnrName1"));
+    const String period = fromUtf8(options_->period);
+    const String selection = fromUtf8(options_->selection);
+    const PrintDate& date = options_->printDate;
+    std::array<char, 48> printed{};
+    std::snprintf(printed.data(), printed.size(), "gedruckt am %02d.%02d.%04d um %02d:%02d", date.day, date.month,
+                  date.year, date.hour, date.minute);
+    DocumentInfo info;
+    info.title = heading() + (period.empty() ? u"" : u" " + period) + (company.empty() ? u"" : u" – " + company);
+    info.author = company;
+    info.subject = (selection.empty() ? u"" : selection + u"; ") + fromUtf8(printed.data());
+    info.creator = fromUtf8(options_->creator);
+    const String list = fromUtf8(job_->listName);
+    info.keywords = {heading(), list == heading() ? u"" : list, company, period};
+    info.date = date;
+    return info;
 }
 
 void Druckwerk::Engine::commit(AtomicFile& file) {
@@ -354,7 +348,7 @@ void Druckwerk::Engine::commit(AtomicFile& file) {
 std::int32_t Druckwerk::Engine::endJob() {
     if (!job_->print)
         turnPage();
-    job_->print->finish();
+    job_->print->finish(heading());
     const bool preview = job_->preview;
     job_.reset();
     return moreFollows() ? kEngineSuccess : finishDocument(preview);
@@ -362,7 +356,10 @@ std::int32_t Druckwerk::Engine::endJob() {
 
 /// A preview and what goes to a printer are needed at once; any other file is its taker's.
 std::int32_t Druckwerk::Engine::finishDocument(bool preview) {
-    auto file = document_->pdf().finish(document_->info());
+    std::optional<Attachment> attachment;
+    if (options_->attachment && !document_->isForPrinter())
+        attachment = options_->attachment();
+    auto file = document_->pdf().finish(document_->info(), attachment ? &*attachment : nullptr);
     if (options_->finished && !preview && !document_->isForPrinter())
         options_->finished(std::move(file));
     else

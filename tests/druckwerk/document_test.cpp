@@ -181,7 +181,7 @@ TEST_F(DocumentTest, WithoutAFileTheDocumentIsDelivered) {
     std::filesystem::path delivered;
     report.options.deliver = [&](const Document& document, std::string&) {
         delivered = document.file;
-        EXPECT_EQ(document.title, "Übersicht (2010)");
+        EXPECT_EQ(document.title, "Übersicht (2010) – Müller & Söhne");
         EXPECT_EQ(document.pages, 2);
         check(document.file);
         return 0;

@@ -1,8 +1,10 @@
 // The surroundings that an engine is given: where its output goes and whom it asks and tells.
 #pragma once
 
+#include "druckwerk/common/attachment.h"
 #include "druckwerk/common/definition.h"
 #include "druckwerk/common/engine_codes.h"
+#include "druckwerk/common/pdf_level.h"
 #include "druckwerk/common/print_date.h"
 #include "platform/posix/atomic_file.h"
 #include "values/locale.h"
@@ -66,6 +68,8 @@ struct Options {
     FinishedSink finished;
     /// Hands a finished document to a printer; answers 0 or an engine code, having put its message into `message`.
     std::function<std::int32_t(const Document& document, std::string& message)> deliver;
+    /// The file that a finished document carries along; asked for when its last job has ended.
+    std::function<Attachment()> attachment;
     /// Lets the user choose printer or file before a job; answers 0, -99 or an engine code.
     std::function<std::int32_t(OptionsRequest& request, std::string& message)> optionsDialog;
     /// Opens the designer and waits for its end; answers 0 or an engine code.
@@ -81,6 +85,12 @@ struct Options {
     /// document of its own.
     const JobPlace* place = nullptr;
     PrintDate printDate;
+    /// What a file is to conform to; what goes to a printer is plain.
+    PdfLevel level = PdfLevel::Archive;
+    /// What tells this document from others of its list, for its title, such as "2024"; may be empty.
+    std::string period;
+    /// What was selected, for whoever searches an archive, such as "Jahr 2024, Konto von 4100"; may be empty.
+    std::string selection;
     /// The notation in which the report hands over numbers and dates, and in which they are printed.
     Locale locale = germanLocale();
     std::string creator = "KVTDruck";

@@ -221,6 +221,16 @@ class DataExportForm final : public Form {
 
 } // namespace
 
+std::string endingOf(DataFormat format) {
+    return format == DataFormat::Csv ? ".csv" : format == DataFormat::Xlsx ? ".xlsx" : ".json";
+}
+
+std::string mimeTypeOf(DataFormat format) {
+    return format == DataFormat::Csv    ? "text/csv"
+           : format == DataFormat::Xlsx ? "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet"
+                                        : "application/json";
+}
+
 DataExportFormFactory::DataExportFormFactory(DataExportOptions options)
     : options_(std::make_shared<const DataExportOptions>(std::move(options))), file_(std::make_shared<DataFile>()) {
 }

@@ -24,6 +24,10 @@ struct WorkbookContent {
     std::string selection; ///< what was selected, as a text
 };
 
+/// The ending of such a file, with its dot.
+std::string endingOf(DataFormat format);
+std::string mimeTypeOf(DataFormat format);
+
 struct DataExportOptions {
     DataFormat format = DataFormat::Csv;
     WorkbookContent workbook;

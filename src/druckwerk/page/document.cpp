@@ -1,16 +1,12 @@
 #include "druckwerk/page/document.h"
 
+#include "druckwerk/pdf/color_profile.h"
+#include "druckwerk/pdf/embedded_file.h"
 #include "druckwerk/pdf/pdf_syntax.h"
 
 namespace kvtdruck::druckwerk {
 
 namespace {
-
-constexpr std::size_t kMaximumBookmarks = 20000;
-
-std::string reference(int object) {
-    return std::to_string(object) + " 0 R";
-}
 
 std::string mediaBox(double width, double height) {
     std::string entry = "/MediaBox[0 0 ";
@@ -20,17 +16,10 @@ std::string mediaBox(double width, double height) {
     return entry + "]";
 }
 
-std::string pdfDate(const PrintDate& date) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "(D:%04d%02d%02d%02d%02d%02d)", date.year, date.month, date.day,
-                  date.hour, date.minute, date.second);
-    return text.data();
-}
-
 } // namespace
 
-PdfDocument::PdfDocument(const std::filesystem::path& file, FontLibrary::Warn warn)
-    : output_(file), fonts_(output_, warn), warn_(std::move(warn)), root_(output_.allocate()),
+PdfDocument::PdfDocument(const std::filesystem::path& file, PdfLevel level, FontLibrary::Warn warn)
+    : level_(level), output_(file), fonts_(output_, warn), warn_(std::move(warn)), root_(output_.allocate()),
       resources_(output_.allocate()) {}
 
 void PdfDocument::setPageSize(double width, double height) {
@@ -57,6 +46,20 @@ void PdfDocument::beginPage() {
     if (++pages_ == 2) // one page alone is done before a thread would have begun
         output_.workBeside();
     page_ = output_.allocate();
+    links_.clear();
+}
+
+/// A border would be drawn; archives print what is no popup (ISO 19005-3, 6.3.2).
+void PdfDocument::link(const Box& box, const std::string& uri) {
+    std::string body = "<</Type/Annot/Subtype/Link/Border[0 0 0]/F 4/Rect[";
+    for (const double value : {box.x, canvas_.height() - box.bottom(), box.right(), canvas_.height() - box.y}) {
+        appendNumber(body, value);
+        body += ' ';
+    }
+    const int object = output_.allocate();
+    output_.writeObject(object, body + "]/Contents" + hexadecimalString(uri) + "/A<</S/URI/URI" +
+                                    hexadecimalString(uri) + ">>>>");
+    links_ += reference(object) + " ";
 }
 
 int PdfDocument::lateObject(const LateText& late) {
@@ -83,30 +86,26 @@ void PdfDocument::endPage() {
     if (kids_.size() == nodes_.size() * kPagesPerNode)
         nodes_.push_back(output_.allocate());
     output_.writeObject(page_, "<</Type/Page/Parent " + reference(nodes_[kids_.size() / kPagesPerNode]) +
-                                   (size_ == firstSize_ ? "" : mediaBox(size_.width, size_.height)) + "/Contents[" +
-                                   contents + "]>>");
+                                   (size_ == firstSize_ ? "" : mediaBox(size_.width, size_.height)) +
+                                   "/Resources " + reference(resources_) + "/Contents[" + contents + "]" +
+                                   (links_.empty() ? "" : "/Annots[" + links_ + "]") + ">>");
     kids_.push_back(page_);
 }
 
 void PdfDocument::dropSince(const Mark& mark) {
     pages_ = static_cast<int>(mark.pages);
     kids_.resize(mark.pages);
-    bookmarks_.resize(mark.bookmarks);
-    bookmarkPath_.clear();
+    bookmarks_.shrink(mark.bookmarks);
 }
 
 void PdfDocument::bookmark(const std::vector<String>& path, double y) {
-    if (path == bookmarkPath_)
-        return;
-    std::size_t level = 0;
-    while (level < path.size() && level < bookmarkPath_.size() && path[level] == bookmarkPath_[level])
-        ++level;
-    for (; level < path.size(); ++level) {
-        if (bookmarks_.size() == kMaximumBookmarks)
-            return warn_("Mehr als " + std::to_string(kMaximumBookmarks) + " Lesezeichen; die weiteren fehlen");
-        bookmarks_.push_back({level, path[level], page_, canvas_.height() - y});
-    }
-    bookmarkPath_ = path;
+    if (!bookmarks_.add(path, page_, canvas_.height() - y))
+        warn_("Mehr als " + std::to_string(bookmarks_.size()) + " Lesezeichen; die weiteren fehlen");
+}
+
+void PdfDocument::bookmarkSince(const Mark& mark, const std::vector<String>& path) {
+    if (mark.bookmarks == bookmarks_.size() && mark.pages < kids_.size())
+        bookmarks_.add(path, kids_[mark.pages], canvas_.height());
 }
 
 void PdfDocument::writeLateTexts() {
@@ -128,8 +127,8 @@ void PdfDocument::writeLateTexts() {
 }
 
 void PdfDocument::writePageTree() {
-    std::string root = "<</Type/Pages" + mediaBox(firstSize_.width, firstSize_.height) + "/Resources " +
-                       reference(resources_) + "/Count " + std::to_string(kids_.size()) + "/Kids[";
+    std::string root = "<</Type/Pages" + mediaBox(firstSize_.width, firstSize_.height) + "/Count " +
+                       std::to_string(kids_.size()) + "/Kids[";
     for (std::size_t first = 0; first < kids_.size(); first += kPagesPerNode) {
         const std::size_t count = std::min(kPagesPerNode, kids_.size() - first);
         const int node = nodes_[first / kPagesPerNode];
@@ -155,76 +154,50 @@ void PdfDocument::writeResources() {
                                         ">>/ExtGState<<" + states + ">>>>");
 }
 
-/// Writes the outline; gives its object, or 0 where there is none.
-int PdfDocument::writeOutline() {
-    if (bookmarks_.empty())
-        return 0;
-    std::vector<int> objects(bookmarks_.size() + 1); // the last one is the outline itself
-    for (int& object : objects)
-        object = output_.allocate();
-    const auto links = linkBookmarks(objects);
-    for (std::size_t i = 0; i < bookmarks_.size(); ++i) {
-        const Bookmark& bookmark = bookmarks_[i];
-        std::string body = links[i].entries() + "/Title " + pdfText(bookmark.text) + "/Dest[" +
-                           reference(bookmark.page) + "/XYZ null ";
-        appendNumber(body, bookmark.y);
-        output_.writeObject(objects[i], "<<" + body + " null]>>");
+/// What an archive asks of the catalog: the metadata, and what the colours look like (ISO 19005-3, 6.6.2
+/// and 6.2.3).
+std::string PdfDocument::writeArchiveEntries(const DocumentInfo& info) {
+    if (level_ == PdfLevel::Plain)
+        return {};
+    const int metadata = output_.allocate();
+    output_.writeRawStream(metadata, "/Type/Metadata/Subtype/XML", xmpPacket(info, level_));
+    const int profile = output_.allocate();
+    output_.writeStream(profile, "/N 3", srgbProfile());
+    return "/Metadata " + reference(metadata) +
+           "/OutputIntents[<</Type/OutputIntent/S/GTS_PDFA1/OutputConditionIdentifier(sRGB IEC61966-2.1)"
+           "/RegistryName(http://www.color.org)/Info(sRGB IEC61966-2.1)/DestOutputProfile " +
+           reference(profile) + ">>]";
+}
+
+/// What leads from the catalog to places and to data: outline, named destinations, the attachment.
+std::string PdfDocument::writeNavigation(const DocumentInfo& info, const Attachment* attachment) {
+    std::string entries;
+    std::string names;
+    if (bookmarks_.size() > 0) {
+        entries += "/PageMode/UseOutlines/Outlines " + reference(bookmarks_.write(output_));
+        names += "/Dests " + reference(bookmarks_.writeNames(output_));
     }
-    output_.writeObject(objects.back(), "<<" + links.back().entries() + "/Type/Outlines>>");
-    return objects.back();
-}
-
-/// The links of each bookmark, and behind them those of the outline itself.
-std::vector<PdfDocument::Links> PdfDocument::linkBookmarks(const std::vector<int>& objects) const {
-    const std::size_t outline = bookmarks_.size();
-    std::vector<Links> links(outline + 1);
-    std::vector<std::size_t> lastChild(outline + 1);
-    std::vector<std::size_t> ancestors = {outline};
-    for (std::size_t i = 0; i < outline; ++i) {
-        ancestors.resize(bookmarks_[i].level + 1);
-        const std::size_t parent = ancestors.back();
-        links[i].parent = objects[parent];
-        links[i].previous = links[parent].last;
-        (links[parent].last == 0 ? links[parent].first : links[lastChild[parent]].next) = objects[i];
-        links[parent].last = objects[i];
-        lastChild[parent] = i;
-        --links[parent].count; // below the first level entries begin closed
-        ancestors.push_back(i);
+    if (attachment != nullptr) {
+        const std::string file = reference(writeEmbeddedFile(output_, *attachment, info.date));
+        const String name = fromUtf8(attachment->file.filename().string());
+        entries += "/AF[" + file + "]";
+        names += "/EmbeddedFiles<</Names[" + pdfText(name) + file + "]>>";
     }
-    links.back().count = -links.back().count;
-    return links;
+    return names.empty() ? entries : entries + "/Names<<" + names + ">>";
 }
 
-std::string PdfDocument::Links::entries() const {
-    std::string text;
-    const auto link = [&](const char* name, int object) {
-        if (object != 0)
-            text += std::string(name) + " " + reference(object);
-    };
-    link("/Parent", parent);
-    link("/Prev", previous);
-    link("/Next", next);
-    link("/First", first);
-    link("/Last", last);
-    return count == 0 ? text : text + "/Count " + std::to_string(count);
-}
-
-std::unique_ptr<AtomicFile> PdfDocument::finish(const DocumentInfo& info) {
+std::unique_ptr<AtomicFile> PdfDocument::finish(const DocumentInfo& info, const Attachment* attachment) {
     writeLateTexts();
     writePageTree();
     writeResources();
-    const int outline = writeOutline();
+    const std::string navigation = writeNavigation(info, attachment);
+    const std::string archive = writeArchiveEntries(info);
     const int catalog = output_.allocate();
-    const int infoObject = output_.allocate();
     output_.writeObject(catalog, "<</Type/Catalog/Pages " + reference(root_) +
-                                     "/Lang(de-DE)/ViewerPreferences<<"
-                                     "/DisplayDocTitle true>>" +
-                                     (outline == 0 ? "" : "/PageMode/UseOutlines/Outlines " + reference(outline)) +
-                                     ">>");
-    output_.writeObject(infoObject, "<</Title " + pdfText(info.title) + "/Author " + pdfText(info.author) +
-                                        "/Creator " + pdfText(info.creator) + "/Producer " + pdfText(info.creator) +
-                                        "/CreationDate" + pdfDate(info.date) + "/ModDate" + pdfDate(info.date) +
-                                        ">>");
+                                     "/Lang(de-DE)/ViewerPreferences<</DisplayDocTitle true>>" + navigation +
+                                     archive + ">>");
+    const int infoObject = output_.allocate();
+    output_.writeObject(infoObject, infoDictionary(info));
     return output_.finish(catalog, infoObject);
 }
 

@@ -1,8 +1,11 @@
 // The document that is being printed: its pages, fonts, bookmarks. Pages are written as they close.
 #pragma once
 
-#include "druckwerk/common/print_date.h"
+#include "druckwerk/common/attachment.h"
+#include "druckwerk/common/pdf_level.h"
+#include "druckwerk/page/bookmarks.h"
 #include "druckwerk/page/canvas.h"
+#include "druckwerk/pdf/metadata.h"
 #include "druckwerk/pdf/pdf_output.h"
 #include "druckwerk/text/font_library.h"
 
@@ -16,18 +19,17 @@
 
 namespace kvtdruck::druckwerk {
 
-/// What the document says about itself.
-struct DocumentInfo {
-    String title;
-    String author;
-    String creator;
-    PrintDate date;
-};
-
 /// A PDF document.
 class PdfDocument {
   public:
-    PdfDocument(const std::filesystem::path& file, FontLibrary::Warn warn);
+    /// A state of the document between two pages.
+    struct Mark {
+        std::size_t pages;
+        std::size_t bookmarks;
+        bool operator==(const Mark&) const = default;
+    };
+
+    PdfDocument(const std::filesystem::path& file, PdfLevel level, FontLibrary::Warn warn);
 
     PdfOutput& output() { return output_; }
     FontLibrary& fonts() { return fonts_; }
@@ -40,6 +42,10 @@ class PdfDocument {
     void endPage();
     /// An entry of the outline at height `y` of the page in hand, below the entries of the levels before its own.
     void bookmark(const std::vector<String>& path, double y);
+    /// Gives the pages since `mark` an entry, where they have none.
+    void bookmarkSince(const Mark& mark, const std::vector<String>& path);
+    /// Makes `box` of the page in hand lead to `uri`, which is ASCII.
+    void link(const Box& box, const std::string& uri);
     /// The resource "/O<fill>_<stroke>" (opacities in thousandths).
     void useOpacity(int fill, int stroke) { opacities_.insert({fill, stroke}); }
     /// Makes the form objects `objects` of `source` the resources "/X<number>" and those after it; gives that
@@ -51,18 +57,12 @@ class PdfDocument {
     /// Lets the number of pages be set in `face`.
     void useFace(Face& face) { faces_[face.number()] = &face; }
 
-    /// A state of the document between two pages.
-    struct Mark {
-        std::size_t pages;
-        std::size_t bookmarks;
-        bool operator==(const Mark&) const = default;
-    };
     Mark mark() const { return {kids_.size(), bookmarks_.size()}; }
     /// Takes out every page and bookmark since `mark`.
     void dropSince(const Mark& mark);
 
-    /// Gives the file, which is complete and not yet in its place.
-    std::unique_ptr<AtomicFile> finish(const DocumentInfo& info);
+    /// Gives the file, which is complete and not yet in its place. `attachment` is the data behind it, if any.
+    std::unique_ptr<AtomicFile> finish(const DocumentInfo& info, const Attachment* attachment = nullptr);
 
   private:
     struct Size {
@@ -70,26 +70,15 @@ class PdfDocument {
         double height = 0;
         bool operator==(const Size&) const = default;
     };
-    struct Bookmark {
-        std::size_t level;
-        String text;
-        int page;
-        double y; ///< above the page's lower edge
-    };
-    /// Where an entry stands in the outline: the objects around it, 0 where there is none.
-    struct Links {
-        int parent = 0, previous = 0, next = 0, first = 0, last = 0;
-        int count = 0; ///< of the entries below, negative where they begin closed
-        std::string entries() const;
-    };
     static constexpr std::size_t kPagesPerNode = 64;
     int lateObject(const LateText& late);
     void writeLateTexts();
     void writePageTree();
     void writeResources();
-    int writeOutline();
-    std::vector<Links> linkBookmarks(const std::vector<int>& objects) const;
+    std::string writeNavigation(const DocumentInfo& info, const Attachment* attachment);
+    std::string writeArchiveEntries(const DocumentInfo& info);
 
+    PdfLevel level_;
     PdfOutput output_;
     FontLibrary fonts_;
     Canvas canvas_;
@@ -100,6 +89,7 @@ class PdfDocument {
     int root_;
     int resources_;
     int page_ = 0;
+    std::string links_; ///< of the page in hand: references to their objects
     std::vector<int> kids_;
     std::vector<int> nodes_; ///< of the page tree, each of `kPagesPerNode` pages
     std::map<LateText, int> late_;
@@ -107,8 +97,7 @@ class PdfDocument {
     std::set<std::pair<int, int>> opacities_;
     std::vector<int> forms_;
     std::map<std::string, int> sources_; ///< the first form of each source
-    std::vector<Bookmark> bookmarks_;
-    std::vector<String> bookmarkPath_;
+    Bookmarks bookmarks_;
 };
 
 } // namespace kvtdruck::druckwerk

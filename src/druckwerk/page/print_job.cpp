@@ -243,9 +243,10 @@ void PrintJob::closeTable() {
     flow(*layout_.sum, Moment::Printed, growth);
 }
 
-void PrintJob::finish() {
+void PrintJob::finish(const String& heading) {
     if (pageOpen_)
         closePage();
+    document_.bookmarkSince(begin_, {heading});
     finished_ = true;
 }
 

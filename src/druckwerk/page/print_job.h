@@ -26,8 +26,9 @@ class PrintJob {
     bool printLine();
     /// Prints what closes the table, on a new page where it has to.
     void closeTable();
-    /// Closes the page in hand: the job's pages stay.
-    void finish();
+    /// Closes the page in hand: the job's pages stay. Where the layout has put nothing into the outline, `heading`
+    /// is their entry.
+    void finish(const String& heading);
 
     bool hasPage() const { return pageOpen_; }
     int pages() const { return document_.pages(); }

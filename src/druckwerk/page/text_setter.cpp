@@ -1,6 +1,9 @@
 #include "druckwerk/page/text_setter.h"
 
+#include "druckwerk/page/addresses.h"
 #include "values/code_points.h"
+
+#include <algorithm>
 
 namespace kvtdruck::druckwerk {
 
@@ -45,8 +48,25 @@ void TextSetter::line(StringView text, Face& face, Point at, double size, Rgb co
     document_.canvas().show(shaped_, at, size, color);
 }
 
-void TextSetter::showLine(const TextItem& item, StringView text, Point at, double size) {
-    line(text, faceOf(item), at, size, item.color, item.anchor);
+void TextSetter::showLine(const TextItem& item, StringView whole, StringView text, Point at, double size) {
+    document_.fonts().shape(text, faceOf(item), shaped_);
+    at.x -= shaped_.width * size * shareLeft(item.anchor);
+    document_.canvas().show(shaped_, at, size, item.color);
+    link(item, whole, text, at, size);
+}
+
+void TextSetter::link(const TextItem& item, StringView whole, StringView text, Point at, double size) {
+    if (item.text.isLoneNumber() || item.turned)
+        return;
+    for (const Address& address : addressesIn(text)) {
+        const auto complete = addressesIn(whole);
+        if (std::ranges::find(complete, address.uri, &Address::uri) == complete.end())
+            continue;
+        const double left = width(text.substr(0, address.begin), faceOf(item), size);
+        const double right = width(text.substr(0, address.end), faceOf(item), size);
+        document_.link({at.x + left, at.y - kAscent * size, right - left, (kAscent + kDescent) * size},
+                       address.uri);
+    }
 }
 
 void TextSetter::showPageCount(const TextItem& item, StringView text, Point at) {
@@ -71,36 +91,38 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
         Matrix matrix = *item.turned;
         matrix.f += down;
         document_.canvas().beginTransform(matrix);
-        showLine(item, text, {}, item.size);
+        showLine(item, text, text, {}, item.size);
         document_.canvas().endTransform();
         return;
     }
     if (item.text.hasPageCount() && text.find(kPageCountMark) != StringView::npos)
         return showPageCount(item, text, at);
     if (!item.box)
-        return showLine(item, text, at, item.size);
+        return showLine(item, text, text, at, item.size);
     const double room = roomOf(item);
     if (item.fit == Fit::Wrap)
         return wrap(item, text, at, room, growth);
     document_.fonts().shape(text, faceOf(item), shaped_);
     const double width = shaped_.width * item.size;
-    if (width <= room + kTolerance)
-        document_.canvas().show(shaped_, {at.x - width * shareLeft(item.anchor), at.y}, item.size, item.color);
-    else if (item.fit == Fit::Shrink || item.text.isLoneNumber())
+    if (width <= room + kTolerance) {
+        const Point left{at.x - width * shareLeft(item.anchor), at.y};
+        document_.canvas().show(shaped_, left, item.size, item.color);
+        link(item, text, text, left, item.size);
+    } else if (item.fit == Fit::Shrink || item.text.isLoneNumber())
         shrink(item, text, at, room);
     else
-        showLine(item, cut(text, faceOf(item), item.size, room), at, item.size);
+        showLine(item, text, cut(text, faceOf(item), item.size, room), at, item.size);
 }
 
 void TextSetter::shrink(const TextItem& item, StringView text, Point at, double room) {
     const double size = item.size * room / width(text, faceOf(item), item.size);
     if (size >= item.size * kSmallest)
-        return showLine(item, text, at, size);
+        return showLine(item, text, text, at, size);
     const double smallest = item.size * kSmallest;
     if (!item.text.isLoneNumber())
-        return showLine(item, cut(text, faceOf(item), smallest, room), at, smallest);
+        return showLine(item, text, cut(text, faceOf(item), smallest, room), at, smallest);
     warn_("Zahl passt nicht in das Feld „" + item.description + "“");
-    showLine(item, cut(u"####", faceOf(item), smallest, room), at, smallest);
+    showLine(item, text, cut(u"####", faceOf(item), smallest, room), at, smallest);
 }
 
 /// How many characters of `text` fit, with `end` behind them.
@@ -185,7 +207,7 @@ void TextSetter::wrap(const TextItem& item, StringView text, Point at, double ro
     if (item.fromBottom && !shownLines.empty())
         at.y -= static_cast<double>(shownLines.size() - 1) * item.size * kLineSpacing;
     for (const String& shown : shownLines) {
-        showLine(item, shown, at, item.size);
+        showLine(item, text, shown, at, item.size);
         at.y += item.size * kLineSpacing;
     }
 }

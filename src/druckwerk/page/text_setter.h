@@ -29,7 +29,11 @@ class TextSetter {
     std::vector<String> lines(StringView text, Face& face, double size, double room, std::size_t most);
 
   private:
-    void showLine(const TextItem& item, StringView text, Point at, double size);
+    /// Sets a line of `whole`, the text of `item`, of which it may be a part.
+    void showLine(const TextItem& item, StringView whole, StringView text, Point at, double size);
+    /// Makes the addresses of a line links; `at` is the left end of its baseline. An address that is shown in part
+    /// is none.
+    void link(const TextItem& item, StringView whole, StringView text, Point at, double size);
     void showPageCount(const TextItem& item, StringView text, Point at);
     void shrink(const TextItem& item, StringView text, Point at, double room);
     void wrap(const TextItem& item, StringView text, Point at, double room, double growth);

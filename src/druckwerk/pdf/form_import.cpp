@@ -45,14 +45,15 @@ class ObjectCopier {
         if (object.isDictionary()) {
             std::string out = "<<";
             for (const auto& [key, value] : object.ditems())
-                out += key + " " + valueOf(value) + " ";
+                if (key != "/Interpolate") // archives forbid it: readers do it each in a way of its own
+                    out += key + " " + valueOf(value) + " ";
             return out + ">>";
         }
         return object.unparseResolved();
     }
 
     std::string valueOf(const QPDFObjectHandle& object) {
-        return object.isIndirect() ? std::to_string(copy(object)) + " 0 R" : syntaxOf(object);
+        return object.isIndirect() ? reference(copy(object)) : syntaxOf(object);
     }
 
     PdfOutput& output_;

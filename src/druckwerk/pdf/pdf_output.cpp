@@ -17,6 +17,10 @@ constexpr int kCompressionLevel = 1; // level 6 makes the files a tenth smaller 
 
 } // namespace
 
+std::string reference(int number) {
+    return std::to_string(number) + " 0 R";
+}
+
 PdfOutput::PdfOutput(std::filesystem::path file) : name_(std::move(file)) {
     try {
         file_ = std::make_unique<AtomicFile>(name_);
@@ -139,9 +143,9 @@ std::unique_ptr<AtomicFile> PdfOutput::finish(int catalog, int info) {
     const unsigned long long first = hash_;
     const unsigned long long second = hash_ * 0xBF58476D1CE4E5B9U + offsets_.size();
     std::snprintf(id.data(), id.size(), "%016llx%016llx", first, second);
-    write("trailer\n<</Size " + std::to_string(offsets_.size() + 1) + "/Root " + std::to_string(catalog) +
-          " 0 R/Info " + std::to_string(info) + " 0 R/ID[<" + id.data() + "><" + id.data() + ">]>>\nstartxref\n" +
-          std::to_string(start) + "\n%%EOF\n");
+    write("trailer\n<</Size " + std::to_string(offsets_.size() + 1) + "/Root " + reference(catalog) + "/Info " +
+          reference(info) + "/ID[<" + id.data() + "><" + id.data() + ">]>>\nstartxref\n" + std::to_string(start) +
+          "\n%%EOF\n");
     flush();
     return std::move(file_);
 }

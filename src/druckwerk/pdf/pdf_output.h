@@ -15,6 +15,9 @@ struct libdeflate_compressor;
 
 namespace kvtdruck::druckwerk {
 
+/// How an object refers to the object `number`.
+std::string reference(int number);
+
 /// Raises a Fault where the file can't be written.
 class PdfOutput {
   public:

@@ -10,6 +10,7 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
+constexpr char kDigits[] = "0123456789ABCDEF";
 constexpr double kMaximumNumber = 1e9; // beyond it, and for NaN, there is nothing to be seen on a page
 constexpr std::int64_t kMaximumHundredths = 100'000'000'000;
 constexpr std::size_t kNumberRoom = 16;
@@ -57,11 +58,19 @@ void appendHundredths(std::string& out, std::int64_t x, std::int64_t y) {
 }
 
 std::string pdfText(std::u16string_view text) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string out = "<FEFF";
     for (const char16_t c : text)
         for (int shift = 12; shift >= 0; shift -= 4)
             out += kDigits[(c >> shift) & 15];
+    return out + ">";
+}
+
+std::string hexadecimalString(std::string_view bytes) {
+    std::string out = "<";
+    for (const char c : bytes) {
+        out += kDigits[static_cast<unsigned char>(c) >> 4];
+        out += kDigits[c & 15];
+    }
     return out + ">";
 }
 

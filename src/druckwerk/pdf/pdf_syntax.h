@@ -15,6 +15,8 @@ void appendNumber(std::string& out, double value);
 void appendHundredths(std::string& out, std::int64_t x, std::int64_t y);
 /// A PDF text string (UTF-16 in hexadecimal) of UTF-16 `text`.
 std::string pdfText(std::u16string_view text);
+/// `bytes` as a PDF string in hexadecimal.
+std::string hexadecimalString(std::string_view bytes);
 /// A colour as operands of a colour operator.
 void appendColor(std::string& out, Rgb color);
 

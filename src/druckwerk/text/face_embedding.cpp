@@ -17,6 +17,17 @@ using Blob = std::unique_ptr<hb_blob_t, Deleter<hb_blob_destroy>>;
 using SubsetInput = std::unique_ptr<hb_subset_input_t, Deleter<hb_subset_input_destroy>>;
 using SubsetPlan = std::unique_ptr<hb_subset_plan_t, Deleter<hb_subset_plan_destroy>>;
 
+/// What the code of `text` is mapped to. Archives want something for each code, and not what marks the order of
+/// bytes or is no character (ISO 19005-3, 6.2.11.7.2). A glyph whose text stands with the glyph before it joins
+/// that one.
+String mapped(StringView text) {
+    constexpr char16_t kWordJoiner = 0x2060;
+    String out(text);
+    for (char16_t& c : out)
+        c = c == 0xFEFF ? kWordJoiner : c >= 0xFFFE ? u'\uFFFD' : c;
+    return out.empty() ? String(1, kWordJoiner) : out;
+}
+
 std::string hexadecimal(StringView text) {
     const std::string withMark = pdfText(text);
     return withMark.substr(5, withMark.size() - 6);
@@ -109,11 +120,11 @@ std::string Face::toUnicode() const {
                       "1 begincodespacerange\n<0000><FFFF>\nendcodespacerange\n";
     constexpr std::size_t kBlock = 100; // the most entries that a block may have
     std::vector<std::string> entries;
-    for (std::size_t i = 0; i < codes_.size(); ++i)
-        if (!codes_[i].text.empty()) {
-            const auto code = static_cast<char16_t>(i + 1);
-            entries.push_back("<" + hexadecimal(StringView(&code, 1)) + "><" + hexadecimal(codes_[i].text) + ">\n");
-        }
+    for (std::size_t i = 0; i < codes_.size(); ++i) {
+        const auto code = static_cast<char16_t>(i + 1);
+        entries.push_back("<" + hexadecimal(StringView(&code, 1)) + "><" + hexadecimal(mapped(codes_[i].text)) +
+                          ">\n");
+    }
     for (std::size_t begin = 0; begin < entries.size(); begin += kBlock) {
         const std::size_t end = std::min(begin + kBlock, entries.size());
         out += std::to_string(end - begin) + " beginbfchar\n";
@@ -143,7 +154,6 @@ void Face::embed(PdfOutput& output, int object) const {
     const int mapObject = output.allocate();
     const int descendant = output.allocate();
     const int unicode = output.allocate();
-    const auto reference = [](int number) { return std::to_string(number) + " 0 R"; };
     output.writeStream(fontFile, "/Length1 " + std::to_string(file.size()), file);
     output.writeObject(descriptorObject, descriptor(name, fontFile));
     output.writeStream(mapObject, "", map);

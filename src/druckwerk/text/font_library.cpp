@@ -107,7 +107,7 @@ std::string FontLibrary::embedFonts() {
         if (face->isUsed()) {
             const int object = output_.allocate();
             face->embed(output_, object);
-            resources += "/F" + std::to_string(face->number()) + " " + std::to_string(object) + " 0 R";
+            resources += "/F" + std::to_string(face->number()) + " " + reference(object);
         }
     return resources;
 }
@@ -115,7 +115,7 @@ std::string FontLibrary::embedFonts() {
 std::string FontLibrary::imageResources() const {
     std::string resources;
     for (std::size_t i = 0; i < images_.size(); ++i)
-        resources += "/I" + std::to_string(i) + " " + std::to_string(images_[i]) + " 0 R";
+        resources += "/I" + std::to_string(i) + " " + reference(images_[i]);
     return resources;
 }
 

@@ -46,8 +46,7 @@ int writeImage(PdfOutput& output, const Pixels& pixels) {
     const std::string extent = "/Type/XObject/Subtype/Image/Width " + std::to_string(pixels.width) + "/Height " +
                                std::to_string(pixels.height) + "/BitsPerComponent 8";
     output.writeStream(mask, extent + "/ColorSpace/DeviceGray", pixels.mask);
-    output.writeStream(image, extent + "/ColorSpace/DeviceRGB/SMask " + std::to_string(mask) + " 0 R",
-                       pixels.colors);
+    output.writeStream(image, extent + "/ColorSpace/DeviceRGB/SMask " + reference(mask), pixels.colors);
     return image;
 }
 

@@ -178,13 +178,23 @@ class ClusterTexts {
     std::set<std::size_t> shown_;
 };
 
+/// The glyph that is drawn where the font lacks a character: the one that fonts have for it is no glyph that a
+/// document may name (ISO 19005-3, 6.2.11.8). 0 where the font has nothing at all.
+hb_codepoint_t standIn(hb_font_t* font) {
+    for (const char32_t c : {U'\uFFFD', U'\u25A1', U'?', U' '})
+        if (hb_codepoint_t glyph = 0; hb_font_get_nominal_glyph(font, c, &glyph) != 0)
+            return glyph;
+    return 0;
+}
+
 /// The picture's text is carried by a blank of the font around it.
 void appendPicture(ShapedRun& run, const GlyphPicture* glyphPicture, Face& base, StringView text) {
     hb_codepoint_t blank = 0;
     hb_font_get_nominal_glyph(base.font(), U' ', &blank);
     run.face = &base;
     run.picture = glyphPicture;
-    appendCode(run.glyphs, base.codeOf(blank, text));
+    if (blank != 0)
+        appendCode(run.glyphs, base.codeOf(blank, text));
 }
 
 void appendGlyph(ShapedRun& run, std::uint32_t glyph, double offset, double advance, StringView text) {
@@ -215,14 +225,18 @@ void shapeRun(FontLibrary& fonts, const std::u32string& text, const TextRun& cha
     ClusterTexts texts(text, characters.end, {glyphs, count});
     ShapedRun* run = nullptr;
     for (unsigned i = 0; i < count; ++i) {
-        const std::uint32_t glyph = glyphs[i].codepoint;
+        const std::uint32_t glyph = glyphs[i].codepoint != 0 ? glyphs[i].codepoint : standIn(face.font());
+        if (glyph == 0)
+            continue;
         const GlyphPicture* glyphPicture = face.hasPictures() ? fonts.picture(face, glyph) : nullptr;
         const double rise = positions[i].y_offset / face.unitsPerEm();
         if (run == nullptr || glyphPicture != nullptr || run->picture != nullptr || run->rise != rise) {
             run = &out.add(face);
             run->rise = rise;
         }
-        const double advance = positions[i].x_advance / face.unitsPerEm();
+        const auto units =
+            glyphs[i].codepoint != 0 ? positions[i].x_advance : hb_font_get_glyph_h_advance(face.font(), glyph);
+        const double advance = units / face.unitsPerEm();
         out.width += advance;
         run->width += advance;
         if (face.hasPictures())

@@ -1,0 +1,13 @@
+// Which demands a PDF file meets.
+#pragma once
+
+#include <cstdint>
+
+namespace kvtdruck::druckwerk {
+
+enum class PdfLevel : std::uint8_t {
+    Plain,   ///< any reader's
+    Archive, ///< PDF/A-3u (ISO 19005-3): to be read, and drawn alike, for decades
+};
+
+} // namespace kvtdruck::druckwerk
