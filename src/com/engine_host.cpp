@@ -4,6 +4,7 @@
 #include "com/control_site.h"
 #include "com/foreign_object.h"
 #include "com/server.h"
+#include "com/threads.h"
 #include "com/variants.h"
 
 #include <ocidl.h>
@@ -24,7 +25,7 @@ constexpr std::size_t kMostArguments = 10;
 class WindowClass {
   public:
     WindowClass() {
-        const Guard guard;
+        const Locked locked(lock_);
         if (users_++ != 0)
             return;
         WNDCLASSW description{};
@@ -36,21 +37,12 @@ class WindowClass {
     WindowClass(const WindowClass&) = delete;
     WindowClass& operator=(const WindowClass&) = delete;
     ~WindowClass() {
-        const Guard guard;
+        const Locked locked(lock_);
         if (--users_ == 0)
             UnregisterClassW(kWindowClass, ownModule());
     }
 
   private:
-    /// The system's own lock, which needs no memory that the unloading of the DLL would leave behind.
-    class Guard {
-      public:
-        Guard() { AcquireSRWLockExclusive(&lock_); }
-        Guard(const Guard&) = delete;
-        Guard& operator=(const Guard&) = delete;
-        ~Guard() { ReleaseSRWLockExclusive(&lock_); }
-    };
-
     static inline SRWLOCK lock_ = SRWLOCK_INIT;
     static inline int users_ = 0;
 };
