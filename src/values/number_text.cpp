@@ -132,6 +132,42 @@ String fixedPointText(std::string units, int scale, bool negative, const Locale&
     return number.digits.empty() ? String(u"0") : plainForm(number, locale);
 }
 
+/// Writes the last `count` digits of `number` before `end`, and gives the first one's place.
+char16_t* writeDigits(char16_t* end, std::uint64_t number, int count) {
+    const auto write = [&](auto& rest) {
+        *--end = static_cast<char16_t>(u'0' + rest % 10);
+        rest /= 10;
+        --count;
+    };
+    while (number > std::numeric_limits<std::uint32_t>::max())
+        write(number);
+    auto rest = static_cast<std::uint32_t>(number); // a 32-bit processor divides by words
+    while (count > 0)
+        write(rest);
+    return end;
+}
+
+/// The text of an amount of ten-thousandths. Most of what is printed comes here, so it is written in one go.
+String amountText(std::int64_t units, const Locale& locale) {
+    constexpr unsigned kWhole = 10'000;
+    const auto bits = static_cast<std::uint64_t>(units);
+    const auto magnitude = units < 0 ? 0 - bits : bits;
+    const auto whole = magnitude / kWhole;
+    int digits = 1;
+    for (std::uint64_t bound = 10; bound <= whole; bound *= 10)
+        ++digits;
+    auto part = static_cast<std::uint32_t>(magnitude - whole * kWhole);
+    int places = part == 0 ? 0 : 4;
+    for (; places > 0 && part % 10 == 0; part /= 10)
+        --places;
+    const auto sign = places == 0 ? StringView() : StringView(locale.decimalSign);
+    String text((units < 0 ? 1 : 0) + static_cast<std::size_t>(digits + places) + sign.size(), u'-');
+    auto* const point = writeDigits(text.data() + text.size(), part, places) - sign.size();
+    sign.copy(point, sign.size());
+    writeDigits(point, whole, digits);
+    return text;
+}
+
 /// The number in ten-thousandths, where it is the one nearest to such an amount: as most numbers are. At most 15
 /// digits tell it from every other, so they are its text.
 std::optional<std::int64_t> tenThousandths(double number) {
@@ -151,7 +187,7 @@ String realText(Real number, const Locale& locale) {
         return u"0";
     if constexpr (std::is_same_v<Real, double>)
         if (const auto units = tenThousandths(number))
-            return fixedPointText(std::to_string(std::abs(*units)), 4, number < 0, locale);
+            return amountText(*units, locale);
     const Digits digits = significantDigits(number, significant);
     const bool fits = digits.point > -4 && digits.point <= significant;
     return fits ? plainForm(digits, locale) : exponentForm(digits, locale);
@@ -185,9 +221,7 @@ String textOf(float number, const Locale& locale) {
 }
 
 String textOf(Currency amount, const Locale& locale) {
-    const auto bits = static_cast<std::uint64_t>(amount.tenThousandths);
-    const bool negative = amount.tenThousandths < 0;
-    return fixedPointText(integerDigits(0, negative ? 0 - bits : bits), 4, negative, locale);
+    return amountText(amount.tenThousandths, locale);
 }
 
 String textOf(const Decimal& number, const Locale& locale) {
