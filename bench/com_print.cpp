@@ -1,5 +1,8 @@
-// com_print DLL DATABASE: what a print through the DLL costs, against a bare loop that makes a hidden window, the
-// control and the readers, and the same calls to them by dispatch id with the same arguments, known beforehand.
+// com_print DLL DATABASE: what a print through the DLL costs, against two loops of the same calls by dispatch id,
+// with the same arguments, known beforehand:
+//   caller   what any caller has to do: makes a hidden window, the control and the readers, a COM string for every
+//            text that is handed over, the calls, and lets go of all
+//   bare     the calls alone: one IDispatch::Invoke each and the clearing of its result; nothing is made
 // Once with control and readers that answer at once, so that nothing but the calls and the component itself is
 // measured, and once with those of the test servers, which must be registered. bench/com makes the database and
 // runs it.
@@ -244,8 +247,28 @@ void print(DruckManager& manager, const Host& host) {
 
 constexpr const wchar_t* kServed[] = {L"ListLabel.ListLabel", L"KVTZUG.clsZugFirmaAllg", L"KVTZUG.clsZugUmsatz"};
 
-/// Makes the calls as any caller must: with a window and objects to call, arguments of its own, and the results let
-/// go.
+/// One call, and its result let go.
+void make(const Call& call, VARIANT* arguments) {
+    DISPID put = DISPID_PROPERTYPUT;
+    const bool puts = (call.flags & DISPATCH_PROPERTYPUT) != 0;
+    DISPPARAMS parameters{arguments, puts ? &put : nullptr, static_cast<UINT>(call.arguments.size()),
+                          puts ? 1U : 0U};
+    VARIANT result;
+    VariantInit(&result);
+    EXCEPINFO exception{};
+    UINT wrong = 0;
+    call.object->Invoke(call.member, IID_NULL, LOCALE_USER_DEFAULT, call.flags, &parameters, &result, &exception,
+                        &wrong);
+    VariantClear(&result);
+}
+
+/// The bare loop.
+void repeatBare(std::vector<Call>& calls) {
+    for (auto& call : calls)
+        make(call, call.arguments.data());
+}
+
+/// The loop of any caller.
 void repeat(const std::vector<Call>& calls) {
     const HWND window = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
                                         CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, nullptr, nullptr);
@@ -258,7 +281,6 @@ void repeat(const std::vector<Call>& calls) {
                "an object cannot be made");
     }
     VARIANT arguments[10];
-    DISPID put = DISPID_PROPERTYPUT;
     for (const auto& call : calls) {
         const auto count = call.arguments.size();
         for (std::size_t i = 0; i < count; ++i) {
@@ -267,15 +289,7 @@ void repeat(const std::vector<Call>& calls) {
                 V_BSTR(&arguments[i]) =
                     SysAllocStringLen(V_BSTR(&arguments[i]), SysStringLen(V_BSTR(&arguments[i])));
         }
-        const bool puts = (call.flags & DISPATCH_PROPERTYPUT) != 0;
-        DISPPARAMS parameters{arguments, puts ? &put : nullptr, static_cast<UINT>(count), puts ? 1U : 0U};
-        VARIANT result;
-        VariantInit(&result);
-        EXCEPINFO exception{};
-        UINT wrong = 0;
-        call.object->Invoke(call.member, IID_NULL, LOCALE_USER_DEFAULT, call.flags, &parameters, &result,
-                            &exception, &wrong);
-        VariantClear(&result);
+        make(call, arguments);
         for (std::size_t i = 0; i < count; ++i)
             if (V_VT(&arguments[i]) == VT_BSTR)
                 SysFreeString(V_BSTR(&arguments[i]));
@@ -290,20 +304,23 @@ double microseconds(const Work& work) {
     return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Best of many turns, taken in alternation, so that both see the same machine.
+/// Best of many turns, taken in alternation, so that all see the same machine.
 void compare(DruckManager& manager, const Host& host, long count) {
     records = count;
     recording = true;
     print(manager, host);
     recording = false;
     double dll = 1e30;
+    double caller = 1e30;
     double bare = 1e30;
     const int turns = static_cast<int>(std::max(15L, 3000 / count));
     for (int i = 0; i < turns; ++i) {
         dll = std::min(dll, microseconds([&] { print(manager, host); }));
-        bare = std::min(bare, microseconds([&] { repeat(recorded); }));
+        caller = std::min(caller, microseconds([&] { repeat(recorded); }));
+        bare = std::min(bare, microseconds([&] { repeatBare(recorded); }));
     }
-    std::printf("%8ld %10zu %14.1f %14.1f %8.2f\n", count, recorded.size(), dll, bare, dll / bare);
+    std::printf("%8ld %10zu %12.1f %12.1f %12.1f %14.2f %18.3f\n", count, recorded.size(), dll, caller, bare,
+                dll / caller, (dll - bare) / static_cast<double>(recorded.size()));
     for (auto& call : recorded) {
         for (auto& argument : call.arguments)
             VariantClear(&argument);
@@ -312,7 +329,9 @@ void compare(DruckManager& manager, const Host& host, long count) {
 }
 
 void compareAll(DruckManager& manager, const Host& host, const char* title) {
-    std::printf("%s\n records      calls   DLL, microsec  loop, microsec   ratio\n", title);
+    std::printf("%s, microseconds\n records      calls          DLL       caller         bare   DLL to caller"
+                "  per call over bare\n",
+                title);
     for (const long count : {1L, 100L, 10'000L})
         compare(manager, host, count);
 }

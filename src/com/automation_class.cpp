@@ -58,6 +58,11 @@ VARTYPE referredType(const ELEMDESC& parameter) {
     return type == VT_PTR ? VARTYPE{VT_DISPATCH} : type;
 }
 
+/// How callers leave an argument out.
+bool isOmitted(const VARIANT& value) {
+    return V_VT(&value) == VT_ERROR && V_ERROR(&value) == DISP_E_PARAMNOTFOUND;
+}
+
 /// The temporaries of one call, in the parameters' order; each is referred to by an argument of the vtable call.
 class Temporaries {
   public:
@@ -78,6 +83,8 @@ class Temporaries {
         auto& value = values_[position];
         if (auto result = VariantCopyInd(&value, &argument); FAILED(result))
             return result;
+        if (isOmitted(value))
+            return DISP_E_PARAMNOTOPTIONAL;
         if (type != VT_VARIANT)
             if (auto result = coerce(value, type); FAILED(result))
                 return result;
@@ -120,6 +127,12 @@ class Temporaries {
     std::vector<VARIANTARG*> pointers_;
 };
 
+/// Whether what is counted is there.
+bool isWellFormed(const DISPPARAMS& given) {
+    return given.cNamedArgs <= given.cArgs && (given.cArgs == 0 || given.rgvarg) &&
+           (given.cNamedArgs == 0 || given.rgdispidNamedArgs);
+}
+
 /// The place of an argument among `given`: positional ones stand behind the named ones, the last first.
 HRESULT positionOf(const DISPPARAMS& given, UINT index, UINT expected, UINT& position) {
     position =
@@ -129,15 +142,18 @@ HRESULT positionOf(const DISPPARAMS& given, UINT index, UINT expected, UINT& pos
 
 } // namespace
 
-ComPtr<ITypeInfo> typeInfoOf(REFIID iid) {
+ComPtr<ITypeInfo> typeInfoOf(REFGUID id) {
     ComPtr<ITypeInfo> info;
-    check(ownTypeLibrary()->GetTypeInfoOfGuid(iid, info.put()));
+    check(ownTypeLibrary()->GetTypeInfoOfGuid(id, info.put()));
     return info;
 }
 
 HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD flags, const DISPPARAMS& arguments,
                         VARIANT* result, UINT* wrongArgument) {
-    if ((flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET)) == 0)
+    if (!isWellFormed(arguments))
+        return E_INVALIDARG;
+    // There are no properties: who reads one must not set off an operation.
+    if ((flags & DISPATCH_METHOD) == 0)
         return DISP_E_MEMBERNOTFOUND;
     const auto view = vtableViewOf(info);
     const Operation operation(view.get(), member);
@@ -174,10 +190,8 @@ HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD 
                                       parameters, types.data(), temporaries.arguments(), &called);
     if (FAILED(outcome))
         return outcome;
-    if (result && hasResult) {
-        VariantInit(result); // hosts hand in what was never initialised
+    if (result && hasResult)
         return VariantCopy(result, &temporaries[expected]);
-    }
     return V_ERROR(&called);
 }
 

@@ -6,26 +6,33 @@
 #include "com/variants.h"
 
 #include <oaidl.h>
+#include <ocidl.h>
 
 namespace kvtdruck::com {
 
-/// The type information of the dual interface `iid`, as callers by dispatch see it.
-ComPtr<ITypeInfo> typeInfoOf(REFIID iid);
+/// The type information of a coclass, or of a dual interface as callers by dispatch see it.
+ComPtr<ITypeInfo> typeInfoOf(REFGUID id);
 
 /// A late-bound call of an operation of `object`, which is the dual interface that `info` describes: each argument
 /// is coerced into a temporary of its parameter's type, so that values, variables and by-reference variants serve
 /// alike. No operation assigns to its arguments, so nothing is written back. Wrong counts and types are the
-/// caller's errors.
+/// caller's errors, and the answers are those of the system's own Invoke.
+///
+/// That one (ITypeInfo::Invoke, which DispInvoke calls) can't do it: for a parameter by reference it takes a value,
+/// or a reference to the parameter's very type. A script's variable comes as a reference to a VARIANT and is
+/// DISP_E_TYPEMISMATCH there, so that no script could hand its variables over. See
+/// https://blogs.msdn.microsoft.com/ericlippert/2003/09/29/in-out-in-out-make-up-your-mind-already/
 HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD flags, const DISPPARAMS& arguments,
                         VARIANT* result, UINT* wrongArgument);
 
-/// A class with one dual interface, whose objects live in the apartment that they were made in. Errors within
-/// operations never become COM errors, and ISupportErrorInfo says so.
+/// A coclass of the type library with one dual interface, whose objects live in the apartment that they were made
+/// in and name their class to whom asks (IProvideClassInfo). Errors within operations never become COM errors, and
+/// ISupportErrorInfo says so.
 ///
 /// An operation calls foreign objects and lets the host process its messages, and either may let go of the object's
 /// last reference. So whatever runs here holds the object until it is done.
-template <class Interface>
-class AutomationClass : public Counted<Interface, ISupportErrorInfo> {
+template <class CoClass, class Interface>
+class AutomationClass : public Counted<Interface, ISupportErrorInfo, IProvideClassInfo> {
   public:
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         if (!count)
@@ -39,13 +46,20 @@ class AutomationClass : public Counted<Interface, ISupportErrorInfo> {
         *info = nullptr;
         return index != 0 ? DISP_E_BADINDEX : guarded([&] { *info = typeInfo().detach(); });
     }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,
+                                            DISPID* ids) override {
+        if (reserved != IID_NULL)
+            return DISP_E_UNKNOWNINTERFACE;
         HRESULT result = S_OK;
         const auto failure = guarded([&] { result = typeInfo()->GetIDsOfNames(names, count, ids); });
         return FAILED(failure) ? failure : result;
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* arguments,
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID reserved, LCID, WORD flags, DISPPARAMS* arguments,
                                      VARIANT* result, EXCEPINFO*, UINT* wrongArgument) override {
+        if (result)
+            VariantInit(result); // hosts hand in what was never initialised, and clear it whatever the answer is
+        if (reserved != IID_NULL)
+            return DISP_E_UNKNOWNINTERFACE;
         if (!arguments)
             return E_INVALIDARG;
         const ComPtr<Interface> self(this);
@@ -59,10 +73,18 @@ class AutomationClass : public Counted<Interface, ISupportErrorInfo> {
 
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID) override { return S_FALSE; }
 
+    HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) override {
+        if (!info)
+            return E_POINTER;
+        *info = nullptr;
+        return guarded([&] { *info = typeInfoOf(__uuidof(CoClass)).detach(); });
+    }
+
   protected:
+    using Base = Counted<Interface, ISupportErrorInfo, IProvideClassInfo>;
+
     void* interfaceOf(REFIID iid) override {
-        return iid == IID_IDispatch ? static_cast<Interface*>(this)
-                                    : Counted<Interface, ISupportErrorInfo>::interfaceOf(iid);
+        return iid == IID_IDispatch ? static_cast<Interface*>(this) : Base::interfaceOf(iid);
     }
 
     /// Runs `body`; no C++ exception leaves the DLL.

@@ -10,7 +10,7 @@
 namespace kvtdruck::com {
 namespace {
 
-class ManagerClass final : public AutomationClass<_clsDruckManager> {
+class ManagerClass final : public AutomationClass<::clsDruckManager, _clsDruckManager> {
   public:
     HRESULT STDMETHODCALLTYPE fkt_Init(IDispatch** pADOCon, VARIANT_BOOL* result) override {
         return answer(result, [&] { return boolOf(manager_.fkt_Init(in(pADOCon))); });
@@ -35,8 +35,8 @@ class ManagerClass final : public AutomationClass<_clsDruckManager> {
 };
 
 /// One of the eighteen report classes. The report object itself lives for one request.
-template <class Interface, ReportFactory* createReport>
-class ReportClass final : public AutomationClass<Interface> {
+template <class CoClass, class Interface, ReportFactory* createReport>
+class ReportClass final : public AutomationClass<CoClass, Interface> {
   public:
     HRESULT STDMETHODCALLTYPE fkt_Drucken(short* pPrintMode, double* pFnr, IDispatch** pADOCon,
                                           IDispatch** pZuDbFnrAllg, _clsDruckFormular** pDrFormDll,
@@ -70,7 +70,7 @@ IUnknown* create() {
 }
 
 #define KVT_REPORT(Class)                                                                                          \
-    { L## #Class, __uuidof(::Class), create<ReportClass<_##Class, new_##Class>> }
+    { L## #Class, __uuidof(::Class), create<ReportClass<::Class, _##Class, new_##Class>> }
 
 const CoClass kClasses[] = {
     {L"clsDruckManager", __uuidof(::clsDruckManager), create<ManagerClass>},

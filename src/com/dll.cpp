@@ -3,18 +3,10 @@
 #include "com/com_ptr.h"
 #include "com/counted.h"
 #include "com/registration.h"
+#include "com/runtime_threads.h"
 #include "com/server.h"
 
 #include <new>
-
-// The C++ runtime's way to give back what it keeps for exceptions without memory. It has no header:
-// https://gcc.gnu.org/git/?p=gcc.git;f=libstdc++-v3/libsupc%2B%2B/eh_alloc.cc
-#ifdef __clang__
-#pragma clang diagnostic ignored "-Wreserved-identifier"
-#endif
-namespace __gnu_cxx {
-void __freeres();
-}
 
 namespace kvtdruck::com {
 namespace {
@@ -64,8 +56,12 @@ using namespace kvtdruck::com;
 
 // At the end of the process the system takes all back by itself; when the DLL alone goes, nobody else does.
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
-    if (reason == DLL_PROCESS_DETACH && !processEnds)
-        __gnu_cxx::__freeres();
+    if (reason == DLL_THREAD_DETACH)
+        freeRuntimeMemoryOfThread();
+    if (reason == DLL_PROCESS_DETACH && !processEnds) {
+        releaseOwnTypeLibrary();
+        freeRuntimeMemory();
+    }
     return TRUE;
 }
 

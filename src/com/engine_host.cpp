@@ -4,6 +4,7 @@
 #include "com/control_site.h"
 #include "com/foreign_object.h"
 #include "com/server.h"
+#include "com/threads.h"
 #include "com/variants.h"
 
 #include <ocidl.h>
@@ -24,7 +25,7 @@ constexpr std::size_t kMostArguments = 10;
 class WindowClass {
   public:
     WindowClass() {
-        const Guard guard;
+        const Locked locked(lock_);
         if (users_++ != 0)
             return;
         WNDCLASSW description{};
@@ -36,21 +37,12 @@ class WindowClass {
     WindowClass(const WindowClass&) = delete;
     WindowClass& operator=(const WindowClass&) = delete;
     ~WindowClass() {
-        const Guard guard;
+        const Locked locked(lock_);
         if (--users_ == 0)
             UnregisterClassW(kWindowClass, ownModule());
     }
 
   private:
-    /// The system's own lock, which needs no memory that the unloading of the DLL would leave behind.
-    class Guard {
-      public:
-        Guard() { AcquireSRWLockExclusive(&lock_); }
-        Guard(const Guard&) = delete;
-        Guard& operator=(const Guard&) = delete;
-        ~Guard() { ReleaseSRWLockExclusive(&lock_); }
-    };
-
     static inline SRWLOCK lock_ = SRWLOCK_INIT;
     static inline int users_ = 0;
 };
@@ -100,12 +92,16 @@ class ComControl final : public Control {
         const auto count = arguments.size();
         if (count > kMostArguments)
             throw RuntimeError(ErrorNumber::InvalidProcedureCall);
-        Bstr texts[kMostArguments];
+        LentTexts texts;
         VARIANT variants[kMostArguments];
         for (std::size_t i = 0; i < count; ++i)
-            set(variants[count - 1 - i], texts[i], arguments[i]);
+            set(variants[count - 1 - i], texts, arguments[i]);
         DISPPARAMS parameters{variants, nullptr, static_cast<UINT>(count), 0};
-        return toLong(invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters), platform_.locale());
+        OwnedVariant answer;
+        invoke(control_.get(), numberOf(operation), DISPATCH_METHOD, parameters, &answer.get());
+        if (V_VT(&answer.get()) == VT_I4)
+            return V_I4(&answer.get());
+        return toLong(valueOf(answer.get()), platform_.locale());
     }
 
     void put(std::int32_t dispatchId, bool value) override {
@@ -114,7 +110,7 @@ class ComControl final : public Control {
         V_BOOL(&argument) = boolOf(value);
         DISPID propertyValue = DISPID_PROPERTYPUT;
         DISPPARAMS parameters{&argument, &propertyValue, 1, 1};
-        invoke(control_.get(), dispatchId, DISPATCH_PROPERTYPUT, parameters);
+        invoke(control_.get(), dispatchId, DISPATCH_PROPERTYPUT, parameters, nullptr);
     }
 
     ObjectRef member(StringView name) override {
@@ -136,11 +132,10 @@ class ComControl final : public Control {
         return *printEnd_;
     }
 
-    static void set(VARIANT& variant, Bstr& owner, const Argument& argument) {
+    static void set(VARIANT& variant, LentTexts& texts, const Argument& argument) {
         if (const auto* text = std::get_if<StringView>(&argument)) {
-            owner = Bstr(*text);
             V_VT(&variant) = VT_BSTR;
-            V_BSTR(&variant) = owner.get();
+            V_BSTR(&variant) = texts.lend(*text);
             return;
         }
         V_VT(&variant) = VT_I4;

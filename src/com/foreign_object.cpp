@@ -41,7 +41,7 @@ class Arguments {
   private:
     void clear() {
         for (auto& variant : variants_)
-            VariantClear(&variant);
+            kvtdruck::com::clear(variant);
     }
 
     std::vector<VARIANT> variants_;
@@ -87,16 +87,19 @@ DISPID dispatchIdOf(IDispatch* dispatch, StringView name) {
     return id;
 }
 
-Variant invoke(IDispatch* dispatch, DISPID member, WORD flags, DISPPARAMS& arguments) {
-    OwnedVariant answer;
+void invoke(IDispatch* dispatch, DISPID member, WORD flags, DISPPARAMS& arguments, VARIANT* answer) {
     EXCEPINFO exception{};
     UINT wrongArgument = 0;
-    const auto result =
-        dispatch->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &arguments,
-                         (flags & DISPATCH_PROPERTYPUT) ? nullptr : &answer.get(), &exception, &wrongArgument);
+    const auto result = dispatch->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &arguments, answer,
+                                         &exception, &wrongArgument);
     if (result == DISP_E_EXCEPTION)
         throw runtimeErrorOf(exception);
     check(result);
+}
+
+Variant invoke(IDispatch* dispatch, DISPID member, WORD flags, DISPPARAMS& arguments) {
+    OwnedVariant answer;
+    invoke(dispatch, member, flags, arguments, &answer.get());
     return valueOf(answer.get());
 }
 
@@ -113,7 +116,7 @@ Variant ForeignObject::call(MemberId member, std::span<const Variant> arguments)
 
 void ForeignObject::put(MemberId member, std::span<const Variant> arguments, const Variant& value) {
     Arguments list(arguments, &value);
-    invoke(dispatch_.get(), member, DISPATCH_PROPERTYPUT, list.parameters());
+    invoke(dispatch_.get(), member, DISPATCH_PROPERTYPUT, list.parameters(), nullptr);
 }
 
 ObjectRef foreignObject(IUnknown* object) {

@@ -40,8 +40,9 @@ ComPtr<IUnknown> createObject(REFCLSID id);
 /// The number of member `name` of a foreign object; run-time error 438 where there is none, or no object.
 DISPID dispatchIdOf(IDispatch* dispatch, StringView name);
 
-/// One Invoke: `arguments` in reverse order, as Automation wants them. Gives the result; failures are run-time
-/// errors.
+/// One Invoke: `arguments` in reverse order, as Automation wants them; failures are run-time errors. The result is
+/// given, or put into `answer`, an empty VARIANT.
 Variant invoke(IDispatch* dispatch, DISPID member, WORD flags, DISPPARAMS& arguments);
+void invoke(IDispatch* dispatch, DISPID member, WORD flags, DISPPARAMS& arguments, VARIANT* answer);
 
 } // namespace kvtdruck::com

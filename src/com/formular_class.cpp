@@ -13,7 +13,7 @@ namespace {
 // {B0C1C1A4-6D64-4E4B-9B6C-8E0B0E4B1D67}
 const IID kOwnFormular = {0xB0C1C1A4, 0x6D64, 0x4E4B, {0x9B, 0x6C, 0x8E, 0x0B, 0x0E, 0x4B, 0x1D, 0x67}};
 
-class FormularClass final : public AutomationClass<_clsDruckFormular> {
+class FormularClass final : public AutomationClass<::clsDruckFormular, _clsDruckFormular> {
   public:
     DruckFormular& formular() { return formular_; }
 

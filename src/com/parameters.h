@@ -18,8 +18,16 @@ inline std::int32_t in(const LONG* parameter) {
 inline String in(const BSTR* parameter) {
     return parameter ? String(textOf(*parameter)) : String();
 }
+/// What the component has no kind of value for (an array, a record) becomes one that can't be used either, so that
+/// it fails where the operation uses it and not before the operation begins.
 inline Variant in(const VARIANT* parameter) {
-    return parameter ? valueOf(*parameter) : Variant();
+    if (!parameter)
+        return {};
+    try {
+        return valueOf(*parameter);
+    } catch (const RuntimeError&) {
+        return ErrorValue{DISP_E_TYPEMISMATCH};
+    }
 }
 template <class Interface>
 ComPtr<Interface> in(Interface* const* parameter) {

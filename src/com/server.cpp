@@ -1,35 +1,20 @@
 #include "com/server.h"
 
 #include "com/com_error.h"
+#include "com/threads.h"
 
 #include <oleauto.h>
 
-#include <new>
 #include <utility>
 
 namespace kvtdruck::com {
 namespace {
 
-/// A place of every thread for its apartment. The system's own, since a compiler's thread-local variables leave
-/// memory behind when a DLL is unloaded.
-class ThreadSlot {
-  public:
-    ThreadSlot() : index_(TlsAlloc()) {}
-    ThreadSlot(const ThreadSlot&) = delete;
-    ThreadSlot& operator=(const ThreadSlot&) = delete;
-    ~ThreadSlot() { TlsFree(index_); }
+const ThreadSlot<Apartment> slot;
 
-    Apartment* get() const { return static_cast<Apartment*>(TlsGetValue(index_)); }
-    void set(Apartment* apartment) const {
-        if (!TlsSetValue(index_, apartment))
-            throw std::bad_alloc();
-    }
-
-  private:
-    DWORD index_;
-};
-
-const ThreadSlot slot;
+// No ComPtr: the end of a process must not call another library any more.
+SRWLOCK typeLibraryLock = SRWLOCK_INIT;
+ITypeLib* typeLibrary = nullptr;
 
 } // namespace
 
@@ -73,9 +58,15 @@ std::wstring ownPath() {
 }
 
 ComPtr<ITypeLib> ownTypeLibrary() {
-    ComPtr<ITypeLib> library;
-    check(LoadTypeLibEx(ownPath().c_str(), REGKIND_NONE, library.put()));
-    return library;
+    const Locked locked(typeLibraryLock);
+    if (!typeLibrary)
+        check(LoadTypeLibEx(ownPath().c_str(), REGKIND_NONE, &typeLibrary));
+    return ComPtr<ITypeLib>(typeLibrary);
+}
+
+void releaseOwnTypeLibrary() {
+    if (auto* const library = std::exchange(typeLibrary, nullptr))
+        library->Release();
 }
 
 } // namespace kvtdruck::com

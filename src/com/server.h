@@ -63,7 +63,10 @@ HMODULE ownModule();
 /// The DLL's full path.
 std::wstring ownPath();
 
-/// The type library inside the DLL; it needs no registry. Failures are run-time errors.
+/// The type library inside the DLL; it needs no registry. It is loaded at the first question and shared by all
+/// threads, as the system's type libraries may be. Failures are run-time errors.
 ComPtr<ITypeLib> ownTypeLibrary();
+/// Lets go of it, when the DLL is unloaded.
+void releaseOwnTypeLibrary();
 
 } // namespace kvtdruck::com

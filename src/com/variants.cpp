@@ -4,6 +4,9 @@
 #include "com/foreign_object.h"
 #include "values/overloaded.h"
 
+#include <cstring>
+#include <iterator>
+
 namespace kvtdruck::com {
 namespace {
 
@@ -83,6 +86,19 @@ StringView Bstr::text() const {
 
 StringView textOf(BSTR text) {
     return {reinterpret_cast<const char16_t*>(text), SysStringLen(text)};
+}
+
+BSTR LentTexts::lend(StringView text) {
+    const auto needed = kUnitsOfLength + text.size() + 1;
+    if (needed > std::size(place_) - used_)
+        return long_.emplace_back(text).get();
+    auto* const letters = place_ + used_ + kUnitsOfLength;
+    const auto bytes = static_cast<std::uint32_t>(text.size() * sizeof(char16_t));
+    std::memcpy(letters - kUnitsOfLength, &bytes, sizeof bytes);
+    text.copy(letters, text.size());
+    letters[text.size()] = u'\0';
+    used_ += needed + needed % kUnitsOfLength; // the next length is aligned as well
+    return reinterpret_cast<BSTR>(letters);
 }
 
 OwnedVariant::OwnedVariant(const Variant& value) : variant_(variantOf(value)) {}

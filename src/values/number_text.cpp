@@ -138,26 +138,40 @@ std::optional<std::int64_t> wholeInTenThousandths(float number) {
     return whole ? std::optional(static_cast<std::int64_t>(number) * 10'000) : std::nullopt;
 }
 
-/// Appends ten-thousandths as a number, without zeros at the end of its decimals.
+/// Writes the last `count` digits of `number` before `end`, and gives the first one's place.
+char16_t* writeDigits(char16_t* end, std::uint64_t number, int count) {
+    const auto write = [&](auto& rest) {
+        *--end = static_cast<char16_t>(u'0' + rest % 10);
+        rest /= 10;
+        --count;
+    };
+    while (number > std::numeric_limits<std::uint32_t>::max())
+        write(number);
+    auto rest = static_cast<std::uint32_t>(number); // a 32-bit processor divides by words
+    while (count > 0)
+        write(rest);
+    return end;
+}
+
+/// Appends ten-thousandths as a number, without zeros at the end of its decimals. Most of what is printed comes
+/// here, so it is written in one go.
 void appendTenThousandths(String& text, std::int64_t units, const Locale& locale) {
-    const auto digit = [](auto number) { return static_cast<char16_t>(u'0' + number % 10); };
-    const auto magnitude = static_cast<std::uint64_t>(std::abs(units));
-    auto whole = magnitude / 10'000;
-    std::array<char16_t, 24> buffer;
-    char16_t* const end = buffer.data() + buffer.size();
-    char16_t* begin = end;
-    do
-        *--begin = digit(whole);
-    while ((whole /= 10) != 0);
-    if (units < 0)
-        *--begin = u'-';
-    text.append(begin, static_cast<std::size_t>(end - begin));
-    auto rest = static_cast<std::uint32_t>(magnitude % 10'000);
-    if (rest == 0)
-        return;
-    text += locale.decimalSign;
-    for (std::uint32_t place = 1000; rest != 0; rest %= place, place /= 10)
-        text += digit(rest / place);
+    constexpr unsigned kWhole = 10'000;
+    const auto bits = static_cast<std::uint64_t>(units);
+    const auto magnitude = units < 0 ? 0 - bits : bits;
+    const auto whole = magnitude / kWhole;
+    int digits = 1;
+    for (std::uint64_t bound = 10; bound <= whole; bound *= 10)
+        ++digits;
+    auto part = static_cast<std::uint32_t>(magnitude - whole * kWhole);
+    int places = part == 0 ? 0 : 4;
+    for (; places > 0 && part % 10 == 0; part /= 10)
+        --places;
+    const auto sign = places == 0 ? StringView() : StringView(locale.decimalSign);
+    text.append((units < 0 ? 1 : 0) + static_cast<std::size_t>(digits + places) + sign.size(), u'-');
+    auto* const point = writeDigits(text.data() + text.size(), part, places) - sign.size();
+    sign.copy(point, sign.size());
+    writeDigits(point, whole, digits);
 }
 
 /// Appends a number that has no short way of its own, to so many significant digits.
@@ -226,9 +240,9 @@ void appendTextOf(String& text, float number, const Locale& locale) {
 }
 
 String textOf(Currency amount, const Locale& locale) {
-    const auto bits = static_cast<std::uint64_t>(amount.tenThousandths);
-    const bool negative = amount.tenThousandths < 0;
-    return fixedPointText(integerDigits(0, negative ? 0 - bits : bits), 4, negative, locale);
+    String text;
+    appendTenThousandths(text, amount.tenThousandths, locale);
+    return text;
 }
 
 String textOf(const Decimal& number, const Locale& locale) {

@@ -153,7 +153,10 @@ TEST_F(Apartments, MultithreadedHostIsServedOnAThreadOfComs) {
                 EXPECT_EQ(bound->Terminate_Preview(&window, &ended), S_OK);
             }
             EXPECT_EQ(ended, VARIANT_TRUE);
+            EXPECT_EQ(dllCanUnloadNow(), S_FALSE);
         }
+        EXPECT_TRUE(eventually([] { return dllCanUnloadNow() == S_OK; }))
+            << "the objects on COM's own thread live on";
         CoUninitialize();
     }).join();
 }

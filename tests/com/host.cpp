@@ -1,5 +1,7 @@
 #include "host.h"
 
+#include <winternl.h>
+
 #include <fstream>
 
 namespace kvtdruck::test {
@@ -41,6 +43,33 @@ Ref<IDispatch> create(const wchar_t* progId) {
     CLSID clsid{};
     EXPECT_EQ(CLSIDFromProgID(progId, &clsid), S_OK);
     return create<IDispatch>(clsid, IID_IDispatch);
+}
+
+long openHandles() {
+    struct Entry {
+        ULONG owner;
+        BYTE type;
+        BYTE flags;
+        USHORT handle;
+        void* object;
+        ULONG access;
+    };
+    struct Table {
+        ULONG count;
+        Entry entries[1];
+    };
+    constexpr auto kSystemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
+    std::vector<std::byte> buffer(1 << 20);
+    ULONG needed = 0;
+    auto* const query = reinterpret_cast<decltype(NtQuerySystemInformation)*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    while (query(kSystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) != 0)
+        buffer.resize(buffer.size() * 2);
+    const auto* const table = reinterpret_cast<const Table*>(buffer.data());
+    long count = 0;
+    for (ULONG i = 0; i < table->count; ++i)
+        count += table->entries[i].owner == GetCurrentProcessId() ? 1 : 0;
+    return count;
 }
 
 bool eventually(const std::function<bool()>& holds) {

@@ -106,6 +106,9 @@ Ref<IDispatch> create(const wchar_t* progId);
 std::wstring dllPath();
 std::wstring databasePath();
 
+/// The handles that this process holds open.
+long openHandles();
+
 /// Waits until something holds; false after ten seconds.
 bool eventually(const std::function<bool()>& holds);
 

@@ -3,8 +3,6 @@
 #include "host.h"
 #include "lasting_object.h"
 
-#include <winternl.h>
-
 #include <atomic>
 
 namespace kvtdruck::test {
@@ -52,33 +50,6 @@ Function* function(const wchar_t* library, const char* name) {
     auto* const found = reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
     EXPECT_NE(found, nullptr) << name;
     return found;
-}
-
-/// The handles that this process holds open.
-long openHandles() {
-    struct Entry {
-        ULONG owner;
-        BYTE type;
-        BYTE flags;
-        USHORT handle;
-        void* object;
-        ULONG access;
-    };
-    struct Table {
-        ULONG count;
-        Entry entries[1];
-    };
-    constexpr auto kSystemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
-    std::vector<std::byte> buffer(1 << 20);
-    ULONG needed = 0;
-    auto* const query = function<decltype(NtQuerySystemInformation)>(L"ntdll.dll", "NtQuerySystemInformation");
-    while (query(kSystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) != 0)
-        buffer.resize(buffer.size() * 2);
-    const auto* const table = reinterpret_cast<const Table*>(buffer.data());
-    long count = 0;
-    for (ULONG i = 0; i < table->count; ++i)
-        count += table->entries[i].owner == GetCurrentProcessId() ? 1 : 0;
-    return count;
 }
 
 BOOL CALLBACK countWindow(HWND, LPARAM counter) {

@@ -1,4 +1,5 @@
 // Registering and unregistering, in hives of the test's own: another program's view of the registry stays as it is.
+#include "hive.h"
 #include "host.h"
 
 #include <sddl.h>
@@ -10,62 +11,6 @@ namespace {
 
 using testing::Contains;
 using testing::IsEmpty;
-
-/// Stands for the machine's or the user's hive, with nothing below its classes.
-class Hive {
-  public:
-    explicit Hive(const std::wstring& name) : path_(std::wstring(kPlace) + name) {
-        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
-        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, (path_ + L"\\Software\\Classes").c_str(), &classes_),
-                  ERROR_SUCCESS);
-        EXPECT_EQ(RegOpenKeyW(HKEY_CURRENT_USER, path_.c_str(), &hive_), ERROR_SUCCESS);
-    }
-    Hive(const Hive&) = delete;
-    Hive& operator=(const Hive&) = delete;
-    ~Hive() {
-        RegCloseKey(classes_);
-        RegCloseKey(hive_);
-        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
-    }
-
-    HKEY get() const { return hive_; }
-    HKEY classes() const { return classes_; }
-
-    /// Every key and value, one text each.
-    std::vector<std::wstring> content() const {
-        std::vector<std::wstring> all;
-        append(all, classes_, L"");
-        return all;
-    }
-
-  private:
-    static void append(std::vector<std::wstring>& all, HKEY key, const std::wstring& path) {
-        wchar_t name[256];
-        for (DWORD i = 0;; ++i) {
-            wchar_t value[1024]{};
-            DWORD length = 256;
-            DWORD size = sizeof(value) - sizeof(wchar_t);
-            if (RegEnumValueW(key, i, name, &length, nullptr, nullptr, reinterpret_cast<BYTE*>(value), &size) !=
-                ERROR_SUCCESS)
-                break;
-            all.push_back(path + L" " + name + L"=" + value);
-        }
-        for (DWORD i = 0; RegEnumKeyW(key, i, name, 256) == ERROR_SUCCESS; ++i) {
-            HKEY child = nullptr;
-            const auto place = path + L"\\" + name;
-            all.push_back(place);
-            EXPECT_EQ(RegOpenKeyExW(key, name, 0, KEY_READ, &child), ERROR_SUCCESS);
-            append(all, child, place);
-            RegCloseKey(child);
-        }
-    }
-
-    static constexpr const wchar_t* kPlace = L"Software\\KVTDruckTest\\";
-
-    std::wstring path_;
-    HKEY hive_ = nullptr;
-    HKEY classes_ = nullptr;
-};
 
 /// The DLL once more, in another folder.
 class Copy {
@@ -89,18 +34,8 @@ class Copy {
 
 class Registration : public testing::Test {
   protected:
-    /// Calls an entry point of the DLL at `path` with the test's hives in the place of the system's.
     HRESULT call(const char* operation, const std::filesystem::path& path = dllPath()) const {
-        auto* const dll = LoadLibraryW(path.c_str());
-        auto* const function =
-            reinterpret_cast<HRESULT WINAPI (*)()>(reinterpret_cast<void*>(GetProcAddress(dll, operation)));
-        EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine_.get()), ERROR_SUCCESS);
-        EXPECT_EQ(RegOverridePredefKey(HKEY_CURRENT_USER, user_.get()), ERROR_SUCCESS);
-        const auto result = function();
-        EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr), ERROR_SUCCESS);
-        EXPECT_EQ(RegOverridePredefKey(HKEY_CURRENT_USER, nullptr), ERROR_SUCCESS);
-        FreeLibrary(dll);
-        return result;
+        return callEntryPoint(path, operation, machine_, user_);
     }
 
     /// A key of the machine's classes that goes with the next start of Windows: it can't get a lasting one below

@@ -1,10 +1,13 @@
 // Two apartments whose hosts and libraries do all that they should not, at random: they call back from everywhere,
-// let go of what is at work, answer with garbage and with failures. Nothing may crash, be called on another thread,
-// or be left behind. KVT_STRESS_SEED repeats a run, KVT_STRESS_SECONDS says how long it lasts.
+// let go of what is at work, answer with garbage and with failures, register and unregister the DLL meanwhile.
+// Nothing may crash, be called on another thread, or be left behind. KVT_STRESS_SEED repeats a run,
+// KVT_STRESS_SECONDS says how long it lasts.
+#include "hive.h"
 #include "stage.h"
 
 #include <chrono>
 #include <limits>
+#include <mutex>
 #include <random>
 
 namespace kvtdruck::test {
@@ -20,10 +23,27 @@ unsigned long setting(const wchar_t* name, unsigned long otherwise) {
     return GetEnvironmentVariableW(name, text, 16) == 0 ? otherwise : std::stoul(text);
 }
 
+/// Registers and unregisters, one thread after another: the hives stand for the whole process.
+class Registrar {
+  public:
+    void act(bool registers) {
+        const std::scoped_lock one(turn_);
+        EXPECT_EQ(
+            callEntryPoint(dllPath(), registers ? "DllRegisterServer" : "DllUnregisterServer", machine_, user_),
+            S_OK);
+    }
+
+  private:
+    std::mutex turn_;
+    const Hive machine_{L"StressMachine"};
+    const Hive user_{L"StressUser"};
+};
+
 /// A host without any manners.
 class Rogue {
   public:
-    Rogue(Stage& stage, unsigned long seed) : stage_(stage), random_(seed) {
+    Rogue(Stage& stage, Registrar& registrar, unsigned long seed)
+        : stage_(stage), registrar_(registrar), random_(seed) {
         stage_.interrupt = [this](const std::string&) {
             if (depth_ < 3 && one(150))
                 act();
@@ -34,6 +54,8 @@ class Rogue {
 
     void act() {
         ++depth_;
+        if (one(500))
+            registrar_.act(one(2));
         if (!manager_)
             manager_ = stage_.readyManager();
         auto* const manager = manager_.get(); // may be gone before its call is done
@@ -151,6 +173,7 @@ class Rogue {
     }
 
     Stage& stage_;
+    Registrar& registrar_;
     std::mt19937_64 random_;
     Ref<DruckManager> manager_;
     int depth_ = 0;
@@ -161,12 +184,13 @@ class Stress : public HostTest {};
 
 TEST_F(Stress, RoguesInTwoApartments) {
     const auto seed = setting(L"KVT_STRESS_SEED", GetTickCount());
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(setting(L"KVT_STRESS_SECONDS", 20));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(setting(L"KVT_STRESS_SECONDS", 60));
     std::atomic<long> acts = 0;
+    Registrar registrar;
     const auto run = [&](unsigned long own) {
         return apartment([&, own](Stage& stage) {
             {
-                Rogue rogue(stage, own);
+                Rogue rogue(stage, registrar, own);
                 while (std::chrono::steady_clock::now() < end) {
                     rogue.act();
                     stage.takeEngineCalls();
