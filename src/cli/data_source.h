@@ -21,7 +21,8 @@ struct Company {
     std::string town;
 };
 
-/// The surroundings in which the component reads. Its operations throw the `RuntimeError`s of the data access.
+/// The surroundings in which the component reads; without a database it reads blank data. Its operations throw the
+/// `RuntimeError`s of the data access.
 class DataSource {
   public:
     /// `options` and `console` outlive it.
@@ -37,7 +38,7 @@ class DataSource {
 
   private:
     PosixPlatform platform_;
-    ReferenceKvtzug kvtzug_{{}, &cancelled()};
+    std::unique_ptr<DataLibrary> library_;
     ErrorReports errors_;
     ComponentState state_;
     std::shared_ptr<HostConnection> connection_;

@@ -24,8 +24,9 @@ enum class Per { Company, Year, Employee };
 struct Options {
     Command command{};
     std::vector<const catalog::ReportEntry*> reports; ///< at least one for every command on a list
-    bool allReports = false;                          ///< they were asked for as "alle"
+    bool allReports = false;                          ///< they were asked for as "alle", or a check of all
 
+    bool blank = false;           ///< a check makes do without data
     std::string database;         ///< an SQLite file; empty where
     std::string connectionString; ///< an ODBC connection string is given
     PasswordSource password;      ///< for a connection string
@@ -34,11 +35,11 @@ struct Options {
     catalog::Selections selections;
     std::optional<std::filesystem::path> values; ///< a file of values, or a folder with one for each list
 
-    std::filesystem::path output;              ///< one file; empty: to a folder, or to a printer
-    std::filesystem::path outputFolder;        ///< for the files of a batch
-    std::string namePattern;                   ///< of the files in it; empty for the usual one
-    std::optional<Per> per;                    ///< one file for each
-    std::optional<druckwerk::DataFormat> data; ///< none: pages
+    std::filesystem::path output;                               ///< one file; empty: to a folder, or to a printer
+    std::filesystem::path outputFolder;                         ///< for the files of a batch
+    std::string namePattern;                                    ///< of the files in it; empty for the usual one
+    std::optional<Per> per;                                     ///< one file for each
+    std::optional<druckwerk::DataFormat> data;                  ///< none: pages
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
     bool unused = false; ///< a check names variables and fields that the layout does not print
@@ -51,6 +52,7 @@ struct Options {
     druckwerk::PrintDate printDate;
     bool verbose = false;
 
+    bool hasData() const { return !database.empty() || !connectionString.empty(); }
     bool designs() const { return command == Command::Design || command == Command::Check; }
 };
 

@@ -146,13 +146,17 @@ class JsonWriter final : public RecordWriter {
 
 std::unique_ptr<RecordWriter> openWriter(DataFormat format, AtomicFile& file, const Locale& locale,
                                          const std::function<void(std::string_view)>& warn) {
+    Contents contents(locale, [warn](StringView, const std::string& message) {
+        if (warn)
+            warn(message);
+    });
     switch (format) {
     case DataFormat::Csv:
-        return std::make_unique<CsvWriter>(file, Contents(locale, warn));
+        return std::make_unique<CsvWriter>(file, std::move(contents));
     case DataFormat::Xlsx:
-        return openXlsxWriter(file, Contents(locale, warn), warn);
+        return openXlsxWriter(file, std::move(contents), warn);
     case DataFormat::Json:
-        return std::make_unique<JsonWriter>(file, Contents(locale, warn));
+        return std::make_unique<JsonWriter>(file, std::move(contents));
     }
     return nullptr;
 }
