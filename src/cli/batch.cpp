@@ -110,9 +110,11 @@ class Planner {
     std::optional<std::filesystem::path> valuesOf(const ReportEntry& report) const {
         if (!report.isFedByValues() || !options_.values)
             return std::nullopt;
-        if (std::filesystem::is_directory(*options_.values))
-            return *options_.values / (std::string(report.listName) + ".csv");
-        return options_.values;
+        if (!std::filesystem::is_directory(*options_.values))
+            return options_.values;
+        auto file = *options_.values / (std::string(report.listName) + ".csv");
+        const bool canDoWithout = options_.command == Command::Check && options_.allReports;
+        return canDoWithout && !std::filesystem::exists(file) ? std::nullopt : std::optional(std::move(file));
     }
 
     /// The lists without those of "alle" that there are no values for; they are named.
@@ -206,22 +208,28 @@ class Batch {
             std::string names;
             for (const auto& name : failed_)
                 names += "\n  " + name;
-            console_.error("Nicht gedruckt (" + std::to_string(failed_.size()) + " von " +
-                           std::to_string(requests_.size()) + "):" + names);
+            console_.error((checks() ? "Nicht in Ordnung (" : "Nicht gedruckt (") + std::to_string(failed_.size()) +
+                           " von " + std::to_string(requests_.size()) + "):" + names);
         }
         if (cancelled())
             console_.warning("Abgebrochen: " + std::to_string(ended_ - failed_.size()) + " von " +
-                             std::to_string(requests_.size()) + " sind gedruckt.");
+                             std::to_string(requests_.size()) + (checks() ? " sind geprüft." : " sind gedruckt."));
         return cancelled() ? kCancelled : failed_.empty() ? kDone : kFailed;
     }
 
   private:
     /// A printer's jobs and a record of calls have an order.
     std::size_t processes() const {
-        if (options_.outputFolder.empty() || options_.record)
+        if ((options_.outputFolder.empty() && !checks()) || options_.record)
             return 1;
         return options_.workers > 0 ? std::size_t(options_.workers)
                                     : std::max<std::size_t>(1, std::thread::hardware_concurrency());
+    }
+
+    bool checks() const { return options_.command == Command::Check; }
+    /// How messages name a document; what is said about a layout holds for all companies.
+    std::string nameOf(const PrintRequest& request) const {
+        return checks() ? std::string(request.report->listName) : cli::nameOf(request);
     }
 
     int print(const PrintRequest& request) const {

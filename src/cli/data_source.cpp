@@ -1,10 +1,20 @@
 #include "cli/data_source.h"
 
+#include "cli/blank_data.h"
 #include "cli/existing_values.h"
 #include "cli/json_text.h"
 #include "dataaccess/record_reader.h"
 
 namespace kvtdruck::cli {
+namespace {
+
+std::unique_ptr<DataLibrary> libraryFor(const Options& options) {
+    if (options.blank)
+        return std::make_unique<BlankData>();
+    return std::make_unique<ReferenceKvtzug>(ReferenceKvtzug::Trace(), &cancelled());
+}
+
+} // namespace
 
 std::string companiesAsJson(const std::vector<Company>& companies) {
     std::vector<std::string> objects;
@@ -16,7 +26,8 @@ std::string companiesAsJson(const std::vector<Company>& companies) {
 }
 
 DataSource::DataSource(const Options& options, Console& console)
-    : platform_(options.locale), errors_(console, options.verbose), state_(platform_, kvtzug_, errors_),
+    : platform_(options.locale), library_(libraryFor(options)), errors_(console, options.verbose),
+      state_(platform_, *library_, errors_),
       connection_(std::make_shared<HostConnection>(options.connectionString.empty()
                                                        ? sqliteConnection(fromUtf8(options.database))
                                                        : fromUtf8(options.connectionString))) {}

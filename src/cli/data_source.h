@@ -24,7 +24,8 @@ struct Company {
 /// The companies as a JSON array for programs.
 std::string companiesAsJson(const std::vector<Company>& companies);
 
-/// The surroundings in which the component reads. Its operations throw the `RuntimeError`s of the data access.
+/// The surroundings in which the component reads; without a database it reads blank data. Its operations throw the
+/// `RuntimeError`s of the data access.
 class DataSource {
   public:
     /// `options` and `console` outlive it.
@@ -40,7 +41,7 @@ class DataSource {
 
   private:
     PosixPlatform platform_;
-    ReferenceKvtzug kvtzug_{{}, &cancelled()};
+    std::unique_ptr<DataLibrary> library_;
     ErrorReports errors_;
     ComponentState state_;
     std::shared_ptr<HostConnection> connection_;

@@ -237,8 +237,8 @@ void addCommands(CLI::App& app, Options& options) {
                         example("vorschau GemeinK -d musterbau.sqlite -f 1 -j 2024 -m 3"));
     auto& design = add("gestalten", "öffnet das Layout einer Liste in Inkscape", Command::Design,
                        example("gestalten Umsatz -d musterbau.sqlite -f 1"));
-    auto& check = add("pruefen", "prüft das Layout einer Liste", Command::Check,
-                      example("pruefen Umsatz -d musterbau.sqlite -f 1"));
+    auto& check = add("pruefen", "prüft Layouts", Command::Check,
+                      example("pruefen") + "\n  kvtdruck pruefen Umsatz -d musterbau.sqlite -f 1");
     // Taken out before the rest is parsed; here for the help.
     print.add_option("--auftrag", "statt allem anderen: eine TOML-Datei mit einem oder mehreren Drucken")
         ->type_name("DATEI")
@@ -248,7 +248,9 @@ void addCommands(CLI::App& app, Options& options) {
     addFiles(print, options);
     addPrinter(print, options);
     for (auto* command : {&preview, &design, &check}) {
-        addReports(*command, options, "Name oder Titel der Liste");
+        addReports(*command, options,
+                   command == &check ? "Namen oder Titel der Listen, ohne Angabe alle"
+                                     : "Name oder Titel der Liste");
         addSelections(*command, options, false);
     }
     check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")

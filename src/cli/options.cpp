@@ -47,8 +47,8 @@ void settleFormat(Options& options, bool formatGiven) {
 }
 
 void checkReports(const Options& options) {
-    if (options.command != Command::Print && options.reports.size() > 1)
-        refuse("Mehrere Listen auf einmal gibt es nur mit „drucken“.");
+    if (options.command != Command::Print && options.command != Command::Check && options.reports.size() > 1)
+        refuse("Mehrere Listen auf einmal gibt es nur mit „drucken“ und „pruefen“.");
     if (options.reports.size() > 1)
         return; // each list takes what it knows, which is checked where the work is divided
     const auto& report = *options.reports.front();
@@ -107,6 +107,27 @@ void checkImport(const Options& options) {
         refuse("Es fehlt --datenbank DATEI; eingelesen wird in eine SQLite-Datenbank.");
 }
 
+/// Without a list a check is of all; without a word about data it makes do with blank ones.
+void completeCheck(Options& options) {
+    if (options.reports.empty()) {
+        options.allReports = true;
+        for (const auto& report : catalog::reports())
+            options.reports.push_back(&report);
+    }
+    constexpr double kAnyCompany = 1;
+    options.blank = !options.hasData() && options.companies.empty() && options.selections.empty();
+    if (options.blank)
+        options.companies = {kAnyCompany};
+}
+
+void checkData(const Options& options) {
+    if (!options.hasData() && !options.blank)
+        refuse("Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT.");
+    if (!options.database.empty() && !options.connectionString.empty())
+        refuse("--datenbank und --verbindung gehen nicht zusammen.");
+    checkPassword(options);
+}
+
 /// What can only be judged once all options are known.
 void check(Options& options, bool formatGiven) {
     if (options.command == Command::ListReports) {
@@ -119,13 +140,11 @@ void check(Options& options, bool formatGiven) {
     if (options.command == Command::Database && !readsDatabase(options.words))
         return;
     const bool needsReport = options.command != Command::ListCompanies && options.command != Command::Database;
+    if (options.command == Command::Check)
+        completeCheck(options);
     if (needsReport && options.reports.empty())
         refuse("Es fehlt die Liste; alle Listen nennt „kvtdruck listen“.");
-    if (options.database.empty() && options.connectionString.empty())
-        refuse("Es fehlt die Datenbank: --datenbank DATEI oder --verbindung TEXT.");
-    if (!options.database.empty() && !options.connectionString.empty())
-        refuse("--datenbank und --verbindung gehen nicht zusammen.");
-    checkPassword(options);
+    checkData(options);
     if (!needsReport)
         return;
     settleFormat(options, formatGiven);

@@ -24,8 +24,9 @@ enum class Per { Company, Year, Employee };
 struct Options {
     Command command{};
     std::vector<const catalog::ReportEntry*> reports; ///< at least one for every command on a list
-    bool allReports = false;                          ///< they were asked for as "alle"
+    bool allReports = false;                          ///< they were asked for as "alle", or a check of all
 
+    bool blank = false;           ///< a check makes do without data
     std::string database;         ///< an SQLite file; empty where
     std::string connectionString; ///< an ODBC connection string is given
     PasswordSource password;      ///< for a connection string
@@ -57,6 +58,7 @@ struct Options {
     bool creates = false;           ///< an import makes the database and the tables that are missing
     bool asJson = false;            ///< lists and companies as JSON
 
+    bool hasData() const { return !database.empty() || !connectionString.empty(); }
     bool designs() const { return command == Command::Design || command == Command::Check; }
 };
 

@@ -9,6 +9,7 @@
 #include "cli/printer_dialog.h"
 #include "cli/report_workbooks.h"
 #include "cli/selection_text.h"
+#include "cli/tight_fields.h"
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
 #include "druckwerk/exits/tee.h"
@@ -59,11 +60,7 @@ class ReportRun {
             turn.emplace(previewFolder());
         clsDruckManager manager(source_.state(), jobs_, recorder_ ? *recorder_ : *engine_);
         manager.fkt_Init(source_.connection());
-        bool done = true;
-        for (std::size_t i = 0; done && i < prints.size(); ++i) {
-            place_ = {i + 1 < prints.size(), prints[i].bookmark};
-            done = print(manager, prints[i], i == 0);
-        }
+        const bool done = options_.designs() ? design(manager, prints) : print(manager, prints);
         finishRecord();
         keepOutput(done);
         turn.reset();
@@ -71,32 +68,65 @@ class ReportRun {
             return cancelled() || dialogCancelled_ ? kCancelled : kFailed;
         if (options_.command == Command::Preview)
             showPreview(manager);
+        if (options_.command == Command::Check)
+            return judgeLayout();
         return console_.hasFailed() ? kFailed : cancelled() ? kCancelled : kDone;
     }
 
   private:
     std::vector<SinglePrint> plan() {
         const auto& report = *request_.report;
-        const auto prints = planPrints(report.axes, request_.ranges, source_.existing(report, request_.company));
-        // A designer is opened once, on the latest data.
-        return options_.designs() ? std::vector{prints.back()} : prints;
+        auto prints = planPrints(report.axes, request_.ranges, source_.existing(report, request_.company));
+        if (options_.designs())
+            for (auto& print : prints)
+                print.selections = catalog::selectionsForDesign(report, std::move(print.selections));
+        return prints;
     }
 
-    /// One of the document's prints. The pages of a preview are all printed into its file; the component shows it
-    /// with the last of them.
-    bool print(clsDruckManager& manager, const SinglePrint& single, bool first) {
+    /// The prints of a document, one after the other. The pages of a preview are all printed into its file; the
+    /// component shows it with the last of them.
+    bool print(clsDruckManager& manager, const std::vector<SinglePrint>& prints) {
+        for (std::size_t i = 0; i < prints.size(); ++i) {
+            place_ = {i + 1 < prints.size(), prints[i].bookmark};
+            const bool shows = options_.command == Command::Preview && !place_.more;
+            if (!ask(manager, shows ? kPreview : kPrint, prints[i], options_.askForPrinter && i == 0))
+                return false;
+        }
+        return true;
+    }
+
+    /// A designer is opened once, on the latest data. A check goes on to print all of them into nothing: much
+    /// shows on real values only.
+    bool design(clsDruckManager& manager, const std::vector<SinglePrint>& prints) {
+        if (!ask(manager, kDesign, prints.back(), false))
+            return false;
+        const bool goesOn = options_.command == Command::Check && !isGenerated_ && !console_.hasFailed();
+        return !goesOn || print(manager, prints);
+    }
+
+    bool ask(clsDruckManager& manager, std::int16_t mode, const SinglePrint& print, bool dialog) {
         const auto& report = *request_.report;
-        const bool shows = options_.command == Command::Preview && !place_.more;
-        const auto array =
-            values_ ? values_
-                    : catalog::parameterArray(report, options_.designs()
-                                                          ? catalog::selectionsForDesign(report, single.selections)
-                                                          : single.selections);
-        return manager.fkt_Drucken(options_.designs() ? kDesign
-                                   : shows            ? kPreview
-                                                      : kPrint,
-                                   request_.company, array, fromUtf8(folder_.string()), fromUtf8(report.listName),
-                                   options_.askForPrinter && first, kWindow, report.productMode);
+        const auto array = values_ ? values_ : catalog::parameterArray(report, print.selections);
+        return manager.fkt_Drucken(mode, request_.company, array, fromUtf8(folder_.string()),
+                                   fromUtf8(report.listName), dialog, kWindow, report.productMode);
+    }
+
+    /// What the check of a layout has come to.
+    int judgeLayout() {
+        for (const auto& message : tight_.messages())
+            find(message);
+        if (!hasFindings_ && !isGenerated_ && !console_.hasFailed() && !cancelled())
+            console_.notice("Das Layout " + layout().string() + " ist in Ordnung.");
+        return cancelled() ? kCancelled : hasFindings_ || console_.hasFailed() ? kFailed : kDone;
+    }
+
+    void find(std::string_view message) {
+        hasFindings_ = true;
+        console_.warning(message);
+    }
+
+    std::filesystem::path layout() const {
+        return layoutFolder(folder_) / (std::string(request_.report->listName) + ".svg");
     }
 
     std::filesystem::path previewFolder() const { return layoutFolder(folder_) / "Preview"; }
@@ -142,7 +172,8 @@ class ReportRun {
         druckwerk::Options settings;
         settings.output = options_.command == Command::Preview
                               ? previewFolder() / (std::string(request_.report->listName) + ".ll")
-                              : request_.output;
+                          : options_.command == Command::Check ? "/dev/null"
+                                                               : request_.output;
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
@@ -157,7 +188,9 @@ class ReportRun {
         settings.design = [this](const druckwerk::DesignRequest& request, std::string& message) {
             return design(request, message);
         };
-        settings.warn = [this](std::string_view text) { console_.warning(text); };
+        settings.warn = [this](std::string_view text) { find(text); };
+        if (options_.command == Command::Check)
+            settings.tight = [this](const druckwerk::TightField& field) { tight_.add(field); };
         settings.error = [this](const druckwerk::EngineError& error) { console_.error(error.message); };
         settings.progress = [this](const druckwerk::Progress& progress) { console_.progress(progress); };
         settings.cancelled = &cancelled();
@@ -177,9 +210,8 @@ class ReportRun {
 
     /// What is read must not be written over; `option` tells of the output.
     void refuseInput(const std::string& option, const std::filesystem::path& output) const {
-        const std::string layout = std::string(request_.report->listName) + ".svg";
         const std::array<std::filesystem::path, 3> inputs{options_.database, request_.values.value_or(""),
-                                                          layoutFolder(folder_) / layout};
+                                                          layout()};
         for (const auto& input : inputs)
             if (isSameFile(output, input))
                 throw catalog::UsageError(option + " würde die Datei " + input.string() +
@@ -260,7 +292,9 @@ class ReportRun {
 
     std::int32_t design(const druckwerk::DesignRequest& request, std::string& message) {
         const auto show = [this](const druckwerk::Finding& finding) {
-            finding.error ? console_.error(finding.message) : console_.warning(finding.message);
+            finding.error  ? console_.error(finding.message)
+            : finding.note ? console_.warning(finding.message)
+                           : find(finding.message);
         };
         if (options_.command == Command::Design) {
             if (isUnset("DISPLAY") && isUnset("WAYLAND_DISPLAY")) {
@@ -271,16 +305,14 @@ class ReportRun {
             }
             return druckwerk::design(request, show, message);
         }
-        if (!std::filesystem::exists(request.layout)) {
+        isGenerated_ = !std::filesystem::exists(request.layout);
+        if (isGenerated_) {
             console_.notice("Die Liste " + std::string(request_.report->listName) +
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
-        const auto findings = druckwerk::checkLayout(request.layout, request.definitions, options_.unused);
-        for (const auto& finding : findings)
+        for (const auto& finding : druckwerk::checkLayout(request.layout, request.definitions, options_.unused))
             show(finding);
-        if (findings.empty())
-            console_.notice("Das Layout " + request.layout.string() + " ist in Ordnung.");
         return 0;
     }
 
@@ -303,6 +335,9 @@ class ReportRun {
     Console& console_;
     druckwerk::PrintSettings printing_;
     bool dialogCancelled_ = false;
+    bool hasFindings_ = false; ///< something was said about the layout
+    bool isGenerated_ = false; ///< there is no layout to check
+    TightFields tight_;
     std::shared_ptr<catalog::ParameterArray> values_; ///< where the figures come from a file
     druckwerk::JobPlace place_;
     std::filesystem::path folder_;

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cstdio>
+#include <map>
 #include <new>
 #include <set>
 
@@ -35,6 +36,7 @@ struct Job {
     bool preview = false;
     bool failed = false;
     std::optional<Layout> layout; ///< until the first page
+    std::map<std::size_t, Layout::NameUse> names;
     std::filesystem::path output;
     std::unique_ptr<PrintJob> print; ///< from the first page on
 };
@@ -51,7 +53,9 @@ class Druckwerk::Engine {
   public:
     Engine(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)
         : options_(std::move(options)),
-          definitions_(Contents(options_->locale, [this](const std::string& message) { warn(message); })),
+          definitions_(
+              Contents(options_->locale,
+                       [this](StringView name, const std::string& message) { warnOfContent(name, message); })),
           document_(document ? std::move(document) : std::make_shared<OpenDocument>()) {}
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
@@ -103,6 +107,13 @@ class Druckwerk::Engine {
     void warn(const std::string& message) {
         if (warned_.insert(message).second && options_->warn)
             options_->warn(message);
+    }
+
+    void warnOfContent(StringView name, const std::string& message) {
+        if (job_)
+            if (const auto use = job_->names.find(definitions_.slotOf(name)); use != job_->names.end())
+                return warn(use->second.place + ": " + message);
+        warn(message);
     }
 
     bool isCancelled() const { return options_->cancelled != nullptr && *options_->cancelled; }
@@ -220,7 +231,7 @@ Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& objectName) {
         else
             warn(finding.message);
     for (const auto& message : unknownNames(layout, definitions_))
-        warn(file.string() + ", " + message);
+        warn(message);
     return layout;
 }
 
@@ -235,6 +246,7 @@ void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
     job.objectName = objectName;
     job.listName = objectName.filename().string();
     job.preview = argument<std::int32_t>(arguments, 2) == kPrintModePreview;
+    job.names = layout.names;
     job.layout = std::move(layout);
     if (!job.preview) {
         job.output = options_->output;
@@ -264,9 +276,9 @@ void Druckwerk::Engine::turnPage() {
     if (!job_->print) {
         if (!document_->isOpen())
             openDocument();
-        job_->print = std::make_unique<PrintJob>(std::move(*job_->layout), definitions_, document_->pdf(),
-                                                 job_->objectName.parent_path(), bookmark(), options_->printDate,
-                                                 [this](const std::string& message) { warn(message); });
+        job_->print = std::make_unique<PrintJob>(
+            std::move(*job_->layout), definitions_, document_->pdf(), job_->objectName.parent_path(), bookmark(),
+            options_->printDate, [this](const std::string& message) { warn(message); }, options_->tight);
         job_->layout.reset();
     }
     job_->print->beginPage();

@@ -124,38 +124,5 @@ TEST_F(DesignerTest, AFailingOrMissingDesignerIsAnError) {
     EXPECT_EQ(readFile(layout("Umsatz")), readFile(KVT_SOURCE_FOLDER "/layouts/Umsatz.svg"));
 }
 
-class EveryLayout : public DesignerTest, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(EveryLayout, IsInOrder) {
-    const std::string list = GetParam();
-    const bool hasAccounts = list == "GemeinK" || list == "NeutralA";
-    const auto outcome =
-        run(command("pruefen", list,
-                    hasAccounts ? std::vector<std::string>{"--jahr", "2025"} : std::vector<std::string>{}),
-            environment);
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.errors, "");
-}
-
-INSTANTIATE_TEST_SUITE_P(All, EveryLayout,
-                         ::testing::Values("Umsatz", "MitUeber", "Firma", "GemeinK", "NeutralA", "MaKost", "MaZeit",
-                                           "MaStKost", "MaStZeit", "KalkKo", "MatUeber", "Bilanz", "BsEMa",
-                                           "BsEStd", "BsEGes", "KalkW", "WasWenn", "UmsatzHW"));
-
-TEST_F(DesignerTest, CheckNamesWhatIsNotPrintedOnRequest) {
-    EXPECT_THAT(run(command("pruefen", "MitUeber", {"--ungedruckt"}), environment).errors,
-                HasSubstr("wird nicht gedruckt"));
-}
-
-TEST_F(DesignerTest, CheckFindsABrokenLayoutWithoutOpeningIt) {
-    ASSERT_EQ(run(command("pruefen", "Umsatz"), environment).exitCode, 0);
-    writeFile(layout("Umsatz"), "<svg");
-    const auto outcome = run(command("pruefen", "Umsatz"), environment);
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors, HasSubstr("Umsatz.svg"));
-    EXPECT_THAT(outcome.errors, HasSubstr("kein wohlgeformtes XML"));
-    EXPECT_TRUE(opened().empty());
-}
-
 } // namespace
 } // namespace kvtdruck::testing

@@ -35,7 +35,7 @@ class ExpressionTest : public ::testing::Test {
 
     std::vector<std::string> warnings;
     Definitions definitions{
-        Contents(germanLocale(), [this](const std::string& message) { warnings.push_back(message); })};
+        Contents(germanLocale(), [this](StringView, const std::string& message) { warnings.push_back(message); })};
     Aggregates aggregates;
     Totals totals{aggregates};
 };

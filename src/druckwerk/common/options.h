@@ -56,6 +56,16 @@ struct JobPlace {
     std::vector<std::string> bookmark;
 };
 
+/// A field with less room than a text needs that was to be printed into it.
+struct TightField {
+    std::string_view place; ///< file, line, layer and element
+    std::string text;
+    bool lines = false; ///< it has too few lines; otherwise the text is too wide
+    double needed = 0;  ///< width in points, or lines
+    double room = 0;    ///< the same that there is
+};
+using TightFieldSink = std::function<void(const TightField&)>;
+
 /// Takes a file that is complete and not yet in its place.
 using FinishedSink = std::function<void(std::unique_ptr<AtomicFile>)>;
 
@@ -77,6 +87,8 @@ struct Options {
     std::function<void(const Progress&)> progress;
     /// Takes German warnings, each one once a job.
     std::function<void(std::string_view)> warn;
+    /// Takes every text that is cut, or shrunk beyond what can be read well, for want of room.
+    TightFieldSink tight;
     /// Takes the error behind every error code that an operation answers.
     std::function<void(const EngineError&)> error;
     /// Set from anywhere (a signal handler) to cancel the job in hand.

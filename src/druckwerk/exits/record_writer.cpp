@@ -145,7 +145,10 @@ class JsonWriter final : public RecordWriter {
 } // namespace
 
 std::unique_ptr<RecordWriter> openWriter(const DataExportOptions& options, AtomicFile& file) {
-    Contents contents(options.locale, options.warn);
+    Contents contents(options.locale, [warn = options.warn](StringView, const std::string& message) {
+        if (warn)
+            warn(message);
+    });
     switch (options.format) {
     case DataFormat::Csv:
         return std::make_unique<CsvWriter>(file, std::move(contents));

@@ -28,7 +28,7 @@ void Contents::reportNoDate(StringView name, StringView text) {
 void Contents::report(StringView name, const std::string& message) {
     if (warn_ && reported_.find(name) == reported_.end()) {
         reported_.emplace(name);
-        warn_("Der Inhalt von " + quoted(name) + ": " + message);
+        warn_(name, "Der Inhalt von " + quoted(name) + ": " + message);
     }
 }
 

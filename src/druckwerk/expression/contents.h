@@ -13,9 +13,9 @@ namespace kvtdruck::druckwerk {
 /// Reads contents. What is not what it should be is reported, once for each name.
 class Contents {
   public:
-    using Warn = std::function<void(const std::string&)>;
+    /// Takes the name of a content and a German message about it.
+    using Warn = std::function<void(StringView name, const std::string& message)>;
 
-    /// `warn` takes German messages.
     explicit Contents(Locale locale, Warn warn = {}) : locale_(std::move(locale)), warn_(std::move(warn)) {}
 
     const Locale& locale() const { return locale_; }

@@ -14,6 +14,7 @@ constexpr double kEdgeTolerance = 0.5 * 72 / 25.4;
 BandBuilder::BandBuilder(Reading& reading, std::string label, const Target& target, const xmlNode* node)
     : reading_(reading), target_(target) {
     band_.label = std::move(label);
+    band_.place = placeOf(node);
     band_.line = static_cast<int>(lineOf(node));
 }
 

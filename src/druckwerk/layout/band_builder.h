@@ -32,12 +32,13 @@ class BandBuilder {
     /// Remembers the names of an expression or a text of `node`, within its aggregates as well.
     template <class Compiled>
     void note(const Compiled& compiled, const xmlNode* node, bool needed = true) {
-        const std::string place = Reading::placeOf(node, band_.label);
+        const std::string place = placeOf(node);
         reading_.keep(compiled.slots(), target_.moment);
         reading_.noteNames(compiled.slots(), place, needed);
         reading_.noteNames(compiled.aggregatedSlots(), place, needed);
     }
-    const std::string& label() const { return band_.label; }
+    /// File, line, layer and element, for messages.
+    std::string placeOf(const xmlNode* node) const { return reading_.placeOf(node, band_.label); }
     void warn(const xmlNode* node, const std::string& reason) {
         reading_.report(kLayoutInvalid, node, band_.label, reason, false);
     }

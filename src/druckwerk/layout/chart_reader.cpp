@@ -94,14 +94,14 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
     auto chart = std::make_unique<Chart>();
     chart->kind = kind->second;
     chart->box = boxOf(parts.rect, parts.rectContext.matrix, "Rechteck des Diagramms");
-    chart->font = band.reading().layout.fontNumber(context.style.font);
+    chart->place = band.placeOf(node);
+    chart->font = band.reading().layout.fontNumber(context.style.font, chart->place);
     chart->size = context.style.fontSize * context.matrix.scale();
     if (chart->size < 0.5 || chart->size > 200)
         invalid("Schriftgröße des Diagramms ist ungültig");
     chart->textColor = context.style.fill.color;
     chart->scope = band.target().scope;
     chart->line = static_cast<int>(lineOf(node));
-    chart->description = "Diagramm (Zeile " + std::to_string(chart->line) + ", Ebene „" + band.label() + "“)";
     if (const std::string format = attribute(node, "data-format"); !format.empty())
         chart->format = NumberPattern(fromUtf8(format));
     if (const std::string rows = attribute(node, "data-rows"); !rows.empty() && rows != "0") {

@@ -40,7 +40,7 @@ void addGroup(Reading& reading, const std::vector<std::string>& keys, const xmlN
         reading.definitions.keep(group.keys.back(), Moment::Printed);
     }
     reading.keep(group.keys, Target{}.moment);
-    reading.noteNames(group.keys, Reading::placeOf(node, layerLabel(node)), true);
+    reading.noteNames(group.keys, reading.placeOf(node, layerLabel(node)), true);
 }
 
 } // namespace

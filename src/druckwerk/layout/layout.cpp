@@ -47,10 +47,11 @@ double Layout::flowBottom() const {
     return footer ? footer->top : height - kBottomMargin;
 }
 
-std::size_t Layout::fontNumber(const FontRequest& font) {
-    const auto number = static_cast<std::size_t>(std::find(fonts.begin(), fonts.end(), font) - fonts.begin());
+std::size_t Layout::fontNumber(const FontRequest& font, const std::string& place) {
+    const auto known = std::ranges::find(fonts, font, &Font::request);
+    const auto number = static_cast<std::size_t>(known - fonts.begin());
     if (number == fonts.size())
-        fonts.push_back(font);
+        fonts.push_back({font, place});
     return number;
 }
 

@@ -47,9 +47,9 @@ struct TextItem {
     bool grows = false;
     bool fromBottom = false; ///< of lines: the last one stands on the baseline, the others above it
     std::optional<Matrix>
-        turned;              ///< for text that does not run upright: maps the text from the origin to its place
-    std::string description; ///< for messages
-    int line = 0;            ///< in the layout's file
+        turned;        ///< for text that does not run upright: maps the text from the origin to its place
+    std::string place; ///< file, line, layer and element, for messages
+    int line = 0;      ///< in the layout's file
 };
 
 struct Chart {
@@ -70,8 +70,8 @@ struct Chart {
     std::optional<Expression> rows; ///< which lines are its points; without it the points are in the series
     std::size_t rowChart = 0;       ///< with `rows`: its place among the layout's charts of lines
     AggregateScope scope = kTableScope;
-    std::string description;
-    int line = 0; ///< in the layout's file
+    std::string place; ///< file, line, layer and element, for messages
+    int line = 0;      ///< in the layout's file
 };
 
 /// An element that only the SVG library can draw, by its id.
@@ -88,6 +88,7 @@ struct Item {
 
 struct Band {
     std::string label;
+    std::string place; ///< file, line, layer and element, for messages
     int line = 0;
     double top = 0;
     double height = 0;
@@ -116,22 +117,26 @@ struct Layout {
     std::optional<Band> columnHead, row, carriedIn, carriedOut, sum, footer;
     std::vector<Group> groups;
     Aggregates aggregates;
-    std::vector<FontRequest> fonts;
+    struct Font {
+        FontRequest request;
+        std::string place; ///< of its first use
+    };
+    std::vector<Font> fonts;
     std::vector<const Chart*> rowCharts;
     std::set<std::pair<int, int>> opacities;
     std::vector<std::string> foreignIds;
     std::string foreignSource; ///< the SVG with an id for each foreign element
     /// A name that it shows or counts with.
     struct NameUse {
-        std::string place;   ///< of the first use: line, layer and element
+        std::string place;   ///< of its first use
         bool needed = false; ///< stands outside of conditions somewhere
     };
     std::map<std::size_t, NameUse> names; ///< by slot
 
     double flowTop() const;
     double flowBottom() const;
-    /// The number of the font among `fonts`, where it is added if it is new.
-    std::size_t fontNumber(const FontRequest& font);
+    /// The number of the font that is used at `place` among `fonts`, where it is added if it is new.
+    std::size_t fontNumber(const FontRequest& font, const std::string& place);
 };
 
 /// Reads the layout `source` (SVG text), called `name` in messages, from folder `folder`. What prevents printing is

@@ -44,12 +44,13 @@ std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::v
         if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
             return findings;
         for (const auto& message : unknownNames(layout, definitions))
-            findings.push_back({false, kLayoutInvalid, file.string() + ", " + message});
+            findings.push_back({false, kLayoutInvalid, message});
         for (const auto& definition : known)
             if (unused && !layout.names.contains(definitions.slotOf(fromUtf8(definition.name))))
                 findings.push_back({false, kLayoutInvalid,
                                     file.string() + ": " + (definition.field ? "Feld" : "Variable") + " „" +
-                                        definition.name + "“ wird nicht gedruckt"});
+                                        definition.name + "“ wird nicht gedruckt",
+                                    true});
     } catch (const Fault& fault) {
         findings.push_back({true, fault.code(), fault.what()});
     }

@@ -10,10 +10,7 @@ void invalid(const std::string& reason) {
 
 void Reading::report(std::int32_t code, const xmlNode* node, const std::string& layer, const std::string& reason,
                      bool error) {
-    std::string message = name;
-    if (node != nullptr)
-        message += ", " + placeOf(node, layer);
-    message += ": " + reason;
+    std::string message = (node == nullptr ? name : placeOf(node, layer)) + ": " + reason;
     const bool known = std::any_of(findings.begin(), findings.end(),
                                    [&](const Finding& finding) { return finding.message == message; });
     if (!known) // an element's style may be asked for more than once
@@ -34,10 +31,10 @@ void Reading::applyStyle(const xmlNode* node, const std::string& layer, Style& s
         apply(property, value);
 }
 
-std::string Reading::placeOf(const xmlNode* node, const std::string& layer) {
+std::string Reading::placeOf(const xmlNode* node, const std::string& layer) const {
     const std::string id = attribute(node, "id");
-    return "Zeile " + std::to_string(lineOf(node)) + (layer.empty() ? "" : ", Ebene „" + layer + "“") + ", <" +
-           std::string(localName(node)) + (id.empty() ? "" : " id=\"" + id + "\"") + ">";
+    return name + ", Zeile " + std::to_string(lineOf(node)) + (layer.empty() ? "" : ", Ebene „" + layer + "“") +
+           ", <" + std::string(localName(node)) + (id.empty() ? "" : " id=\"" + id + "\"") + ">";
 }
 
 void Reading::noteNames(const std::vector<std::size_t>& slots, const std::string& place, bool needed) {

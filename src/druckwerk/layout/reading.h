@@ -60,8 +60,8 @@ struct Reading {
     /// understood is reported.
     void applyStyle(const xmlNode* node, const std::string& layer, Style& style);
 
-    /// Line, layer and element, for messages.
-    static std::string placeOf(const xmlNode* node, const std::string& layer);
+    /// File, line, layer and element, for messages.
+    std::string placeOf(const xmlNode* node, const std::string& layer) const;
 
     /// Remembers names that the layout uses at `place`. What only elements with a condition show may be missing
     /// (`needed` is false): the condition tells when it is there.

@@ -99,7 +99,8 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
     const Matrix& matrix = piece.context.matrix;
     TextItem item(
         TextTemplate(fromUtf8(collapsed(piece.text)), band.definitions(), band.aggregates(), band.target().scope));
-    item.font = band.reading().layout.fontNumber(style.font);
+    item.place = band.placeOf(node);
+    item.font = band.reading().layout.fontNumber(style.font, item.place);
     band.note(item.text, node, piece.context.conditions.empty());
     item.size = style.fontSize * matrix.scale();
     item.color = style.fill.color;
@@ -111,8 +112,6 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
                              matrix.d / scale, item.baseline.x,  item.baseline.y};
     }
     item.line = static_cast<int>(lineOf(node));
-    item.description =
-        collapsed(piece.text) + " (Zeile " + std::to_string(item.line) + ", Ebene „" + band.label() + "“)";
     return item;
 }
 

@@ -62,7 +62,7 @@ class Drawing {
             return drawShares();
         layOutAxis();
         if (area_.width <= 0 || area_.height <= 0)
-            return warn_(chart_.description + " ist für seine Schriftgröße zu klein und bleibt leer");
+            return warn_(chart_.place + ": Diagramm ist für seine Schriftgröße zu klein und bleibt leer");
         drawGrid();
         drawLabels();
         const bool lines = chart_.kind == Chart::Kind::Lines;
@@ -315,7 +315,7 @@ void collectPoint(const Chart& chart, const Scene& scene, ChartPoints& points, c
         return;
     points.values.resize(chart.series.size());
     if (points.values[0].size() == kMostPoints)
-        return warn(chart.description + " zeigt nur die ersten " + std::to_string(kMostPoints) + " Zeilen");
+        return warn(chart.place + ": Diagramm zeigt nur die ersten " + std::to_string(kMostPoints) + " Zeilen");
     for (std::size_t i = 0; i < chart.series.size(); ++i)
         points.values[i].push_back(chart.series[i].values[0].evaluate(scene));
     if (!chart.labels.empty())

@@ -17,11 +17,12 @@ double heightOf(const std::optional<Band>& band) {
 
 PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
                    const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
-                   FontLibrary::Warn warn)
+                   FontLibrary::Warn warn, TightFieldSink tight)
     : layout_(std::move(layout)), totals_(layout_.aggregates), definitions_(definitions), warn_(warn),
       printDate_(dateOf(date.year, date.month, date.day, date.hour, date.minute, date.second)), document_(document),
-      bookmark_(std::move(bookmark)), begin_(document.mark()), setter_(document_, layout_.fonts, std::move(warn)),
-      points_(layout_.rowCharts.size()), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+      bookmark_(std::move(bookmark)), begin_(document.mark()),
+      setter_(document_, layout_.fonts, std::move(warn), std::move(tight)), points_(layout_.rowCharts.size()),
+      top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
     document_.setPageSize(layout_.width, layout_.height);
     for (const auto& [fill, stroke] : layout_.opacities)
         document_.useOpacity(fill, stroke);
@@ -139,7 +140,7 @@ void PrintJob::takeLineIntoAccount() {
 void PrintJob::drawRow(double growth) {
     const bool tooTall = y_ + layout_.row->height + growth > bottom_ + kTolerance;
     if (tooTall) {
-        warn_("Zeile ist höher als die Seite und wurde abgeschnitten");
+        warn_(layout_.row->place + ": Zeile ist höher als die Seite und wurde abgeschnitten");
         document_.canvas().beginClip({0, 0, layout_.width, bottom_});
     }
     flow(*layout_.row, Moment::Now, growth);

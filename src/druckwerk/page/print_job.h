@@ -14,7 +14,7 @@ class PrintJob {
     /// the job.
     PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
              const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
-             FontLibrary::Warn warn);
+             FontLibrary::Warn warn, TightFieldSink tight = {});
     PrintJob(const PrintJob&) = delete;
     PrintJob& operator=(const PrintJob&) = delete;
     /// A job that has not come to its end takes its pages out again.

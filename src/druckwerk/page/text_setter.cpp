@@ -14,6 +14,7 @@ constexpr double kLineSpacing = 1.2;          // of the size
 constexpr double kDescent = 0.22;             // of the size, below the last baseline
 constexpr double kAscent = 0.73;              // of the size, capitals above the first baseline
 constexpr double kSmallest = 0.5;             // how far a text may shrink
+constexpr double kReadable = 6;               // points: what shrinks below them is told
 constexpr std::size_t kLongestLine = 4096;    // characters that one line is measured for
 constexpr std::size_t kLongestText = 100'000; // characters that are broken into lines
 
@@ -36,10 +37,22 @@ std::size_t linesIn(const TextItem& item, double growth) {
 
 } // namespace
 
-TextSetter::TextSetter(PdfDocument& document, const std::vector<FontRequest>& fonts, FontLibrary::Warn warn)
-    : document_(document), warn_(std::move(warn)) {
-    for (const FontRequest& font : fonts)
-        faces_.push_back(&document_.fonts().face(font));
+TextSetter::TextSetter(PdfDocument& document, const std::vector<Layout::Font>& fonts, FontLibrary::Warn warn,
+                       TightFieldSink tight)
+    : document_(document), warn_(std::move(warn)), tight_(std::move(tight)) {
+    for (const auto& font : fonts) {
+        document_.fonts().setPlace(&font.place);
+        faces_.push_back(&document_.fonts().face(font.request));
+    }
+}
+
+TextSetter::~TextSetter() {
+    document_.fonts().setPlace(nullptr);
+}
+
+void TextSetter::tellTight(const TextItem& item, StringView text, double needed, double room, bool lines) const {
+    if (tight_)
+        tight_({item.place, toUtf8(text), lines, needed, room});
 }
 
 void TextSetter::line(StringView text, Face& face, Point at, double size, Rgb color, Anchor anchor) {
@@ -84,6 +97,7 @@ void TextSetter::showPageCount(const TextItem& item, StringView text, Point at) 
 void TextSetter::set(const TextItem& item, StringView text, double down, double growth) {
     if (text.empty())
         return;
+    document_.fonts().setPlace(&item.place);
     const Point at{item.baseline.x, item.baseline.y + down};
     if (item.fit != Fit::Wrap)
         text = text.substr(0, wholeCharacters(text, std::min(text.size(), kLongestLine)));
@@ -110,18 +124,24 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
         link(item, text, text, left, item.size);
     } else if (item.fit == Fit::Shrink || item.text.isLoneNumber())
         shrink(item, text, at, room);
-    else
+    else {
+        tellTight(item, text, width, room);
         showLine(item, text, cut(text, faceOf(item), item.size, room), at, item.size);
+    }
 }
 
 void TextSetter::shrink(const TextItem& item, StringView text, Point at, double room) {
-    const double size = item.size * room / width(text, faceOf(item), item.size);
+    const double needed = width(text, faceOf(item), item.size);
+    const double size = item.size * room / needed;
+    if (size < std::min(item.size, kReadable))
+        tellTight(item, text, needed, room);
     if (size >= item.size * kSmallest)
         return showLine(item, text, text, at, size);
     const double smallest = item.size * kSmallest;
     if (!item.text.isLoneNumber())
         return showLine(item, text, cut(text, faceOf(item), smallest, room), at, smallest);
-    warn_("Zahl passt nicht in das Feld „" + item.description + "“");
+    if (!tight_)
+        warn_(item.place + ": Zahl „" + toUtf8(text) + "“ passt nicht in das Feld");
     showLine(item, text, cut(u"####", faceOf(item), smallest, room), at, smallest);
 }
 
@@ -193,17 +213,25 @@ std::vector<String> TextSetter::linesOf(StringView text, Face& face, double size
     return lines;
 }
 
+void TextSetter::shorten(std::vector<String>& lines, std::size_t most, Face& face, double size, double room) {
+    if (lines.size() <= most)
+        return;
+    lines.resize(most);
+    lines.back() = ellipsized(lines.back(), face, size, room);
+}
+
 std::vector<String> TextSetter::lines(StringView text, Face& face, double size, double room, std::size_t most) {
     std::vector<String> lines = linesOf(text, face, size, room, most);
-    if (lines.size() > most) {
-        lines.resize(most);
-        lines.back() = ellipsized(lines.back(), face, size, room);
-    }
+    shorten(lines, most, face, size, room);
     return lines;
 }
 
 void TextSetter::wrap(const TextItem& item, StringView text, Point at, double room, double growth) {
-    const auto shownLines = lines(text, faceOf(item), item.size, room, linesIn(item, growth));
+    const std::size_t most = linesIn(item, growth);
+    auto shownLines = linesOf(text, faceOf(item), item.size, room, most);
+    if (shownLines.size() > most)
+        tellTight(item, text, static_cast<double>(shownLines.size()), static_cast<double>(most), true);
+    shorten(shownLines, most, faceOf(item), item.size, room);
     if (item.fromBottom && !shownLines.empty())
         at.y -= static_cast<double>(shownLines.size() - 1) * item.size * kLineSpacing;
     for (const String& shown : shownLines) {

@@ -1,6 +1,7 @@
 // Places the texts of a layout: aligned, wrapped, shrunk or cut as their fields say.
 #pragma once
 
+#include "druckwerk/common/options.h"
 #include "druckwerk/layout/layout.h"
 #include "druckwerk/page/document.h"
 
@@ -9,7 +10,12 @@ namespace kvtdruck::druckwerk {
 class TextSetter {
   public:
     /// Fonts are named by their numbers among `fonts`.
-    TextSetter(PdfDocument& document, const std::vector<FontRequest>& fonts, FontLibrary::Warn warn);
+    /// `tight` takes what does not fit, `warn` numbers that can't be read.
+    TextSetter(PdfDocument& document, const std::vector<Layout::Font>& fonts, FontLibrary::Warn warn,
+               TightFieldSink tight);
+    TextSetter(const TextSetter&) = delete;
+    TextSetter& operator=(const TextSetter&) = delete;
+    ~TextSetter();
 
     Face& face(std::size_t font) { return *faces_[font]; }
 
@@ -38,14 +44,18 @@ class TextSetter {
     void shrink(const TextItem& item, StringView text, Point at, double room);
     void wrap(const TextItem& item, StringView text, Point at, double room, double growth);
     std::vector<String> linesOf(StringView text, Face& face, double size, double room, std::size_t most);
+    void shorten(std::vector<String>& lines, std::size_t most, Face& face, double size, double room);
     String ellipsized(StringView text, Face& face, double size, double room);
     std::size_t fitting(StringView text, Face& face, double size, double width, StringView end);
+
+    void tellTight(const TextItem& item, StringView text, double needed, double room, bool lines = false) const;
 
     Face& faceOf(const TextItem& item) { return face(item.font); }
 
     PdfDocument& document_;
     std::vector<Face*> faces_;
     FontLibrary::Warn warn_;
+    TightFieldSink tight_;
     ShapedText shaped_;
 };
 

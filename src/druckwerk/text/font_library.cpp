@@ -47,8 +47,8 @@ Face& FontLibrary::face(const FontRequest& request) {
     const bool found = installed_.findLike(request, [&, slot = &entry->second](const FontFile& font) {
         *slot = open(font);
         if (*slot != nullptr && !isGeneric(wanted) && !font.hasFamily(wanted))
-            warn_("Schrift „" + wanted + "“ ist nicht installiert oder nicht einbettbar, ersetzt durch „" +
-                  nameOf(font) + "“");
+            warn("Schrift „" + wanted + "“ ist nicht installiert oder nicht einbettbar, ersetzt durch „" +
+                 nameOf(font) + "“");
         return *slot != nullptr;
     });
     if (!found)
@@ -70,7 +70,7 @@ Face& FontLibrary::faceFor(char32_t c, Face& preferred) {
             if (face == nullptr || !face->hasGlyph(c))
                 return false;
             *slot = face;
-            warn_("Zeichen, die der Schrift fehlen, werden in „" + nameOf(font) + "“ gesetzt");
+            warn("Zeichen, die der Schrift fehlen, werden in „" + nameOf(font) + "“ gesetzt");
             return true;
         });
         if (found)
@@ -78,7 +78,7 @@ Face& FontLibrary::faceFor(char32_t c, Face& preferred) {
     }
     std::array<char, 16> name{};
     std::snprintf(name.data(), name.size(), "U+%04X", static_cast<unsigned>(c));
-    warn_(std::string("Zeichen ") + name.data() + " fehlt in allen Schriften");
+    warn(std::string("Zeichen ") + name.data() + " fehlt in allen Schriften");
     return preferred;
 }
 

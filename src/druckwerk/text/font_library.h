@@ -21,6 +21,9 @@ class FontLibrary {
     FontLibrary(PdfOutput& output, Warn warn);
     ~FontLibrary();
 
+    /// What is asked for from now on stands at `place`, which warnings name; it has to stay until the next call.
+    void setPlace(const std::string* place) { place_ = place; }
+
     /// The face that is installed for `request`, or its substitute (with a warning). Raises a Fault where there is
     /// no font at all.
     Face& face(const FontRequest& request);
@@ -41,6 +44,7 @@ class FontLibrary {
 
   private:
     Face* open(const FontFile& font);
+    void warn(const std::string& message) const { warn_(place_ == nullptr ? message : *place_ + ": " + message); }
 
     PdfOutput& output_;
     Warn warn_;
@@ -52,6 +56,7 @@ class FontLibrary {
     std::map<std::pair<Face*, std::uint32_t>, std::unique_ptr<GlyphPicture>> pictures_;
     std::vector<int> images_;
     ShapedText measured_;
+    const std::string* place_ = nullptr;
 };
 
 } // namespace kvtdruck::druckwerk
