@@ -3,10 +3,10 @@
 #include "control/print_mode.h"
 #include "druckwerk/common/fault.h"
 #include "druckwerk/expression/definitions.h"
+#include "druckwerk/job.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
 #include "druckwerk/open_document.h"
-#include "druckwerk/page/print_job.h"
 #include "druckwerk/text/installed_fonts.h"
 #include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
@@ -28,18 +28,6 @@ std::unique_ptr<TemporaryFolder> newTemporaryFolder() {
         throw Fault(kOutputFailed, "Im Ordner für temporäre Dateien kann nichts angelegt werden");
     }
 }
-
-/// A print job between its start and its end.
-struct Job {
-    std::string listName;
-    std::filesystem::path objectName;
-    bool preview = false;
-    bool failed = false;
-    std::optional<Layout> layout; ///< until the first page
-    std::map<std::size_t, Layout::NameUse> names;
-    std::filesystem::path output;
-    std::unique_ptr<PrintJob> print; ///< from the first page on
-};
 
 /// The layout file that belongs to an object name.
 std::filesystem::path layoutFile(const std::filesystem::path& objectName) {

@@ -279,7 +279,9 @@ INSTANTIATE_TEST_SUITE_P(
     All, WrongUsage,
     ::testing::Values(
         UsageCase{
-            "NoCommand", {}, "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen."},
+            "NoCommand",
+            {},
+            "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, firmen, datenbank oder einlesen."},
         UsageCase{"NoList", {"drucken"}, "Es fehlt die Liste; alle Listen nennt „kvtdruck listen“."},
         UsageCase{"NoCompany",
                   {"drucken", "Umsatz", "-d", "d"},
