@@ -9,7 +9,8 @@ usage: bench/compare.py BUILDFOLDER [--rows N] [--rounds N] [--only list,parts,s
   parts   instructions a row of component, data access and engine apart (callgrind; the difference between two runs of
           different length, so start-up is left out)
   start   a report of one page against /bin/true and libharu's one page
-  growth  time and memory of lists, of sheets with charts and of figures from a file as they become longer
+  growth  time and memory of lists, of sheets with charts and of figures from a file as they become longer: the CPU time
+          of each record that a size has more than the size before stays the same where growth is linear
 
 A ratio is taken within each round; its median stands with its least and its greatest value. Times are the least of all
 rounds.
@@ -261,7 +262,7 @@ class Bench:
 
     def growth(self):
         print(f"\ngrowth, {self.rounds} rounds\n{'':22}{'records':>9}{'wall s':>9}{'CPU s':>9}{'MiB':>8}"
-              f"{'CPU µs a record':>17}  of the row above")
+              f"{'µs a further one':>17}  of the row above")
         staff = {}
 
         def months(report):
@@ -284,16 +285,14 @@ class Bench:
             self.grow(name, command, sizes)
 
     def grow(self, name, command, sizes):
-        start = least([Run(command(12)) for _ in range(self.rounds)], "cpu")
-        before = None
+        """Each size with the time of the records that it has more than the size before."""
+        before, cpu, each = 12, least([Run(command(12)) for _ in range(self.rounds)], "cpu"), None
         for records in sizes:
             runs = [Run(command(records)) for _ in range(self.rounds)]
-            each = (least(runs, "cpu") - start) / records * 1e6
+            slope = (least(runs, "cpu") - cpu) / (records - before) * 1e6
             print(f"{name:22}{records:9}{least(runs, 'wall'):9.3f}{least(runs, 'cpu'):9.3f}{least(runs, 'memory'):8.1f}"
-                  f"{each:17.2f}  {each / before:.2f}" if before else
-                  f"{name:22}{records:9}{least(runs, 'wall'):9.3f}{least(runs, 'cpu'):9.3f}{least(runs, 'memory'):8.1f}"
-                  f"{each:17.2f}", flush=True)
-            before = each
+                  f"{slope:17.2f}" + (f"  {slope / each:.2f}" if each else ""), flush=True)
+            before, cpu, each = records, least(runs, "cpu"), slope
 
 
 def machine():

@@ -1,5 +1,7 @@
 #include "cli/library_versions.h"
 
+#include "platform/posix/lazy_function.h"
+
 #include <CLI/Version.hpp>
 #include <cairo.h>
 #include <cups/cups.h>
@@ -38,6 +40,15 @@ std::string pngVersion() {
     return dotted(version / 10000, version / 100 % 100, version % 100);
 }
 
+// These two are loaded when they are asked for.
+constexpr const char* kDrawing = "librsvg-2.so.2";
+const LazyFunction<decltype(::cairo_version_string)> cairo_version_string(kDrawing, "cairo_version_string");
+
+std::string rsvgVersion() {
+    const auto part = [](const char* name) { return *static_cast<const guint*>(addressOf(kDrawing, name)); };
+    return dotted(part("rsvg_major_version"), part("rsvg_minor_version"), part("rsvg_micro_version"));
+}
+
 } // namespace
 
 std::string versionText() {
@@ -50,7 +61,7 @@ std::string versionText() {
         {"HarfBuzz", hb_version_string()},
         {"libdeflate", LIBDEFLATE_VERSION_STRING},
         {"libpng", pngVersion()},
-        {"librsvg", LIBRSVG_VERSION},
+        {"librsvg", rsvgVersion()},
         {"libxml2", LIBXML_DOTTED_VERSION},
         {"qpdf", qpdf_get_qpdf_version()},
         {"SQLite", sqlite3_libversion()},
