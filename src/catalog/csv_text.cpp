@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <string>
+#include <utility>
 
 namespace kvtdruck::catalog {
 namespace {

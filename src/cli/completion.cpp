@@ -1,8 +1,10 @@
 #include "cli/completion.h"
 
 #include "cli/data_source.h"
+#include "cli/database_command.h"
 #include "cli/option_groups.h"
 #include "cli/presets.h"
+#include "kvtzug/schema.h"
 
 #include <CLI/CLI.hpp>
 
@@ -75,7 +77,9 @@ class Completer {
         }
         if (current_.starts_with("-"))
             return listed(options(), current_, "");
-        return listed(command_->get_subcommands({}).empty() ? lists() : commands(), current_, "");
+        if (argumentName() == "TABELLE" && !arguments_.empty())
+            return kFiles;
+        return listed(command_->get_subcommands({}).empty() ? arguments() : commands(), current_, "");
     }
 
   private:
@@ -90,8 +94,10 @@ class Completer {
                 pending = takeOption(word);
             } else if (const auto* command = commandNamed(word)) {
                 command_ = command;
-            } else if (const auto* report = catalog::findReportLike(word)) {
-                reports_.push_back(report);
+            } else {
+                arguments_.push_back(word);
+                if (const auto* report = catalog::findReportLike(word))
+                    reports_.push_back(report);
             }
         }
         return pending;
@@ -126,11 +132,33 @@ class Completer {
         return result;
     }
 
+    /// What the command calls its arguments; empty where it takes none.
+    std::string argumentName() const {
+        const auto positionals = command_->get_options([](const CLI::Option* o) { return o->get_positional(); });
+        return positionals.empty() ? std::string() : positionals.front()->get_name();
+    }
+
+    std::vector<Candidate> arguments() const {
+        const auto name = argumentName();
+        std::vector<Candidate> result;
+        if (name == "LISTE")
+            return lists();
+        if (name == "TABELLE")
+            for (const auto& table : schema())
+                result.push_back({table.name, table.meaning});
+        if (name == "AUFGABE" && arguments_.empty())
+            result = {{"pruefen", "was fehlt, und welche Listen sich drucken lassen"},
+                      {"vorlage", "die Sichten als SQL"},
+                      {"tabellen", "alle Tabellen und Spalten"}};
+        else if (name == "AUFGABE" && arguments_ == Words{"vorlage"})
+            for (const auto& product : databaseProducts())
+                result.push_back({product, "Vorlage"});
+        return result;
+    }
+
     std::vector<Candidate> lists() const {
         std::vector<Candidate> result;
         const auto positionals = command_->get_options([](const CLI::Option* o) { return o->get_positional(); });
-        if (positionals.empty())
-            return result;
         for (const auto& report : catalog::reports())
             if (std::ranges::find(reports_, &report) == reports_.end())
                 result.push_back({std::string(report.listName), std::string(report.title)});
@@ -247,6 +275,7 @@ class Completer {
     Words words_;
     std::string current_;
     std::map<std::string, std::string> given_; ///< values by the long names of options
+    Words arguments_;
     std::vector<const catalog::ReportEntry*> reports_;
 };
 

@@ -10,6 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace kvtdruck::cli {
 namespace {
@@ -150,18 +153,22 @@ class DatabaseReport {
 
 } // namespace
 
+std::vector<std::string> databaseProducts() {
+    std::vector<std::string> names;
+    for (const auto& [name, product] : products())
+        names.push_back(name);
+    return names;
+}
+
 bool readsDatabase(const std::vector<std::string>& words) {
     const auto task = words.empty() ? std::string() : words.front();
     if (task.empty())
         refuse("Es fehlt, was zu tun ist: datenbank pruefen, datenbank vorlage oder datenbank tabellen.");
     if (task == kTemplate) {
-        std::vector<std::string> names;
-        for (const auto& [name, product] : products())
-            names.push_back(name);
         if (words.size() != 2)
             refuse("Der Aufruf ist „kvtdruck datenbank vorlage mariadb|postgresql|sqlite|sqlserver“.");
         if (!products().contains(words[1]))
-            refuse("Für „" + words[1] + "“ gibt es keine Vorlage" + perhaps(words[1], names) +
+            refuse("Für „" + words[1] + "“ gibt es keine Vorlage" + perhaps(words[1], databaseProducts()) +
                    "; es gibt mariadb, postgresql, sqlite und sqlserver.");
         return false;
     }

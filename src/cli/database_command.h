@@ -6,6 +6,9 @@
 
 namespace kvtdruck::cli {
 
+/// The products that `datenbank vorlage` knows.
+std::vector<std::string> databaseProducts();
+
 /// Whether `datenbank` with these words reads a database; throws a `catalog::UsageError` for words that mean
 /// nothing.
 bool readsDatabase(const std::vector<std::string>& words);

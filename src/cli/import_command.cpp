@@ -7,11 +7,18 @@
 #include "kvtzug/table_import.h"
 #include "values/conversion.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <optional>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
 
 namespace kvtdruck::cli {
 namespace {

@@ -53,7 +53,7 @@ std::string rsvgVersion() {
 
 std::string versionText() {
     const std::pair<const char*, std::string> libraries[] = {
-        {"cairo", CAIRO_VERSION_STRING},
+        {"cairo", cairo_version_string()},
         {"CLI11", CLI11_VERSION},
         {"CUPS", dotted(CUPS_VERSION_MAJOR, CUPS_VERSION_MINOR, CUPS_VERSION_PATCH)},
         {"fontconfig", fontconfigVersion()},

@@ -4,6 +4,7 @@
 #include "values/runtime_error.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <optional>

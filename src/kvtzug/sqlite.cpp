@@ -9,7 +9,10 @@
 #include <charconv>
 #include <cstdio>
 #include <fstream>
+#include <initializer_list>
+#include <memory>
 #include <sqlite3.h>
+#include <string>
 #include <string_view>
 #include <thread>
 #include <utility>

@@ -3,8 +3,12 @@
 #include "kvtzug/database_template.h"
 
 #include <algorithm>
+#include <atomic>
+#include <filesystem>
 #include <sqlite3.h>
 #include <stdexcept>
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>

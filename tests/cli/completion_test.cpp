@@ -56,6 +56,13 @@ TEST_F(Completion, OffersWhatTheDatabaseHolds) {
     EXPECT_THAT(offered({"drucken", "Umsatz", "--von", "201"}), HasSubstr("2019\tJahr\n"));
 }
 
+TEST_F(Completion, OffersTasksAndTablesOfADatabase) {
+    EXPECT_THAT(offered({"datenbank", "v"}), StartsWith("vorlage\t"));
+    EXPECT_THAT(offered({"datenbank", "vorlage", "post"}), StartsWith("postgresql\t"));
+    EXPECT_THAT(offered({"einlesen", "kon"}), StartsWith("konten\t"));
+    EXPECT_EQ(offered({"einlesen", "umsatz", ""}), ":datei\n");
+}
+
 TEST_F(Completion, OffersNothingWhereTheDatabaseCannotBeRead) {
     const auto outcome = kvtdruck({"vervollstaendigen", "drucken", "-d", output("fehlt.sqlite"), "-f", ""});
     EXPECT_EQ(outcome.output, "");

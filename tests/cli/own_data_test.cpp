@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
+
 namespace kvtdruck::testing {
 namespace {
 
@@ -123,6 +125,20 @@ TEST_F(OwnData, ComesInWholeOrNotAtAll) {
           "Zeile 7, Spalte 1: fnr ist ein Schlüssel und darf nicht leer sein.",
           "Zeile 8, Spalte 3: Die Zeile hat 3 statt 5 Spalten.", "Es wurde nichts eingelesen."})
         EXPECT_THAT(outcome.errors, HasSubstr(text));
+    EXPECT_EQ(query(".dump"), before);
+}
+
+TEST_F(OwnData, CtrlCLeavesTheDatabaseAsItWas) {
+    const auto before = query(".dump");
+    std::string text = "fnr;fjahr;vkonto;ekonto;kontenart\n";
+    for (int account = 0; account < 300'000; ++account)
+        text += "1;2030;" + std::to_string(account) + ";" + std::to_string(account) + ";1\n";
+    Program program({KVT_PROGRAM, "einlesen", "konten", file("viel.csv", text), "--datenbank", database()});
+    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(database() + "-journal"); }))
+        << "rows are being written";
+    program.signal(SIGINT);
+    const auto outcome = program.wait();
+    EXPECT_EQ(outcome.exitCode, 130) << outcome.errors << outcome.output;
     EXPECT_EQ(query(".dump"), before);
 }
 

@@ -8,10 +8,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
 #include <set>
+#include <string>
+#include <vector>
 
 namespace kvtdruck {
 namespace {

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <tuple>
+#include <utility>
 
 namespace kvtdruck::druckwerk {
 namespace {

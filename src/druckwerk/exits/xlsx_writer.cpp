@@ -11,6 +11,10 @@
 
 #include <initializer_list>
 #include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace kvtdruck::druckwerk {
