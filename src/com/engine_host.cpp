@@ -15,13 +15,12 @@
 namespace kvtdruck::com {
 namespace {
 
-constexpr StringView kControl = u"ListLabel.ListLabel";
 constexpr wchar_t kWindowClass[] = L"KVTDruck.frmDruck";
-/// No operation takes more.
-constexpr std::size_t kMostArguments = 10;
 
-/// The class of the hidden windows, which all threads share. It lives as long as a form of any thread, so that the
-/// DLL can be unloaded.
+} // namespace
+
+/// The class of the hidden windows, which all threads share. It lives as long as any thread may need it, so that
+/// the DLL can be unloaded.
 class WindowClass {
   public:
     WindowClass() {
@@ -47,6 +46,12 @@ class WindowClass {
     static inline int users_ = 0;
 };
 
+namespace {
+
+constexpr StringView kControl = u"ListLabel.ListLabel";
+/// No operation takes more.
+constexpr std::size_t kMostArguments = 10;
+
 class HiddenWindow {
   public:
     HiddenWindow() {
@@ -62,7 +67,6 @@ class HiddenWindow {
     HWND get() const { return window_; }
 
   private:
-    WindowClass class_;
     HWND window_ = nullptr;
 };
 
@@ -153,8 +157,9 @@ class ComControl final : public Control {
 
 class ComForm final : public Form {
   public:
-    explicit ComForm(Platform& platform)
-        : hosted_(createControl(), window_.get()), control_(hosted_.control().as<IDispatch>(), platform) {}
+    ComForm(Platform& platform, std::shared_ptr<WindowClass> windowClass)
+        : windowClass_(std::move(windowClass)), hosted_(createControl(), window_.get()),
+          control_(hosted_.control().as<IDispatch>(), platform) {}
 
     Control& ll60() override { return control_; }
     WindowHandle hWnd() override { return {reinterpret_cast<std::intptr_t>(window_.get())}; }
@@ -162,6 +167,7 @@ class ComForm final : public Form {
     void hide() override { ShowWindow(window_.get(), SW_HIDE); }
 
   private:
+    std::shared_ptr<WindowClass> windowClass_; // outlives the window
     HiddenWindow window_;
     HostedControl hosted_;
     ComControl control_;
@@ -170,7 +176,9 @@ class ComForm final : public Form {
 } // namespace
 
 std::unique_ptr<Form> ComFormFactory::create() {
-    return std::make_unique<ComForm>(platform_);
+    if (!windowClass_)
+        windowClass_ = std::make_shared<WindowClass>();
+    return std::make_unique<ComForm>(platform_, windowClass_);
 }
 
 } // namespace kvtdruck::com

@@ -4,7 +4,11 @@
 #include "control/control.h"
 #include "platform/services.h"
 
+#include <memory>
+
 namespace kvtdruck::com {
+
+class WindowClass;
 
 /// Makes forms: a hidden window that carries a new control (ProgID ListLabel.ListLabel).
 class ComFormFactory final : public FormFactory {
@@ -15,6 +19,8 @@ class ComFormFactory final : public FormFactory {
 
   private:
     Platform& platform_;
+    /// Registered with the first form, for as long as forms may be made.
+    std::shared_ptr<WindowClass> windowClass_;
 };
 
 } // namespace kvtdruck::com

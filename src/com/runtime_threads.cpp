@@ -51,14 +51,15 @@ __cxxabiv1::__cxa_eh_globals* exceptionsOfThread() noexcept {
     return reinterpret_cast<__cxxabiv1::__cxa_eh_globals*>(exceptions);
 }
 
-/// The system's lock or condition variable in the place of the threads library's: both are a pointer wide, empty at
-/// first, and the library's initialiser is no value that they ever take.
+/// The system's lock or condition variable in the place of the threads library's: both are a pointer wide and empty
+/// at first. The library's initialisers (plain, recursive, checking: -1 to -3) are no values that they ever take.
+/// The runtime asks for a recursive lock in one place, for the states of local statics, and never locks it twice.
 template <class Native, class Place>
 Native* native(Place* place) {
     static_assert(sizeof(Native) == sizeof(Place));
     std::atomic_ref<Place> word(*place);
-    auto initialiser = static_cast<Place>(PTHREAD_MUTEX_INITIALIZER);
-    word.compare_exchange_strong(initialiser, Place{});
+    for (Place initialiser : {Place{-1}, Place{-2}, Place{-3}})
+        word.compare_exchange_strong(initialiser, Place{});
     return reinterpret_cast<Native*>(place);
 }
 

@@ -13,8 +13,7 @@ namespace {
 const ThreadSlot<Apartment> slot;
 
 // No ComPtr: the end of a process must not call another library any more.
-SRWLOCK typeLibraryLock = SRWLOCK_INIT;
-ITypeLib* typeLibrary = nullptr;
+std::atomic<ITypeLib*> typeLibrary = nullptr;
 
 } // namespace
 
@@ -57,15 +56,21 @@ std::wstring ownPath() {
     }
 }
 
+// Two threads may load it at once, since the system's locks are not to be waited for within one of ours; one of
+// them keeps it.
 ComPtr<ITypeLib> ownTypeLibrary() {
-    const Locked locked(typeLibraryLock);
-    if (!typeLibrary)
-        check(LoadTypeLibEx(ownPath().c_str(), REGKIND_NONE, &typeLibrary));
-    return ComPtr<ITypeLib>(typeLibrary);
+    if (auto* const library = typeLibrary.load())
+        return ComPtr<ITypeLib>(library);
+    ComPtr<ITypeLib> loaded;
+    check(LoadTypeLibEx(ownPath().c_str(), REGKIND_NONE, loaded.put()));
+    ITypeLib* none = nullptr;
+    if (typeLibrary.compare_exchange_strong(none, loaded.get()))
+        loaded->AddRef();
+    return loaded;
 }
 
 void releaseOwnTypeLibrary() {
-    if (auto* const library = std::exchange(typeLibrary, nullptr))
+    if (auto* const library = typeLibrary.exchange(nullptr))
         library->Release();
 }
 

@@ -128,9 +128,11 @@ class Actor final : public IDispatch {
         return kind_ == kControl ? toUtf8(kvtdruck::nameOf(static_cast<Operation>(member))) : "?";
     }
 
-    // A window differs from run to run.
+    // A window differs from run to run. Small numbers are none, though the system takes them for short forms of
+    // windows.
     static std::string argumentText(const VARIANT& argument) {
-        if (V_VT(&argument) == VT_I4 && IsWindow(reinterpret_cast<HWND>(static_cast<LONG_PTR>(V_I4(&argument)))))
+        if (V_VT(&argument) == VT_I4 && V_I4(&argument) > 0xffff &&
+            IsWindow(reinterpret_cast<HWND>(static_cast<LONG_PTR>(V_I4(&argument)))))
             return "hWnd";
         return textOf(argument);
     }
