@@ -105,10 +105,13 @@ std::vector<std::string> tableStatements() {
             for (const auto& column : parent->columns)
                 if (column.isKey)
                     shared += (shared.empty() ? "" : ", ") + column.name;
-            references = ", FOREIGN KEY (" + shared + ") REFERENCES " + parent->name + " (" + shared + ")";
+            references = ", FOREIGN KEY (";
+            references.append(shared).append(") REFERENCES ").append(parent->name).append(" (").append(shared) +=
+                ")";
         }
-        statements.push_back("CREATE TABLE " + table.name + " (" + columns + "PRIMARY KEY (" + keys + ")" +
-                             references + ")");
+        auto& statement = statements.emplace_back("CREATE TABLE ");
+        statement.append(table.name).append(" (").append(columns).append("PRIMARY KEY (").append(keys).append(")");
+        statement.append(references).append(")");
     }
     return statements;
 }

@@ -108,10 +108,8 @@ void TableImport::prepareStatements() {
         const bool isKey = table_.find(name)->isKey;
         names += (i > 0 ? ", " : "") + name;
         marks += (i > 0 ? ", " : "") + mark;
-        (isKey ? keys : changes) += (isKey             ? keys.empty() ? "" : " AND "
-                                     : changes.empty() ? ""
-                                                       : ", ") +
-                                    name + " = " + mark;
+        auto& part = isKey ? keys : changes;
+        part.append(part.empty() ? "" : isKey ? " AND " : ", ").append(name).append(" = ").append(mark);
     }
     exists_ = prepare("SELECT 1 FROM " + table_.name + " WHERE " + keys);
     insert_ = prepare("INSERT INTO " + table_.name + " (" + names + ") VALUES (" + marks + ")");
