@@ -64,7 +64,7 @@ int Bookmarks::writeNames(PdfOutput& output) const {
     std::string kids;
     for (auto name = names.begin(); name != names.end();) {
         const String& first = name->first;
-        const String* last = nullptr;
+        const String* last = &first;
         std::string entries;
         for (std::size_t count = 0; count < kNamesPerLeaf && name != names.end(); ++count, ++name) {
             last = &name->first;
