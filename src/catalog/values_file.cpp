@@ -6,8 +6,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -16,6 +14,8 @@ namespace {
 
 /// How much of a cell a message shows.
 constexpr std::size_t kShownOfText = 60;
+/// More than the largest report can be handed: memory is bounded, whatever the file holds.
+constexpr std::size_t kMostCells = 1'000'000;
 
 struct RawCell {
     std::string text;
@@ -82,6 +82,8 @@ class Scanner {
   private:
     RawCell cell(std::size_t column) {
         const Place place{file_, lineNumber_, column};
+        if (++cells_ > kMostCells)
+            place.fail("Die Datei hat mehr als 1.000.000 Felder; so viele Werte nimmt keine Liste.");
         while (peek() == ' ')
             ++position_;
         if (peek() == '"')
@@ -142,6 +144,7 @@ class Scanner {
     const std::string& file_;
     std::size_t position_ = 0;
     std::size_t lineNumber_ = 1;
+    std::size_t cells_ = 0;
 };
 
 // Cells are judged sign by sign: a regular expression of the library recurses for every sign of its input.
@@ -318,14 +321,6 @@ std::shared_ptr<ParameterArray> parseValues(const ReportEntry& report, std::stri
         }
     }
     return array;
-}
-
-std::shared_ptr<ParameterArray> readValues(const ReportEntry& report, const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(file))
-        throw ValuesError("Die Datei " + file.string() + " kann nicht gelesen werden.");
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    return parseValues(report, text, file.string());
 }
 
 } // namespace kvtdruck::catalog

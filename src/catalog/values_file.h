@@ -4,7 +4,6 @@
 #include "catalog/parameter_array.h"
 #include "catalog/report_catalog.h"
 
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
@@ -20,11 +19,8 @@ class ValuesError : public std::runtime_error {
 /// The parameter array that `text` (UTF-8, semicolons) holds for `report`. A first line of column names puts the
 /// columns in their places; without one they stand in the array's own order from column 0. A cell's kind follows
 /// from its text: nothing is Empty, a German number is a Double, a date a Date, Wahr and Falsch are Booleans,
-/// anything else and everything in quotes is text. `file` names the source in errors.
+/// anything else and everything in quotes is text. `file` names the source in errors. A million cells are the most.
 std::shared_ptr<ParameterArray> parseValues(const ReportEntry& report, std::string_view text,
                                             const std::string& file);
-
-/// As `parseValues`, with the contents of `file`.
-std::shared_ptr<ParameterArray> readValues(const ReportEntry& report, const std::filesystem::path& file);
 
 } // namespace kvtdruck::catalog

@@ -136,6 +136,11 @@ void addFiles(CLI::App& command, Options& options) {
                                                                      {"xlsx", DataFormat::Xlsx},
                                                                      {"json", DataFormat::Json}});
              });
+    command
+        .add_flag_callback(
+            "--csv-wortgetreu", [&options] { options.formulas = druckwerk::Formulas::Keep; },
+            "lässt in CSV Texte, wie sie sind, auch die, die eine Tabellenkalkulation ausführt")
+        ->group(group);
     addValue(command, group, "--teil", "K/N", "nur der K-te von N Teilen der Arbeit, für mehrere Rechner",
              [&](const std::string& text) { options.part = partIn(text); });
     addValue(command, group, "--prozesse", "ZAHL",

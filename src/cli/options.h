@@ -40,6 +40,7 @@ struct Options {
     std::string namePattern;                                    ///< of the files in it; empty for the usual one
     std::optional<Per> per;                                     ///< one file for each
     std::optional<druckwerk::DataFormat> data;                  ///< none: pages
+    druckwerk::Formulas formulas = druckwerk::Formulas::Disarm; ///< in CSV files
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
     bool unused = false; ///< a check names variables and fields that the layout does not print

@@ -5,7 +5,9 @@
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
+#include "druckwerk/open_document.h"
 #include "druckwerk/page/print_job.h"
+#include "platform/posix/memory_watch.h"
 #include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
 
@@ -43,35 +45,6 @@ std::filesystem::path layoutFile(const std::filesystem::path& objectName) {
 }
 
 } // namespace
-
-class OpenDocument {
-  public:
-    bool isOpen() const { return pdf_.has_value(); }
-    PdfDocument& pdf() { return *pdf_; }
-    /// Whether it goes to a printer: then it lies in a temporary folder.
-    bool isForPrinter() const { return folder_ != nullptr; }
-    const std::filesystem::path& file() const { return file_; }
-    const DocumentInfo& info() const { return info_; }
-
-    void open(const std::filesystem::path& file, std::unique_ptr<TemporaryFolder> folder, DocumentInfo info,
-              const FontLibrary::Warn& warn) {
-        drop();
-        folder_ = std::move(folder);
-        file_ = file;
-        info_ = std::move(info);
-        pdf_.emplace(file_, warn);
-    }
-    void drop() {
-        pdf_.reset();
-        folder_.reset();
-    }
-
-  private:
-    std::unique_ptr<TemporaryFolder> folder_;
-    std::filesystem::path file_;
-    DocumentInfo info_;
-    std::optional<PdfDocument> pdf_;
-};
 
 /// The state behind the control: definitions, and the print job where there is one.
 class Druckwerk::Engine {
@@ -374,6 +347,8 @@ std::int32_t Druckwerk::Engine::endJob() {
 /// A preview and what goes to a printer are needed at once; any other file is its taker's.
 std::int32_t Druckwerk::Engine::finishDocument(bool preview) {
     auto file = document_->pdf().finish(document_->info());
+    if (memoryWasRefused())
+        throw std::bad_alloc();
     if (options_->finished && !preview && !document_->isForPrinter())
         options_->finished(std::move(file));
     else

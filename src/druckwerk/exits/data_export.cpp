@@ -50,7 +50,7 @@ class NamedValues {
 struct OpenFile {
     explicit OpenFile(const DataExportOptions& options)
         : file(std::make_unique<AtomicFile>(options.output)),
-          writer(openWriter(options.format, *file, options.locale, options.warn)) {}
+          writer(openWriter(options.format, *file, options.locale, options.warn, options.formulas)) {}
 
     std::unique_ptr<AtomicFile> file;
     std::unique_ptr<RecordWriter> writer;

@@ -44,6 +44,6 @@ bool takeNames(std::vector<String>& known, std::span<const NamedValue> values);
 /// A writer for `format` on `file`, which outlives it and is committed by its owner; `locale` is the notation of
 /// numbers, `warn` takes what is no number in it and what a format can't hold.
 std::unique_ptr<RecordWriter> openWriter(DataFormat format, AtomicFile& file, const Locale& locale,
-                                         const std::function<void(std::string_view)>& warn);
+                                         const std::function<void(std::string_view)>& warn, Formulas formulas);
 
 } // namespace kvtdruck::druckwerk
