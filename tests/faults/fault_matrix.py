@@ -159,8 +159,8 @@ def judge(scenario, fault, answer, good):
     target = str(scenario.output.relative_to(scenario.place))
     # A viewer may have shown the pages before something failed, an author's drawing is saved before it is checked, a printer
     # has begun what it can't take back.
-    seen = {target} if scenario.mode in ("vorschau", "gestalten", "drucker") else set()
-    spoiled = {path for path in changes if path not in seen or changes[path] != good[target]}
+    seen = set(good) if scenario.mode in ("vorschau", "gestalten", "drucker") else set()
+    spoiled = {path for path in changes if path not in seen or changes[path] != good[path]}
     if os.WIFSIGNALED(answer.status):
         number = os.WTERMSIG(answer.status)
         if number in (signal.SIGXCPU, signal.SIGKILL):
@@ -170,7 +170,8 @@ def judge(scenario, fault, answer, good):
     if fault.kind == "remove":  # what can't be removed is left behind
         spoiled &= {target} | {path for path in scenario.contents}
     if code == 0:
-        return "right", "" if {k: v for k, v in changes.items() if k in spoiled or k == target} == good else "0, but not what a good run makes"
+        made = {path: content for path, content in changes.items() if path in good or path in spoiled}
+        return "right", "" if made == good else "0, but not what a good run makes"
     if code != 1:
         return "wrong", f"exit code {code}"
     spoiled = {path for path in spoiled if str(scenario.place / path) not in answer.errors}  # left for the user, and told
