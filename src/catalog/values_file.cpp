@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -125,14 +123,6 @@ std::shared_ptr<ParameterArray> parseValues(const ReportEntry& report, std::stri
         }
     }
     return array;
-}
-
-std::shared_ptr<ParameterArray> readValues(const ReportEntry& report, const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(file))
-        throw ValuesError("Die Datei " + file.string() + " kann nicht gelesen werden.");
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    return parseValues(report, text, file.string());
 }
 
 } // namespace kvtdruck::catalog

@@ -5,7 +5,6 @@
 #include "catalog/parameter_array.h"
 #include "catalog/report_catalog.h"
 
-#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -17,8 +16,5 @@ namespace kvtdruck::catalog {
 /// Booleans, anything else and everything in quotes is text. `file` names the source in errors.
 std::shared_ptr<ParameterArray> parseValues(const ReportEntry& report, std::string_view text,
                                             const std::string& file);
-
-/// As `parseValues`, with the contents of `file`.
-std::shared_ptr<ParameterArray> readValues(const ReportEntry& report, const std::filesystem::path& file);
 
 } // namespace kvtdruck::catalog

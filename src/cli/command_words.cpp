@@ -90,6 +90,8 @@ void forEachOption(const CLI::App& command, const Words& words, std::size_t begi
         if (!written.option)
             refuse("Unbekannte Angabe „" + written.name + "“" + perhaps(written.name, optionNames(command)) + ".");
         visit(*written.option);
+        if (written.hasValue && words[i].size() == written.name.size() + 1 && words[i].back() == '=')
+            refuse(longNameOf(*written.option) + " braucht einen Wert.");
         if (!takesValue(*written.option) || written.hasValue)
             continue;
         if (i + 1 == words.size() || (isOption(words[i + 1]) && optionIn(command, words[i + 1]).option))
@@ -152,8 +154,8 @@ Words withPresets(const CLI::App& app, Words words, const Presets& presets) {
         if (!name.starts_with("--") || settled.contains(name))
             continue;
         const auto values = presets(name);
-        if (!values.empty() && takesValue(*option))
-            words.push_back(name + "=" + joined(values));
+        if (const auto value = joined(values); !value.empty() && takesValue(*option))
+            words.push_back(name + "=" + value);
         else if (values == Words{"true"})
             words.push_back(name);
     }

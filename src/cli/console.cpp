@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <iostream>
+#include <iterator>
+#include <new>
 #include <sstream>
 
 #include <termios.h>
@@ -42,12 +44,15 @@ void Console::pass(std::string_view output, std::string_view errors, std::string
 }
 
 void Console::toStandardError(std::string_view prefix, std::string_view text) {
-    std::string message(prefix);
-    std::ranges::copy_if(text, std::back_inserter(message), [](char c) { return c != '\r'; });
-    if (!shown_.insert(message).second)
-        return;
+    try {
+        if (!shown_.insert(std::string(prefix).append(text)).second)
+            return;
+    } catch (const std::bad_alloc&) { // it is said all the same, perhaps twice
+    }
     clearProgress();
-    std::cerr << message << std::endl;
+    std::cerr << prefix;
+    std::ranges::copy_if(text, std::ostreambuf_iterator<char>(std::cerr), [](char c) { return c != '\r'; });
+    std::cerr << std::endl;
 }
 
 void Console::progress(const druckwerk::Progress& progress) {

@@ -150,6 +150,11 @@ void addFiles(CLI::App& command, Options& options) {
                      "--beilage", text,
                      {{"csv", DataFormat::Csv}, {"json", DataFormat::Json}, {"xlsx", DataFormat::Xlsx}});
              });
+    command
+        .add_flag_callback(
+            "--csv-wortgetreu", [&options] { options.formulas = druckwerk::Formulas::Keep; },
+            "lässt in CSV Texte, wie sie sind, auch die, die eine Tabellenkalkulation ausführt")
+        ->group(group);
     addValue(command, group, "--teil", "K/N", "nur der K-te von N Teilen der Arbeit, für mehrere Rechner",
              [&](const std::string& text) { options.part = partIn(text); });
     addValue(command, group, "--prozesse", "ZAHL",

@@ -188,6 +188,8 @@ class Parser {
             return std::nullopt;
         } catch (const CLI::RequiredError&) {
             refuse("Es fehlt der Befehl: " + namesOf(app_) + ".");
+        } catch (const CLI::ParseError& error) { // whatever the words before did not show
+            refuse("Der Aufruf ist nicht zu verstehen (" + std::string(error.what()) + ").");
         }
         const auto* format = app_.get_subcommands().front()->get_option_no_throw("--format");
         check(options_, format && format->count() > 0);

@@ -40,6 +40,7 @@ struct Options {
     std::string namePattern;                   ///< of the files in it; empty for the usual one
     std::optional<Per> per;                    ///< one file for each
     std::optional<druckwerk::DataFormat> data; ///< none: pages
+    druckwerk::Formulas formulas = druckwerk::Formulas::Disarm; ///< in CSV files
     std::optional<druckwerk::DataFormat> attachment; ///< the records as a file within the PDF
     druckwerk::PdfLevel level = druckwerk::PdfLevel::Archive;
     druckwerk::PrintSettings printing;

@@ -1,7 +1,6 @@
 #include "cli/report_run.h"
 
 #include "catalog/usage_error.h"
-#include "catalog/values_file.h"
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
@@ -10,11 +9,13 @@
 #include "cli/report_workbooks.h"
 #include "cli/selection_text.h"
 #include "cli/tight_fields.h"
+#include "cli/values_input.h"
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
 #include "druckwerk/exits/tee.h"
 #include "manager/clsDruckManager.h"
 #include "platform/posix/atomic_file.h"
+#include "platform/posix/memory_watch.h"
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/temporary_folder.h"
 
@@ -46,7 +47,7 @@ class ReportRun {
   public:
     ReportRun(const Options& options, const PrintRequest& request, Console& console)
         : options_(options), request_(request), console_(console), printing_(options.printing),
-          values_(request.values ? catalog::readValues(*request.report, *request.values) : nullptr),
+          values_(request.values ? readValues(*request.report, *request.values) : nullptr),
           folder_(prepareApplicationFolder(options.folder)), source_(options, console), jobs_(source_.state()),
           engine_(options.data ? dataExport() : withAttachment(druckwerk())) {}
 
@@ -134,6 +135,7 @@ class ReportRun {
     druckwerk::DataExportOptions dataExportOptions(druckwerk::DataFormat format, std::filesystem::path output) {
         druckwerk::DataExportOptions settings;
         settings.format = format;
+        settings.formulas = options_.formulas;
         settings.workbook = {workbookOf(*request_.report), selectionText(*request_.report, request_.ranges)};
         settings.output = std::move(output);
         settings.place = &place_;
@@ -232,7 +234,7 @@ class ReportRun {
 
     /// The one place that decides whether a file has come about: the report is through and nobody has met an error.
     void keepOutput(bool done) {
-        if (!finished_ || !done || console_.hasFailed() || cancelled())
+        if (!finished_ || !done || console_.hasFailed() || cancelled() || memoryWasRefused())
             return;
         try {
             finished_->commit();
@@ -322,7 +324,13 @@ class ReportRun {
         if (job->process.id == 0) {
             const auto made = previewFolder() / (toUtf8(job->previewName) + ".ll");
             const auto file = std::filesystem::path(made).replace_extension(".pdf");
-            std::filesystem::rename(made, file);
+            std::error_code error;
+            std::filesystem::rename(made, file, error);
+            if (error) { // it has not got its name: the component has said why, and nobody will look for it
+                std::filesystem::remove(made, error);
+                std::filesystem::remove(previewFolder() / (std::string(request_.report->listName) + ".ll"), error);
+                return;
+            }
             console_.error("Die Vorschau konnte nicht gezeigt werden; sie liegt in " + file.string() + ".");
             return;
         }

@@ -102,6 +102,7 @@ class Worker {
         if (::getppid() != parent)
             ::_exit(1);
         channel_.reset();
+        watchForCancellation(1); // before the parent's own grace ends, which tells what has become of the work
         ::dup2(output_.number(), STDOUT_FILENO);
         ::dup2(errors_.number(), STDERR_FILENO);
         serve(other.number(), work);

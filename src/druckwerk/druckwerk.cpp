@@ -8,6 +8,7 @@
 #include "druckwerk/layout/layout_generator.h"
 #include "druckwerk/open_document.h"
 #include "druckwerk/text/installed_fonts.h"
+#include "platform/posix/memory_watch.h"
 #include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
 
@@ -360,6 +361,8 @@ std::int32_t Druckwerk::Engine::finishDocument(bool preview) {
     if (options_->attachment && !document_->isForPrinter())
         attachment = options_->attachment();
     auto file = document_->pdf().finish(document_->info(), attachment ? &*attachment : nullptr);
+    if (memoryWasRefused())
+        throw std::bad_alloc();
     if (options_->finished && !preview && !document_->isForPrinter())
         options_->finished(std::move(file));
     else

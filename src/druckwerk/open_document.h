@@ -1,11 +1,14 @@
-// A document between the jobs that share it.
+// The document that the jobs of one factory share.
 #pragma once
 
 #include "druckwerk/page/document.h"
 #include "platform/posix/temporary_folder.h"
 
+#include <filesystem>
 #include <memory>
 #include <optional>
+
+#include <unistd.h>
 
 namespace kvtdruck::druckwerk {
 
@@ -28,6 +31,10 @@ class OpenDocument {
     }
     void drop() {
         pdf_.reset();
+        if (folder_) { // which needs memory to empty itself, and there may be none
+            ::unlink(file_.c_str());
+            ::rmdir(folder_->path().c_str());
+        }
         folder_.reset();
     }
 

@@ -1,6 +1,7 @@
 #include "kvtzug/odbc_columns.h"
 
 #include "values/conversion.h"
+#include "values/runtime_error.h"
 
 #include <algorithm>
 #include <bit>
@@ -15,6 +16,9 @@ constexpr std::size_t kMostRows = 1024;
 
 /// UTF-16 units that a text has room for at first, the closing zero included.
 constexpr std::size_t kTextUnits = 128;
+
+/// Bytes of the longest text that is read.
+constexpr std::size_t kMostText = std::size_t{64} << 20U;
 
 OdbcColumns::Column columnOf(CellType type) {
     switch (type) {
@@ -67,10 +71,15 @@ bool OdbcColumns::holds(std::size_t rows) {
             continue;
         for (std::size_t row = 0; row < rows; ++row) {
             const auto length = column.lengths[row];
-            if (length == SQL_NO_TOTAL)
-                needed_[i] = std::max(needed_[i], 2 * column.width);
-            else if (length != SQL_NULL_DATA)
-                needed_[i] = std::max(needed_[i], std::size_t(length) + sizeof(char16_t));
+            if (length == SQL_NULL_DATA)
+                continue;
+            const bool open = length == SQL_NO_TOTAL;
+            const auto needed = open ? 2 * column.width : std::size_t(length) + sizeof(char16_t);
+            if ((length < 0 && !open) || needed > kMostText)
+                throw RuntimeError(kDataSourceError,
+                                   u"Die Datenbank meldet einen Text von mehr als 64 MB oder ohne Länge; er wird "
+                                   u"nicht gelesen.");
+            needed_[i] = std::max(needed_[i], needed);
         }
         fitted = fitted && needed_[i] <= column.width;
     }

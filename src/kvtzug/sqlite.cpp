@@ -121,7 +121,10 @@ class SqliteQuery : public Query {
             connection_->raise(sentence_, result);
     }
     std::string_view bytes(int column) const {
+        const bool isNull = sqlite3_column_type(statement_, column) == SQLITE_NULL;
         const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+        if (!text && !isNull) // what can't be turned into text for want of memory
+            connection_->raise(sentence_, SQLITE_NOMEM);
         return {text ? text : "", std::size_t(sqlite3_column_bytes(statement_, column))};
     }
     [[noreturn]] void refuse(int column, StringView what) const;

@@ -304,6 +304,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "Unbekannte Angabe „--jahre“ – gemeint ist vielleicht „--jahr“."},
         UsageCase{"UnknownShortOption", printing({"-x"}), "Unbekannte Angabe „-x“."},
         UsageCase{"OptionWithoutValue", printing({"--jahr"}), "--jahr braucht einen Wert."},
+        UsageCase{"OptionWithEmptyValue", printing({"--jahr="}), "--jahr braucht einen Wert."},
         UsageCase{"OptionInPlaceOfAValue", printing({"-j", "--monat", "3"}), "--jahr braucht einen Wert."},
         UsageCase{"OptionTwice", printing({"--jahr", "2023", "-j", "2024"}), "--jahr steht mehrmals da."},
         UsageCase{"FormatAgainstEnding", printing({"-o", "u.xlsx", "--format", "pdf"}),

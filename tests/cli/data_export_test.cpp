@@ -111,6 +111,32 @@ TEST_F(DataExportTest, CsvHasNamesOnceAndVariablesWhereTheyChange) {
                                         "F;;\"\"\r\n");
 }
 
+TEST_F(DataExportTest, CsvDisarmsWhatASpreadsheetWouldRun) {
+    const auto exported = [&] {
+        form.reset();
+        factory.reset();
+        field(u"=Name", u"=HYPERLINK(\"http://boese\")");
+        field(u"B", u"+49 351 1234");
+        field(u"C", u"-");
+        field(u"D", u"@SUM(A1)");
+        field(u"E", u"\tcmd");
+        field(u"F", u"-12,5");
+        field(u"G", u"a=b");
+        field(u"H", u"-5", kTypeNumeric);
+        EXPECT_EQ(start(), kEngineSuccess);
+        EXPECT_EQ(record(), kEngineSuccess);
+        EXPECT_EQ(end(), kEngineSuccess);
+        return readFile(options.output);
+    };
+    const auto disarmed = exported();
+    EXPECT_THAT(disarmed, HasSubstr("Felder;\"'=Name\";\"B\""));
+    EXPECT_THAT(disarmed,
+                HasSubstr("F;\"'=HYPERLINK(\"\"http://boese\"\")\";\"'+49 351 1234\";\"'-\";\"'@SUM(A1)\";"
+                          "\"'\tcmd\";\"-12,5\";\"a=b\";-5\r\n"));
+    options.formulas = Formulas::Keep;
+    EXPECT_THAT(exported(), HasSubstr("F;\"=HYPERLINK(\"\"http://boese\"\")\";\"+49 351 1234\";\"-\";"));
+}
+
 TEST_F(DataExportTest, JsonHasNumbersAsNumbers) {
     options.format = DataFormat::Json;
     printSample();

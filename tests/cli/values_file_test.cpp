@@ -1,4 +1,5 @@
 #include "catalog/values_file.h"
+#include "cli/values_input.h"
 
 #include "values/conversion.h"
 
@@ -119,16 +120,32 @@ TEST(ValuesFile, LongCellsAreNoTrouble) {
     EXPECT_EQ(parse("0," + std::string(kMany, '0') + "\n")->cell(0, 0), Variant(0.0));
 }
 
-TEST(ValuesFile, AMissingFileAndAFolderAreErrors) {
-    EXPECT_THROW(readValues(bilanz(), "/gibt/es/nicht.csv"), ValuesError);
-    EXPECT_THROW(readValues(bilanz(), "/"), ValuesError);
+TEST(ValuesFile, MemoryIsBounded) {
+    EXPECT_THAT(errorOf(std::string(1'000'001, ';')), ::testing::HasSubstr("mehr als 1.000.000 Felder"));
+    EXPECT_THAT(errorOf(std::string(2'000'002, '\n').replace(0, 1, "1")), ::testing::HasSubstr("1.000.000 Felder"));
+}
+
+TEST(ValuesFile, WhatCanNotBeReadSaysWhy) {
+    const auto errorOf = [](const char* file) -> std::string {
+        try {
+            cli::readValues(bilanz(), file);
+        } catch (const ValuesError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_THAT(errorOf("/gibt/es/nicht.csv"), ::testing::HasSubstr("kann nicht gelesen werden: Datei"));
+    EXPECT_THAT(errorOf("/"), ::testing::HasSubstr("Die Datei / kann nicht gelesen werden: "));
+    EXPECT_EQ(errorOf("/dev/zero"),
+              "Die Datei /dev/zero kann nicht gelesen werden: sie ist größer als 64 MB, und so "
+              "viele Werte nimmt keine Liste.");
 }
 
 class SampleValues : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(SampleValues, FillTheReportsArray) {
     const auto& report = *findReport(GetParam());
-    const auto array = readValues(report, std::string(KVT_SOURCE_FOLDER "/demo/werte/") + GetParam() + ".csv");
+    const auto array = cli::readValues(report, std::string(KVT_SOURCE_FOLDER "/demo/werte/") + GetParam() + ".csv");
     EXPECT_EQ(array->columns(), report.width());
     EXPECT_GE(array->rows(), report.rows());
     for (const auto& column : report.columns) {

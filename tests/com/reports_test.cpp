@@ -44,8 +44,9 @@ struct Request {
 Request requestFor(const catalog::ReportEntry& report) {
     if (report.isFedByValues()) {
         const auto file = "werte/" + std::string(report.listName) + ".csv";
-        return {catalog::readValues(report, std::filesystem::path(setting(L"KVT_DEMO")) / file),
-                " --werte " + file};
+        std::ifstream values(std::filesystem::path(setting(L"KVT_DEMO")) / file, std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(values), {}};
+        return {catalog::parseValues(report, text, file), " --werte " + file};
     }
     const auto hasToBeGiven = [](const catalog::Cell& cell) {
         return cell.kind == catalog::Cell::Kind::MustBeGiven;

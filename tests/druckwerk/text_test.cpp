@@ -79,7 +79,8 @@ TEST_F(TextTest, NumbersAreNeverCutSilently) {
     const std::string text = textOf(pdf);
     EXPECT_THAT(text, HasSubstr("####"));
     EXPECT_THAT(text, Not(HasSubstr("…")));
-    EXPECT_THAT(report.warnings, Contains(HasSubstr("Zahl passt nicht")));
+    EXPECT_THAT(report.warnings, Contains(HasSubstr("Blatt.svg, Zeile 2, Ebene „Seitenkopf“, <g>: Zahl "
+                                                    "„123.456.789.012,25“ passt nicht in das Feld")));
 }
 
 TEST_F(TextTest, WrapsAtBlanksAndHyphensAndCutsWhatIsTooMuch) {

@@ -17,6 +17,8 @@ namespace kvtdruck::druckwerk {
 
 /// The kinds of data files (docs/data-formats.md).
 enum class DataFormat { Csv, Xlsx, Json };
+/// What a CSV file makes of texts that a spreadsheet would run as formulas.
+enum class Formulas { Disarm, Keep };
 
 /// What a workbook shows besides the records.
 struct WorkbookContent {
@@ -31,6 +33,7 @@ std::string mimeTypeOf(DataFormat format);
 struct DataExportOptions {
     DataFormat format = DataFormat::Csv;
     WorkbookContent workbook;
+    Formulas formulas = Formulas::Disarm;
     std::filesystem::path output;
     /// Takes the complete file of a job, which has its place once it is committed. Where this is empty, a job that
     /// has ended well commits it.

@@ -4,12 +4,14 @@
 #include "druckwerk/exits/palette.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
+#include "platform/posix/input_file.h"
+#include "platform/posix/memory_watch.h"
 
 #include <cerrno>
 #include <cstdlib>
-#include <fstream>
+#include <limits>
+#include <new>
 #include <optional>
-#include <sstream>
 #include <system_error>
 
 #include <fcntl.h>
@@ -20,13 +22,9 @@
 namespace kvtdruck::druckwerk {
 namespace {
 
-std::optional<std::string> readFile(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream)
-        return std::nullopt;
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
+/// The whole of a file that the user works on, however long.
+std::string contentOf(const std::filesystem::path& file) {
+    return readInput(file, std::numeric_limits<std::size_t>::max());
 }
 
 /// Runs the designer on `file` and waits for its end; gives 0 or an errno. It gets an application of its own, so
@@ -70,10 +68,8 @@ class WorkingCopy {
     void write() const { writeAtomically(file_, shown_, AtomicFile::Access::Mask); }
     /// What the user has saved; nothing where it is as it was shown.
     std::optional<std::string> saved() const {
-        auto text = readFile(file_);
-        if (!text)
-            throw std::system_error(ENOENT, std::generic_category());
-        return *text == shown_ ? std::nullopt : text;
+        auto text = contentOf(file_);
+        return text == shown_ ? std::nullopt : std::optional(std::move(text));
     }
 
   private:
@@ -88,16 +84,19 @@ struct Designed {
 };
 
 Designed openInDesigner(const DesignRequest& request) {
-    const auto existing = readFile(request.layout);
-    const std::string svg = existing ? *existing : generateLayout(request.definitions);
+    const std::string svg =
+        std::filesystem::exists(request.layout) ? contentOf(request.layout) : generateLayout(request.definitions);
     // A damaged layout is opened as it is; the check says what is wrong with it.
     const WorkingCopy copy(request.layout, withPalette(svg, request.definitions).value_or(svg));
     copy.write();
     Designed designed;
     designed.error = runDesigner(copy.file());
-    if (const auto saved = copy.saved())
-        writeAtomically(request.layout, withoutPalette(*saved, designed.hasStrays).value_or(*saved),
-                        AtomicFile::Access::Mask);
+    if (const auto saved = copy.saved()) {
+        const auto layout = withoutPalette(*saved, designed.hasStrays).value_or(*saved);
+        if (memoryWasRefused()) // the palette may still be in it, or more than it may be missing
+            throw std::bad_alloc();
+        writeAtomically(request.layout, layout, AtomicFile::Access::Mask);
+    }
     return designed;
 }
 

@@ -141,7 +141,7 @@ bool send(const std::string& printer, int job, const Document& document) {
         status = cupsWriteRequestData(CUPS_HTTP_DEFAULT, block.data(), static_cast<std::size_t>(file.gcount()));
     }
     return cupsFinishDocument(CUPS_HTTP_DEFAULT, printer.c_str()) <= IPP_STATUS_OK_EVENTS_COMPLETE &&
-           status == HTTP_STATUS_CONTINUE;
+           status == HTTP_STATUS_CONTINUE && file.eof() && !file.bad();
 }
 
 PrintResult failure(std::string message) {

@@ -32,11 +32,13 @@ bool takeNames(std::vector<String>& known, std::span<const NamedValue> values) {
 
 namespace {
 
-/// Semicolons, numbers in the notation they came in, texts in quotes. The first column says what a line is; a line
-/// of names stands before the first values and wherever the names change.
+/// Semicolons, numbers in the notation they came in, texts in quotes, and an apostrophe before a text that a
+/// spreadsheet would run. The first column says what a line is; a line of names stands before the first values and
+/// wherever the names change.
 class CsvWriter final : public RecordWriter {
   public:
-    CsvWriter(AtomicFile& file, Contents contents) : file_(file), contents_(std::move(contents)) {
+    CsvWriter(AtomicFile& file, Contents contents, Formulas formulas)
+        : file_(file), contents_(std::move(contents)), formulas_(formulas) {
         file_.write("\xEF\xBB\xBF"); // spreadsheets take the file for UTF-8 only with this mark
     }
 
@@ -68,9 +70,19 @@ class CsvWriter final : public RecordWriter {
 
     void quote(StringView text) {
         text_ += ";\"";
+        if (formulas_ == Formulas::Disarm && isFormula(text))
+            text_ += '\'';
         for (const char c : toUtf8(wellFormed(text)))
             text_.append(c == '"' ? 2 : 1, c);
         text_ += '"';
+    }
+
+    /// Whether a spreadsheet would take the text for a formula:
+    /// https://owasp.org/www-community/attacks/CSV_Injection
+    bool isFormula(StringView text) const {
+        constexpr StringView kBegins = u"=+-@\t\r";
+        return !text.empty() && kBegins.find(text[0]) != StringView::npos &&
+               !Number::parse(text, contents_.locale()).isNumber();
     }
 
     void endLine() {
@@ -80,6 +92,7 @@ class CsvWriter final : public RecordWriter {
 
     AtomicFile& file_;
     Contents contents_;
+    Formulas formulas_;
     std::vector<String> variables_;
     std::vector<String> fields_;
     std::string text_;
@@ -151,7 +164,7 @@ std::unique_ptr<RecordWriter> openWriter(const DataExportOptions& options, Atomi
     });
     switch (options.format) {
     case DataFormat::Csv:
-        return std::make_unique<CsvWriter>(file, std::move(contents));
+        return std::make_unique<CsvWriter>(file, std::move(contents), options.formulas);
     case DataFormat::Xlsx:
         return openXlsxWriter(file, std::move(contents), options.workbook, options.warn);
     case DataFormat::Json:

@@ -3,11 +3,10 @@
 #include "druckwerk/common/fault.h"
 #include "druckwerk/pdf/pdf_syntax.h"
 #include "druckwerk/svg/limits.h"
+#include "platform/posix/input_file.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
-#include <sstream>
 
 namespace kvtdruck::druckwerk {
 
@@ -56,17 +55,16 @@ std::size_t Layout::fontNumber(const FontRequest& font, const std::string& place
 }
 
 std::string readLayoutFile(const std::filesystem::path& file) {
-    std::error_code error;
-    const auto size = std::filesystem::file_size(file, error);
-    std::ifstream in(file, std::ios::binary);
-    if (error || !in)
+    if (std::filesystem::is_other(file)) // a pipe would be waited for, and can't be saved again
+        throw Fault(kLayoutUnreadable, "Das Layout „" + file.string() + "“ ist keine Datei");
+    try {
+        return readInput(file, limits::kFileSize);
+    } catch (const std::system_error& error) {
+        if (error.code().value() == EFBIG)
+            throw Fault(kLayoutRefused, "Das Layout „" + file.string() + "“ ist größer als 20 MB");
         throw Fault(kLayoutUnreadable, "Das Layout „" + file.string() + "“ kann nicht gelesen werden: " +
-                                           reasonForReading(error ? error.value() : errno));
-    if (size > limits::kFileSize)
-        throw Fault(kLayoutRefused, "Das Layout „" + file.string() + "“ ist größer als 20 MB");
-    std::ostringstream text;
-    text << in.rdbuf();
-    return std::move(text).str();
+                                           reasonForReading(error.code().value()));
+    }
 }
 
 } // namespace kvtdruck::druckwerk

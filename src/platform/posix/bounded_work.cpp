@@ -1,12 +1,14 @@
 #include "platform/posix/bounded_work.h"
 
 #include "platform/posix/atomic_file.h"
+#include "platform/posix/memory_watch.h"
 
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <new>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -37,6 +39,8 @@ void limit(int resource, rlim_t most) {
     std::string result;
     try {
         result = kDone + work();
+        if (memoryWasRefused()) // the result may not be what it should
+            throw std::bad_alloc();
     } catch (const std::exception& error) {
         result = kFailed + std::string(error.what());
     }

@@ -2,9 +2,10 @@
 #pragma once
 
 #include "platform/posix/atomic_file.h"
-#include "platform/posix/temporary_folder.h"
 
 #include <cerrno>
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -19,10 +20,11 @@ namespace kvtdruck {
 class SpoolFile {
   public:
     SpoolFile() {
-        const TemporaryFolder folder; // the file loses its name with it
-        descriptor_ = ::open((folder.path() / "spool").c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        auto name = (std::filesystem::temp_directory_path() / "kvtdruck-XXXXXX").string();
+        descriptor_ = ::mkostemp(name.data(), O_CLOEXEC); // mode 0600
         if (descriptor_ < 0)
             throw std::system_error(errno, std::generic_category());
+        ::unlink(name.c_str());
     }
     SpoolFile(const SpoolFile&) = delete;
     SpoolFile& operator=(const SpoolFile&) = delete;

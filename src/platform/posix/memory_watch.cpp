@@ -1,0 +1,81 @@
+#include "platform/posix/memory_watch.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+namespace kvtdruck {
+namespace {
+
+/// A library that is refused so often asks for ever, and has no other end.
+constexpr long kMostRefusals = 1'000'000;
+
+std::atomic<long> refusals = 0;
+
+[[noreturn]] void giveUp() {
+    constexpr char kText[] = "Fehler: Der Arbeitsspeicher reicht nicht aus.\n";
+    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, kText, sizeof kText - 1);
+    std::abort();
+}
+
+/// The C library's function that the one of that name here stands before.
+template <class Function>
+Function next(const char* name) {
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+void* watched(void* memory, std::size_t size) {
+    if (memory == nullptr && size > 0 && refusals.fetch_add(1, std::memory_order_relaxed) == kMostRefusals)
+        giveUp();
+    return memory;
+}
+
+} // namespace
+
+bool memoryWasRefused() {
+    return refusals.load(std::memory_order_relaxed) > 0;
+}
+
+} // namespace kvtdruck
+
+// The sanitizers have an allocator of their own, which ends the process where memory is short.
+#ifndef __SANITIZE_ADDRESS__
+
+// A program's own functions of these names are taken by all its libraries:
+// https://www.gnu.org/software/libc/manual/html_node/Replacing-malloc.html
+extern "C" {
+
+void* malloc(std::size_t size) {
+    static const auto call = kvtdruck::next<void* (*)(std::size_t)>("malloc");
+    return kvtdruck::watched(call(size), size);
+}
+
+void* calloc(std::size_t count, std::size_t size) {
+    static const auto call = kvtdruck::next<void* (*)(std::size_t, std::size_t)>("calloc");
+    return kvtdruck::watched(call(count, size), count * size);
+}
+
+void* realloc(void* old, std::size_t size) {
+    static const auto call = kvtdruck::next<void* (*)(void*, std::size_t)>("realloc");
+    return kvtdruck::watched(call(old, size), size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    static const auto call = kvtdruck::next<void* (*)(std::size_t, std::size_t)>("aligned_alloc");
+    return kvtdruck::watched(call(alignment, size), size);
+}
+
+int posix_memalign(void** result, std::size_t alignment, std::size_t size) {
+    static const auto call = kvtdruck::next<int (*)(void**, std::size_t, std::size_t)>("posix_memalign");
+    const int error = call(result, alignment, size);
+    if (error == ENOMEM)
+        kvtdruck::watched(nullptr, size);
+    return error;
+}
+}
+
+#endif

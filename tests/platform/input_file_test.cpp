@@ -1,0 +1,71 @@
+#include "platform/posix/input_file.h"
+
+#include "platform/posix/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <fstream>
+#include <system_error>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kvtdruck {
+namespace {
+
+class InputFileTest : public ::testing::Test {
+  protected:
+    int errorOf(const std::filesystem::path& file, std::size_t most = 100) const {
+        try {
+            readInput(file, most, &cancelled);
+        } catch (const std::system_error& error) {
+            return error.code().value();
+        }
+        return 0;
+    }
+    std::filesystem::path pipe() const {
+        const auto name = folder / "pipe";
+        EXPECT_EQ(::mkfifo(name.c_str(), 0600), 0);
+        return name;
+    }
+
+    TemporaryFolder folder;
+    std::atomic<bool> cancelled = false;
+};
+
+TEST_F(InputFileTest, AFileIsReadWholeAndNoFurtherThanItMay) {
+    const std::string text(100, 'x');
+    std::ofstream(folder / "file") << text;
+    EXPECT_EQ(readInput(folder / "file", 100), text);
+    EXPECT_EQ(errorOf(folder / "file", 99), EFBIG);
+    EXPECT_EQ(errorOf("/dev/zero", 1'000'000), EFBIG);
+}
+
+TEST_F(InputFileTest, WhatCanNotBeReadSaysWhy) {
+    EXPECT_EQ(errorOf(folder / "none"), ENOENT);
+    EXPECT_EQ(errorOf(folder.path()), EISDIR);
+}
+
+TEST_F(InputFileTest, APipeIsReadToItsEnd) {
+    const auto name = pipe();
+    std::thread writer([&] {
+        const int file = ::open(name.c_str(), O_WRONLY);
+        for (const char* part : {"a", "b"})
+            EXPECT_EQ(::write(file, part, 1), 1);
+        ::close(file);
+    });
+    EXPECT_EQ(readInput(name, 100), "ab");
+    writer.join();
+}
+
+TEST_F(InputFileTest, WaitingForAPipeCanBeCancelled) {
+    const auto name = pipe();
+    cancelled = true;
+    EXPECT_EQ(errorOf(name), ECANCELED);
+}
+
+} // namespace
+} // namespace kvtdruck
