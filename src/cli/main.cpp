@@ -4,6 +4,7 @@
 #include "cli/completion.h"
 #include "cli/console.h"
 #include "cli/data_source.h"
+#include "cli/layouts_command.h"
 #include "cli/manual.h"
 #include "cli/option_groups.h"
 #include "cli/options.h"
@@ -30,6 +31,8 @@ int execute(Options options, Console& console) {
         for (const auto& company : DataSource(options, console).companies())
             console.notice(company.number + "\t" + company.name + "\t" + company.town);
         return kDone;
+    case Command::Layouts:
+        return runLayouts(options, console);
     default:
         watchForCancellation();
         return printAll(options, console);

@@ -92,6 +92,12 @@ void addSelections(CLI::App& command, Options& options, bool batches) {
              [&](const std::string& text) { options.values = text; });
 }
 
+void addFolder(CLI::App& command, Options& options) {
+    addValue(command, "Allgemein", "--ordner", "ORDNER",
+             "Anwendungsordner mit eigenen Layouts (sonst ~/.local/share/kvtdruck)",
+             [&](const std::string& text) { options.folder = text; });
+}
+
 void addGeneral(CLI::App& command, Options& options) {
     const char* group = "Allgemein";
     addValue(command, group, "--locale", "NAME",
@@ -105,9 +111,7 @@ void addGeneral(CLI::App& command, Options& options) {
     addValue(command, group, "--druckdatum", "DATUM",
              "Druckdatum (sonst jetzt); gleiche Daten und gleiches Datum geben das gleiche PDF",
              [&](const std::string& text) { options.printDate = dateIn(text); });
-    addValue(command, group, "--ordner", "ORDNER",
-             "Anwendungsordner mit den Layouts (sonst ~/.local/share/kvtdruck)",
-             [&](const std::string& text) { options.folder = text; });
+    addFolder(command, options);
     addValue(command, group, "--protokoll", "DATEI", "schreibt jeden Aufruf des Druckwerks in diese Datei",
              [&](const std::string& text) { options.record = text; });
     command
@@ -216,6 +220,14 @@ void addCommands(CLI::App& app, Options& options) {
         addGeneral(*command, options);
     addReports(add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports, example("listen GemeinK")),
                options, "Name oder Titel der Liste");
+    auto& layouts = add("layouts", "nennt mitgelieferte und eigene Layouts und was sie unterscheidet",
+                        Command::Layouts, example("layouts Umsatz --zurueck"));
+    addReports(layouts, options, "Name oder Titel der Liste");
+    addFolder(layouts, options);
+    layouts.add_flag("--mitgeliefert", options.returnsToInstalled, "legt das eigene Layout zu den früheren")
+        ->group("Layouts");
+    layouts.add_flag("--zurueck,--zurück", options.takesBack, "nimmt das letzte frühere Layout wieder")
+        ->group("Layouts");
     addDatabase(add("firmen", "nennt die Firmen der Datenbank", Command::ListCompanies,
                     example("firmen -d musterbau.sqlite")),
                 options);

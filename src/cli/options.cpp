@@ -96,6 +96,15 @@ void checkOutput(const Options& options) {
         refuse("--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
 }
 
+void checkLayouts(const Options& options) {
+    if (options.reports.size() > 1)
+        refuse("„layouts“ nennt eine Liste oder keine.");
+    if ((options.returnsToInstalled || options.takesBack) && options.reports.empty())
+        refuse("--mitgeliefert und --zurueck brauchen eine Liste.");
+    if (options.returnsToInstalled && options.takesBack)
+        refuse("--mitgeliefert und --zurueck gehen nicht zusammen.");
+}
+
 /// What can only be judged once all options are known.
 void check(Options& options, bool formatGiven) {
     if (options.command == Command::ListReports) {
@@ -103,6 +112,8 @@ void check(Options& options, bool formatGiven) {
             options.reports.clear(); // all of them
         return;
     }
+    if (options.command == Command::Layouts)
+        return checkLayouts(options);
     const bool needsReport = options.command != Command::ListCompanies;
     if (needsReport && options.reports.empty())
         refuse("Es fehlt die Liste; alle Listen nennt „kvtdruck listen“.");

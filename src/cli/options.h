@@ -16,7 +16,7 @@
 
 namespace kvtdruck::cli {
 
-enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies };
+enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies, Layouts };
 
 /// What a batch makes a file of its own for, within a list and a company.
 enum class Per { Company, Year, Employee };
@@ -41,7 +41,9 @@ struct Options {
     std::optional<druckwerk::DataFormat> data; ///< none: pages
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
-    bool unused = false; ///< a check names variables and fields that the layout does not print
+    bool unused = false;             ///< a check names variables and fields that the layout does not print
+    bool returnsToInstalled = false; ///< of a layout
+    bool takesBack = false;          ///< an earlier layout
     Part part;
     std::int32_t workers = 0; ///< processes that share a batch; 0 for as many as there are processors
 

@@ -5,6 +5,7 @@
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
+#include "cli/layout_store.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "control/recording_control.h"
@@ -15,8 +16,6 @@
 
 #include <array>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace kvtdruck::cli {
@@ -24,11 +23,6 @@ namespace {
 
 /// The one window that this host has, as the component counts windows.
 constexpr std::int32_t kWindow = 1;
-
-std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 bool isUnset(const char* variable) {
     const char* value = std::getenv(variable);
@@ -41,8 +35,8 @@ class ReportRun {
     ReportRun(const Options& options, const PrintRequest& request, Console& console)
         : options_(options), request_(request), console_(console), printing_(options.printing),
           values_(request.values ? catalog::readValues(*request.report, *request.values) : nullptr),
-          folder_(prepareApplicationFolder(options.folder)), source_(options, console), jobs_(source_.state()),
-          engine_(options.data ? dataExport() : druckwerk()) {}
+          folder_(prepareApplicationFolder(options.folder)), layouts_(folder_), source_(options, console),
+          jobs_(source_.state()), engine_(options.data ? dataExport() : druckwerk()) {}
 
     int run() {
         refuseOverwriting();
@@ -115,6 +109,7 @@ class ReportRun {
         settings.output = options_.command == Command::Preview
                               ? previewFolder() / (std::string(request_.report->listName) + ".ll")
                               : request_.output;
+        settings.layoutsBehind = LayoutStore::installedFolder();
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
@@ -140,9 +135,8 @@ class ReportRun {
 
     /// What is read must not be written over; `option` tells of the output.
     void refuseInput(const std::string& option, const std::filesystem::path& output) const {
-        const std::string layout = std::string(request_.report->listName) + ".svg";
         const std::array<std::filesystem::path, 3> inputs{options_.database, request_.values.value_or(""),
-                                                          layoutFolder(folder_) / layout};
+                                                          layouts_.inUse(request_.report->listName)};
         for (const auto& input : inputs)
             if (isSameFile(output, input))
                 throw catalog::UsageError(option + " würde die Datei " + input.string() +
@@ -232,19 +226,29 @@ class ReportRun {
                     "ist gesetzt.";
                 return druckwerk::kDesignFailed;
             }
-            return druckwerk::design(request, show, message);
+            return designAndKeep(request, show, message);
         }
-        if (!std::filesystem::exists(request.layout)) {
+        if (!std::filesystem::exists(request.source)) {
             console_.notice("Die Liste " + std::string(request_.report->listName) +
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
-        const auto findings = druckwerk::checkLayout(request.layout, request.definitions, options_.unused);
+        const auto findings = druckwerk::checkLayout(request.source, request.definitions, options_.unused);
         for (const auto& finding : findings)
             show(finding);
         if (findings.empty())
-            console_.notice("Das Layout " + request.layout.string() + " ist in Ordnung.");
+            console_.notice("Das Layout " + request.source.string() + " ist in Ordnung.");
         return 0;
+    }
+
+    /// A layout that the designer has replaced is kept as an earlier one.
+    std::int32_t designAndKeep(const druckwerk::DesignRequest& request, const druckwerk::FindingSink& show,
+                               std::string& message) {
+        const auto before = contentOf(request.layout);
+        const auto code = druckwerk::design(request, show, message);
+        if (!before.empty() && contentOf(request.layout) != before)
+            layouts_.keep(request_.report->listName, before);
+        return code;
     }
 
     /// Stays until the user has seen enough; the viewer is ended and the preview file removed then.
@@ -269,6 +273,7 @@ class ReportRun {
     std::shared_ptr<catalog::ParameterArray> values_; ///< where the figures come from a file
     druckwerk::JobPlace place_;
     std::filesystem::path folder_;
+    LayoutStore layouts_;
     DataSource source_;
     basLL80 jobs_;
     std::unique_ptr<FormFactory> engine_;

@@ -465,20 +465,9 @@ TEST_F(CommandLine, ABrokenLayoutIsNamedWithFileAndReason) {
     EXPECT_EQ(filesNamed("l.pdf"), 0u);
 }
 
-TEST_F(CommandLine, ShippedLayoutsAreCopiedOnceAndChangedOnesAreKept) {
-    ASSERT_EQ(print("Umsatz", toPdf()).exitCode, 0);
-    const auto layout = layouts() / "Umsatz.svg";
-    const auto changed = readFile(layout) + "<!-- geändert -->";
-    writeFile(layout, changed);
-    std::filesystem::remove(layouts() / "Firma.svg");
-    ASSERT_EQ(print("Umsatz", toPdf()).exitCode, 0);
-    EXPECT_EQ(readFile(layout), changed);
-    EXPECT_TRUE(std::filesystem::exists(layouts() / "Firma.svg"));
-}
-
 TEST_F(CommandLine, AnApplicationFolderCanBeChosen) {
     ASSERT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);
-    EXPECT_TRUE(std::filesystem::exists(folder / "app" / "DB" / "BerichteLLVT" / "Umsatz.svg"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "app" / "DB" / "BerichteLLVT" / "Preview"));
     EXPECT_FALSE(std::filesystem::exists(layouts()));
 }
 

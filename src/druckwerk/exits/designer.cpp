@@ -88,7 +88,7 @@ struct Designed {
 };
 
 Designed openInDesigner(const DesignRequest& request) {
-    const auto existing = readFile(request.layout);
+    const auto existing = readFile(request.source);
     const std::string svg = existing ? *existing : generateLayout(request.definitions);
     // A damaged layout is opened as it is; the check says what is wrong with it.
     const WorkingCopy copy(request.layout, withPalette(svg, request.definitions).value_or(svg));
@@ -121,8 +121,9 @@ std::int32_t design(const DesignRequest& request, const FindingSink& findings, s
     if (designed.hasStrays)
         findings(
             {false, 0, "Objekte, die in der Ebene „Feldliste“ lagen, liegen jetzt in der Ebene „Hintergrund“."});
-    if (std::filesystem::exists(request.layout))
-        for (const auto& finding : checkLayout(request.layout, request.definitions))
+    const auto& used = std::filesystem::exists(request.layout) ? request.layout : request.source;
+    if (std::filesystem::exists(used))
+        for (const auto& finding : checkLayout(used, request.definitions))
             findings(finding);
     return 0;
 }
