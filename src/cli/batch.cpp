@@ -155,6 +155,7 @@ class Planner {
         }
         auto single = *axis;
         single.takes = catalog::Axis::Takes::One;
+        source().show(*unit.report, unit.ranges);
         try {
             for (const auto& print :
                  planPrints(std::span(&single, 1), unit.ranges, source().existing(*unit.report, unit.company))) {

@@ -157,7 +157,7 @@ void addPrinter(CLI::App& command, Options& options) {
         ->group(group);
     addValue(command, group, "--exemplare", "ZAHL", "Zahl der Exemplare",
              [&](const std::string& text) { options.printing.copies = wholeNumber("--exemplare", text, 1, 9999); });
-    addValue(command, group, "--seiten", "SEITEN", "nur diese Seiten, wie 1-3,7",
+    addValue(command, group, "--seiten", "SEITEN", "nur diese Seiten, wie 1-3,7; auch in eine Datei",
              [&](const std::string& text) { options.printing.pages = pagesIn(text); });
     addValue(command, group, "--beidseitig", "nein|lang|kurz",
              "beidseitig, über die lange oder die kurze Kante gewendet", [&](const std::string& text) {

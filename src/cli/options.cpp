@@ -87,13 +87,15 @@ void checkOutput(const Options& options) {
         refuse("--je und --name gelten nur mit --nach ORDNER.");
     if (options.data && !fillsFiles(options))
         refuse("--format für Daten braucht --ausgabe DATEI oder --nach ORDNER.");
+    if (options.data && !options.printing.pages.empty())
+        refuse("--seiten gilt für Seiten, nicht für Daten.");
     if (options.askForPrinter && (options.data || !options.outputFolder.empty()))
         refuse("--druckerauswahl gibt es nur für gedruckte Seiten.");
     const auto& printing = options.printing;
-    const bool hasPrinterOptions = printing.copies != 1 || !printing.pages.empty() || !printing.tray.empty() ||
-                                   printing.sides != druckwerk::Sides::AsPrinter;
+    const bool hasPrinterOptions =
+        printing.copies != 1 || !printing.tray.empty() || printing.sides != druckwerk::Sides::AsPrinter;
     if (hasPrinterOptions && fillsFiles(options) && !options.askForPrinter)
-        refuse("--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
+        refuse("--exemplare, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
 }
 
 void checkLayouts(const Options& options) {
@@ -134,15 +136,6 @@ void check(Options& options, bool formatGiven) {
 
 namespace {
 
-/// "drucken, vorschau oder firmen".
-std::string namesOf(const CLI::App& app) {
-    const auto commands = app.get_subcommands({});
-    std::string names;
-    for (std::size_t i = 0; i < commands.size(); ++i)
-        names += (i == 0 ? "" : i + 1 == commands.size() ? " oder " : ", ") + commands[i]->get_name();
-    return names;
-}
-
 /// The commands with their options, and what parsing them gives.
 class Parser {
   public:
@@ -164,7 +157,7 @@ class Parser {
             app_.exit(success, std::cout, std::cerr);
             return std::nullopt;
         } catch (const CLI::RequiredError&) {
-            refuse("Es fehlt der Befehl: " + namesOf(app_) + ".");
+            refuse("Es fehlt der Befehl: " + commandNames(app_) + ".");
         }
         const auto* format = app_.get_subcommands().front()->get_option_no_throw("--format");
         check(options_, format && format->count() > 0);

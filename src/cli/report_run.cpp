@@ -10,9 +10,11 @@
 #include "cli/printer_dialog.h"
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
+#include "druckwerk/pdf/page_selection.h"
 #include "manager/clsDruckManager.h"
 #include "platform/posix/atomic_file.h"
 #include "platform/posix/posix_platform.h"
+#include "platform/posix/temporary_folder.h"
 
 #include <array>
 #include <cstdlib>
@@ -66,6 +68,7 @@ class ReportRun {
   private:
     std::vector<SinglePrint> plan() {
         const auto& report = *request_.report;
+        source_.show(report, request_.ranges);
         const auto prints = planPrints(report.axes, request_.ranges, source_.existing(report, request_.company));
         // A designer is opened once, on the latest data.
         return options_.designs() ? std::vector{prints.back()} : prints;
@@ -106,12 +109,10 @@ class ReportRun {
 
     std::unique_ptr<FormFactory> druckwerk() {
         druckwerk::Options settings;
-        settings.output = options_.command == Command::Preview
-                              ? previewFolder() / (std::string(request_.report->listName) + ".ll")
-                              : request_.output;
+        settings.output = engineOutput();
         settings.layoutsBehind = LayoutStore::installedFolder();
         settings.place = &place_;
-        settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
+        settings.finished = [this](std::unique_ptr<AtomicFile> file) { take(std::move(file)); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
             return deliver(document, message);
         };
@@ -131,6 +132,27 @@ class ReportRun {
         settings.printDate = options_.printDate;
         settings.locale = options_.locale;
         return std::make_unique<druckwerk::DruckwerkFormFactory>(std::move(settings));
+    }
+
+    /// Of some pages the whole document is made first, in a place of its own.
+    std::filesystem::path engineOutput() {
+        if (options_.command == Command::Preview)
+            return previewFolder() / (std::string(request_.report->listName) + ".ll");
+        if (request_.output.empty() || options_.printing.pages.empty())
+            return request_.output;
+        whole_.emplace();
+        return whole_->path() / "whole.pdf";
+    }
+
+    /// A complete file waits for its place.
+    void take(std::unique_ptr<AtomicFile> file) {
+        finished_ = std::move(file);
+        if (!whole_)
+            return;
+        finished_->commit();
+        const auto pages = druckwerk::selectedPages(finished_->target(), options_.printing.pages);
+        finished_ = std::make_unique<AtomicFile>(request_.output);
+        finished_->write(pages);
     }
 
     /// What is read must not be written over; `option` tells of the output.
@@ -276,6 +298,7 @@ class ReportRun {
     LayoutStore layouts_;
     DataSource source_;
     basLL80 jobs_;
+    std::optional<TemporaryFolder> whole_; ///< holds the document of which pages are selected
     std::unique_ptr<FormFactory> engine_;
     std::unique_ptr<AtomicFile> record_;
     std::unique_ptr<AtomicFile> finished_; ///< a complete file that waits for its place
