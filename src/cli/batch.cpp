@@ -1,6 +1,7 @@
 #include "cli/batch.h"
 
 #include "cli/application_folder.h"
+#include "cli/binder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
 #include "cli/file_names.h"
@@ -34,19 +35,6 @@ std::string rangeText(const Selections& ranges, Selection from, Selection to) {
            (first->second == last->second ? "" : "-" + std::to_string(last->second));
 }
 
-NameParts partsOf(const PrintRequest& request) {
-    return {std::string(request.report->listName), std::string(request.report->title), textOf(request.company),
-            rangeText(request.ranges, Selection::YearFrom, Selection::YearTo),
-            rangeText(request.ranges, Selection::EmployeeFrom, Selection::EmployeeTo)};
-}
-
-/// How messages name a document.
-std::string nameOf(const PrintRequest& request) {
-    const auto parts = partsOf(request);
-    return parts.list + ", Firma " + parts.company + (parts.year.empty() ? "" : ", " + parts.year) +
-           (parts.employee.empty() ? "" : ", Mitarbeiter " + parts.employee);
-}
-
 std::string endingOf(const Options& options) {
     using druckwerk::DataFormat;
     if (!options.data)
@@ -68,6 +56,9 @@ class Planner {
                 if (unit++ % options_.part.of == options_.part.number - 1)
                     addUnit({report, company, rangesOf(*report), valuesOf(*report), {}, false});
         nameFiles();
+        if (options_.record)
+            for (std::size_t i = 1; i < requests_.size(); ++i)
+                requests_[i].continuesRecord = true;
         return std::move(requests_);
     }
 
@@ -195,11 +186,7 @@ class Planner {
 class Batch {
   public:
     Batch(const Options& options, std::vector<PrintRequest> requests, Console& console)
-        : options_(options), requests_(std::move(requests)), console_(console) {
-        if (options_.record)
-            for (std::size_t i = 1; i < requests_.size(); ++i)
-                requests_[i].continuesRecord = true;
-    }
+        : options_(options), requests_(std::move(requests)), console_(console) {}
 
     int run() {
         showProgress();
@@ -257,6 +244,18 @@ class Batch {
 
 } // namespace
 
+NameParts partsOf(const PrintRequest& request) {
+    return {std::string(request.report->listName), std::string(request.report->title), textOf(request.company),
+            rangeText(request.ranges, Selection::YearFrom, Selection::YearTo),
+            rangeText(request.ranges, Selection::EmployeeFrom, Selection::EmployeeTo)};
+}
+
+std::string nameOf(const PrintRequest& request) {
+    const auto parts = partsOf(request);
+    return parts.list + ", Firma " + parts.company + (parts.year.empty() ? "" : ", " + parts.year) +
+           (parts.employee.empty() ? "" : ", Mitarbeiter " + parts.employee);
+}
+
 std::vector<PrintRequest> requestsOf(const Options& options, Console& console) {
     return Planner(options, console).requests();
 }
@@ -267,6 +266,8 @@ int printAll(const Options& options, Console& console) {
         std::filesystem::create_directories(options.outputFolder);
     if (requests.empty())
         return kDone; // this part of the work is empty
+    if (!options.binder.empty())
+        return printBinders(options, requests, console);
     if (requests.size() == 1)
         return runReport(options, requests.front(), console);
     if (options.askForPrinter)

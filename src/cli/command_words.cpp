@@ -48,7 +48,7 @@ std::string joined(const std::vector<std::string>& values) {
 /// Options that stand for each other: one of them leaves no room for a preset of another.
 const std::array<std::vector<std::string>, 3> kRivals{{
     {"--datenbank", "--verbindung"},
-    {"--ausgabe", "--nach", "--drucker", "--druckerauswahl"},
+    {"--ausgabe", "--nach", "--mappe", "--drucker", "--druckerauswahl"},
     {"--jahr", "--von", "--bis"},
 }};
 

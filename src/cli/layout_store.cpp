@@ -71,7 +71,7 @@ void LayoutStore::keep(std::string_view list, const std::string& content) const 
     fs::path file;
     int number = 0;
     do { // several within a second stand in their order
-        std::array<char, 8> digits{};
+        std::array<char, 16> digits{};
         std::snprintf(digits.data(), digits.size(), "-%03d", number++);
         file = folder_ / kEarlier / (std::string(list) + time.data() + digits.data() + ".svg");
     } while (fs::exists(file));

@@ -126,6 +126,9 @@ void addFiles(CLI::App& command, Options& options) {
              [&](const std::string& text) { options.output = text; });
     addValue(command, group, "-n,--nach", "ORDNER", "eine Ausgabedatei für jede Liste und Firma in diesen Ordner",
              [&](const std::string& text) { options.outputFolder = text; });
+    addValue(command, group, "--mappe", "DATEI",
+             "alles in ein PDF, mit Deckblatt, Inhaltsverzeichnis, Lesezeichen und durchlaufenden Seitenzahlen",
+             [&](const std::string& text) { options.binder = text; });
     addValue(command, group, "--name", "MUSTER",
              "Name der Dateien in --nach, mit {liste}, {titel}, {firma}, {jahr}, {mitarbeiter}",
              into(options.namePattern));
@@ -173,6 +176,7 @@ constexpr const char* kPrintExamples = R"(Beispiele:
   kvtdruck drucken MaStKost -d musterbau.sqlite -f 1 --mitarbeiter-von 5 --mitarbeiter-bis 7 -o Blätter.pdf
   kvtdruck drucken alle -d musterbau.sqlite -f alle -j 2024 --nach Auswertungen
   kvtdruck drucken GemeinK -d musterbau.sqlite -f 1 --je jahr --nach Auswertungen --format xlsx
+  kvtdruck drucken alle -d musterbau.sqlite -f 1 -j 2024 --mappe Jahr2024.pdf
   kvtdruck drucken --auftrag monatsabschluss.toml)";
 
 } // namespace

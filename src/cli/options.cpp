@@ -5,6 +5,7 @@
 #include "cli/option_groups.h"
 #include "cli/presets.h"
 #include "cli/settings_file.h"
+#include "platform/posix/atomic_file.h"
 
 #include <CLI/CLI.hpp>
 
@@ -17,7 +18,7 @@ namespace {
 using druckwerk::DataFormat;
 
 bool fillsFiles(const Options& options) {
-    return !options.output.empty() || !options.outputFolder.empty();
+    return !options.output.empty() || !options.outputFolder.empty() || !options.binder.empty();
 }
 
 /// What the ending of a file says about its kind; nothing for an ending that says nothing.
@@ -36,7 +37,9 @@ std::optional<std::optional<DataFormat>> formatOf(const std::filesystem::path& f
 
 /// The format follows the ending; a --format that says something else is a mistake.
 void settleFormat(Options& options, bool formatGiven) {
-    const auto name = options.output.empty() ? std::filesystem::path(options.namePattern) : options.output;
+    const auto name = !options.binder.empty()  ? options.binder
+                      : options.output.empty() ? std::filesystem::path(options.namePattern)
+                                               : options.output;
     const auto told = formatOf(name);
     if (!told)
         return;
@@ -75,15 +78,32 @@ void checkPassword(const Options& options) {
             refuse(std::string(option) + " gilt nur mit --verbindung.");
 }
 
+/// A binder has everything in it, as pages.
+void checkBinder(const Options& options) {
+    if (!options.output.empty() || !options.outputFolder.empty() || !options.printing.printer.empty() ||
+        options.askForPrinter)
+        refuse("--mappe geht nicht mit --ausgabe, --nach, --drucker und --druckerauswahl zusammen.");
+    if (options.per == Per::Company && options.binder.filename().string().find("{firma}") == std::string::npos)
+        refuse("--je firma braucht {firma} im Namen der Mappe.");
+    if (options.data || !options.printing.pages.empty() || options.part.of > 1)
+        refuse("--mappe ist ein ganzes PDF: --format, --seiten und --teil gelten nicht dafür.");
+    if (options.command == Command::Print && isSameFile(options.binder, options.database))
+        refuse("--mappe würde die Datei " + options.database + " überschreiben, aus der gelesen wird.");
+}
+
 void checkOutput(const Options& options) {
+    if (!options.binder.empty())
+        checkBinder(options);
     const bool severalFiles = options.reports.size() > 1 || options.companies.size() > 1 || options.allCompanies;
     if (!options.output.empty() && !options.outputFolder.empty())
         refuse("--ausgabe und --nach gehen nicht zusammen.");
     if (fillsFiles(options) && !options.printing.printer.empty())
         refuse("--ausgabe und --nach gehen nicht mit --drucker zusammen.");
     if (!options.output.empty() && severalFiles)
-        refuse("Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an.");
-    if ((options.per || !options.namePattern.empty()) && options.outputFolder.empty())
+        refuse("Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an, "
+               "--mappe DATEI bindet alle zusammen.");
+    const bool onePerCompany = !options.binder.empty() && options.per == Per::Company;
+    if (((options.per && !onePerCompany) || !options.namePattern.empty()) && options.outputFolder.empty())
         refuse("--je und --name gelten nur mit --nach ORDNER.");
     if (options.data && !fillsFiles(options))
         refuse("--format für Daten braucht --ausgabe DATEI oder --nach ORDNER.");

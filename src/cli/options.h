@@ -35,6 +35,7 @@ struct Options {
     std::optional<std::filesystem::path> values; ///< a file of values, or a folder with one for each list
 
     std::filesystem::path output;              ///< one file; empty: to a folder, or to a printer
+    std::filesystem::path binder;              ///< one file for everything
     std::filesystem::path outputFolder;        ///< for the files of a batch
     std::string namePattern;                   ///< of the files in it; empty for the usual one
     std::optional<Per> per;                    ///< one file for each

@@ -52,7 +52,8 @@ class ReportRun {
         manager.fkt_Init(source_.connection());
         bool done = true;
         for (std::size_t i = 0; done && i < prints.size(); ++i) {
-            place_ = {i + 1 < prints.size(), prints[i].bookmark};
+            place_ = {i + 1 < prints.size() || request_.document, request_.chapter};
+            place_.bookmark.insert(place_.bookmark.end(), prints[i].bookmark.begin(), prints[i].bookmark.end());
             done = print(manager, prints[i], i == 0);
         }
         finishRecord();
@@ -131,7 +132,8 @@ class ReportRun {
         settings.cancelled = &cancelled();
         settings.printDate = options_.printDate;
         settings.locale = options_.locale;
-        return std::make_unique<druckwerk::DruckwerkFormFactory>(std::move(settings));
+        return std::make_unique<druckwerk::DruckwerkFormFactory>(
+            std::move(settings), request_.document ? request_.document : druckwerk::newDocument());
     }
 
     /// Of some pages the whole document is made first, in a place of its own.

@@ -5,8 +5,8 @@
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
+#include "druckwerk/open_document.h"
 #include "druckwerk/page/print_job.h"
-#include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
 
 #include <new>
@@ -42,34 +42,17 @@ std::filesystem::path layoutFile(const std::filesystem::path& objectName) {
 
 } // namespace
 
-class OpenDocument {
-  public:
-    bool isOpen() const { return pdf_.has_value(); }
-    PdfDocument& pdf() { return *pdf_; }
-    /// Whether it goes to a printer: then it lies in a temporary folder.
-    bool isForPrinter() const { return folder_ != nullptr; }
-    const std::filesystem::path& file() const { return file_; }
-    const DocumentInfo& info() const { return info_; }
+std::shared_ptr<OpenDocument> newDocument() {
+    return std::make_shared<OpenDocument>();
+}
 
-    void open(const std::filesystem::path& file, std::unique_ptr<TemporaryFolder> folder, DocumentInfo info,
-              const FontLibrary::Warn& warn) {
-        drop();
-        folder_ = std::move(folder);
-        file_ = file;
-        info_ = std::move(info);
-        pdf_.emplace(file_, warn);
-    }
-    void drop() {
-        pdf_.reset();
-        folder_.reset();
-    }
-
-  private:
-    std::unique_ptr<TemporaryFolder> folder_;
-    std::filesystem::path file_;
-    DocumentInfo info_;
-    std::optional<PdfDocument> pdf_;
-};
+std::unique_ptr<AtomicFile> finish(OpenDocument& document) {
+    if (!document.isOpen())
+        return nullptr;
+    auto file = document.pdf().finish(document.info());
+    document.drop();
+    return file;
+}
 
 /// The state behind the control: definitions, and the print job where there is one.
 class Druckwerk::Engine {
@@ -444,8 +427,8 @@ class DruckwerkForm final : public Form {
 
 } // namespace
 
-DruckwerkFormFactory::DruckwerkFormFactory(Options options)
-    : options_(std::make_shared<const Options>(std::move(options))), document_(std::make_shared<OpenDocument>()) {}
+DruckwerkFormFactory::DruckwerkFormFactory(Options options, std::shared_ptr<OpenDocument> document)
+    : options_(std::make_shared<const Options>(std::move(options))), document_(std::move(document)) {}
 
 std::unique_ptr<Form> DruckwerkFormFactory::create() {
     return std::make_unique<DruckwerkForm>(options_, document_);

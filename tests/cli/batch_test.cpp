@@ -149,6 +149,79 @@ TEST_F(Batches, AnExistingSchedulerSpreadsTheParts) {
     EXPECT_TRUE(files("teile") == files("ganz"));
 }
 
+// Binders
+
+class Binders : public Batches {
+  protected:
+    Outcome bind(const std::string& file, const std::vector<std::string>& more) const {
+        std::vector<std::string> arguments{"drucken",  "Umsatz",       "KalkKo",     "MitUeber", "-d",
+                                           database(), "--druckdatum", "31.12.2024", "--mappe",  output(file)};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return kvtdruck(arguments);
+    }
+    std::string text(const std::string& file, int page) const {
+        return run({"pdftotext", "-layout", "-f", std::to_string(page), "-l", std::to_string(page), output(file),
+                    "-"})
+            .output;
+    }
+    std::string json(const std::string& file, const std::string& filter) const {
+        return run({"jq", "-c", filter}, {}, run({"qpdf", "--json=2", output(file)}).output).output;
+    }
+};
+
+TEST_F(Binders, HaveACoverContentsAndPagesThatRunThrough) {
+    const auto outcome = bind("mappe.pdf", {"-f", "1", "--von", "2023"});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(run({"qpdf", "--check", output("mappe.pdf")}).exitCode, 0);
+    EXPECT_THAT(text("mappe.pdf", 1), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Auswertungen ab2023"),
+                                            HasSubstr("Gedruckt am 31. Dezember 2024")));
+    EXPECT_THAT(text("mappe.pdf", 2), ::testing::ContainsRegex("Inhalt(.|\n)*Umsatz +1\n(.|\n)*Kalkulatorische "
+                                                               "Kosten +4\n(.|\n)*Mitarbeiter-Übersicht +7\n"));
+    const auto pages = std::stoi(json("mappe.pdf", ".pages | length"));
+    EXPECT_THAT(text("mappe.pdf", 3), HasSubstr("Seite 1 von " + std::to_string(pages - 2)));
+    EXPECT_THAT(text("mappe.pdf", pages), HasSubstr("Seite " + std::to_string(pages - 2) + " von "));
+    EXPECT_EQ(json("mappe.pdf", "[.outlines[] | [.title, .destpageposfrom1]]"),
+              "[[\"Umsatz\",3],[\"Kalkulatorische Kosten\",6],[\"Mitarbeiter-Übersicht\",9]]\n");
+    EXPECT_EQ(json("mappe.pdf", "[.pagelabels[] | [.index, .label[\"/S\"]]]"), "[[0,\"/r\"],[2,\"/D\"]]\n");
+}
+
+TEST_F(Binders, EveryLineOfTheContentsLeadsToItsChapter) {
+    ASSERT_EQ(bind("mappe.pdf", {"-f", "1", "--von", "2023"}).exitCode, 0);
+    const auto links = run({"python3", "-c",
+                            "import json,sys\n"
+                            "d = json.load(sys.stdin); o = d['qpdf'][1]\n"
+                            "v = lambda r: o['obj:' + r]['value']\n"
+                            "p = [x['object'] for x in d['pages']]\n"
+                            "print([p.index(v(a)['/Dest'][0]) + 1 for a in v(p[1])['/Annots']])"},
+                           {}, run({"qpdf", "--json=2", output("mappe.pdf")}).output);
+    EXPECT_EQ(links.output, "[3, 6, 9]\n") << links.errors;
+}
+
+TEST_F(Binders, SameInputGivesTheSameBytes) {
+    ASSERT_EQ(bind("eins.pdf", {"-f", "1,2", "-j", "2024"}).exitCode,
+              bind("zwei.pdf", {"-f", "1,2", "-j", "2024"}).exitCode);
+    EXPECT_NE(readFile(output("eins.pdf")), "");
+    EXPECT_TRUE(readFile(output("eins.pdf")) == readFile(output("zwei.pdf")));
+    EXPECT_THAT(text("eins.pdf", 2), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Elektro Jäger")));
+}
+
+TEST_F(Binders, HoldTheRestOfWhatFails) {
+    execute("DELETE FROM kosten;");
+    const auto outcome = bind("mappe.pdf", {"-f", "1", "-j", "2024"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("Fehler: Nicht in der Mappe (1 von 3):\n  KalkKo, Firma 1, 2024\n"));
+    EXPECT_EQ(json("mappe.pdf", "[.outlines[].title]"), "[\"Umsatz\",\"Mitarbeiter-Übersicht\"]\n");
+    execute("DELETE FROM umsatz; DELETE FROM mitarbeiter;");
+    EXPECT_EQ(bind("leer.pdf", {"-f", "1", "-j", "2024"}).exitCode, 1);
+    EXPECT_FALSE(std::filesystem::exists(output("leer.pdf")));
+}
+
+TEST_F(Binders, OneForEachCompany) {
+    bind("{firma}.pdf", {"-f", "1,2", "-j", "2024", "--je", "firma"});
+    EXPECT_THAT(text("1.pdf", 1), HasSubstr("Müller & Söhne GmbH"));
+    EXPECT_THAT(text("2.pdf", 1), HasSubstr("Elektro Jäger"));
+}
+
 // Job files
 
 class JobFile : public Batches {

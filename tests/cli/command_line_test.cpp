@@ -371,7 +371,15 @@ INSTANTIATE_TEST_SUITE_P(
                   "--format und die Endung von „u.xlsx“ widersprechen sich."},
         UsageCase{"SeveralListsInOneFile",
                   {"drucken", "Umsatz", "KalkKo", "-d", "d", "-f", "1", "-o", "x.pdf"},
-                  "Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an."},
+                  "Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an, "
+                  "--mappe DATEI bindet alle "
+                  "zusammen."},
+        UsageCase{"BinderAndFile", printing({"--mappe", "m.pdf", "-o", "x.pdf"}),
+                  "--mappe geht nicht mit --ausgabe, --nach, --drucker und --druckerauswahl zusammen."},
+        UsageCase{"BinderOfData", printing({"--mappe", "m.csv"}),
+                  "--mappe ist ein ganzes PDF: --format, --seiten und --teil gelten nicht dafür."},
+        UsageCase{"BindersWithoutNames", printing({"--mappe", "m.pdf", "--je", "firma"}),
+                  "--je firma braucht {firma} im Namen der Mappe."},
         UsageCase{"BrokenPart", printing({"-n", "x", "--teil", "9/8"}), "--teil: „9/8“ ist kein Teil wie 3/8."},
         UsageCase{"YearIsNoNumber", printing({"--jahr", "MMXX"}),
                   "--jahr: „MMXX“ ist keine ganze Zahl von 1 bis 9999."},

@@ -1,7 +1,5 @@
 #include "druckwerk/pdf/page_selection.h"
 
-#include "druckwerk/common/fault.h"
-
 #include <algorithm>
 #include <qpdf/Buffer.hh>
 #include <qpdf/QPDF.hh>
@@ -12,6 +10,7 @@
 #include <qpdf/QPDFWriter.hh>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 namespace kvtdruck::druckwerk {
@@ -121,8 +120,8 @@ std::string selectedPages(const std::filesystem::path& document, const std::stri
             pages.removePage(page);
     }
     if (kept.empty())
-        throw Fault(kOutputFailed,
-                    "Das Dokument hat keine der Seiten " + ranges + ", sondern nur " + std::to_string(number));
+        throw std::out_of_range("Das Dokument hat keine der Seiten " + ranges + ", sondern nur " +
+                                std::to_string(number));
     const Pruning pruning(std::move(kept));
     pruneNames(pdf, pruning);
     if (auto root = pdf.getRoot(); root.hasKey("/Outlines") && pruning.prune(root.getKey("/Outlines")) == 0) {
