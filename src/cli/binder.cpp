@@ -10,6 +10,7 @@
 #include "platform/posix/temporary_folder.h"
 
 #include <algorithm>
+#include <regex>
 #include <set>
 
 namespace kvtdruck::cli {
@@ -48,11 +49,10 @@ class Front {
     }
 
     void printContents(const std::vector<Chapter>& chapters) {
+        defineLine({});
         start("Inhalt");
         for (const auto& chapter : chapters) {
-            call(Operation::LlDefineFieldExt, {u"Kapitel", StringView(fromUtf8(chapter.title)), kTypeText});
-            call(Operation::LlDefineFieldExt, {u"Ebene", StringView(decimal(chapter.level)), kTypeNumeric});
-            call(Operation::LlDefineFieldExt, {u"AbSeite", StringView(decimal(chapter.page)), kTypeNumeric});
+            defineLine(chapter);
             while (call(Operation::LlPrintFields) == kEnginePageFull)
                 call(Operation::LlPrint);
         }
@@ -62,6 +62,12 @@ class Front {
     std::unique_ptr<AtomicFile> finish() { return druckwerk::finish(*document_); }
 
   private:
+    void defineLine(const Chapter& chapter) {
+        call(Operation::LlDefineFieldExt, {u"Kapitel", StringView(fromUtf8(chapter.title)), kTypeText});
+        call(Operation::LlDefineFieldExt, {u"Ebene", StringView(decimal(chapter.level)), kTypeNumeric});
+        call(Operation::LlDefineFieldExt, {u"AbSeite", StringView(decimal(chapter.page)), kTypeNumeric});
+    }
+
     std::int32_t call(Operation operation, std::initializer_list<Argument> arguments = {}) {
         const auto code = form_->ll60().call(operation, arguments);
         if (code != kEngineSuccess && code != kEnginePageFull)
@@ -71,7 +77,6 @@ class Front {
 
     void start(const char* layout) {
         const auto object = fromUtf8(layouts_.own(layout).replace_extension().string());
-        call(Operation::LlDefineFieldStart);
         call(Operation::LlPrintWithBoxStart,
              {2, StringView(object), kPrintModeNormal, 2, WindowHandle{}, StringView(u"")});
         call(Operation::LlPrint);
@@ -167,8 +172,8 @@ class Binder {
     std::string period() const {
         std::set<std::string> texts;
         for (const auto& request : requests_)
-            if (auto text = partsOf(request).year; !text.empty())
-                texts.insert(std::move(text));
+            if (const auto text = partsOf(request).year; !text.empty())
+                texts.insert(std::regex_replace(text, std::regex("^(ab|bis)"), "$1 "));
         std::string all;
         for (const auto& text : texts)
             all += (all.empty() ? "" : ", ") + text;

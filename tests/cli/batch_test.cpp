@@ -173,7 +173,7 @@ TEST_F(Binders, HaveACoverContentsAndPagesThatRunThrough) {
     const auto outcome = bind("mappe.pdf", {"-f", "1", "--von", "2023"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(run({"qpdf", "--check", output("mappe.pdf")}).exitCode, 0);
-    EXPECT_THAT(text("mappe.pdf", 1), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Auswertungen ab2023"),
+    EXPECT_THAT(text("mappe.pdf", 1), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Auswertungen ab 2023"),
                                             HasSubstr("Gedruckt am 31. Dezember 2024")));
     EXPECT_THAT(text("mappe.pdf", 2), ::testing::ContainsRegex("Inhalt(.|\n)*Umsatz +1\n(.|\n)*Kalkulatorische "
                                                                "Kosten +4\n(.|\n)*Mitarbeiter-Übersicht +7\n"));

@@ -54,8 +54,8 @@ TEST_F(Layouts, AreListedWithWhatDiffers) {
                       HasSubstr("\nFirma     eigenes, gleicht dem mitgelieferten\n")));
     const auto one = layoutsCommand({"umsatz"}).output;
     EXPECT_THAT(one, AllOf(StartsWith("Umsatz: eigenes, 2 Unterschiede\n" + own().string() + "\n"),
-                           HasSubstr("  - Seitenkopf: text class=\"titel\""), HasSubstr(" „{{Ueberschrift}}“\n"),
-                           HasSubstr("  + Seitenkopf: text class=\"titel\""), HasSubstr(" „Mein Titel“\n")));
+                           HasSubstr("  - Zeile: text class=\"titel\""), HasSubstr(" „{{Ueberschrift}}“\n"),
+                           HasSubstr("  + Zeile: text class=\"titel\""), HasSubstr(" „Mein Titel“\n")));
 }
 
 TEST_F(Layouts, TheInstalledOneAndAnEarlierOneComeBack) {
