@@ -31,7 +31,7 @@ std::string contentOf(const xmlNode* node) {
 std::string layerOf(const xmlNode* node) {
     std::string layer;
     for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
-        if (const auto label = layerLabel(node); !label.empty())
+        if (const auto label = layerLabel(node); svgName(node) == "g" && !label.empty())
             layer = label + ": ";
     return layer;
 }

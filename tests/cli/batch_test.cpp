@@ -198,11 +198,13 @@ TEST_F(Binders, EveryLineOfTheContentsLeadsToItsChapter) {
 }
 
 TEST_F(Binders, SameInputGivesTheSameBytes) {
-    ASSERT_EQ(bind("eins.pdf", {"-f", "1,2", "-j", "2024"}).exitCode,
-              bind("zwei.pdf", {"-f", "1,2", "-j", "2024"}).exitCode);
+    addCompanies(1);
+    execute("UPDATE firma SET name1 = 'Zweite GmbH' WHERE fnr = 101;");
+    ASSERT_EQ(bind("eins.pdf", {"-f", "1,101", "-j", "2024"}).exitCode,
+              bind("zwei.pdf", {"-f", "1,101", "-j", "2024"}).exitCode);
     EXPECT_NE(readFile(output("eins.pdf")), "");
     EXPECT_TRUE(readFile(output("eins.pdf")) == readFile(output("zwei.pdf")));
-    EXPECT_THAT(text("eins.pdf", 2), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Elektro Jäger")));
+    EXPECT_THAT(text("eins.pdf", 2), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Zweite GmbH")));
 }
 
 TEST_F(Binders, HoldTheRestOfWhatFails) {
@@ -217,9 +219,11 @@ TEST_F(Binders, HoldTheRestOfWhatFails) {
 }
 
 TEST_F(Binders, OneForEachCompany) {
-    bind("{firma}.pdf", {"-f", "1,2", "-j", "2024", "--je", "firma"});
+    addCompanies(1);
+    execute("UPDATE firma SET name1 = 'Zweite GmbH' WHERE fnr = 101;");
+    bind("{firma}.pdf", {"-f", "1,101", "-j", "2024", "--je", "firma"});
     EXPECT_THAT(text("1.pdf", 1), HasSubstr("Müller & Söhne GmbH"));
-    EXPECT_THAT(text("2.pdf", 1), HasSubstr("Elektro Jäger"));
+    EXPECT_THAT(text("101.pdf", 1), HasSubstr("Zweite GmbH"));
 }
 
 // Job files
