@@ -109,7 +109,8 @@ void printWithPango(long rows, const std::string& output) {
             cairo_show_page(drawing);
         if (i % 2 == 1) {
             cairo_set_source_rgb(drawing, 0.96, 0.97, 0.98);
-            cairo_rectangle(drawing, 12 * kPoints, (kFirstBand + line * kStep) * kPoints, 186 * kPoints, kStep * kPoints);
+            cairo_rectangle(drawing, 12 * kPoints, (kFirstBand + line * kStep) * kPoints, 186 * kPoints,
+                            kStep * kPoints);
             cairo_fill(drawing);
             cairo_set_source_rgb(drawing, 0.12, 0.16, 0.2);
         }
@@ -157,7 +158,8 @@ void printWithHaru(long rows, const std::string& output, const std::string& font
             const std::string text = cell(record, column);
             const HPDF_REAL width = kColumns[column].number ? HPDF_Page_TextWidth(page, text.c_str()) : 0;
             HPDF_Page_TextOut(page, static_cast<HPDF_REAL>(kColumns[column].x * kPoints) - width,
-                              static_cast<HPDF_REAL>((kPageHeight - kFirstLine - line * kStep) * kPoints), text.c_str());
+                              static_cast<HPDF_REAL>((kPageHeight - kFirstLine - line * kStep) * kPoints),
+                              text.c_str());
         }
         HPDF_Page_EndText(page);
     }

@@ -68,7 +68,8 @@ constexpr std::array kAccountAxes{
     Axis{One, YearFrom, YearTo, Year, Year, "Jahr", "Jahre"},
     Axis{OneOrAll, AccountFrom, AccountTo, AccountFrom, AccountTo, "Konto", "Konten"},
 };
-constexpr std::array kEmployeeAxis{
+constexpr std::array kEmployeeAxes{
+    Axis{Nothing, YearFrom, YearTo, YearFrom, YearTo, "Jahr", "Jahre"},
     Axis{OneOrAll, EmployeeFrom, EmployeeTo, EmployeeFrom, EmployeeTo, "Mitarbeiter", "Mitarbeiter"}};
 
 // Columns of the reports whose figures come from a file of values.
@@ -242,10 +243,10 @@ constexpr std::array kReports{
     ReportEntry{"Firma", "Allgemeine Firmendaten", kYearRange, kYearRangeAxis, {}, {}},
     ReportEntry{"GemeinK", "Gemeinkosten", kAccounts, kAccountAxes, {}, {}, kOverheads},
     ReportEntry{"NeutralA", "Neutrale Aufwendungen", kAccounts, kAccountAxes, {}, {}, kNeutralAccounts},
-    ReportEntry{"MaKost", "Mitarbeiter-Kosten", kEmployees, kEmployeeAxis, {}, {}},
-    ReportEntry{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, kEmployeeAxis, {}, {}},
-    ReportEntry{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, kEmployeeAxis, {}, {}},
-    ReportEntry{"MaStZeit", "Mitarbeiter-Stammblatt-Zeiten", kEmployeesOnly, kEmployeeAxis, {}, {}},
+    ReportEntry{"MaKost", "Mitarbeiter-Kosten", kEmployees, kEmployeeAxes, {}, {}},
+    ReportEntry{"MaZeit", "Mitarbeiter-Zeiten", kEmployees, kEmployeeAxes, {}, {}},
+    ReportEntry{"MaStKost", "Mitarbeiter-Stammblatt-Kosten", kEmployeesOnly, kEmployeeAxes, {}, {}},
+    ReportEntry{"MaStZeit", "Mitarbeiter-Stammblatt-Zeiten", kEmployeesOnly, kEmployeeAxes, {}, {}},
     ReportEntry{"KalkKo", "Kalkulatorische Kosten", kYears, kYearAxis, {}, {}},
     ReportEntry{"MatUeber", "Materialübersicht", kYears, kYearAxis, {}, {}},
     ReportEntry{"Bilanz", "Bilanzkennzahlen", {}, {}, kBilanz, {}},
@@ -356,6 +357,11 @@ std::span<const SelectionOption> selectionOptions() {
 
 std::span<const ReportEntry> reports() {
     return kReports;
+}
+
+const Axis* ReportEntry::axisFrom(Selection from) const {
+    const auto found = std::ranges::find(axes, from, &Axis::from);
+    return found == axes.end() ? nullptr : &*found;
 }
 
 std::size_t ReportEntry::rows() const {

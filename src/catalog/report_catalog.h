@@ -63,7 +63,8 @@ struct Axis {
     enum class Takes {
         OneOrAll, ///< one value, or everything
         One,      ///< one value, which it needs
-        Range     ///< the range as it is
+        Range,    ///< the range as it is
+        Nothing   ///< it knows no such selection: its connection shows no more than the range
     };
     Takes takes;
     Selection from; ///< the user's bounds
@@ -94,6 +95,8 @@ struct ReportEntry {
     std::int16_t productMode{0}; ///< what the reference data access is to read: docs/data-access.md
 
     bool isFedByValues() const { return !columns.empty(); }
+    /// The axis that begins with `from`; nullptr where the report has none.
+    const Axis* axisFrom(Selection from) const;
     /// The size of the smallest array in which the report finds every cell that it reads.
     std::size_t rows() const;
     std::size_t width() const;

@@ -9,8 +9,10 @@ namespace kvtdruck::cli {
 /// The folder of layouts within an application folder.
 std::filesystem::path layoutFolder(const std::filesystem::path& applicationFolder);
 
-/// The application folder `chosen`, or the user's own ($XDG_DATA_HOME/kvtdruck), made ready: its folders are
-/// created, and layouts that are missing are copied from the shipped ones. Throws a
+/// The program's own file; where /proc is not mounted, by the name under which it was started.
+std::filesystem::path programFile();
+
+/// The application folder `chosen`, or the user's own ($XDG_DATA_HOME/kvtdruck), with its folders. Throws a
 /// `std::filesystem::filesystem_error`.
 std::filesystem::path prepareApplicationFolder(const std::optional<std::filesystem::path>& chosen);
 

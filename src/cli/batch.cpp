@@ -1,6 +1,7 @@
 #include "cli/batch.h"
 
 #include "cli/application_folder.h"
+#include "cli/binder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
 #include "cli/file_names.h"
@@ -34,19 +35,6 @@ std::string rangeText(const Selections& ranges, Selection from, Selection to) {
            (first->second == last->second ? "" : "-" + std::to_string(last->second));
 }
 
-NameParts partsOf(const PrintRequest& request) {
-    return {std::string(request.report->listName), std::string(request.report->title), textOf(request.company),
-            rangeText(request.ranges, Selection::YearFrom, Selection::YearTo),
-            rangeText(request.ranges, Selection::EmployeeFrom, Selection::EmployeeTo)};
-}
-
-/// How messages name a document.
-std::string nameOf(const PrintRequest& request) {
-    const auto parts = partsOf(request);
-    return parts.list + ", Firma " + parts.company + (parts.year.empty() ? "" : ", " + parts.year) +
-           (parts.employee.empty() ? "" : ", Mitarbeiter " + parts.employee);
-}
-
 std::string endingOf(const Options& options) {
     return options.data ? druckwerk::endingOf(*options.data) : ".pdf";
 }
@@ -65,6 +53,9 @@ class Planner {
                 if (unit++ % options_.part.of == options_.part.number - 1)
                     addUnit({report, company, rangesOf(*report), valuesOf(*report), {}, false});
         nameFiles();
+        if (options_.record)
+            for (std::size_t i = 1; i < requests_.size(); ++i)
+                requests_[i].continuesRecord = true;
         return std::move(requests_);
     }
 
@@ -154,6 +145,7 @@ class Planner {
         }
         auto single = *axis;
         single.takes = catalog::Axis::Takes::One;
+        source().show(*unit.report, unit.ranges);
         try {
             for (const auto& print :
                  planPrints(std::span(&single, 1), unit.ranges, source().existing(*unit.report, unit.company))) {
@@ -193,11 +185,7 @@ class Planner {
 class Batch {
   public:
     Batch(const Options& options, std::vector<PrintRequest> requests, Console& console)
-        : options_(options), requests_(std::move(requests)), console_(console) {
-        if (options_.record)
-            for (std::size_t i = 1; i < requests_.size(); ++i)
-                requests_[i].continuesRecord = true;
-    }
+        : options_(options), requests_(std::move(requests)), console_(console) {}
 
     int run() {
         showProgress();
@@ -261,6 +249,18 @@ class Batch {
 
 } // namespace
 
+NameParts partsOf(const PrintRequest& request) {
+    return {std::string(request.report->listName), std::string(request.report->title), textOf(request.company),
+            rangeText(request.ranges, Selection::YearFrom, Selection::YearTo),
+            rangeText(request.ranges, Selection::EmployeeFrom, Selection::EmployeeTo)};
+}
+
+std::string nameOf(const PrintRequest& request) {
+    const auto parts = partsOf(request);
+    return parts.list + ", Firma " + parts.company + (parts.year.empty() ? "" : ", " + parts.year) +
+           (parts.employee.empty() ? "" : ", Mitarbeiter " + parts.employee);
+}
+
 std::vector<PrintRequest> requestsOf(const Options& options, Console& console) {
     return Planner(options, console).requests();
 }
@@ -271,6 +271,8 @@ int printAll(const Options& options, Console& console) {
         std::filesystem::create_directories(options.outputFolder);
     if (requests.empty())
         return kDone; // this part of the work is empty
+    if (!options.binder.empty())
+        return printBinders(options, requests, console);
     if (requests.size() == 1)
         return runReport(options, requests.front(), console);
     if (options.askForPrinter)

@@ -2,12 +2,18 @@
 #pragma once
 
 #include "cli/console.h"
+#include "cli/file_names.h"
 #include "cli/options.h"
 #include "cli/report_run.h"
 
 #include <vector>
 
 namespace kvtdruck::cli {
+
+/// What names of files and messages tell of a document.
+NameParts partsOf(const PrintRequest& request);
+/// How messages name a document.
+std::string nameOf(const PrintRequest& request);
 
 /// The documents that `options` ask for, in their order: companies, within them lists, within them years or
 /// employees. Throws a `catalog::UsageError`, and what the data access throws.

@@ -48,7 +48,7 @@ std::string joined(const std::vector<std::string>& values) {
 /// Options that stand for each other: one of them leaves no room for a preset of another.
 const std::array<std::vector<std::string>, 3> kRivals{{
     {"--datenbank", "--verbindung"},
-    {"--ausgabe", "--nach", "--drucker", "--druckerauswahl"},
+    {"--ausgabe", "--nach", "--mappe", "--drucker", "--druckerauswahl"},
     {"--jahr", "--von", "--bis"},
 }};
 
@@ -63,8 +63,10 @@ std::vector<std::string> optionNames(const CLI::App& command) {
 /// The command that the words name, and its place; the app itself where there is none.
 std::pair<const CLI::App*, std::size_t> commandIn(const CLI::App& app, const Words& words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
-        if (isOption(words[i]))
+        if (isOption(words[i]) && optionIn(app, words[i]).option)
             continue;
+        if (isOption(words[i]))
+            refuse("Es fehlt der Befehl: " + commandNames(app) + ".");
         std::vector<std::string> names;
         for (const auto* command : app.get_subcommands({})) {
             if (command->get_name() == words[i])
@@ -101,6 +103,14 @@ void forEachOption(const CLI::App& command, const Words& words, std::size_t begi
 }
 
 } // namespace
+
+std::string commandNames(const CLI::App& app) {
+    const auto commands = app.get_subcommands({});
+    std::string names;
+    for (std::size_t i = 0; i < commands.size(); ++i)
+        names += (i == 0 ? "" : i + 1 == commands.size() ? " oder " : ", ") + commands[i]->get_name();
+    return names;
+}
 
 Words withHelpAsOption(Words words) {
     if (!words.empty() && (words.front() == "help" || words.front() == "hilfe")) {

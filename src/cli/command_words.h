@@ -36,6 +36,9 @@ bool takesValue(const CLI::Option& option);
 /// Words with "help" and "hilfe" turned into the option.
 Words withHelpAsOption(Words words);
 
+/// "drucken, vorschau oder firmen".
+std::string commandNames(const CLI::App& app);
+
 /// Checks that the words name a command and its options, each with its value and not twice. Throws a
 /// `catalog::UsageError` with the word that comes nearest. `app` has the commands.
 void checkWords(const CLI::App& app, const Words& words);

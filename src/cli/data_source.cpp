@@ -47,6 +47,18 @@ std::vector<Company> DataSource::companies() {
     return result;
 }
 
+void DataSource::show(const catalog::ReportEntry& report, const catalog::Selections& ranges) {
+    Years years;
+    const auto* axis = report.axisFrom(catalog::Selection::YearFrom);
+    if (axis && axis->takes == catalog::Axis::Takes::Nothing) {
+        if (const auto first = ranges.find(axis->from); first != ranges.end())
+            years.first = first->second;
+        if (const auto last = ranges.find(axis->to); last != ranges.end())
+            years.last = last->second;
+    }
+    connection_->show(years);
+}
+
 ExistingValues DataSource::existing(const catalog::ReportEntry& report, double company) {
     return existingValues(state_, connection_, report, company);
 }

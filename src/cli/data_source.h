@@ -36,6 +36,8 @@ class DataSource {
     const std::shared_ptr<HostConnection>& connection() const { return connection_; }
 
     std::vector<Company> companies();
+    /// Lets the connection show no more than the selected years where the component knows no such selection.
+    void show(const catalog::ReportEntry& report, const catalog::Selections& ranges);
     /// The years, accounts and employees that `report` can be asked for; the source outlives the result.
     ExistingValues existing(const catalog::ReportEntry& report, double company);
 

@@ -1,5 +1,7 @@
 #include "cli/error_report.h"
 
+#include <regex>
+
 namespace kvtdruck::cli {
 namespace {
 
@@ -13,7 +15,7 @@ class ErrorReport final : public clsFehler {
         // carries.
         if (className == u"clsDruckFormular" && procedure == u"PrFehler" && console_.hasFailed())
             return true;
-        auto message = toUtf8(text);
+        auto message = verbose_ ? toUtf8(text) : forUsers(text);
         if (runtime && verbose_)
             message += " (" + std::to_string(number) + " in " + toUtf8(className) + "." + toUtf8(procedure) + ")";
         console_.error(message);
@@ -26,6 +28,11 @@ class ErrorReport final : public clsFehler {
 };
 
 } // namespace
+
+std::string forUsers(StringView description) {
+    static const std::regex className("clsZug(\\w+)");
+    return std::regex_replace(toUtf8(description), className, "„$1“");
+}
 
 std::unique_ptr<clsFehler> ErrorReports::create() {
     return std::make_unique<ErrorReport>(console_, verbose_);

@@ -6,6 +6,9 @@
 
 namespace kvtdruck::cli {
 
+/// An error's description without the names of classes, which say nothing to users: "clsZugUmsatz" is „Umsatz“.
+std::string forUsers(StringView description);
+
 /// Makes error-report objects that write to `console`, which outlives them; the place of a run-time error in the
 /// program, which says nothing to users, only when `verbose` is set.
 class ErrorReports final : public ErrorReportFactory {

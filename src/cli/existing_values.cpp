@@ -16,6 +16,7 @@ using catalog::Selections;
 
 // Not asked for by any report: a host learns from these what there is.
 constexpr DataClass kAccountYears{u"clsZugKontenJahre", u"LeseKontenJahre", {}};
+constexpr DataClass kEmployeeYears{u"clsZugMitarbeiterJahre", u"LeseMitarbeiterJahre", {}};
 constexpr DataClass kEmployeeNumbers{u"clsZugMitarbeiterNummern", u"LeseMitarbeiterNummern", {}};
 
 constexpr float kFirstMonth = 1;
@@ -49,6 +50,8 @@ class Existing {
         case Selection::Year:
             return read(kAccountYears, {company_}, u"FJahr", u"FJahr", kAccountYears.readAll);
         default:
+            if (axis.takes == Axis::Takes::Nothing)
+                return read(kEmployeeYears, {company_}, u"FJahr", u"FJahr", kEmployeeYears.readAll);
             return years(yearsOf(report_));
         }
     }

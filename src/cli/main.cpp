@@ -6,6 +6,7 @@
 #include "cli/data_source.h"
 #include "cli/database_command.h"
 #include "cli/import_command.h"
+#include "cli/layouts_command.h"
 #include "cli/manual.h"
 #include "cli/option_groups.h"
 #include "cli/options.h"
@@ -46,6 +47,8 @@ int execute(Options options, Console& console) {
     case Command::Import:
         watchForCancellation();
         return runImport(options, console);
+    case Command::Layouts:
+        return runLayouts(options, console);
     default:
         watchForCancellation();
         return printAll(options, console);

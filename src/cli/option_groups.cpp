@@ -92,6 +92,12 @@ void addSelections(CLI::App& command, Options& options, bool batches) {
              [&](const std::string& text) { options.values = text; });
 }
 
+void addFolder(CLI::App& command, Options& options) {
+    addValue(command, "Allgemein", "--ordner", "ORDNER",
+             "Anwendungsordner mit eigenen Layouts (sonst ~/.local/share/kvtdruck)",
+             [&](const std::string& text) { options.folder = text; });
+}
+
 void addGeneral(CLI::App& command, Options& options) {
     const char* group = "Allgemein";
     addValue(command, group, "--locale", "NAME",
@@ -105,9 +111,7 @@ void addGeneral(CLI::App& command, Options& options) {
     addValue(command, group, "--druckdatum", "DATUM",
              "Druckdatum (sonst jetzt); gleiche Daten und gleiches Datum geben das gleiche PDF",
              [&](const std::string& text) { options.printDate = dateIn(text); });
-    addValue(command, group, "--ordner", "ORDNER",
-             "Anwendungsordner mit den Layouts (sonst ~/.local/share/kvtdruck)",
-             [&](const std::string& text) { options.folder = text; });
+    addFolder(command, options);
     addValue(command, group, "--protokoll", "DATEI", "schreibt jeden Aufruf des Druckwerks in diese Datei",
              [&](const std::string& text) { options.record = text; });
     command
@@ -122,6 +126,9 @@ void addFiles(CLI::App& command, Options& options) {
              [&](const std::string& text) { options.output = text; });
     addValue(command, group, "-n,--nach", "ORDNER", "eine Ausgabedatei für jede Liste und Firma in diesen Ordner",
              [&](const std::string& text) { options.outputFolder = text; });
+    addValue(command, group, "--mappe", "DATEI",
+             "alles in ein PDF, mit Deckblatt, Inhaltsverzeichnis, Lesezeichen und durchlaufenden Seitenzahlen",
+             [&](const std::string& text) { options.binder = text; });
     addValue(command, group, "--name", "MUSTER",
              "Name der Dateien in --nach, mit {liste}, {titel}, {firma}, {jahr}, {mitarbeiter}",
              into(options.namePattern));
@@ -170,7 +177,7 @@ void addPrinter(CLI::App& command, Options& options) {
         ->group(group);
     addValue(command, group, "--exemplare", "ZAHL", "Zahl der Exemplare",
              [&](const std::string& text) { options.printing.copies = wholeNumber("--exemplare", text, 1, 9999); });
-    addValue(command, group, "--seiten", "SEITEN", "nur diese Seiten, wie 1-3,7",
+    addValue(command, group, "--seiten", "SEITEN", "nur diese Seiten, wie 1-3,7; auch in eine Datei",
              [&](const std::string& text) { options.printing.pages = pagesIn(text); });
     addValue(command, group, "--beidseitig", "nein|lang|kurz",
              "beidseitig, über die lange oder die kurze Kante gewendet", [&](const std::string& text) {
@@ -215,6 +222,7 @@ constexpr const char* kPrintExamples = R"(Beispiele:
   kvtdruck drucken MaStKost -d musterbau.sqlite -f 1 --mitarbeiter-von 5 --mitarbeiter-bis 7 -o Blätter.pdf
   kvtdruck drucken alle -d musterbau.sqlite -f alle -j 2024 --nach Auswertungen
   kvtdruck drucken GemeinK -d musterbau.sqlite -f 1 --je jahr --nach Auswertungen --format xlsx
+  kvtdruck drucken alle -d musterbau.sqlite -f 1 -j 2024 --mappe Jahr2024.pdf
   kvtdruck drucken --auftrag monatsabschluss.toml)";
 
 } // namespace
@@ -274,6 +282,14 @@ void addCommands(CLI::App& app, Options& options) {
                  [&](const std::string& text) {
                      options.asJson = choiceIn<bool>("--format", text, {{"text", false}, {"json", true}});
                  });
+    auto& layouts = add("layouts", "nennt mitgelieferte und eigene Layouts und was sie unterscheidet",
+                        Command::Layouts, example("layouts Umsatz --zurueck"));
+    addReports(layouts, options, "Name oder Titel der Liste");
+    addFolder(layouts, options);
+    layouts.add_flag("--mitgeliefert", options.returnsToInstalled, "legt das eigene Layout zu den früheren")
+        ->group("Layouts");
+    layouts.add_flag("--zurueck,--zurück", options.takesBack, "nimmt das letzte frühere Layout wieder")
+        ->group("Layouts");
 }
 
 } // namespace kvtdruck::cli

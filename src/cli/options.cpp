@@ -6,6 +6,7 @@
 #include "cli/option_groups.h"
 #include "cli/presets.h"
 #include "cli/settings_file.h"
+#include "platform/posix/atomic_file.h"
 
 #include <CLI/CLI.hpp>
 
@@ -18,7 +19,7 @@ namespace {
 using druckwerk::DataFormat;
 
 bool fillsFiles(const Options& options) {
-    return !options.output.empty() || !options.outputFolder.empty();
+    return !options.output.empty() || !options.outputFolder.empty() || !options.binder.empty();
 }
 
 /// What the ending of a file says about its kind; nothing for an ending that says nothing.
@@ -37,7 +38,9 @@ std::optional<std::optional<DataFormat>> formatOf(const std::filesystem::path& f
 
 /// The format follows the ending; a --format that says something else is a mistake.
 void settleFormat(Options& options, bool formatGiven) {
-    const auto name = options.output.empty() ? std::filesystem::path(options.namePattern) : options.output;
+    const auto name = !options.binder.empty()  ? options.binder
+                      : options.output.empty() ? std::filesystem::path(options.namePattern)
+                                               : options.output;
     const auto told = formatOf(name);
     if (!told)
         return;
@@ -76,27 +79,55 @@ void checkPassword(const Options& options) {
             refuse(std::string(option) + " gilt nur mit --verbindung.");
 }
 
+/// A binder has everything in it, as pages.
+void checkBinder(const Options& options) {
+    if (!options.output.empty() || !options.outputFolder.empty() || !options.printing.printer.empty() ||
+        options.askForPrinter)
+        refuse("--mappe geht nicht mit --ausgabe, --nach, --drucker und --druckerauswahl zusammen.");
+    if (options.per == Per::Company && options.binder.filename().string().find("{firma}") == std::string::npos)
+        refuse("--je firma braucht {firma} im Namen der Mappe.");
+    if (options.data || !options.printing.pages.empty() || options.part.of > 1)
+        refuse("--mappe ist ein ganzes PDF: --format, --seiten und --teil gelten nicht dafür.");
+    if (options.command == Command::Print && isSameFile(options.binder, options.database))
+        refuse("--mappe würde die Datei " + options.database + " überschreiben, aus der gelesen wird.");
+}
+
 void checkOutput(const Options& options) {
+    if (!options.binder.empty())
+        checkBinder(options);
     const bool severalFiles = options.reports.size() > 1 || options.companies.size() > 1 || options.allCompanies;
     if (!options.output.empty() && !options.outputFolder.empty())
         refuse("--ausgabe und --nach gehen nicht zusammen.");
     if (fillsFiles(options) && !options.printing.printer.empty())
         refuse("--ausgabe und --nach gehen nicht mit --drucker zusammen.");
     if (!options.output.empty() && severalFiles)
-        refuse("Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an.");
-    if ((options.per || !options.namePattern.empty()) && options.outputFolder.empty())
+        refuse("Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an, "
+               "--mappe DATEI bindet alle zusammen.");
+    const bool onePerCompany = !options.binder.empty() && options.per == Per::Company;
+    if (((options.per && !onePerCompany) || !options.namePattern.empty()) && options.outputFolder.empty())
         refuse("--je und --name gelten nur mit --nach ORDNER.");
     if (options.data && !fillsFiles(options))
         refuse("--format für Daten braucht --ausgabe DATEI oder --nach ORDNER.");
     if (options.attachment && (options.data || !fillsFiles(options)))
         refuse("--beilage gibt es nur für PDF-Dateien, mit --ausgabe DATEI oder --nach ORDNER.");
+    if (options.data && !options.printing.pages.empty())
+        refuse("--seiten gilt für Seiten, nicht für Daten.");
     if (options.askForPrinter && (options.data || !options.outputFolder.empty()))
         refuse("--druckerauswahl gibt es nur für gedruckte Seiten.");
     const auto& printing = options.printing;
-    const bool hasPrinterOptions = printing.copies != 1 || !printing.pages.empty() || !printing.tray.empty() ||
-                                   printing.sides != druckwerk::Sides::AsPrinter;
+    const bool hasPrinterOptions =
+        printing.copies != 1 || !printing.tray.empty() || printing.sides != druckwerk::Sides::AsPrinter;
     if (hasPrinterOptions && fillsFiles(options) && !options.askForPrinter)
-        refuse("--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
+        refuse("--exemplare, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien.");
+}
+
+void checkLayouts(const Options& options) {
+    if (options.reports.size() > 1)
+        refuse("„layouts“ nennt eine Liste oder keine.");
+    if ((options.returnsToInstalled || options.takesBack) && options.reports.empty())
+        refuse("--mitgeliefert und --zurueck brauchen eine Liste.");
+    if (options.returnsToInstalled && options.takesBack)
+        refuse("--mitgeliefert und --zurueck gehen nicht zusammen.");
 }
 
 void checkImport(const Options& options) {
@@ -135,6 +166,8 @@ void check(Options& options, bool formatGiven) {
             options.reports.clear(); // all of them
         return;
     }
+    if (options.command == Command::Layouts)
+        return checkLayouts(options);
     if (options.command == Command::Import)
         return checkImport(options);
     if (options.command == Command::Database && !readsDatabase(options.words))
@@ -157,15 +190,6 @@ void check(Options& options, bool formatGiven) {
 
 namespace {
 
-/// "drucken, vorschau oder firmen".
-std::string namesOf(const CLI::App& app) {
-    const auto commands = app.get_subcommands({});
-    std::string names;
-    for (std::size_t i = 0; i < commands.size(); ++i)
-        names += (i == 0 ? "" : i + 1 == commands.size() ? " oder " : ", ") + commands[i]->get_name();
-    return names;
-}
-
 /// The commands with their options, and what parsing them gives.
 class Parser {
   public:
@@ -187,7 +211,7 @@ class Parser {
             app_.exit(success, std::cout, std::cerr);
             return std::nullopt;
         } catch (const CLI::RequiredError&) {
-            refuse("Es fehlt der Befehl: " + namesOf(app_) + ".");
+            refuse("Es fehlt der Befehl: " + commandNames(app_) + ".");
         } catch (const CLI::ParseError& error) { // whatever the words before did not show
             refuse("Der Aufruf ist nicht zu verstehen (" + std::string(error.what()) + ").");
         }

@@ -16,7 +16,7 @@
 
 namespace kvtdruck::cli {
 
-enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies, Database, Import };
+enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies, Database, Import, Layouts };
 
 /// What a batch makes a file of its own for, within a list and a company.
 enum class Per { Company, Year, Employee };
@@ -35,17 +35,20 @@ struct Options {
     catalog::Selections selections;
     std::optional<std::filesystem::path> values; ///< a file of values, or a folder with one for each list
 
-    std::filesystem::path output;              ///< one file; empty: to a folder, or to a printer
-    std::filesystem::path outputFolder;        ///< for the files of a batch
-    std::string namePattern;                   ///< of the files in it; empty for the usual one
-    std::optional<Per> per;                    ///< one file for each
-    std::optional<druckwerk::DataFormat> data; ///< none: pages
+    std::filesystem::path output;                               ///< one file; empty: to a folder, or to a printer
+    std::filesystem::path binder;                               ///< one file for everything
+    std::filesystem::path outputFolder;                         ///< for the files of a batch
+    std::string namePattern;                                    ///< of the files in it; empty for the usual one
+    std::optional<Per> per;                                     ///< one file for each
+    std::optional<druckwerk::DataFormat> data;                  ///< none: pages
     druckwerk::Formulas formulas = druckwerk::Formulas::Disarm; ///< in CSV files
-    std::optional<druckwerk::DataFormat> attachment; ///< the records as a file within the PDF
+    std::optional<druckwerk::DataFormat> attachment;            ///< the records as a file within the PDF
     druckwerk::PdfLevel level = druckwerk::PdfLevel::Archive;
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
-    bool unused = false; ///< a check names variables and fields that the layout does not print
+    bool unused = false;             ///< a check names variables and fields that the layout does not print
+    bool returnsToInstalled = false; ///< of a layout
+    bool takesBack = false;          ///< an earlier layout
     Part part;
     std::int32_t workers = 0; ///< processes that share a batch; 0 for as many as there are processors
 

@@ -2,6 +2,7 @@
 
 #include "catalog/usage_error.h"
 #include "cli/cancellation.h"
+#include "cli/error_report.h"
 #include "platform/posix/memory_watch.h"
 #include "platform/posix/posix_platform.h"
 #include "values/runtime_error.h"
@@ -23,7 +24,7 @@ int caught(Console& console, const std::function<int()>& work) {
         console.error(std::string(error.what()) + "\nHilfe gibt „kvtdruck --hilfe“.");
         return kWrongUsage;
     } catch (const RuntimeError& error) {
-        console.error(toUtf8(error.description()));
+        console.error(forUsers(error.description()));
     } catch (const std::filesystem::filesystem_error& error) {
         console.error(error.path1().string() + ": " + toUtf8(runtimeErrorOf(error.code().value()).description()));
     } catch (const std::bad_alloc&) {

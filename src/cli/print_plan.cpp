@@ -113,7 +113,7 @@ class AxisSplit {
     void add(const SinglePrint& print, std::vector<SinglePrint>& result) {
         const auto extents = existing_(axis_, print.selections);
         known_.insert(known_.end(), extents.begin(), extents.end());
-        if (axis_.takes == Axis::Takes::Range) {
+        if (isTakenWhole()) {
             if (std::ranges::any_of(extents, [this](const Extent& extent) { return bounds_.overlaps(extent); }))
                 result.push_back(print);
             return;
@@ -127,8 +127,10 @@ class AxisSplit {
         }
     }
 
+    bool isTakenWhole() const { return axis_.takes == Axis::Takes::Range || axis_.takes == Axis::Takes::Nothing; }
+
     SinglePrint withValue(SinglePrint print, std::int32_t value) const {
-        if (axis_.takes != Axis::Takes::Range) {
+        if (!isTakenWhole()) {
             print.selections.erase(axis_.from);
             print.selections.erase(axis_.to);
             print.selections[axis_.lower] = print.selections[axis_.upper] = value;

@@ -4,6 +4,7 @@
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
+#include "cli/layout_store.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "cli/report_workbooks.h"
@@ -13,6 +14,7 @@
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
 #include "druckwerk/exits/tee.h"
+#include "druckwerk/pdf/page_selection.h"
 #include "manager/clsDruckManager.h"
 #include "platform/posix/atomic_file.h"
 #include "platform/posix/memory_watch.h"
@@ -22,8 +24,6 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace kvtdruck::cli {
@@ -31,11 +31,6 @@ namespace {
 
 /// The one window that this host has, as the component counts windows.
 constexpr std::int32_t kWindow = 1;
-
-std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 bool isUnset(const char* variable) {
     const char* value = std::getenv(variable);
@@ -48,8 +43,8 @@ class ReportRun {
     ReportRun(const Options& options, const PrintRequest& request, Console& console)
         : options_(options), request_(request), console_(console), printing_(options.printing),
           values_(request.values ? readValues(*request.report, *request.values) : nullptr),
-          folder_(prepareApplicationFolder(options.folder)), source_(options, console), jobs_(source_.state()),
-          engine_(options.data ? dataExport() : withAttachment(druckwerk())) {}
+          folder_(prepareApplicationFolder(options.folder)), layouts_(folder_), source_(options, console),
+          jobs_(source_.state()), engine_(options.data ? dataExport() : withAttachment(druckwerk())) {}
 
     int run() {
         refuseOverwriting();
@@ -77,6 +72,7 @@ class ReportRun {
   private:
     std::vector<SinglePrint> plan() {
         const auto& report = *request_.report;
+        source_.show(report, request_.ranges);
         auto prints = planPrints(report.axes, request_.ranges, source_.existing(report, request_.company));
         if (options_.designs())
             for (auto& print : prints)
@@ -88,7 +84,8 @@ class ReportRun {
     /// component shows it with the last of them.
     bool print(clsDruckManager& manager, const std::vector<SinglePrint>& prints) {
         for (std::size_t i = 0; i < prints.size(); ++i) {
-            place_ = {i + 1 < prints.size(), prints[i].bookmark};
+            place_ = {i + 1 < prints.size() || request_.document, request_.chapter};
+            place_.bookmark.insert(place_.bookmark.end(), prints[i].bookmark.begin(), prints[i].bookmark.end());
             const bool shows = options_.command == Command::Preview && !place_.more;
             if (!ask(manager, shows ? kPreview : kPrint, prints[i], options_.askForPrinter && i == 0))
                 return false;
@@ -117,17 +114,14 @@ class ReportRun {
         for (const auto& message : tight_.messages())
             find(message);
         if (!hasFindings_ && !isGenerated_ && !console_.hasFailed() && !cancelled())
-            console_.notice("Das Layout " + layout().string() + " ist in Ordnung.");
+            console_.notice("Das Layout " + layouts_.inUse(request_.report->listName).string() +
+                            " ist in Ordnung.");
         return cancelled() ? kCancelled : hasFindings_ || console_.hasFailed() ? kFailed : kDone;
     }
 
     void find(std::string_view message) {
         hasFindings_ = true;
         console_.warning(message);
-    }
-
-    std::filesystem::path layout() const {
-        return layoutFolder(folder_) / (std::string(request_.report->listName) + ".svg");
     }
 
     std::filesystem::path previewFolder() const { return layoutFolder(folder_) / "Preview"; }
@@ -172,12 +166,10 @@ class ReportRun {
 
     std::unique_ptr<FormFactory> druckwerk() {
         druckwerk::Options settings;
-        settings.output = options_.command == Command::Preview
-                              ? previewFolder() / (std::string(request_.report->listName) + ".ll")
-                          : options_.command == Command::Check ? "/dev/null"
-                                                               : request_.output;
+        settings.output = engineOutput();
+        settings.layoutsBehind = LayoutStore::installedFolder();
         settings.place = &place_;
-        settings.finished = [this](std::unique_ptr<AtomicFile> file) { finished_ = std::move(file); };
+        settings.finished = [this](std::unique_ptr<AtomicFile> file) { take(std::move(file)); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
             return deliver(document, message);
         };
@@ -207,13 +199,37 @@ class ReportRun {
         settings.selection = "Firma " + std::to_string(std::llround(request_.company)) + " · " +
                              selectionText(*request_.report, request_.ranges);
         settings.locale = options_.locale;
-        return std::make_unique<druckwerk::DruckwerkFormFactory>(std::move(settings));
+        return std::make_unique<druckwerk::DruckwerkFormFactory>(
+            std::move(settings), request_.document ? request_.document : druckwerk::newDocument());
+    }
+
+    /// Of some pages the whole document is made first, in a place of its own.
+    std::filesystem::path engineOutput() {
+        if (options_.command == Command::Preview)
+            return previewFolder() / (std::string(request_.report->listName) + ".ll");
+        if (options_.command == Command::Check)
+            return "/dev/null";
+        if (request_.output.empty() || options_.printing.pages.empty())
+            return request_.output;
+        whole_.emplace();
+        return whole_->path() / "whole.pdf";
+    }
+
+    /// A complete file waits for its place.
+    void take(std::unique_ptr<AtomicFile> file) {
+        finished_ = std::move(file);
+        if (!whole_)
+            return;
+        finished_->commit();
+        const auto pages = druckwerk::selectedPages(finished_->target(), options_.printing.pages);
+        finished_ = std::make_unique<AtomicFile>(request_.output);
+        finished_->write(pages);
     }
 
     /// What is read must not be written over; `option` tells of the output.
     void refuseInput(const std::string& option, const std::filesystem::path& output) const {
         const std::array<std::filesystem::path, 3> inputs{options_.database, request_.values.value_or(""),
-                                                          layout()};
+                                                          layouts_.inUse(request_.report->listName)};
         for (const auto& input : inputs)
             if (isSameFile(output, input))
                 throw catalog::UsageError(option + " würde die Datei " + input.string() +
@@ -305,17 +321,27 @@ class ReportRun {
                     "ist gesetzt.";
                 return druckwerk::kDesignFailed;
             }
-            return druckwerk::design(request, show, message);
+            return designAndKeep(request, show, message);
         }
-        isGenerated_ = !std::filesystem::exists(request.layout);
+        isGenerated_ = !std::filesystem::exists(request.source);
         if (isGenerated_) {
             console_.notice("Die Liste " + std::string(request_.report->listName) +
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
-        for (const auto& finding : druckwerk::checkLayout(request.layout, request.definitions, options_.unused))
+        for (const auto& finding : druckwerk::checkLayout(request.source, request.definitions, options_.unused))
             show(finding);
         return 0;
+    }
+
+    /// A layout that the designer has replaced is kept as an earlier one.
+    std::int32_t designAndKeep(const druckwerk::DesignRequest& request, const druckwerk::FindingSink& show,
+                               std::string& message) {
+        const auto before = contentOf(request.layout);
+        const auto code = druckwerk::design(request, show, message);
+        if (!before.empty() && contentOf(request.layout) != before)
+            layouts_.keep(request_.report->listName, before);
+        return code;
     }
 
     /// Stays until the user has seen enough; the viewer is ended and the preview file removed then.
@@ -349,11 +375,13 @@ class ReportRun {
     std::shared_ptr<catalog::ParameterArray> values_; ///< where the figures come from a file
     druckwerk::JobPlace place_;
     std::filesystem::path folder_;
+    LayoutStore layouts_;
     DataSource source_;
     basLL80 jobs_;
     std::optional<TemporaryFolder> attachmentFolder_;
     std::unique_ptr<FormFactory> data_;
     std::unique_ptr<FormFactory> pages_;
+    std::optional<TemporaryFolder> whole_; ///< holds the document of which pages are selected
     std::unique_ptr<FormFactory> engine_;
     std::unique_ptr<AtomicFile> record_;
     std::unique_ptr<AtomicFile> finished_; ///< a complete file that waits for its place

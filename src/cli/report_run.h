@@ -15,6 +15,9 @@ struct PrintRequest {
     std::optional<std::filesystem::path> values; ///< the file of values
     std::filesystem::path output;                ///< empty: to a printer, a viewer or a designer
     bool continuesRecord = false;                ///< the record of calls goes on in its file
+    /// One that it goes into with others, and what the outline has around its entries there.
+    std::shared_ptr<druckwerk::OpenDocument> document{};
+    std::vector<std::string> chapter{};
 };
 
 /// Prints, previews, designs or checks what `request` names; gives the program's exit code. Messages go to

@@ -21,13 +21,17 @@ std::string rangeText(const Selections& ranges, const catalog::Axis& axis) {
     const auto text = rangeText(ranges, axis.from, axis.to);
     if (text.empty())
         return "alle " + std::string(axis.many);
-    const bool isOne = ranges.contains(axis.from) && ranges.contains(axis.to) &&
-                       ranges.at(axis.from) == ranges.at(axis.to);
+    const bool isOne =
+        ranges.contains(axis.from) && ranges.contains(axis.to) && ranges.at(axis.from) == ranges.at(axis.to);
     return std::string(isOne ? axis.one : axis.many) + " " + text;
 }
 
-constexpr catalog::Axis kMonths{catalog::Axis::Takes::Range, Selection::MonthFrom, Selection::MonthTo,
-                                Selection::MonthFrom,        Selection::MonthTo,   "Monat",
+constexpr catalog::Axis kMonths{catalog::Axis::Takes::Range,
+                                Selection::MonthFrom,
+                                Selection::MonthTo,
+                                Selection::MonthFrom,
+                                Selection::MonthTo,
+                                "Monat",
                                 "Monate"};
 
 } // namespace

@@ -37,6 +37,18 @@ std::filesystem::path layoutFile(const std::filesystem::path& objectName) {
 
 } // namespace
 
+std::shared_ptr<OpenDocument> newDocument() {
+    return std::make_shared<OpenDocument>();
+}
+
+std::unique_ptr<AtomicFile> finish(OpenDocument& document) {
+    if (!document.isOpen())
+        return nullptr;
+    auto file = document.pdf().finish(document.info(), nullptr);
+    document.drop();
+    return file;
+}
+
 /// The state behind the control: definitions, and the print job where there is one.
 class Druckwerk::Engine {
   public:
@@ -108,7 +120,8 @@ class Druckwerk::Engine {
     bool isCancelled() const { return options_->cancelled != nullptr && *options_->cancelled; }
 
     void startJob(std::span<const Argument> arguments);
-    Layout loadLayout(const std::filesystem::path& objectName);
+    std::filesystem::path layoutInUse(const std::filesystem::path& objectName) const;
+    Layout loadLayout(const std::filesystem::path& file);
     std::int32_t askForOptions();
     void turnPage();
     void openDocument();
@@ -207,8 +220,17 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
     }
 }
 
-Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& objectName) {
-    const std::filesystem::path file = layoutFile(objectName);
+/// The layout of an object, or where it is not there the one that stands behind it.
+std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path& objectName) const {
+    std::error_code ignored;
+    const auto own = layoutFile(objectName);
+    if (options_->layoutsBehind.empty())
+        return own;
+    const auto behind = layoutFile(options_->layoutsBehind / objectName.filename());
+    return !std::filesystem::exists(own, ignored) && std::filesystem::exists(behind, ignored) ? behind : own;
+}
+
+Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file) {
     std::error_code ignored;
     const bool exists = std::filesystem::exists(file, ignored);
     std::vector<Finding> findings;
@@ -230,9 +252,10 @@ void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
     lastError_ = {};
     definitions_.release();
     const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 1));
-    Layout layout = loadLayout(objectName);
+    const std::filesystem::path file = layoutInUse(objectName);
+    Layout layout = loadLayout(file);
     Job& job = job_.emplace();
-    job.objectName = objectName;
+    job.layoutFolder = file.parent_path();
     job.listName = objectName.filename().string();
     job.preview = argument<std::int32_t>(arguments, 2) == kPrintModePreview;
     job.names = layout.names;
@@ -266,7 +289,7 @@ void Druckwerk::Engine::turnPage() {
         if (!document_->isOpen())
             openDocument();
         job_->print = std::make_unique<PrintJob>(
-            std::move(*job_->layout), definitions_, document_->pdf(), job_->objectName.parent_path(), bookmark(),
+            std::move(*job_->layout), definitions_, document_->pdf(), job_->layoutFolder, bookmark(),
             options_->printDate, [this](const std::string& message) { warn(message); }, options_->tight);
         job_->layout.reset();
     }
@@ -380,10 +403,10 @@ std::int32_t Druckwerk::Engine::design(std::span<const Argument> arguments) {
     if (!options_->design)
         return fail(kDesignFailed, "Es ist kein Gestaltungsprogramm eingerichtet");
     std::string message;
-    const std::int32_t code =
-        options_->design({toUtf8(argument<StringView>(arguments, 1)),
-                          layoutFile(posixPath(argument<StringView>(arguments, 3))), definitions_.list()},
-                         message);
+    const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 3));
+    const std::int32_t code = options_->design({toUtf8(argument<StringView>(arguments, 1)), layoutFile(objectName),
+                                                definitions_.list(), layoutInUse(objectName)},
+                                               message);
     return code == kEngineSuccess || code == kEngineCancelled ? code : fail(code, message);
 }
 
@@ -434,8 +457,8 @@ class DruckwerkForm final : public Form {
 
 } // namespace
 
-DruckwerkFormFactory::DruckwerkFormFactory(Options options)
-    : options_(std::make_shared<const Options>(std::move(options))), document_(std::make_shared<OpenDocument>()) {
+DruckwerkFormFactory::DruckwerkFormFactory(Options options, std::shared_ptr<OpenDocument> document)
+    : options_(std::make_shared<const Options>(std::move(options))), document_(std::move(document)) {
     InstalledFonts::prepare();
 }
 

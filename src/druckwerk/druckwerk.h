@@ -13,6 +13,11 @@ namespace kvtdruck::druckwerk {
 /// finished.
 class OpenDocument;
 
+/// A document for the forms of several factories, each of whose jobs says that more follow.
+std::shared_ptr<OpenDocument> newDocument();
+/// Gives the file of a document that nothing more follows in; none where no job has printed into it.
+std::unique_ptr<AtomicFile> finish(OpenDocument& document);
+
 /// One control of the embedded engine. It holds the variables and fields, and at most one open print job.
 class Druckwerk final : public Control {
   public:
@@ -34,10 +39,10 @@ class Druckwerk final : public Control {
 };
 
 /// Makes forms that carry the embedded engine. They have no window. The forms of one factory share the open
-/// document.
+/// document, and those of several share the one that is handed to each.
 class DruckwerkFormFactory final : public FormFactory {
   public:
-    explicit DruckwerkFormFactory(Options options);
+    explicit DruckwerkFormFactory(Options options, std::shared_ptr<OpenDocument> document = newDocument());
     std::unique_ptr<Form> create() override;
 
   private:

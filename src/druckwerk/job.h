@@ -15,7 +15,7 @@ namespace kvtdruck::druckwerk {
 /// A print job between its start and its end.
 struct Job {
     std::string listName;
-    std::filesystem::path objectName;
+    std::filesystem::path layoutFolder;
     bool preview = false;
     bool failed = false;
     std::optional<Layout> layout; ///< until the first page

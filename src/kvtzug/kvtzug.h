@@ -7,16 +7,28 @@
 #include "values/object.h"
 #include "values/text.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 
 namespace kvtdruck {
 
+/// Years with both ends.
+struct Years {
+    std::int32_t first = 0;
+    std::int32_t last = 9999;
+};
+
 /// A connection as a host hands it to the component: an object with the property `ConnectionString`.
 class HostConnection : public Object {
   public:
     explicit HostConnection(String connectionString) : connectionString_(std::move(connectionString)) {}
+
+    /// What readers that are connected from now on show of the employees' months, of which no report asks for a
+    /// year.
+    void show(const Years& years) { years_ = years; }
+    const Years& years() const { return years_; }
 
     MemberId idOf(StringView name) override;
     Variant call(MemberId member, std::span<const Variant> arguments) override;
@@ -24,6 +36,7 @@ class HostConnection : public Object {
 
   private:
     String connectionString_;
+    Years years_;
 };
 
 /// The open connections by their connection strings. A connection is open as long as a reader uses it.

@@ -134,6 +134,8 @@ bool Reader::connect(std::span<const Variant> arguments) {
     const auto* host = arguments[0].as<ObjectRef>();
     if (!host || !*host)
         throw RuntimeError(ErrorNumber::ObjectNotSet);
+    const auto* own = dynamic_cast<const HostConnection*>(host->get());
+    years_ = own ? own->years() : Years();
     productMode_ = coerced(arguments[1], ValueType::Integer, germanLocale());
     dropAhead();
     query_.reset();
@@ -150,8 +152,10 @@ bool Reader::read(const ReadOperation& operation, std::span<const Variant> argum
     operation_ = &operation;
     parameters_.clear();
     for (const auto argument : operation.parameters)
-        parameters_.push_back(argument == kProductMode
-                                  ? parameterOf(productMode_, ValueType::Integer)
+        parameters_.push_back(argument == kProductMode ? parameterOf(productMode_, ValueType::Integer)
+                              : argument == kFirstYear ? parameterOf(years_.first, ValueType::Single)
+                              : argument == kLastYear
+                                  ? parameterOf(years_.last, ValueType::Single)
                                   : parameterOf(arguments[argument], operation.arguments[argument]));
     fetchBlock(From::First);
     return !class_.single || !atEnd();

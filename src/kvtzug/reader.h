@@ -69,6 +69,7 @@ class Reader : public Object {
     Block block_;
     std::shared_ptr<Connection> connection_;
     Variant productMode_;
+    Years years_;
     const ReadOperation* operation_ = nullptr;
     std::vector<Parameter> parameters_;
     bool firstBlock_ = true;  ///< whether the block in hand is the first

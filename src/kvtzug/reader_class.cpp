@@ -150,7 +150,7 @@ std::vector<ReaderClass> readerClasses() {
                          {0, 1, 2, 3, 2, 3, kProductMode, kProductMode}}},
          .key = {u"VKonto"}},
 
-        // Hosts learn from these two, which no report asks for either, what can be selected.
+        // Hosts learn from these three, which no report asks for either, what can be selected.
         {.name = u"clsZugKontenJahre",
          .tables = u"konten",
          .columns = Columns().singles({u"FJahr"}),
@@ -165,10 +165,17 @@ std::vector<ReaderClass> readerClasses() {
          .tables = kEmployeeMonths,
          .columns = Columns().doubles({u"Nummer"}),
          .operations = {{u"LeseMitarbeiterNummern",
-                         u"fnr = ? AND monat BETWEEN ? AND ?",
+                         u"fnr = ? AND monat BETWEEN ? AND ? AND fjahr BETWEEN ? AND ?",
                          {kNumber, kSingle, kSingle},
-                         {0, 1, 2}}},
+                         {0, 1, 2, kFirstYear, kLastYear}}},
          .key = {u"Nummer"},
+         .distinct = true},
+
+        {.name = u"clsZugMitarbeiterJahre",
+         .tables = kEmployeeMonths,
+         .columns = Columns().singles({u"FJahr"}),
+         .operations = {{u"LeseMitarbeiterJahre", kOfCompany, {kNumber}, {0}}},
+         .key = {u"FJahr"},
          .distinct = true},
 
         {.name = u"clsZugMitarbeiterMonate",
@@ -210,9 +217,10 @@ std::vector<ReaderClass> readerClasses() {
                            u"IBerStdJahr", u"IBerStdTag", u"SAnwStd", u"SAdmPr", u"SAdmStd", u"SProdStd",
                            u"SUebStd", u"SProdAnwJahr", u"SNBerStd", u"SBerStdJahr", u"SBerStdTag"}),
          .operations = {{u"LeseMitarbeiterMonate",
-                         u"fnr = ? AND (? = 0 AND ? = 0 OR nummer BETWEEN ? AND ?) AND monat BETWEEN ? AND ?",
+                         u"fnr = ? AND (? = 0 AND ? = 0 OR nummer BETWEEN ? AND ?) AND monat BETWEEN ? AND ? "
+                         u"AND fjahr BETWEEN ? AND ?",
                          {kNumber, kSingle, kSingle, kSingle, kSingle},
-                         {0, 1, 2, 1, 2, 3, 4}}},
+                         {0, 1, 2, 1, 2, 3, 4, kFirstYear, kLastYear}}},
          .key = {u"FJahr", u"Nummer", u"Monat"}},
 
         {.name = u"clsZugKosten",

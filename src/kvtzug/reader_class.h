@@ -21,6 +21,9 @@ struct Column {
 
 /// In the place of an argument's index: the product mode that the reader was connected with.
 inline constexpr std::size_t kProductMode = 99;
+/// And in its place: the first and the last year that the connection shows.
+inline constexpr std::size_t kFirstYear = 98;
+inline constexpr std::size_t kLastYear = 97;
 
 /// One read operation: the condition on the query's rows, and the index of the argument behind each "?" of it.
 struct ReadOperation {

@@ -1,4 +1,5 @@
 // Many documents with one call.
+#include "cli/many_companies.h"
 #include "cli/program_fixture.h"
 #include "cli/workers.h"
 
@@ -41,16 +42,7 @@ class Batches : public HostTest {
             result.push_back(file);
         return result;
     }
-    void addCompanies(int last) const {
-        execute(
-            "INSERT INTO firma SELECT fnr + n.i, name1, name2, name3, kurzbez, strasse, postfach, plz, ort, land, "
-            "bundesland, telefon1, telefon2, fax, waehrung FROM firma, (WITH RECURSIVE n(i) AS (SELECT 100 UNION "
-            "ALL SELECT i + 1 FROM n WHERE i < " +
-            std::to_string(99 + last) +
-            ") SELECT i FROM n) AS n WHERE fnr = 1;"
-            "INSERT INTO kosten SELECT firma.fnr, jahr, dafa, dsons, dwag, qm, qmpreis, mmietemon, mmietejahr, "
-            "priv, upausch, zek, zpzins, zdmzins FROM kosten, firma WHERE kosten.fnr = 1 AND firma.fnr > 100;");
-    }
+    void addCompanies(int count) const { execute(manyCompanies(count)); }
 };
 
 TEST_F(Batches, AllListsGoToAFolder) {
@@ -59,7 +51,7 @@ TEST_F(Batches, AllListsGoToAFolder) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(outcome.output + outcome.errors, "");
     EXPECT_THAT(names(), ::testing::SizeIs(18));
-    EXPECT_THAT(names(), ::testing::IsSupersetOf({"Umsatz-1-2024.pdf", "MaStKost-1.pdf", "Bilanz-1.pdf"}));
+    EXPECT_THAT(names(), ::testing::IsSupersetOf({"Umsatz-1-2024.pdf", "MaStKost-1-2024.pdf", "Bilanz-1.pdf"}));
 }
 
 TEST_F(Batches, WithoutValuesTheListsThatNeedThemAreNamed) {
@@ -155,6 +147,83 @@ TEST_F(Batches, AnExistingSchedulerSpreadsTheParts) {
     const auto outcome = run(parts, environment);
     EXPECT_EQ(files("ganz").size(), 21u) << outcome.errors;
     EXPECT_TRUE(files("teile") == files("ganz"));
+}
+
+// Binders
+
+class Binders : public Batches {
+  protected:
+    Outcome bind(const std::string& file, const std::vector<std::string>& more) const {
+        std::vector<std::string> arguments{"drucken",  "Umsatz",       "KalkKo",     "MitUeber", "-d",
+                                           database(), "--druckdatum", "31.12.2024", "--mappe",  output(file)};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return kvtdruck(arguments);
+    }
+    std::string text(const std::string& file, int page) const {
+        return run({"pdftotext", "-layout", "-f", std::to_string(page), "-l", std::to_string(page), output(file),
+                    "-"})
+            .output;
+    }
+    std::string json(const std::string& file, const std::string& filter) const {
+        return run({"jq", "-c", filter}, {}, run({"qpdf", "--json=2", output(file)}).output).output;
+    }
+};
+
+TEST_F(Binders, HaveACoverContentsAndPagesThatRunThrough) {
+    const auto outcome = bind("mappe.pdf", {"-f", "1", "--von", "2023"});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(run({"qpdf", "--check", output("mappe.pdf")}).exitCode, 0);
+    EXPECT_THAT(text("mappe.pdf", 1), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Auswertungen ab 2023"),
+                                            HasSubstr("Gedruckt am 31. Dezember 2024")));
+    EXPECT_THAT(text("mappe.pdf", 2), ::testing::ContainsRegex("Inhalt(.|\n)*Umsatz +1\n(.|\n)*Kalkulatorische "
+                                                               "Kosten +4\n(.|\n)*Mitarbeiter-Übersicht +7\n"));
+    const auto pages = std::stoi(json("mappe.pdf", ".pages | length"));
+    EXPECT_THAT(text("mappe.pdf", 3), HasSubstr("Seite 1 von " + std::to_string(pages - 2)));
+    EXPECT_THAT(text("mappe.pdf", pages), HasSubstr("Seite " + std::to_string(pages - 2) + " von "));
+    EXPECT_EQ(json("mappe.pdf", "[.outlines[] | [.title, .destpageposfrom1]]"),
+              "[[\"Umsatz\",3],[\"Kalkulatorische Kosten\",6],[\"Mitarbeiter-Übersicht\",9]]\n");
+    EXPECT_EQ(json("mappe.pdf", "[.pagelabels[] | [.index, .label[\"/S\"]]]"), "[[0,\"/r\"],[2,\"/D\"]]\n");
+}
+
+TEST_F(Binders, EveryLineOfTheContentsLeadsToItsChapter) {
+    ASSERT_EQ(bind("mappe.pdf", {"-f", "1", "--von", "2023"}).exitCode, 0);
+    const auto links = run({"python3", "-c",
+                            "import json,sys\n"
+                            "d = json.load(sys.stdin); o = d['qpdf'][1]\n"
+                            "v = lambda r: o['obj:' + r]['value']\n"
+                            "p = [x['object'] for x in d['pages']]\n"
+                            "print([p.index(v(a)['/Dest'][0]) + 1 for a in v(p[1])['/Annots']])"},
+                           {}, run({"qpdf", "--json=2", output("mappe.pdf")}).output);
+    EXPECT_EQ(links.output, "[3, 6, 9]\n") << links.errors;
+}
+
+TEST_F(Binders, SameInputGivesTheSameBytes) {
+    addCompanies(1);
+    execute("UPDATE firma SET name1 = 'Zweite GmbH' WHERE fnr = 101;");
+    ASSERT_EQ(bind("eins.pdf", {"-f", "1,101", "-j", "2024"}).exitCode,
+              bind("zwei.pdf", {"-f", "1,101", "-j", "2024"}).exitCode);
+    EXPECT_NE(readFile(output("eins.pdf")), "");
+    EXPECT_TRUE(readFile(output("eins.pdf")) == readFile(output("zwei.pdf")));
+    EXPECT_THAT(text("eins.pdf", 2), AllOf(HasSubstr("Müller & Söhne GmbH"), HasSubstr("Zweite GmbH")));
+}
+
+TEST_F(Binders, HoldTheRestOfWhatFails) {
+    execute("DELETE FROM kosten;");
+    const auto outcome = bind("mappe.pdf", {"-f", "1", "-j", "2024"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("Fehler: Nicht in der Mappe (1 von 3):\n  KalkKo, Firma 1, 2024\n"));
+    EXPECT_EQ(json("mappe.pdf", "[.outlines[].title]"), "[\"Umsatz\",\"Mitarbeiter-Übersicht\"]\n");
+    execute("DELETE FROM umsatz; DELETE FROM mitarbeiter;");
+    EXPECT_EQ(bind("leer.pdf", {"-f", "1", "-j", "2024"}).exitCode, 1);
+    EXPECT_FALSE(std::filesystem::exists(output("leer.pdf")));
+}
+
+TEST_F(Binders, OneForEachCompany) {
+    addCompanies(1);
+    execute("UPDATE firma SET name1 = 'Zweite GmbH' WHERE fnr = 101;");
+    bind("{firma}.pdf", {"-f", "1,101", "-j", "2024", "--je", "firma"});
+    EXPECT_THAT(text("1.pdf", 1), HasSubstr("Müller & Söhne GmbH"));
+    EXPECT_THAT(text("101.pdf", 1), HasSubstr("Zweite GmbH"));
 }
 
 // Job files

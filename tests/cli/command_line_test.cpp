@@ -139,6 +139,47 @@ TEST_F(CommandLine, AccountsWithoutAMonthLeaveItsColumnsOut) {
     }
 }
 
+TEST_F(CommandLine, SomePagesAreAFileOfTheirOwn) {
+    ASSERT_EQ(print("Umsatz", toPdf({"--seiten", "2-3,6"})).exitCode, 0);
+    EXPECT_EQ(run({"qpdf", "--check", output("l.pdf")}).exitCode, 0);
+    EXPECT_THAT(run({"pdfinfo", output("l.pdf")}).output, HasSubstr("Pages:           3\n"));
+    EXPECT_THAT(pdfText("l.pdf"), AllOf(HasSubstr("Seite 2 von 8"), HasSubstr("Seite 6 von 8"),
+                                        Not(HasSubstr("Seite 1 von 8")), Not(HasSubstr("Seite 7 von 8"))));
+    const auto outline = run({"jq", "-c", "[.outlines[] | [.title, .destpageposfrom1]]"}, {},
+                             run({"qpdf", "--json", "--json-key=outlines", output("l.pdf")}).output)
+                             .output;
+    EXPECT_EQ(outline, "[[\"2020\",1],[\"2021\",2],[\"2024\",3]]\n");
+    ASSERT_EQ(print("Umsatz", toPdf({"--seiten", "2-3,6", "--druckdatum", "1.1.2025"})).exitCode, 0);
+    const auto again = readFile(output("l.pdf"));
+    ASSERT_EQ(print("Umsatz", toPdf({"--seiten", "2-3,6", "--druckdatum", "1.1.2025"})).exitCode, 0);
+    EXPECT_TRUE(readFile(output("l.pdf")) == again);
+    const auto missing = print("Umsatz", toPdf({"--seiten", "20-30"}));
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_THAT(missing.errors, HasSubstr("Das Dokument hat keine der Seiten 20-30, sondern nur 8"));
+    EXPECT_TRUE(readFile(output("l.pdf")) == again) << "what was there stays";
+}
+
+/// The component passes no year for these: the connection shows the selected ones alone.
+TEST_F(CommandLine, YearsOfThePersonnelReportsAreWhatTheConnectionShows) {
+    const auto years = [&] {
+        return run({"jq", "-r",
+                    "[.. | objects | .Fuerjahr? // .Jahr? // empty] | unique | map(tostring) | join(\" \")",
+                    output("l.json")})
+            .output;
+    };
+    for (const char* list : {"MaKost", "MaZeit", "MaStKost", "MaStZeit"}) {
+        SCOPED_TRACE(list);
+        ASSERT_EQ(print(list, toData("json", {"--jahr", "2024"})).exitCode, 0);
+        EXPECT_EQ(years(), "2024\n");
+        ASSERT_EQ(print(list, toData("json", {"--bis", "2024", "--mitarbeiter-von", "5", "--mitarbeiter-bis", "6"}))
+                      .exitCode,
+                  0);
+        EXPECT_THAT(years(), AllOf(HasSubstr("2024"), Not(HasSubstr("2025"))));
+        EXPECT_THAT(print(list, toPdf({"--jahr", "2030"})).errors,
+                    HasSubstr("Fehler: Keine Daten für 2030; vorhanden: "));
+    }
+}
+
 TEST_F(CommandLine, NumbersFollowTheLocale) {
     ASSERT_EQ(print("Umsatz", toData("csv", {"--jahr", "2022", "--locale", "en-US"})).exitCode, 0);
     EXPECT_THAT(readFile(output("l.csv")), AllOf(HasSubstr(";1582810.86;"), Not(HasSubstr(";1582810,86;"))));
@@ -214,6 +255,21 @@ TEST_F(CommandLine, HelpIsGerman) {
     EXPECT_THAT(printing.output, HasSubstr("Beispiele:\n  kvtdruck drucken Umsatz -d "));
 }
 
+TEST_F(CommandLine, EveryCommandsHelpHasAnExample) {
+    std::istringstream lines(kvtdruck({"--hilfe"}).output);
+    std::size_t commands = 0;
+    for (std::string line; std::getline(lines, line) && line != "Befehle:";) {
+    }
+    for (std::string line; std::getline(lines, line) && line.starts_with("  ");) {
+        if (line.starts_with("   "))
+            continue; // goes on from the line before
+        const auto name = line.substr(2, line.find(' ', 2) - 2);
+        EXPECT_THAT(kvtdruck({name, "-h"}).output, HasSubstr("\n  kvtdruck " + name + " ")) << name;
+        ++commands;
+    }
+    EXPECT_GE(commands, 7u);
+}
+
 TEST_F(CommandLine, HelpIsAsWideAsTheTerminal) {
     environment["COLUMNS"] = "72";
     std::istringstream help(kvtdruck({"drucken", "--hilfe"}).output);
@@ -278,10 +334,17 @@ std::vector<std::string> printing(std::vector<std::string> more) {
 INSTANTIATE_TEST_SUITE_P(
     All, WrongUsage,
     ::testing::Values(
-        UsageCase{
-            "NoCommand",
-            {},
-            "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, firmen, datenbank oder einlesen."},
+        UsageCase{"NoCommand",
+                  {},
+                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, layouts, firmen, datenbank "
+                  "oder einlesen."},
+        UsageCase{"OptionsInPlaceOfACommand",
+                  {"-d", "x", "-f", "1", "-o", "y"},
+                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, layouts, firmen, datenbank "
+                  "oder einlesen."},
+        UsageCase{"OptionsWithoutAList",
+                  {"drucken", "-d", "x", "-f", "1", "-o", "y"},
+                  "Es fehlt die Liste; alle Listen nennt „kvtdruck listen“."},
         UsageCase{"NoList", {"drucken"}, "Es fehlt die Liste; alle Listen nennt „kvtdruck listen“."},
         UsageCase{"NoCompany",
                   {"drucken", "Umsatz", "-d", "d"},
@@ -311,7 +374,15 @@ INSTANTIATE_TEST_SUITE_P(
                   "--format und die Endung von „u.xlsx“ widersprechen sich."},
         UsageCase{"SeveralListsInOneFile",
                   {"drucken", "Umsatz", "KalkKo", "-d", "d", "-f", "1", "-o", "x.pdf"},
-                  "Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an."},
+                  "Mehrere Listen oder Firmen kommen nicht in eine Datei; --nach ORDNER legt für jede eine an, "
+                  "--mappe DATEI bindet alle "
+                  "zusammen."},
+        UsageCase{"BinderAndFile", printing({"--mappe", "m.pdf", "-o", "x.pdf"}),
+                  "--mappe geht nicht mit --ausgabe, --nach, --drucker und --druckerauswahl zusammen."},
+        UsageCase{"BinderOfData", printing({"--mappe", "m.csv"}),
+                  "--mappe ist ein ganzes PDF: --format, --seiten und --teil gelten nicht dafür."},
+        UsageCase{"BindersWithoutNames", printing({"--mappe", "m.pdf", "--je", "firma"}),
+                  "--je firma braucht {firma} im Namen der Mappe."},
         UsageCase{"BrokenPart", printing({"-n", "x", "--teil", "9/8"}), "--teil: „9/8“ ist kein Teil wie 3/8."},
         UsageCase{"YearIsNoNumber", printing({"--jahr", "MMXX"}),
                   "--jahr: „MMXX“ ist keine ganze Zahl von 1 bis 9999."},
@@ -331,7 +402,9 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"FileAndPrinter", printing({"--ausgabe", "a", "--drucker", "b"}),
                   "--ausgabe und --nach gehen nicht mit --drucker zusammen."},
         UsageCase{"TrayOfAFile", printing({"--ausgabe", "a", "--fach", "2"}),
-                  "--exemplare, --seiten, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien."},
+                  "--exemplare, --beidseitig und --fach gelten nur für Drucker, nicht für Dateien."},
+        UsageCase{"PagesOfData", printing({"-o", "a.csv", "--seiten", "1"}),
+                  "--seiten gilt für Seiten, nicht für Daten."},
         UsageCase{"BrokenPageRange", printing({"--seiten", "3-"}),
                   "--seiten: „3-“ ist kein Seitenbereich wie 1-3,7."},
         UsageCase{"BrokenPrintDate", printing({"--druckdatum", "31.2.2024"}),
@@ -364,6 +437,17 @@ TEST_F(CommandLine, ADatabaseWithoutTablesIsNamed) {
         EXPECT_THAT(outcome.errors,
                     AllOf(HasSubstr("konnten nicht gelesen werden"), HasSubstr("no such table: firma")));
     }
+}
+
+TEST_F(CommandLine, ClassNamesAndCodesAreForThoseWhoAskForThem) {
+    execute("DROP TABLE umsatz;");
+    const auto outcome = print("Umsatz", toPdf());
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("Die Daten von „Umsatz“ konnten nicht gelesen werden."),
+                                      Not(HasSubstr("cls")), Not(HasSubstr("-2147467259"))));
+    for (const char* option : {"--ausführlich", "--ausfuehrlich"})
+        EXPECT_THAT(print("Umsatz", toPdf({option})).errors,
+                    AllOf(HasSubstr("clsZugUmsatz"), HasSubstr("(-2147467259 in clsDruck_Umsatz.")));
 }
 
 TEST_F(CommandLine, NoDataIsSaid) {
@@ -468,20 +552,9 @@ TEST_F(CommandLine, ABrokenLayoutIsNamedWithFileAndReason) {
     EXPECT_EQ(filesNamed("l.pdf"), 0u);
 }
 
-TEST_F(CommandLine, ShippedLayoutsAreCopiedOnceAndChangedOnesAreKept) {
-    ASSERT_EQ(print("Umsatz", toPdf()).exitCode, 0);
-    const auto layout = layouts() / "Umsatz.svg";
-    const auto changed = readFile(layout) + "<!-- geändert -->";
-    writeFile(layout, changed);
-    std::filesystem::remove(layouts() / "Firma.svg");
-    ASSERT_EQ(print("Umsatz", toPdf()).exitCode, 0);
-    EXPECT_EQ(readFile(layout), changed);
-    EXPECT_TRUE(std::filesystem::exists(layouts() / "Firma.svg"));
-}
-
 TEST_F(CommandLine, AnApplicationFolderCanBeChosen) {
     ASSERT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);
-    EXPECT_TRUE(std::filesystem::exists(folder / "app" / "DB" / "BerichteLLVT" / "Umsatz.svg"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "app" / "DB" / "BerichteLLVT" / "Preview"));
     EXPECT_FALSE(std::filesystem::exists(layouts()));
 }
 
@@ -490,6 +563,11 @@ TEST_F(CommandLine, WithoutAHomeTheUserLearnsWhatIsMissing) {
     const auto outcome = print("Umsatz", toPdf());
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("weder HOME noch XDG_DATA_HOME ist gesetzt. --ordner nennt einen."));
+    std::filesystem::create_directory(folder / "leer");
+    run({"sh", "-c", "cd \"$1\" && exec \"$2\" drucken Umsatz -f 1 -d \"$3\" -o l.pdf", "sh", output("leer"),
+         KVT_PROGRAM, database()},
+        environment);
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "leer")) << "nothing in the working directory";
     EXPECT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);
 }
 

@@ -1,5 +1,6 @@
 // Databases of one's own: the sample company in a PostgreSQL server, and the foreign one that the guide leads from
 // its tables to the first page.
+#include "cli/many_companies.h"
 #include "cli/program_fixture.h"
 #include "kvtzug/mariadb_server.h"
 #include "kvtzug/postgres_server.h"
@@ -44,6 +45,27 @@ TEST_F(Databases, GiveTheSameRecordOfEngineCalls) {
         EXPECT_NE(record.find("LlPrintEnd(0) = 0"), std::string::npos);
         EXPECT_EQ(recordOf(list, {"--verbindung", toUtf8(server.connectionString())}), record);
     }
+}
+
+/// Several programs, as on several machines, print from one server what one program prints from a file.
+TEST_F(Databases, AnExistingSchedulerSpreadsTheWorkOverOneServer) {
+    SampleServer server;
+    server.execute(manyCompanies(20));
+    execute(manyCompanies(20));
+    const std::vector<std::string> work{"drucken",      "KalkKo",   "-f",         "alle",
+                                        "--druckdatum", "1.1.2025", "--prozesse", "1"};
+    auto whole = work;
+    whole.insert(whole.end(), {"-d", database(), "--nach", output("ganz")});
+    ASSERT_EQ(kvtdruck(whole).exitCode, 1) << "the second company of the sample has no costs";
+    environment["KVTDRUCK_VERBINDUNG"] = toUtf8(server.connectionString());
+    auto parts = work;
+    parts.insert(parts.begin(), {"parallel", "--will-cite", "-j2", KVT_PROGRAM});
+    parts.insert(parts.end(), {"--nach", output("teile"), "--teil", "{}/4", ":::", "1", "2", "3", "4"});
+    const auto outcome = run(parts, environment);
+    EXPECT_EQ(outcome.exitCode, 1) << outcome.errors;
+    const auto difference = run({"diff", "-r", output("ganz"), output("teile")});
+    EXPECT_EQ(difference.output + difference.errors, "");
+    EXPECT_EQ(run({"sh", "-c", "ls " + output("teile") + " | wc -l"}).output, "21\n");
 }
 
 class EmptyPostgres : public test::Database {

@@ -151,7 +151,7 @@ TEST_F(OutputFileTest, AFullStandardOutputIsAnErrorOfWhatOnlyTellsSomething) {
 }
 
 TEST_F(OutputFileTest, WhatIsReadIsNotWrittenOver) {
-    print("Umsatz", {"--ausgabe", output("erst.pdf")}); // brings the layouts
+    haveOwnLayout();
     const auto layout = (layouts() / "Umsatz.svg").string();
     std::filesystem::create_symlink(database(), output("verweis"));
     for (const std::string& input : {database(), layout, output("verweis")}) {
@@ -196,7 +196,7 @@ TEST_F(OutputFileTest, ARecordIsWholeAndItsOwnersAlone) {
 TEST_F(OutputFileTest, ALayoutInTheDesignerStaysUntilItIsReplacedAsAWhole) {
     writeScript(folder / "bin" / "inkscape", "true");
     environment["DISPLAY"] = ":0";
-    run(command("gestalten", "Umsatz"), environment); // brings the layouts
+    haveOwnLayout();
     const auto layout = layouts() / "Umsatz.svg";
     const auto before = readFile(layout);
     writeScript(folder / "bin" / "inkscape", "for file; do :; done\ncp " + layout.string() + " " +

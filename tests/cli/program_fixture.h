@@ -22,6 +22,11 @@ class HostTest : public ::testing::Test {
     std::string database() const { return (folder / "firma.sqlite").string(); }
     std::string output(const std::string& name) const { return (folder / name).string(); }
     std::filesystem::path layouts() const { return folder / "data" / "kvtdruck" / "DB" / "BerichteLLVT"; }
+    /// Puts the installed layout of the turnover into the user's folder.
+    void haveOwnLayout() const {
+        std::filesystem::create_directories(layouts());
+        std::filesystem::copy_file(KVT_SOURCE_FOLDER "/layouts/Umsatz.svg", layouts() / "Umsatz.svg");
+    }
     /// The files that a run has left in the preview folder.
     std::size_t previewFiles() const {
         const std::filesystem::directory_iterator files(layouts() / "Preview");

@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #include <dirent.h>
@@ -83,6 +84,13 @@ FAULTY(Open, EACCES, nullptr, char*, mkdtemp, (char* name), (name))
 
 namespace {
 
+/// The machine's own caches are never written: a library that was refused its settings takes the system's, and
+/// where it is refused the contents of a folder as well, it notes for everybody that there are none.
+bool isMachines(const char* file, int flags) {
+    constexpr char kCaches[] = "/var/cache/";
+    return (flags & O_ACCMODE) != O_RDONLY && std::strncmp(file, kCaches, sizeof kCaches - 1) == 0;
+}
+
 mode_t modeOf(int flags, va_list arguments) {
     return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : mode_t{};
 }
@@ -96,6 +104,8 @@ mode_t modeOf(int flags, va_list arguments) {
         va_start(arguments, flags);                                                                                \
         const mode_t mode = modeOf(flags, arguments);                                                              \
         va_end(arguments);                                                                                         \
+        if (isMachines(file, flags))                                                                               \
+            return failed(EROFS, -1);                                                                              \
         return fails(Kind::Open) ? failed(EMFILE, -1) : call(file, flags, mode);                                   \
     }
 FAULTY_OPEN(open)

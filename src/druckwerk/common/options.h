@@ -45,6 +45,7 @@ struct DesignRequest {
     std::string title;
     std::filesystem::path layout;        ///< the layout's file, which may not be there yet
     std::vector<Definition> definitions; ///< in the order in which the report defined them
+    std::filesystem::path source;        ///< what is printed with now: the layout, or the one that stands behind it
 };
 
 /// How a job's pages go into a document that several jobs share: one behind the other, with page numbers and an
@@ -96,6 +97,8 @@ struct Options {
     /// The place of the job in hand, which the owner may change from job to job. Without it every job makes a
     /// document of its own.
     const JobPlace* place = nullptr;
+    /// The folder of the layouts that stand behind those which are not in their own; empty: none does.
+    std::filesystem::path layoutsBehind;
     PrintDate printDate;
     /// What a file is to conform to; what goes to a printer is plain.
     PdfLevel level = PdfLevel::Archive;

@@ -85,7 +85,7 @@ struct Designed {
 
 Designed openInDesigner(const DesignRequest& request) {
     const std::string svg =
-        std::filesystem::exists(request.layout) ? contentOf(request.layout) : generateLayout(request.definitions);
+        std::filesystem::exists(request.source) ? contentOf(request.source) : generateLayout(request.definitions);
     // A damaged layout is opened as it is; the check says what is wrong with it.
     const WorkingCopy copy(request.layout, withPalette(svg, request.definitions).value_or(svg));
     copy.write();
@@ -120,8 +120,9 @@ std::int32_t design(const DesignRequest& request, const FindingSink& findings, s
     if (designed.hasStrays)
         findings(
             {false, 0, "Objekte, die in der Ebene „Feldliste“ lagen, liegen jetzt in der Ebene „Hintergrund“."});
-    if (std::filesystem::exists(request.layout))
-        for (const auto& finding : checkLayout(request.layout, request.definitions))
+    const auto& used = std::filesystem::exists(request.layout) ? request.layout : request.source;
+    if (std::filesystem::exists(used))
+        for (const auto& finding : checkLayout(used, request.definitions))
             findings(finding);
     return 0;
 }

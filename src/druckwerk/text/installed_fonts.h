@@ -22,7 +22,8 @@ struct FontFile {
 
 class InstalledFonts {
   public:
-    /// Begins to read beside the calling thread what is installed, which takes as long as loading the data of a page.
+    /// Begins to read beside the calling thread what is installed, which takes as long as loading the data of a
+    /// page.
     static void prepare();
     /// Waits until that has ended, where it was begun. Fontconfig is not to be at work where the process is copied.
     static void awaitPreparation();
