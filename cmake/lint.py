@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""lint.py BUILD…: clang-tidy over every source of the build trees, with a memory of what was clean.
+"""lint.py BUILD… [FILE…]: clang-tidy over every source of the build trees, or the named ones alone, with a memory of what
+was clean.
 
 A source is checked again when it, a header that it includes, its compile command, the rules or clang-tidy itself has
 changed. The memory outlives a clone; it lies beside the compiler's cache.
@@ -98,12 +99,16 @@ def main():
     version = subprocess.run([TIDY, "--version"], check=True, capture_output=True, text=True).stdout
     rules = version + "".join((ROOT / folder / ".clang-tidy").read_text() for folder in (".", "tests"))
     jobs, seen = {}, set()
-    for build in map(os.path.abspath, sys.argv[1:]):
+    builds = [path for path in map(os.path.abspath, sys.argv[1:]) if os.path.isdir(path)]
+    wanted = {path for path in map(os.path.abspath, sys.argv[1:]) if not os.path.isdir(path)}
+    for build in builds:
         made_of = dependencies(build)
         commands = commands_of_lint(build)
         for entry in json.loads((commands / "compile_commands.json").read_text()):
             file = entry["file"]
             if not file.startswith(CHECKED) or not file.endswith(".cpp") or file in seen:
+                continue
+            if wanted and file not in wanted:
                 continue
             seen.add(file)
             files = made_of.get(os.path.relpath(os.path.join(entry["directory"], object_of(entry)), build))

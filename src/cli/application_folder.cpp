@@ -9,6 +9,8 @@
 #include <string>
 #include <system_error>
 
+#include <sys/auxv.h>
+
 namespace kvtdruck::cli {
 namespace {
 
@@ -32,10 +34,19 @@ fs::path userFolder() {
     return home / ".local" / "share" / "kvtdruck";
 }
 
+/// The program's own file; where /proc is not mounted, by the name under which it was started.
+fs::path programFile() {
+    std::error_code error;
+    auto file = fs::read_symlink("/proc/self/exe", error);
+    if (!error)
+        return file;
+    return fs::canonical(reinterpret_cast<const char*>(::getauxval(AT_EXECFN)));
+}
+
 /// Beside the program: <prefix>/bin/kvtdruck and <prefix>/share/kvtdruck/layouts. The build tree has the same
 /// shape.
 fs::path shippedLayouts() {
-    return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "share" / "kvtdruck" / "layouts";
+    return programFile().parent_path().parent_path() / "share" / "kvtdruck" / "layouts";
 }
 
 /// The copy appears under its name only when it is complete: another run may be looking for it.

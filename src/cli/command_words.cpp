@@ -9,21 +9,6 @@
 #include <set>
 
 namespace kvtdruck::cli {
-namespace {
-
-std::string joined(const std::vector<std::string>& values) {
-    std::string text;
-    for (const auto& value : values)
-        text += (text.empty() ? "" : ",") + value;
-    return text;
-}
-
-/// Options that stand for each other: one of them leaves no room for a preset of another.
-const std::array<std::vector<std::string>, 3> kRivals{{
-    {"--datenbank", "--verbindung"},
-    {"--ausgabe", "--nach", "--drucker", "--druckerauswahl"},
-    {"--jahr", "--von", "--bis"},
-}};
 
 bool isOption(const std::string& word) {
     return word.size() > 1 && word[0] == '-';
@@ -32,13 +17,6 @@ bool isOption(const std::string& word) {
 std::string longNameOf(const CLI::Option& option) {
     return option.get_lnames().empty() ? option.get_name() : "--" + option.get_lnames().front();
 }
-
-/// An option as a word writes it: with its value behind "=" or behind the letter, or without.
-struct Written {
-    const CLI::Option* option = nullptr;
-    std::string name;
-    bool hasValue = false;
-};
 
 Written optionIn(const CLI::App& command, const std::string& word) {
     Written written;
@@ -57,6 +35,22 @@ Written optionIn(const CLI::App& command, const std::string& word) {
 bool takesValue(const CLI::Option& option) {
     return option.get_items_expected_min() > 0;
 }
+
+namespace {
+
+std::string joined(const std::vector<std::string>& values) {
+    std::string text;
+    for (const auto& value : values)
+        text += (text.empty() ? "" : ",") + value;
+    return text;
+}
+
+/// Options that stand for each other: one of them leaves no room for a preset of another.
+const std::array<std::vector<std::string>, 3> kRivals{{
+    {"--datenbank", "--verbindung"},
+    {"--ausgabe", "--nach", "--drucker", "--druckerauswahl"},
+    {"--jahr", "--von", "--bis"},
+}};
 
 std::vector<std::string> optionNames(const CLI::App& command) {
     std::vector<std::string> names;

@@ -8,7 +8,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+} // namespace CLI
 
 namespace kvtdruck::cli {
 
@@ -16,6 +17,21 @@ using Words = std::vector<std::string>;
 
 /// Gives the values that a long option ("--firma") is preset to; none where it is not preset.
 using Presets = std::function<std::vector<std::string>(const std::string& option)>;
+
+/// Whether a word is an option, not a value or a name.
+bool isOption(const std::string& word);
+
+/// An option as a word writes it: with its value behind "=" or behind the letter, or without.
+struct Written {
+    const CLI::Option* option = nullptr; ///< none where the command has none of that name
+    std::string name;
+    bool hasValue = false;
+};
+Written optionIn(const CLI::App& command, const std::string& word);
+
+/// "--firma" for an option that has a long name.
+std::string longNameOf(const CLI::Option& option);
+bool takesValue(const CLI::Option& option);
 
 /// Words with "help" and "hilfe" turned into the option.
 Words withHelpAsOption(Words words);

@@ -1,11 +1,16 @@
 // kvtdruck: the component's host on Linux.
 #include "cli/batch.h"
 #include "cli/cancellation.h"
+#include "cli/completion.h"
 #include "cli/console.h"
 #include "cli/data_source.h"
+#include "cli/manual.h"
+#include "cli/option_groups.h"
 #include "cli/options.h"
 #include "cli/outcome.h"
 #include "cli/report_list.h"
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <iostream>
@@ -31,8 +36,25 @@ int execute(Options options, Console& console) {
     }
 }
 
+/// What packages and shells ask for.
+std::optional<std::string> answerForTools(const Words& words, Console& console) {
+    if (words == Words{"handbuch"}) {
+        Options options;
+        CLI::App app;
+        addCommands(app, options);
+        return manualPage(app);
+    }
+    if (!words.empty() && words.front() == "vervollstaendigen")
+        return completionsOf({words.begin() + 1, words.end()}, console);
+    return std::nullopt;
+}
+
 /// A print of a job file that fails does not keep the others from being printed.
 int run(int argc, const char* const* argv, Console& console) {
+    if (const auto answer = answerForTools({argv + 1, argv + argc}, console)) {
+        std::cout << *answer;
+        return kDone;
+    }
     int worst = kDone;
     for (const auto& options : parseCommandLine(argc, argv)) {
         worst = std::max(worst, withErrorsTold(console, [&] { return execute(options, console); }));

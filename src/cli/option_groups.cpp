@@ -1,5 +1,7 @@
 #include "cli/option_groups.h"
 
+#include "cli/help_text.h"
+#include "cli/library_versions.h"
 #include "platform/posix/posix_platform.h"
 #include "values/runtime_error.h"
 
@@ -177,6 +179,14 @@ constexpr const char* kPrintExamples = R"(Beispiele:
 } // namespace
 
 void addCommands(CLI::App& app, Options& options) {
+    app.name("kvtdruck");
+    app.description("KVTDruck druckt die Auswertungen der Betriebsabrechnung.");
+    app.formatter(germanHelp());
+    app.option_defaults()->group("Allgemein");
+    app.set_help_flag("-h,--hilfe,--help", "zeigt diese Hilfe");
+    app.set_version_flag("-V,--version", versionText, "zeigt die Version und die der Bibliotheken");
+    app.footer("Mehr zu einem Befehl sagt „kvtdruck BEFEHL --hilfe“.");
+    app.require_subcommand(1);
     const auto add = [&](const char* name, const char* help, Command command,
                          const std::string& examples) -> CLI::App& {
         auto* added = app.add_subcommand(name, help)->group("Befehle");

@@ -2,14 +2,13 @@
 
 #include "catalog/usage_error.h"
 #include "cli/command_words.h"
-#include "cli/help_text.h"
 #include "cli/option_groups.h"
+#include "cli/presets.h"
 #include "cli/settings_file.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdlib>
 #include <iostream>
 
 namespace kvtdruck::cli {
@@ -143,17 +142,20 @@ void check(Options& options, bool formatGiven) {
 
 namespace {
 
+/// "drucken, vorschau oder firmen".
+std::string namesOf(const CLI::App& app) {
+    const auto commands = app.get_subcommands({});
+    std::string names;
+    for (std::size_t i = 0; i < commands.size(); ++i)
+        names += (i == 0 ? "" : i + 1 == commands.size() ? " oder " : ", ") + commands[i]->get_name();
+    return names;
+}
+
 /// The commands with their options, and what parsing them gives.
 class Parser {
   public:
     Parser() {
         options_.printDate = currentDate();
-        app_.formatter(germanHelp());
-        app_.option_defaults()->group("Allgemein");
-        app_.set_help_flag("-h,--hilfe,--help", "zeigt diese Hilfe");
-        app_.set_version_flag("-V,--version", KVTDRUCK_VERSION, "zeigt die Version");
-        app_.footer("Mehr zu einem Befehl sagt „kvtdruck BEFEHL --hilfe“.");
-        app_.require_subcommand(1);
         addCommands(app_, options_);
     }
 
@@ -170,7 +172,7 @@ class Parser {
             app_.exit(success, std::cout, std::cerr);
             return std::nullopt;
         } catch (const CLI::RequiredError&) {
-            refuse("Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen oder firmen.");
+            refuse("Es fehlt der Befehl: " + namesOf(app_) + ".");
         } catch (const CLI::ParseError& error) { // whatever the words before did not show
             refuse("Der Aufruf ist nicht zu verstehen (" + std::string(error.what()) + ").");
         }
@@ -181,40 +183,10 @@ class Parser {
 
   private:
     Options options_;
-    CLI::App app_{"KVTDruck druckt die Auswertungen der Betriebsabrechnung.", "kvtdruck"};
+    CLI::App app_;
 };
 
 constexpr const char* kLists = "listen";
-
-Presets presetsOf(const Settings& settings, Presets otherwise) {
-    return [&settings, otherwise = std::move(otherwise)](const std::string& option) {
-        const auto found = settings.find(option.substr(2));
-        return found == settings.end() ? otherwise(option) : found->second;
-    };
-}
-
-Words environmentOf(const std::string& option) {
-    const char* value = std::getenv(variableOf(option).c_str());
-    return value && *value ? Words{value} : Words{};
-}
-
-std::filesystem::path userSettingsFile() {
-    const auto variable = [](const char* name) {
-        const char* value = std::getenv(name);
-        return std::filesystem::path(value ? value : "");
-    };
-    const auto configuration = variable("XDG_CONFIG_HOME");
-    const auto folder = configuration.is_absolute() ? configuration : variable("HOME") / ".config";
-    return folder.is_absolute() ? folder / "kvtdruck" / "kvtdruck.toml" : std::filesystem::path();
-}
-
-/// What the user has set once for all calls.
-Settings userSettings() {
-    const auto file = userSettingsFile();
-    if (file.empty() || !std::filesystem::exists(file))
-        return {};
-    return readSettings(file, optionKeys(Parser().app())).general;
-}
 
 /// One print of a job file; what stands in its own table goes before what stands above all.
 Options jobOf(const Settings& own, const Settings& general, const Presets& presets) {
@@ -223,8 +195,8 @@ Options jobOf(const Settings& own, const Settings& general, const Presets& prese
     if (const auto lists = settings.find(kLists); lists != settings.end())
         words.insert(words.end(), lists->second.begin(), lists->second.end());
     Parser parser;
-    words = withPresets(parser.app(), std::move(words), presetsOf(own, [](const auto&) { return Words{}; }));
-    return parser.parse(std::move(words), presetsOf(general, presets)).value();
+    words = withPresets(parser.app(), std::move(words), presetsOf(own));
+    return parser.parse(std::move(words), either(presetsOf(general), presets)).value();
 }
 
 /// The prints of a job file, checked all of them before the first one begins. Paths in it begin at its own folder.
@@ -264,12 +236,7 @@ std::optional<std::string> jobFileIn(const Words& words) {
 } // namespace
 
 std::vector<Options> parseCommandLine(int argc, const char* const* argv) {
-    const auto settings = userSettings();
-    const Presets presets = [&](const std::string& option) {
-        const auto preset = environmentOf(option);
-        const auto found = settings.find(option.substr(2));
-        return preset.empty() && found != settings.end() ? found->second : preset;
-    };
+    const auto presets = userPresets(Parser().app());
     const auto words = withHelpAsOption({argv + 1, argv + argc});
     if (const auto file = jobFileIn(words))
         return jobsIn(*file, presets);

@@ -96,6 +96,20 @@ TEST_F(DesignerTest, TellsWhatIsWrongWithASavedLayout) {
     EXPECT_THAT(outcome.errors, HasSubstr("Platzhalter ohne Ende"));
 }
 
+TEST_F(DesignerTest, TheGuidesOwnPageIsInOrderAndPrints) {
+    std::filesystem::create_directories(layouts());
+    std::filesystem::copy_file(KVT_SOURCE_FOLDER "/docs/beispiele/GemeinK.svg", layout("GemeinK"));
+    const auto check = run(command("pruefen", "GemeinK"), environment);
+    EXPECT_EQ(check.errors, "");
+    EXPECT_THAT(check.output, HasSubstr("ist in Ordnung"));
+    const auto file = (folder / "seite.pdf").string();
+    const auto outcome = run(command("drucken", "GemeinK", {"--jahr", "2024", "--ausgabe", file}), environment);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    const auto text = run({"pdftotext", "-layout", file, "-"}).output;
+    EXPECT_THAT(text, HasSubstr("Seite 1 von 1"));
+    EXPECT_THAT(text, ::testing::ContainsRegex("Summe +264\\.610 +263\\.547"));
+}
+
 TEST_F(DesignerTest, AFailingOrMissingDesignerIsAnError) {
     installDesigner("exit 3");
     const auto failed = design("Umsatz");
