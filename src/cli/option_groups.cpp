@@ -225,6 +225,18 @@ constexpr const char* kPrintExamples = R"(Beispiele:
   kvtdruck drucken alle -d musterbau.sqlite -f 1 -j 2024 --mappe Jahr2024.pdf
   kvtdruck drucken --auftrag monatsabschluss.toml)";
 
+template <class Add>
+void addLayouts(Add&& add, Options& options) {
+    auto& layouts = add("layouts", "nennt mitgelieferte und eigene Layouts und was sie unterscheidet",
+                        Command::Layouts, "Beispiel:\n  kvtdruck layouts Umsatz --zurueck");
+    addReports(layouts, options, "Name oder Titel der Liste");
+    addFolder(layouts, options);
+    layouts.add_flag("--mitgeliefert", options.returnsToInstalled, "legt das eigene Layout zu den früheren")
+        ->group("Layouts");
+    layouts.add_flag("--zurueck,--zurück", options.takesBack, "nimmt das letzte frühere Layout wieder")
+        ->group("Layouts");
+}
+
 } // namespace
 
 void addCommands(CLI::App& app, Options& options) {
@@ -282,14 +294,7 @@ void addCommands(CLI::App& app, Options& options) {
                  [&](const std::string& text) {
                      options.asJson = choiceIn<bool>("--format", text, {{"text", false}, {"json", true}});
                  });
-    auto& layouts = add("layouts", "nennt mitgelieferte und eigene Layouts und was sie unterscheidet",
-                        Command::Layouts, example("layouts Umsatz --zurueck"));
-    addReports(layouts, options, "Name oder Titel der Liste");
-    addFolder(layouts, options);
-    layouts.add_flag("--mitgeliefert", options.returnsToInstalled, "legt das eigene Layout zu den früheren")
-        ->group("Layouts");
-    layouts.add_flag("--zurueck,--zurück", options.takesBack, "nimmt das letzte frühere Layout wieder")
-        ->group("Layouts");
+    addLayouts(add, options);
 }
 
 } // namespace kvtdruck::cli

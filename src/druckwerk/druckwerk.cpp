@@ -22,32 +22,12 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
-std::unique_ptr<TemporaryFolder> newTemporaryFolder() {
-    try {
-        return std::make_unique<TemporaryFolder>();
-    } catch (const std::system_error&) {
-        throw Fault(kOutputFailed, "Im Ordner für temporäre Dateien kann nichts angelegt werden");
-    }
-}
-
 /// The layout file that belongs to an object name.
 std::filesystem::path layoutFile(const std::filesystem::path& objectName) {
     return std::filesystem::path(objectName).concat(".svg");
 }
 
 } // namespace
-
-std::shared_ptr<OpenDocument> newDocument() {
-    return std::make_shared<OpenDocument>();
-}
-
-std::unique_ptr<AtomicFile> finish(OpenDocument& document) {
-    if (!document.isOpen())
-        return nullptr;
-    auto file = document.pdf().finish(document.info(), nullptr);
-    document.drop();
-    return file;
-}
 
 /// The state behind the control: definitions, and the print job where there is one.
 class Druckwerk::Engine {

@@ -4,19 +4,11 @@
 #include "control/control.h"
 #include "druckwerk/common/options.h"
 #include "druckwerk/layout/layout_check.h"
+#include "druckwerk/shared_document.h"
 
 #include <memory>
 
 namespace kvtdruck::druckwerk {
-
-/// A document that stays open between the jobs that share it. It is dropped, and its file with it, when it was not
-/// finished.
-class OpenDocument;
-
-/// A document for the forms of several factories, each of whose jobs says that more follow.
-std::shared_ptr<OpenDocument> newDocument();
-/// Gives the file of a document that nothing more follows in; none where no job has printed into it.
-std::unique_ptr<AtomicFile> finish(OpenDocument& document);
 
 /// One control of the embedded engine. It holds the variables and fields, and at most one open print job.
 class Druckwerk final : public Control {

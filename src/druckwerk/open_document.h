@@ -12,6 +12,9 @@
 
 namespace kvtdruck::druckwerk {
 
+/// A folder for a document that goes on to a printer. Raises a Fault where there is no place for it.
+std::unique_ptr<TemporaryFolder> newTemporaryFolder();
+
 class OpenDocument {
   public:
     bool isOpen() const { return pdf_.has_value(); }
