@@ -1,5 +1,5 @@
-// soak_test DATABASE LAYOUTS VALUES PRINTS: one process prints all lists, as pages, previews and every kind of
-// data, again and again. Its memory, its open files, its processes and what lies in the folder for temporary files
+// soak_test DATABASE LAYOUTS VALUES PRINTS: one process prints all lists, as pages and as every kind of data, again and
+// again. Its memory, its open files, its processes and what lies in the folder for temporary files
 // must not grow.
 #include "catalog/report_catalog.h"
 #include "catalog/values_file.h"
