@@ -18,7 +18,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-class Batches : public HostTest {
+class Batches : public ProgramTest {
   protected:
     Outcome printAll(const std::vector<std::string>& lists, const std::vector<std::string>& more,
                      const std::string& into = "aus") const {

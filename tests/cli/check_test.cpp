@@ -15,7 +15,7 @@ using ::testing::Not;
 
 constexpr int kReports = 18;
 
-class CheckTest : public HostTest {
+class CheckTest : public ProgramTest {
   protected:
     CheckTest() { kvtdruck({"pruefen", "Umsatz"}); } // copies the shipped layouts
 

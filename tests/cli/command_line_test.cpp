@@ -17,7 +17,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-class CommandLine : public HostTest {
+class CommandLine : public ProgramTest {
   protected:
     std::string pdfText(const std::string& name) const {
         return run({"pdftotext", "-layout", output(name), "-"}).output;
@@ -317,7 +317,7 @@ void PrintTo(const UsageCase& usage, std::ostream* out) {
     *out << usage.name;
 }
 
-class WrongUsage : public HostTest, public ::testing::WithParamInterface<UsageCase> {};
+class WrongUsage : public ProgramTest, public ::testing::WithParamInterface<UsageCase> {};
 
 TEST_P(WrongUsage, IsSaidInGermanWithExitCode2) {
     const auto outcome = kvtdruck(GetParam().arguments);
@@ -573,7 +573,7 @@ TEST_F(CommandLine, WithoutAHomeTheUserLearnsWhatIsMissing) {
 
 // Preview
 
-class Preview : public HostTest {
+class Preview : public ProgramTest {
   protected:
     /// A viewer that notes the head of what it shows, and its process, and then does what the test asks of it.
     void installViewer(const std::string& work) const {

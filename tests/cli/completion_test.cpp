@@ -11,7 +11,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-class Completion : public HostTest {
+class Completion : public ProgramTest {
   protected:
     Completion() { std::filesystem::create_symlink(KVT_PROGRAM, folder / "bin" / "kvtdruck"); }
 

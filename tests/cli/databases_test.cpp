@@ -25,7 +25,7 @@ class SampleServer : public test::Database {
     test::PostgresServer server_;
 };
 
-class Databases : public HostTest {
+class Databases : public ProgramTest {
   protected:
     std::string recordOf(const std::string& list, const std::vector<std::string>& source) const {
         std::vector<std::string> arguments{"drucken", list,        "--firma",       "1",           "--jahr",

@@ -11,7 +11,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 /// A stand-in for Inkscape: it keeps what it was opened on and then does what the test asks of it.
-class DesignerTest : public HostTest {
+class DesignerTest : public ProgramTest {
   protected:
     DesignerTest() { environment["DISPLAY"] = ":0"; }
     void installDesigner(const std::string& work) const {

@@ -16,7 +16,7 @@ using ::testing::StartsWith;
 
 constexpr const char* kInstalled = KVT_SOURCE_FOLDER "/layouts/Umsatz.svg";
 
-class Layouts : public HostTest {
+class Layouts : public ProgramTest {
   protected:
     std::filesystem::path own() const { return layouts() / "Umsatz.svg"; }
     Outcome layoutsCommand(std::vector<std::string> more) const {

@@ -12,7 +12,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-class OutputFileTest : public HostTest {
+class OutputFileTest : public ProgramTest {
   protected:
     Outcome shell(const std::string& script, const std::vector<std::string>& arguments) const {
         std::vector<std::string> command{"bash", "-c", script, "bash"};

@@ -11,7 +11,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-class OwnData : public HostTest {
+class OwnData : public ProgramTest {
   protected:
     Outcome check() const { return kvtdruck({"datenbank", "pruefen", "--datenbank", database()}); }
     std::string file(const std::string& name, const std::string& text) const {

@@ -63,7 +63,7 @@ TEST_F(Passwords, AFileThatOthersCanReadIsRefused) {
     EXPECT_THROW(connection({folder_.path() / "fehlt"}), RuntimeError);
 }
 
-class PasswordOptions : public HostTest {};
+class PasswordOptions : public ProgramTest {};
 
 TEST_F(PasswordOptions, AreAskedForAndShowUpInNoMessage) {
     const std::vector<std::string> companies{"firmen", "--verbindung", "Driver={Gibt es nicht};UID=kvt"};

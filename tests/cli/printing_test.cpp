@@ -18,7 +18,7 @@ CupsServer& cups() {
     return server;
 }
 
-class PrintingTest : public HostTest {
+class PrintingTest : public ProgramTest {
   protected:
     PrintingTest() { environment["CUPS_SERVER"] = cups().address(); }
 

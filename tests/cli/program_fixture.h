@@ -10,9 +10,9 @@
 
 namespace kvtdruck::testing {
 
-class HostTest : public ::testing::Test {
+class ProgramTest : public ::testing::Test {
   protected:
-    HostTest() {
+    ProgramTest() {
         std::filesystem::create_directory(folder / "bin");
         std::filesystem::copy_file(KVT_DEMO_DATABASE, database());
         environment["XDG_DATA_HOME"] = (folder / "data").string();

@@ -18,7 +18,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-class WaitingTest : public HostTest {
+class WaitingTest : public ProgramTest {
   protected:
     std::filesystem::path pipe() const {
         const auto name = folder / "werte";
