@@ -3,12 +3,12 @@
 #include "cli/application_folder.h"
 #include "cli/option_values.h"
 #include "platform/posix/atomic_file.h"
+#include "platform/posix/input_file.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <limits>
 
 namespace kvtdruck::cli {
 namespace {
@@ -24,8 +24,7 @@ std::string nameOf(std::string_view list) {
 } // namespace
 
 std::string contentOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    return fs::is_regular_file(file) ? readInput(file, std::numeric_limits<std::size_t>::max()) : std::string();
 }
 
 LayoutStore::LayoutStore(const fs::path& applicationFolder) : folder_(layoutFolder(applicationFolder)) {}

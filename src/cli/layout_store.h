@@ -36,7 +36,7 @@ class LayoutStore {
     std::filesystem::path folder_;
 };
 
-/// The content of a file; nothing of one that is not there.
+/// The content of a regular file; nothing where there is none. Throws a `std::system_error` where it can't be read.
 std::string contentOf(const std::filesystem::path& file);
 
 } // namespace kvtdruck::cli

@@ -336,12 +336,12 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         UsageCase{"NoCommand",
                   {},
-                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, layouts, firmen, datenbank "
-                  "oder einlesen."},
+                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, firmen, datenbank, "
+                  "einlesen oder layouts."},
         UsageCase{"OptionsInPlaceOfACommand",
                   {"-d", "x", "-f", "1", "-o", "y"},
-                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, layouts, firmen, datenbank "
-                  "oder einlesen."},
+                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, firmen, datenbank, "
+                  "einlesen oder layouts."},
         UsageCase{"OptionsWithoutAList",
                   {"drucken", "-d", "x", "-f", "1", "-o", "y"},
                   "Es fehlt die Liste; alle Listen nennt „kvtdruck listen“."},

@@ -10,12 +10,14 @@ import concurrent.futures
 import os
 import pathlib
 import random
+import re
 import shutil
 import signal
 import subprocess
 import sys
 import tempfile
 
+TIME = re.compile(r"-\d{8}-\d{6}-\d{3}")
 KINDS = ["allocate", "open", "read", "write", "sync", "rename", "remove", "process", "sqlite", "odbc", "printer"]
 LISTS = ("Umsatz MitUeber Firma GemeinK NeutralA MaKost MaZeit MaStKost MaStZeit KalkKo MatUeber "
          "Bilanz BsEMa BsEStd BsEGes KalkW WasWenn UmsatzHW").split()
@@ -100,11 +102,12 @@ class Scenario:
         return found
 
     def changes(self):
-        """The paths that are not as before, with their contents (None: gone)."""
+        """The paths that are not as before, with their contents (None: gone). What has the time in its name is the same in
+        every run."""
         after = self.state()
         changed = {path for path in after.keys() | self.before.keys()
                    if after.get(path, 0) != self.before.get(path, 0) and not path.startswith("fonts/")}
-        return {path: self.content(path) if path in after else None for path in changed
+        return {TIME.sub("-", path): self.content(path) if path in after else None for path in changed
                 if path not in after or path not in self.before or self.content(path) != self.contents[path]}
 
     def restore(self):

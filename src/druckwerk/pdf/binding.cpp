@@ -34,6 +34,9 @@ void forEachEntry(QPDFObjectHandle parent, int level, const Visit& visit) {
     }
 }
 
+/// The cover, whose entry in the outline is no line of the contents.
+constexpr int kCover = 1;
+
 /// A line of the front, by its outline.
 struct Line {
     int page; ///< from 1
@@ -45,8 +48,9 @@ std::vector<Line> linesOf(QPDF& front) {
     std::vector<Line> lines;
     forEachEntry(front.getRoot().getKey("/Outlines"), 0, [&](QPDFObjectHandle entry, int) {
         auto destination = entry.getKey("/Dest");
-        lines.push_back(
-            {numbers.at(destination.getArrayItem(0).getObjGen()), destination.getArrayItem(3).getNumericValue()});
+        const int page = numbers.at(destination.getArrayItem(0).getObjGen());
+        if (page != kCover)
+            lines.push_back({page, destination.getArrayItem(3).getNumericValue()});
     });
     return lines;
 }

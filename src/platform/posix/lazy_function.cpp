@@ -7,7 +7,9 @@
 namespace kvtdruck {
 
 void* addressOf(const char* library, const char* name) {
-    void* const handle = ::dlopen(library, RTLD_LAZY | RTLD_LOCAL); // one that is loaded already is only counted
+    if (void* const present = ::dlsym(RTLD_DEFAULT, name)) // loaded already, or put before the library
+        return present;
+    void* const handle = ::dlopen(library, RTLD_LAZY | RTLD_LOCAL);
     void* const address = handle != nullptr ? ::dlsym(handle, name) : nullptr;
     if (address == nullptr)
         throw std::runtime_error("Die Bibliothek „" + std::string(library) +
