@@ -203,10 +203,10 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
 /// The layout of an object, or where it is not there the one that stands behind it.
 std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path& objectName) const {
     std::error_code ignored;
-    const auto own = layoutFile(objectName);
+    auto own = layoutFile(objectName);
     if (options_->layoutsBehind.empty())
         return own;
-    const auto behind = layoutFile(options_->layoutsBehind / objectName.filename());
+    auto behind = layoutFile(options_->layoutsBehind / objectName.filename());
     return !std::filesystem::exists(own, ignored) && std::filesystem::exists(behind, ignored) ? behind : own;
 }
 

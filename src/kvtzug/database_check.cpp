@@ -180,6 +180,7 @@ class Check {
                     cell(*query, i, types[i], columns[i]->kind, wrong);
         } while (!query->finish());
         std::vector<std::string> sentences;
+        sentences.reserve(wrong.size());
         for (const auto& [column, found] : wrong)
             sentences.push_back("Die Spalte " + names[column] + " enthält „" + found.first +
                                 "“; das ist keine Zahl (" + std::to_string(found.second) +
