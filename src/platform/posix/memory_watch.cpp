@@ -11,10 +11,24 @@
 namespace kvtdruck {
 namespace {
 
+std::atomic<long> refusals = 0;
+
+} // namespace
+
+bool memoryWasRefused() {
+    return refusals.load(std::memory_order_relaxed) > 0;
+}
+
+} // namespace kvtdruck
+
+// The sanitizers have an allocator of their own, which ends the process where memory is short.
+#ifndef __SANITIZE_ADDRESS__
+
+namespace kvtdruck {
+namespace {
+
 /// A library that is refused so often asks for ever, and has no other end.
 constexpr long kMostRefusals = 1'000'000;
-
-std::atomic<long> refusals = 0;
 
 [[noreturn]] void giveUp() {
     constexpr char kText[] = "Fehler: Der Arbeitsspeicher reicht nicht aus.\n";
@@ -35,15 +49,7 @@ void* watched(void* memory, std::size_t size) {
 }
 
 } // namespace
-
-bool memoryWasRefused() {
-    return refusals.load(std::memory_order_relaxed) > 0;
-}
-
 } // namespace kvtdruck
-
-// The sanitizers have an allocator of their own, which ends the process where memory is short.
-#ifndef __SANITIZE_ADDRESS__
 
 // A program's own functions of these names are taken by all its libraries:
 // https://www.gnu.org/software/libc/manual/html_node/Replacing-malloc.html
