@@ -97,7 +97,7 @@ def main():
     memory = cache_folder()
     memory.mkdir(parents=True, exist_ok=True)
     version = subprocess.run([TIDY, "--version"], check=True, capture_output=True, text=True).stdout
-    rules = version + "".join((ROOT / folder / ".clang-tidy").read_text() for folder in (".", "tests"))
+    rules = version + "".join((ROOT / folder / ".clang-tidy").read_text() for folder in (".", "tests", "tests/faults"))
     jobs, seen = {}, set()
     builds = [path for path in map(os.path.abspath, sys.argv[1:]) if os.path.isdir(path)]
     wanted = {path for path in map(os.path.abspath, sys.argv[1:]) if not os.path.isdir(path)}

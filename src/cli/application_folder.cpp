@@ -45,7 +45,7 @@ fs::path layoutFolder(const fs::path& applicationFolder) {
 }
 
 fs::path prepareApplicationFolder(const std::optional<fs::path>& chosen) {
-    const auto folder = fs::absolute(chosen ? *chosen : userFolder());
+    auto folder = fs::absolute(chosen ? *chosen : userFolder());
     fs::create_directories(layoutFolder(folder) / "Preview");
     return folder;
 }

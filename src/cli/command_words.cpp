@@ -165,7 +165,7 @@ Words withPresets(const CLI::App& app, Words words, const Presets& presets) {
             continue;
         const auto values = presets(name);
         if (const auto value = joined(values); !value.empty() && takesValue(*option))
-            words.push_back(name + "=" + value);
+            words.push_back(std::string(name).append("=").append(value));
         else if (values == Words{"true"})
             words.push_back(name);
     }

@@ -262,6 +262,7 @@ class Completer {
                 values.insert(extent.first);
         }
         std::vector<Candidate> result;
+        result.reserve(values.size());
         for (const auto value : values)
             result.push_back({std::to_string(value), help});
         return result;

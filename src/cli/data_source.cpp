@@ -18,6 +18,7 @@ std::unique_ptr<DataLibrary> libraryFor(const Options& options) {
 
 std::string companiesAsJson(const std::vector<Company>& companies) {
     std::vector<std::string> objects;
+    objects.reserve(companies.size());
     for (const auto& company : companies)
         objects.push_back(jsonObject({{"nummer", jsonText(company.number)},
                                       {"name", jsonText(company.name)},

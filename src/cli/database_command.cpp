@@ -110,14 +110,14 @@ class DatabaseReport {
 
     /// Why a list can't be printed; empty where it can.
     std::string reasonAgainst(const catalog::ReportEntry& report) {
-        if (const auto reason = reasonAgainst("firma", true); !reason.empty())
+        if (auto reason = reasonAgainst("firma", true); !reason.empty())
             return reason;
         const auto* own = std::ranges::find(kListTables, report.listName, &ListTables::listName);
         if (own == kListTables.end())
             return {};
         for (const auto* table : own->tables)
             if (table)
-                if (const auto reason = reasonAgainst(table, table == own->tables.front()); !reason.empty())
+                if (auto reason = reasonAgainst(table, table == own->tables.front()); !reason.empty())
                     return reason;
         return hasData(report) ? "" : "keine Firma hat Daten dafür";
     }

@@ -44,7 +44,7 @@ std::string attributesOf(const xmlNode* node) {
             attributes[name] = withSingleBlanks(valueOf(attribute));
     std::string text;
     for (const auto& [name, value] : attributes)
-        text += " " + name + "=\"" + value + "\"";
+        text.append(" ").append(name).append("=\"").append(value).append("\"");
     return text;
 }
 

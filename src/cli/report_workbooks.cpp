@@ -361,9 +361,6 @@ constexpr std::array kWorkbooks{
     NamedPlan{"UmsatzHW", kUmsatzHW},
 };
 
-using catalog::Selection;
-
-/// "Jahr 2024", "Jahre 2019–2021", "Jahre ab 2019".
 } // namespace
 
 WorkbookPlan workbookOf(const catalog::ReportEntry& report) {

@@ -44,11 +44,16 @@ std::vector<std::string> TightFields::messages() const {
         const auto& most = tight.most;
         const auto values = tight.values == 1 ? "einen Wert" : std::to_string(tight.values) + " Werte";
         const auto lines = std::to_string(static_cast<int>(most.room));
-        result.push_back(
-            place + (most.lines ? ": Feld ist zu niedrig für " + values + ": " + quoted(most.text) +
-                                      " braucht mehr als " + lines + (most.room > 1 ? " Zeilen" : " Zeile")
-                                : ": Feld ist zu schmal für " + values + ": " + quoted(most.text) + " braucht " +
-                                      inMillimetres(most.needed) + ", Platz ist für " + inMillimetres(most.room)));
+        auto& message = result.emplace_back(place);
+        message.append(most.lines ? ": Feld ist zu niedrig für " : ": Feld ist zu schmal für ");
+        message.append(values).append(": ").append(quoted(most.text));
+        if (most.lines)
+            message.append(" braucht mehr als ").append(lines).append(most.room > 1 ? " Zeilen" : " Zeile");
+        else
+            message.append(" braucht ")
+                .append(inMillimetres(most.needed))
+                .append(", Platz ist für ")
+                .append(inMillimetres(most.room));
     }
     return result;
 }

@@ -34,8 +34,8 @@ class CheckTest : public ProgramTest {
 };
 
 TEST_F(CheckTest, EveryShippedLayoutIsInOrderOnTheSampleCompany) {
-    const auto outcome = kvtdruck(
-        {"pruefen", "--datenbank", database(), "--firma", "1", "--werte", KVT_SOURCE_FOLDER "/demo/werte"});
+    const std::string values = KVT_SOURCE_FOLDER "/demo/werte";
+    const auto outcome = kvtdruck({"pruefen", "--datenbank", database(), "--firma", "1", "--werte", values});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(count(outcome.output, " ist in Ordnung."), kReports);

@@ -112,11 +112,9 @@ TEST_F(Completion, WorksInZsh) {
                                  "autoload -Uz compinit; compinit -D -u; zstyle ':completion:*' menu no\n");
     // Types into a shell at a terminal of its own, and reads until `answer` has come.
     const auto types = [&](const std::string& keys, const std::string& answer) {
-        return run({"timeout", "60", "zsh", "-f", "-c",
-                    "zmodload zsh/zpty; zpty shell zsh -i; zpty -wn shell \"$1\"; zpty -r shell text \"*$2*\" && "
-                    "print -r -- $text",
-                    "zsh", keys, answer},
-                   environment);
+        const std::string script = "zmodload zsh/zpty; zpty shell zsh -i; zpty -wn shell \"$1\"; "
+                                   "zpty -r shell text \"*$2*\" && print -r -- $text";
+        return run({"timeout", "60", "zsh", "-f", "-c", script, "zsh", keys, answer}, environment);
     };
     EXPECT_EQ(types("kvtdruck listen mat\t\n", "MatUeber: Materialübersicht").exitCode, 0);
     EXPECT_EQ(types("kvtdruck drucken GemeinK -d " + database() + " -f 1 -j \t\t", "-- Jahr").exitCode, 0);

@@ -21,7 +21,7 @@ using ::testing::StartsWith;
 class WaitingTest : public ProgramTest {
   protected:
     std::filesystem::path pipe() const {
-        const auto name = folder / "werte";
+        auto name = folder / "werte";
         EXPECT_EQ(::mkfifo(name.c_str(), 0600), 0);
         return name;
     }

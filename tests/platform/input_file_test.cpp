@@ -27,7 +27,7 @@ class InputFileTest : public ::testing::Test {
         return 0;
     }
     std::filesystem::path pipe() const {
-        const auto name = folder / "pipe";
+        auto name = folder / "pipe";
         EXPECT_EQ(::mkfifo(name.c_str(), 0600), 0);
         return name;
     }

@@ -1,6 +1,6 @@
-// soak_test DATABASE LAYOUTS VALUES PRINTS: one process prints all lists, as pages and as every kind of data, again and
-// again. Its memory, its open files, its processes and what lies in the folder for temporary files
-// must not grow.
+// soak_test DATABASE LAYOUTS VALUES PRINTS: one process prints all lists, as pages and as every kind of data, again
+// and again. Its memory, its open files, its processes and what lies in the folder for temporary files must not
+// grow.
 #include "catalog/report_catalog.h"
 #include "catalog/values_file.h"
 #include "druckwerk/druckwerk.h"

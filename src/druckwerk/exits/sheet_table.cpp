@@ -21,6 +21,13 @@ constexpr unsigned kLineHeight = 15; // points
 constexpr std::string_view kSum = "sum";
 constexpr std::string_view kMonthOfRow = "##";
 
+/// The sum of a column's rows below the head that a filter leaves.
+std::string subtotal(const std::string& column, std::size_t rows) {
+    std::string formula = "SUBTOTAL(9,";
+    formula.append(column).append(std::to_string(kHeadRow + 1)).append(":");
+    return formula.append(column).append(std::to_string(rows)).append(")");
+}
+
 /// How wide a column is that says nothing else, in digits.
 unsigned usualWidth(CellFormat format) {
     switch (format) {
@@ -198,7 +205,7 @@ void SheetTable::cell(std::size_t at, const Row& row) {
     const auto& column = *columns_[at];
     if (const auto text = textOf(column.source, row))
         return sheet_->text(*text, styleOf(CellFormat::Text, false));
-    const auto format = column.format == CellFormat::OfFact ? row.fact->format : column.format;
+    const auto format = column.format == CellFormat::OfFact && row.fact ? row.fact->format : column.format;
     if (column.source.starts_with('='))
         return formula(at, column.source.substr(1), format, false);
     const auto source = sourceOf(column, row);
@@ -318,8 +325,7 @@ void SheetTable::headings(const SheetLook& look) {
 void SheetTable::close() {
     sheet_->filterRows();
     if (std::ranges::any_of(columns_, [](const auto* column) { return !column->total.empty(); })) {
-        const auto rows = std::to_string(kHeadRow + 1) + ":";
-        const auto last = std::to_string(sheet_->rows());
+        const auto rows = sheet_->rows();
         sheet_->beginRow();
         numbers_.assign(columns_.size(), std::nullopt);
         for (std::size_t i = 0; i < columns_.size(); ++i)
@@ -329,7 +335,7 @@ void SheetTable::close() {
             const auto& column = *columns_[i];
             const auto style = styleOf(column.format, true);
             if (column.total == kSum)
-                sheet_->formula("SUBTOTAL(9," + columnName(i) + rows + columnName(i) + last + ")", sums_[i], style);
+                sheet_->formula(subtotal(columnName(i), rows), sums_[i], style);
             else if (column.total.starts_with('='))
                 formula(i, column.total.substr(1), column.format, true);
             else if (column.total.empty())

@@ -52,8 +52,8 @@ std::string beginningOf(const SheetLook& look) {
         "\" sqref=\"A" + below + "\"/></sheetView></sheetViews><cols>";
     for (std::size_t i = 0; i < look.widths.size(); ++i) {
         const auto number = std::to_string(i + 1);
-        text += "<col min=\"" + number + "\" max=\"" + number + "\" width=\"" + std::to_string(look.widths[i]) +
-                "\" customWidth=\"1\"/>";
+        text.append("<col min=\"").append(number).append("\" max=\"").append(number).append("\" width=\"");
+        text.append(std::to_string(look.widths[i])).append("\" customWidth=\"1\"/>");
     }
     return text + "</cols>";
 }
