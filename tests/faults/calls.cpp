@@ -18,6 +18,10 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#ifdef __clang__
+#pragma clang diagnostic ignored "-Wreserved-identifier" // the C library's names
+#endif
+
 using kvtdruck::faults::fails;
 using kvtdruck::faults::Kind;
 

@@ -26,6 +26,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#ifdef __clang__
+#pragma clang diagnostic ignored "-Wreserved-identifier" // the C library's names
+#endif
+
 namespace kvtdruck::faults {
 namespace {
 
