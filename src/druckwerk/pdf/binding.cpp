@@ -1,13 +1,13 @@
 #include "druckwerk/pdf/binding.h"
 
+#include "druckwerk/pdf/rewriting.h"
+
 #include <functional>
 #include <map>
-#include <qpdf/Buffer.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
-#include <qpdf/QPDFWriter.hh>
 
 namespace kvtdruck::druckwerk {
 
@@ -105,13 +105,7 @@ std::string bound(const std::filesystem::path& front, const std::filesystem::pat
     }
     pdf.getRoot().replaceKey("/PageLabels", QPDFObjectHandle::parse("<</Nums[0<</S/r>>" +
                                                                     std::to_string(before.size()) + "<</S/D>>]>>"));
-    QPDFWriter writer(pdf);
-    writer.setOutputMemory();
-    writer.setDeterministicID(true);
-    writer.setStreamDataMode(qpdf_s_preserve);
-    writer.write();
-    const auto buffer = writer.getBufferSharedPointer();
-    return {reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize()};
+    return written(pdf);
 }
 
 } // namespace kvtdruck::druckwerk

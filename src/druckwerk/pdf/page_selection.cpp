@@ -1,13 +1,13 @@
 #include "druckwerk/pdf/page_selection.h"
 
+#include "druckwerk/pdf/rewriting.h"
+
 #include <algorithm>
-#include <qpdf/Buffer.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFNameTreeObjectHelper.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
-#include <qpdf/QPDFWriter.hh>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -128,13 +128,7 @@ std::string selectedPages(const std::filesystem::path& document, const std::stri
         root.removeKey("/Outlines");
         root.removeKey("/PageMode");
     }
-    QPDFWriter writer(pdf);
-    writer.setOutputMemory();
-    writer.setDeterministicID(true);
-    writer.setStreamDataMode(qpdf_s_preserve);
-    writer.write();
-    const auto buffer = writer.getBufferSharedPointer();
-    return {reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize()};
+    return written(pdf);
 }
 
 } // namespace kvtdruck::druckwerk

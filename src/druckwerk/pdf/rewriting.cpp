@@ -1,0 +1,19 @@
+#include "druckwerk/pdf/rewriting.h"
+
+#include <qpdf/Buffer.hh>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFWriter.hh>
+
+namespace kvtdruck::druckwerk {
+
+std::string written(QPDF& pdf) {
+    QPDFWriter writer(pdf);
+    writer.setOutputMemory();
+    writer.setDeterministicID(true);
+    writer.setStreamDataMode(qpdf_s_preserve);
+    writer.write();
+    const auto buffer = writer.getBufferSharedPointer();
+    return {reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize()};
+}
+
+} // namespace kvtdruck::druckwerk
