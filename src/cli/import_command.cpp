@@ -3,6 +3,7 @@
 #include "catalog/csv_text.h"
 #include "cli/cancellation.h"
 #include "cli/outcome.h"
+#include "cli/values_input.h"
 #include "kvtzug/schema.h"
 #include "kvtzug/table_import.h"
 #include "values/conversion.h"
@@ -11,8 +12,6 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -28,6 +27,7 @@ using catalog::CsvPlace;
 using Kind = SchemaColumn::Kind;
 using Value = TableImport::Value;
 
+constexpr std::size_t kMostMegabytes = 1024;
 constexpr std::size_t kMostCells = 50'000'000;
 /// Errors that are told before the rest is only counted.
 constexpr std::size_t kMostTold = 20;
@@ -133,11 +133,8 @@ class Import {
     };
 
     CsvFile open(const std::string& name) const {
-        std::ifstream stream(name, std::ios::binary);
-        if (!stream || std::filesystem::is_directory(name))
-            throw catalog::ValuesError("Die Datei " + name + " kann nicht gelesen werden.");
-        const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-        CsvFile file{name, catalog::csvLines(catalog::csvText(bytes), name, kMostCells), {}};
+        const auto text = catalog::csvText(readCsv(name, kMostMegabytes));
+        CsvFile file{name, catalog::csvLines(text, name, kMostCells), {}};
         if (file.lines.empty())
             throw catalog::ValuesError(name + ": Die Datei ist leer.");
         file.columns = columnsOf(file.lines.front(), name);

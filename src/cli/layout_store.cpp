@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <limits>
 
 namespace kvtdruck::cli {
 namespace {
@@ -24,7 +23,7 @@ std::string nameOf(std::string_view list) {
 } // namespace
 
 std::string contentOf(const fs::path& file) {
-    return fs::is_regular_file(file) ? readInput(file, std::numeric_limits<std::size_t>::max()) : std::string();
+    return fs::is_regular_file(file) ? readInput(file) : std::string();
 }
 
 LayoutStore::LayoutStore(const fs::path& applicationFolder) : folder_(layoutFolder(applicationFolder)) {}

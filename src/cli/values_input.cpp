@@ -10,25 +10,25 @@
 namespace kvtdruck::cli {
 namespace {
 
-constexpr std::size_t kMostBytes = std::size_t{64} << 20;
-
-std::string reasonOf(const std::system_error& error) {
-    if (error.code().value() == EFBIG)
-        return "sie ist größer als 64 MB, und so viele Werte nimmt keine Liste.";
-    return toUtf8(runtimeErrorOf(error.code().value()).description());
-}
+/// More megabytes than the largest list is handed.
+constexpr std::size_t kMostOfValues = 64;
 
 } // namespace
 
+std::string readCsv(const std::filesystem::path& file, std::size_t most) {
+    try {
+        return readInput(file, most << 20U, &cancelled());
+    } catch (const std::system_error& error) {
+        const auto code = error.code().value();
+        throw catalog::ValuesError("Die Datei " + file.string() + " kann nicht gelesen werden: " +
+                                   (code == EFBIG ? "sie ist größer als " + std::to_string(most) + " MB."
+                                                  : toUtf8(runtimeErrorOf(code).description())));
+    }
+}
+
 std::shared_ptr<catalog::ParameterArray> readValues(const catalog::ReportEntry& report,
                                                     const std::filesystem::path& file) {
-    std::string text;
-    try {
-        text = readInput(file, kMostBytes, &cancelled());
-    } catch (const std::system_error& error) {
-        throw catalog::ValuesError("Die Datei " + file.string() + " kann nicht gelesen werden: " + reasonOf(error));
-    }
-    return catalog::parseValues(report, text, file.string());
+    return catalog::parseValues(report, readCsv(file, kMostOfValues), file.string());
 }
 
 } // namespace kvtdruck::cli

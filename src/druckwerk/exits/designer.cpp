@@ -9,7 +9,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <limits>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -21,11 +20,6 @@
 
 namespace kvtdruck::druckwerk {
 namespace {
-
-/// The whole of a file that the user works on, however long.
-std::string contentOf(const std::filesystem::path& file) {
-    return readInput(file, std::numeric_limits<std::size_t>::max());
-}
 
 /// Runs the designer on `file` and waits for its end; gives 0 or an errno. It gets an application of its own, so
 /// that it does not hand the file over to an Inkscape that is already open and end at once.
@@ -68,7 +62,7 @@ class WorkingCopy {
     void write() const { writeAtomically(file_, shown_, AtomicFile::Access::Mask); }
     /// What the user has saved; nothing where it is as it was shown.
     std::optional<std::string> saved() const {
-        auto text = contentOf(file_);
+        auto text = readInput(file_);
         return text == shown_ ? std::nullopt : std::optional(std::move(text));
     }
 
@@ -85,7 +79,7 @@ struct Designed {
 
 Designed openInDesigner(const DesignRequest& request) {
     const std::string svg =
-        std::filesystem::exists(request.source) ? contentOf(request.source) : generateLayout(request.definitions);
+        std::filesystem::exists(request.source) ? readInput(request.source) : generateLayout(request.definitions);
     // A damaged layout is opened as it is; the check says what is wrong with it.
     const WorkingCopy copy(request.layout, withPalette(svg, request.definitions).value_or(svg));
     copy.write();

@@ -4,20 +4,20 @@
 #include "druckwerk/common/fault.h"
 #include "druckwerk/pdf/metadata.h"
 #include "druckwerk/pdf/pdf_syntax.h"
+#include "platform/posix/input_file.h"
 
-#include <fstream>
-#include <iterator>
+#include <system_error>
 
 namespace kvtdruck::druckwerk {
 
 namespace {
 
 std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream)
+    try {
+        return readInput(file);
+    } catch (const std::system_error&) {
         throw Fault(kOutputFailed, "Die Beilage " + file.filename().string() + " kann nicht gelesen werden");
-    return content;
+    }
 }
 
 /// A MIME type as a PDF name: of its characters only the slash has to be escaped.
