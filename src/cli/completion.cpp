@@ -5,6 +5,7 @@
 #include "cli/option_groups.h"
 #include "cli/presets.h"
 #include "kvtzug/schema.h"
+#include "values/letters.h"
 
 #include <CLI/CLI.hpp>
 
@@ -43,8 +44,7 @@ std::string unquoted(const std::string& word) {
 }
 
 bool startsWithInAnyCase(std::string_view text, std::string_view beginning) {
-    const auto same = [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); };
-    return text.size() >= beginning.size() && std::ranges::equal(text.substr(0, beginning.size()), beginning, same);
+    return asciiLower(text).starts_with(asciiLower(beginning));
 }
 
 struct Candidate {

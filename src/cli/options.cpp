@@ -7,6 +7,7 @@
 #include "cli/presets.h"
 #include "cli/settings_file.h"
 #include "platform/posix/atomic_file.h"
+#include "values/letters.h"
 
 #include <CLI/CLI.hpp>
 
@@ -28,9 +29,7 @@ std::optional<std::optional<DataFormat>> formatOf(const std::filesystem::path& f
                                                                            {".csv", DataFormat::Csv},
                                                                            {".xlsx", DataFormat::Xlsx},
                                                                            {".json", DataFormat::Json}};
-    auto ending = file.extension().string();
-    std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return char(std::tolower(c)); });
-    const auto found = kEndings.find(ending);
+    const auto found = kEndings.find(asciiLower(file.extension().string()));
     if (found == kEndings.end())
         return std::nullopt;
     return std::optional<std::optional<DataFormat>>(std::in_place, found->second);

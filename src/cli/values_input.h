@@ -9,8 +9,8 @@
 
 namespace kvtdruck::cli {
 
-/// The bytes of a CSV file; a pipe is waited for, until the user cancels. Throws a `catalog::ValuesError`, also where
-/// there are more than `most` megabytes.
+/// The bytes of a CSV file; a pipe is waited for, until the user cancels. Throws a `catalog::ValuesError`, also
+/// where there are more than `most` megabytes.
 std::string readCsv(const std::filesystem::path& file, std::size_t most);
 
 /// The parameter array that `file` holds for `report`. Throws a `catalog::ValuesError`, also for what is larger

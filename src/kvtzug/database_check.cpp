@@ -1,10 +1,10 @@
 #include "kvtzug/database_check.h"
 
 #include "kvtzug/schema.h"
+#include "values/letters.h"
 #include "values/runtime_error.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -125,8 +125,7 @@ class Check {
 
     static const SourceColumn* findIn(const std::vector<SourceColumn>& there, const SchemaColumn& column) {
         const auto found = std::ranges::find_if(there, [&](const SourceColumn& own) {
-            const auto name = toUtf8(own.name);
-            return std::ranges::equal(name, column.name, {}, [](unsigned char c) { return std::tolower(c); });
+            return asciiLower(toUtf8(own.name)) == asciiLower(column.name);
         });
         return found == there.end() ? nullptr : &*found;
     }

@@ -1,6 +1,7 @@
 #include "kvtzug/kvtzug.h"
 
 #include "kvtzug/reader.h"
+#include "values/characters.h"
 #include "values/runtime_error.h"
 #include "values/variant.h"
 
@@ -13,7 +14,7 @@ constexpr Object::MemberId kConnectionStringId = 1;
 } // namespace
 
 Object::MemberId HostConnection::idOf(StringView name) {
-    if (!sameName(name, kConnectionString))
+    if (!sameWord(name, kConnectionString))
         throw RuntimeError(ErrorNumber::MemberNotFound);
     return kConnectionStringId;
 }

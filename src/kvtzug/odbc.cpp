@@ -2,10 +2,10 @@
 
 #include "kvtzug/connection_string.h"
 #include "kvtzug/odbc_columns.h"
+#include "values/characters.h"
 #include "values/runtime_error.h"
 
 #include <algorithm>
-#include <cctype>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -62,8 +62,7 @@ String openingFailure(StringView connectionString, const Diagnosis& diagnosis) {
 /// pass.
 String withoutCreating(StringView connectionString) {
     auto driver = connectionAttribute(connectionString, u"Driver");
-    std::ranges::transform(driver, driver.begin(),
-                           [](char16_t letter) { return letter < 0x80 ? char16_t(std::tolower(letter)) : letter; });
+    std::ranges::transform(driver, driver.begin(), [](char16_t letter) { return asciiLower(letter); });
     const bool creates =
         driver.find(u"sqlite") != String::npos && connectionAttribute(connectionString, u"NoCreat").empty();
     return String(connectionString) + (creates ? u";NoCreat=1" : u"");

@@ -1,5 +1,6 @@
 #include "kvtzug/reader.h"
 
+#include "values/characters.h"
 #include "values/locale.h"
 #include "values/runtime_error.h"
 
@@ -18,10 +19,6 @@ enum SharedOperation : std::size_t { Verbinde, EndOfData, MoveFirst, MoveNext };
 
 /// Wrong number of arguments.
 constexpr long kWrongArgumentCount = 450;
-
-char16_t folded(char16_t letter) {
-    return letter >= u'a' && letter <= u'z' ? char16_t(letter - u'a' + u'A') : letter;
-}
 
 String joined(const std::vector<String>& words) {
     String result;
@@ -45,11 +42,6 @@ Parameter parameterOf(const Variant& argument, ValueType type) {
 
 } // namespace
 
-bool sameName(StringView left, StringView right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char16_t l, char16_t r) { return folded(l) == folded(r); });
-}
-
 Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> connections,
                ReferenceKvtzug::Trace trace)
     : class_(readerClass), connections_(std::move(connections)), trace_(std::move(trace)), block_(readerClass),
@@ -65,13 +57,13 @@ Reader::Reader(const ReaderClass& readerClass, std::shared_ptr<Connections> conn
 Object::MemberId Reader::idOf(StringView name) {
     MemberId id = 0;
     for (const auto& column : class_.columns)
-        if (++id; sameName(name, column.getter))
+        if (++id; sameWord(name, column.getter))
             return id;
     for (std::size_t i = 0; i < std::size(kSharedOperations); ++i)
-        if (++id; sameName(name, kSharedOperations[i]) && (i == Verbinde || !class_.single))
+        if (++id; sameWord(name, kSharedOperations[i]) && (i == Verbinde || !class_.single))
             return id;
     for (const auto& operation : class_.operations)
-        if (++id; sameName(name, operation.name))
+        if (++id; sameWord(name, operation.name))
             return id;
     throw RuntimeError(ErrorNumber::MemberNotFound);
 }

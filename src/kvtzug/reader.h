@@ -14,9 +14,6 @@
 
 namespace kvtdruck {
 
-/// Whether two member names are the same: letter case does not matter.
-bool sameName(StringView left, StringView right);
-
 /// A reader answers the members of its class. Rows are fetched in blocks, so memory stays flat however many there
 /// are; a return to the first record asks the database only when its block is no longer in hand. Where the
 /// connection allows it, the next block is fetched while the records of the one in hand are used. Once the user has

@@ -1,7 +1,7 @@
 #include "kvtzug/schema.h"
+#include "values/letters.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 namespace kvtdruck {
@@ -283,11 +283,6 @@ SchemaTable material() {
         .months("iummatpr_", "Materialeinsatz Ist, Prozent des Umsatzes");
 }
 
-bool sameLetters(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right,
-                              [](unsigned char l, unsigned char r) { return std::tolower(l) == std::tolower(r); });
-}
-
 } // namespace
 
 std::string SchemaTable::yearColumn() const {
@@ -298,8 +293,8 @@ std::string SchemaTable::yearColumn() const {
 }
 
 const SchemaColumn* SchemaTable::find(std::string_view column) const {
-    const auto found =
-        std::ranges::find_if(columns, [&](const SchemaColumn& own) { return sameLetters(own.name, column); });
+    const auto found = std::ranges::find_if(
+        columns, [&](const SchemaColumn& own) { return asciiLower(own.name) == asciiLower(column); });
     return found == columns.end() ? nullptr : &*found;
 }
 
@@ -312,8 +307,8 @@ const std::vector<SchemaTable>& schema() {
 
 const SchemaTable* findTable(std::string_view name) {
     const auto& tables = schema();
-    const auto found =
-        std::ranges::find_if(tables, [&](const SchemaTable& table) { return sameLetters(table.name, name); });
+    const auto found = std::ranges::find_if(
+        tables, [&](const SchemaTable& table) { return asciiLower(table.name) == asciiLower(name); });
     return found == tables.end() ? nullptr : &*found;
 }
 

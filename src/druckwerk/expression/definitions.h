@@ -51,7 +51,6 @@ class Definitions {
     /// The slot of `name`, new and undefined where nothing has defined it yet. Slots stay valid for good.
     std::size_t slotOf(StringView name);
     bool isDefined(std::size_t slot) const { return slots_[slot]->values[0].defined; }
-    bool isNumeric(std::size_t slot) const { return slots_[slot]->numeric; }
     StringView nameOf(std::size_t slot) const { return slots_[slot]->name; }
 
     /// The slot's value at `moment`; where it had none then, its present one.

@@ -30,9 +30,6 @@ class TextTemplate {
     /// The slots of the names within its aggregates.
     std::vector<std::size_t> aggregatedSlots() const;
 
-    /// Whether `source` holds a placeholder.
-    static bool hasPlaceholder(StringView source) { return source.find(u"{{") != StringView::npos; }
-
   private:
     enum class Counter : std::uint8_t { Page, Pages, Line, PageLine };
     struct PrintDateText {

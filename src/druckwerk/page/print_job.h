@@ -30,7 +30,6 @@ class PrintJob {
     /// is their entry.
     void finish(const String& heading);
 
-    bool hasPage() const { return pageOpen_; }
     int pages() const { return document_.pages(); }
 
   private:

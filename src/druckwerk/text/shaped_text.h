@@ -48,7 +48,6 @@ class ShapedText {
         run.picture = nullptr;
         return run;
     }
-    void dropLast() { --count; }
 
   private:
     std::vector<ShapedRun> runs_;

@@ -3,9 +3,9 @@
 #include "com/counted.h"
 #include "control/control.h"
 #include "control/recording_control.h"
-#include "kvtzug/reader.h"
 #include "servers/dispatch.h"
 #include "servers/log_file.h"
+#include "values/characters.h"
 #include "values/runtime_error.h"
 
 #include <ocidl.h>
@@ -198,11 +198,12 @@ class Embedding final : public IOleObject {
     IOleClientSite* site_ = nullptr;
 };
 
-/// The control's initialisation as a new one.
-class Initialisation final : public IPersistStreamInit {
+/// A way of the control to keep its data, which counts with it.
+template <class Interface>
+class Persistence : public Interface {
   public:
-    explicit Initialisation(IUnknown& control) : control_(control) {}
-    virtual ~Initialisation() = default;
+    explicit Persistence(IUnknown& control) : control_(control) {}
+    virtual ~Persistence() = default;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         return control_.QueryInterface(iid, object);
@@ -211,6 +212,16 @@ class Initialisation final : public IPersistStreamInit {
     ULONG STDMETHODCALLTYPE Release() override { return control_.Release(); }
     HRESULT STDMETHODCALLTYPE GetClassID(CLSID*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE IsDirty() override { return S_FALSE; }
+
+  private:
+    IUnknown& control_;
+};
+
+/// The control's initialisation as a new one.
+class Initialisation final : public Persistence<IPersistStreamInit> {
+  public:
+    using Persistence::Persistence;
+
     HRESULT STDMETHODCALLTYPE Load(LPSTREAM) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Save(LPSTREAM, BOOL) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
@@ -218,24 +229,13 @@ class Initialisation final : public IPersistStreamInit {
         hosting("InitNew");
         return S_OK;
     }
-
-  private:
-    IUnknown& control_;
 };
 
 /// The initialisation of a control that keeps its data in a storage.
-class StoredInitialisation final : public IPersistStorage {
+class StoredInitialisation final : public Persistence<IPersistStorage> {
   public:
-    explicit StoredInitialisation(IUnknown& control) : control_(control) {}
-    virtual ~StoredInitialisation() = default;
+    using Persistence::Persistence;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        return control_.QueryInterface(iid, object);
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return control_.AddRef(); }
-    ULONG STDMETHODCALLTYPE Release() override { return control_.Release(); }
-    HRESULT STDMETHODCALLTYPE GetClassID(CLSID*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE IsDirty() override { return S_FALSE; }
     HRESULT STDMETHODCALLTYPE Load(IStorage*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Save(IStorage*, BOOL) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE SaveCompleted(IStorage*) override { return E_NOTIMPL; }
@@ -250,9 +250,6 @@ class StoredInitialisation final : public IPersistStorage {
         hosting(usable ? "InitNew in a storage" : "InitNew without a storage");
         return S_OK;
     }
-
-  private:
-    IUnknown& control_;
 };
 
 class Control final : public Dispatch {
@@ -263,7 +260,7 @@ class Control final : public Dispatch {
 
   protected:
     DISPID idOf(StringView name) override {
-        return sameName(name, nameOf(Operation::PrintEnd)) ? kPrintEnd : DISPID_UNKNOWN;
+        return sameWord(name, nameOf(Operation::PrintEnd)) ? kPrintEnd : DISPID_UNKNOWN;
     }
 
     Variant invoke(DISPID member, WORD flags, std::span<VARIANT* const> arguments) override {

@@ -1,8 +1,8 @@
 #include "servers/error_report.h"
 
-#include "kvtzug/reader.h"
 #include "servers/dispatch.h"
 #include "servers/log_file.h"
+#include "values/characters.h"
 #include "values/runtime_error.h"
 
 namespace kvtdruck::test {
@@ -28,7 +28,7 @@ class ErrorReport final : public Dispatch {
 
   protected:
     DISPID idOf(StringView name) override {
-        return sameName(name, u"fkt_Fehlermeldung") ? kReport : DISPID_UNKNOWN;
+        return sameWord(name, u"fkt_Fehlermeldung") ? kReport : DISPID_UNKNOWN;
     }
 
     Variant invoke(DISPID member, WORD, std::span<VARIANT* const> arguments) override {

@@ -1,6 +1,6 @@
 #include "servers/parameter_array.h"
 
-#include "kvtzug/reader.h"
+#include "values/characters.h"
 #include "values/runtime_error.h"
 #include "values/variant.h"
 
@@ -18,11 +18,11 @@ std::int32_t number(const Variant& value) {
 class ParameterArray final : public Object {
   public:
     MemberId idOf(StringView name) override {
-        if (sameName(name, u"Value"))
+        if (sameWord(name, u"Value"))
             return kValue;
-        if (sameName(name, u"ReDim"))
+        if (sameWord(name, u"ReDim"))
             return kReDim;
-        if (sameName(name, u"Count"))
+        if (sameWord(name, u"Count"))
             return kCount;
         throw RuntimeError(ErrorNumber::MemberNotFound);
     }

@@ -3,11 +3,11 @@
 // them all.
 #include "com/counted.h"
 #include "kvtzug/kvtzug.h"
-#include "kvtzug/reader.h"
 #include "servers/control.h"
 #include "servers/dispatch.h"
 #include "servers/error_report.h"
 #include "servers/parameter_array.h"
+#include "values/characters.h"
 #include "values/runtime_error.h"
 
 #include <windows.h>
@@ -50,7 +50,7 @@ IUnknown* createReader() {
 class ScriptConnection final : public Object {
   public:
     MemberId idOf(StringView name) override {
-        if (!sameName(name, u"ConnectionString"))
+        if (!sameWord(name, u"ConnectionString"))
             throw RuntimeError(ErrorNumber::MemberNotFound);
         return 1;
     }
