@@ -1,6 +1,6 @@
 #include "druckwerk/exits/xlsx_sheet.h"
 
-#include "values/code_points.h"
+#include "druckwerk/common/xml_text.h"
 
 #include <array>
 #include <charconv>
@@ -10,29 +10,14 @@
 namespace kvtdruck::druckwerk {
 namespace {
 
-/// Text of XML (https://www.w3.org/TR/xml/#charsets): U+FFFD stands for what that can't hold. What looks like the
-/// format's own way of writing a character, "_x0041_", is written in it.
-std::string escaped(StringView text) {
-    const String whole = wellFormed(text);
+/// Text of a cell. What looks like the format's own way of writing a character, "_x0041_", is written in it.
+std::string cellText(StringView text) {
     String out;
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        const char16_t c = whole[i];
-        if (c == u'&')
-            out += u"&amp;";
-        else if (c == u'<')
-            out += u"&lt;";
-        else if (c == u'>')
-            out += u"&gt;";
-        else if (c == u'\r')
-            out += u"&#13;"; // a reader would take it for a line end otherwise
-        else if ((c < 0x20 && c != u'\t' && c != u'\n') || c >= 0xFFFE)
-            out += u'\xFFFD';
-        else if (whole.compare(i, 2, u"_x") == 0 && i + 6 < whole.size() && whole[i + 6] == u'_')
-            out += u"_x005F_";
-        else
-            out += c;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool looksWritten = text.substr(i, 2) == u"_x" && i + 6 < text.size() && text[i + 6] == u'_';
+        looksWritten ? out += u"_x005F_" : out += text[i];
     }
-    return toUtf8(out);
+    return xmlText(out);
 }
 
 std::string digits(double value) {
@@ -102,7 +87,7 @@ void Sheet::text(StringView value, CellStyle style) {
     beginCell(style);
     const bool keepsBlanks = value.find_first_of(u" \t\n") != StringView::npos;
     row_ += keepsBlanks ? " t=\"inlineStr\"><is><t xml:space=\"preserve\">" : " t=\"inlineStr\"><is><t>";
-    row_ += escaped(value) + "</t></is></c>";
+    row_ += cellText(value) + "</t></is></c>";
 }
 
 void Sheet::formula(std::string_view formula, std::optional<double> value, CellStyle style) {

@@ -1,5 +1,6 @@
 #include "druckwerk/pdf/metadata.h"
 
+#include "druckwerk/common/xml_text.h"
 #include "druckwerk/pdf/pdf_syntax.h"
 #include "values/code_points.h"
 
@@ -42,32 +43,12 @@ std::string dateText(const PrintDate& date, const char* pattern, const char* sep
     return out;
 }
 
-std::string escaped(StringView text) {
-    std::string out;
-    for (const char c : toUtf8(carried(text))) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
-
 std::string element(const std::string& name, const std::string& content) {
     return "<" + name + ">" + content + "</" + name + ">\n";
 }
 
 std::string ifAny(const std::string& name, const std::string& before, StringView text, const std::string& after) {
-    return text.empty() ? "" : element(name, before + escaped(text) + after);
+    return text.empty() ? "" : element(name, before + xmlText(carried(text)) + after);
 }
 
 /// The identification of PDF/A, ISO 19005-3, 6.6.4.
