@@ -141,7 +141,7 @@ def account_database(source, target, rows):
 
 
 def staff_database(source, target, records):
-    """The sample company with as many employees as have `records` months of a year."""
+    """The sample company with as many employees as have `records` months of a year; month 13 holds the year's totals."""
     tables = {table: columns_of(source, table) for table in ("mitarbeiter_monate", "mitarbeiter_jahre", "mitarbeiter")}
     database = empty_copy(source, target, tables)
     keys = {"fnr": lambda i, month: COMPANY, "nummer": lambda i, month: i + 1, "fjahr": lambda i, month: YEAR,
@@ -153,7 +153,7 @@ def staff_database(source, target, records):
 
     staff = range(max(1, records // 12))
     for table, columns in reversed(tables.items()):
-        months = range(1, 13) if table == "mitarbeiter_monate" else [1]
+        months = range(1, 14) if table == "mitarbeiter_monate" else [1]
         insert(database, table, [name for name, _ in columns], (row(columns, i, month) for i in staff for month in months))
     database.commit()
     database.close()
@@ -265,20 +265,22 @@ class Bench:
               f"{'µs a further one':>17}  of the row above")
         staff = {}
 
-        def months(report):
+        def months(report, *selection):
             def command(records):
                 if records not in staff:
                     staff[records] = staff_database(self.sample, self.folder / f"staff-{records}.sqlite", records)
-                return self.kvtdruck(report, "--datenbank", staff[records])
+                return self.kvtdruck(report, "--datenbank", staff[records], *selection)
             return command
 
         def figures(records):
             values = values_file(HERE.parent / "demo" / "werte" / "Bilanz.csv", self.folder / f"{records}.csv", records)
             return self.kvtdruck("Bilanz", "--datenbank", self.sample, "--werte", values)
 
+        of_months = ("--monat-von", 1, "--monat-bis", 12)
         lists = (1000, 10_000, 100_000)
         for name, command, sizes in (("GemeinK, the list", self.accounts, (*lists, 1_000_000)),
-                                     ("MaKost", months("MaKost"), lists), ("MaZeit", months("MaZeit"), lists),
+                                     ("MaKost", months("MaKost", *of_months), lists),
+                                     ("MaZeit", months("MaZeit", *of_months), lists),
                                      ("MaStKost, with charts", months("MaStKost"), (120, 1200, 12_000)),
                                      ("MaStZeit, with charts", months("MaStZeit"), (120, 1200, 12_000)),
                                      ("Bilanz, from a file", figures, (1000, 10_000, 32_000))): # an array has 32,768 rows
