@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""lint.py BUILD… [FILE…]: clang-tidy over every source of the build trees, or the named ones alone, with a memory of what
-was clean.
+"""lint.py BUILD… [FILE…]: clang-tidy over every source of the build trees, or the named ones alone, that is not on record
+as clean.
 
-A source is checked again when it, a header that it includes, its compile command, the rules or clang-tidy itself has
-changed. The memory outlives a clone; it lies beside the compiler's cache.
+To check them all takes longer than everything else that ./test does, so what is clean stays on record beside this script,
+in lint-clean.txt, and is committed with the sources. A source is checked again when it, a header of the project that it
+includes, its compile command, the rules or clang-tidy itself is not what it was. Lines that a merge leaves twice do no
+harm: a record is of no use to any other state of its source.
 """
 import concurrent.futures
 import functools
@@ -18,12 +20,8 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TIDY = "clang-tidy-14"
+RECORD = pathlib.Path(__file__).with_name("lint-clean.txt")
 CHECKED = tuple(str(ROOT / folder) + os.sep for folder in ("src", "tests", "bench"))
-
-
-def cache_folder():
-    base = os.environ.get("XDG_CACHE_HOME") or os.path.join(os.environ.get("HOME", "/tmp"), ".cache")
-    return pathlib.Path(base) / "kvtdruck" / "lint"
 
 
 @functools.lru_cache(maxsize=None)
@@ -32,13 +30,13 @@ def content_hash(path):
 
 
 def dependencies(build):
-    """The files that each object was made of, by the object's path, as Ninja has recorded them."""
+    """The project's files that each object was made of, by the object's path, as Ninja has recorded them."""
     lines = subprocess.run(["ninja", "-C", build, "-t", "deps"], check=True, capture_output=True, text=True).stdout
     files, current = {}, None
     for line in lines.splitlines():
         if line.startswith("    "):
             path = os.path.normpath(os.path.join(build, line.strip()))
-            if "/cmake_pch.hxx" not in path:
+            if path.startswith(str(ROOT)) and "/cmake_pch.hxx" not in path:
                 current.append(path)
         elif ":" in line:
             current = files.setdefault(line.split(":", 1)[0], [])
@@ -46,10 +44,11 @@ def dependencies(build):
 
 
 def fingerprint(entry, files, rules):
-    """Stands for everything that a finding depends on; paths within the project count without the clone's place."""
-    parts = [rules, entry["command"].replace(str(ROOT), "")]
-    parts += [path.replace(str(ROOT), "") + content_hash(path) for path in sorted(files)]
-    return hashlib.sha256("\n".join(parts).encode()).hexdigest()
+    """Stands for everything that a finding depends on; paths count without the clone's place."""
+    words = shlex.split(entry["command"])
+    parts = [rules, " ".join(words[words.index(compiler_of(entry)):])]
+    parts += [path + content_hash(path) for path in sorted(files)]
+    return hashlib.sha256("\n".join(parts).replace(str(ROOT), "").encode()).hexdigest()[:32]
 
 
 def object_of(entry):
@@ -93,40 +92,49 @@ def check(commands, entry):
     return result.returncode == 0, result.stdout
 
 
-def main():
-    memory = cache_folder()
-    memory.mkdir(parents=True, exist_ok=True)
+def rules():
+    """What is checked, and by which version; what else that tells is the machine's."""
     version = subprocess.run([TIDY, "--version"], check=True, capture_output=True, text=True).stdout
-    rules = version + "".join((ROOT / folder / ".clang-tidy").read_text() for folder in (".", "tests", "tests/faults"))
-    jobs, seen = {}, set()
-    builds = [path for path in map(os.path.abspath, sys.argv[1:]) if os.path.isdir(path)]
-    wanted = {path for path in map(os.path.abspath, sys.argv[1:]) if not os.path.isdir(path)}
+    number = re.search(r"version (\S+)", version)[1]
+    return number + "".join((ROOT / folder / ".clang-tidy").read_text() for folder in (".", "tests", "tests/faults"))
+
+
+def sources(builds, wanted):
+    """Each source of the builds, or of the wanted ones, once: its line of the record, the commands' folder, the command."""
+    stated, seen = rules(), set()
     for build in builds:
         made_of = dependencies(build)
         commands = commands_of_lint(build)
         for entry in json.loads((commands / "compile_commands.json").read_text()):
             file = entry["file"]
-            if not file.startswith(CHECKED) or not file.endswith(".cpp") or file in seen:
-                continue
-            if wanted and file not in wanted:
+            if not file.startswith(CHECKED) or not file.endswith(".cpp") or file in seen or wanted and file not in wanted:
                 continue
             seen.add(file)
             files = made_of.get(os.path.relpath(os.path.join(entry["directory"], object_of(entry)), build))
             if not files:
                 sys.exit(f"lint: {file} has not been built")
-            jobs[fingerprint(entry, files, rules)] = (commands, entry)
+            yield f"{os.path.relpath(file, ROOT)} {fingerprint(entry, files, stated)}", commands, entry
 
-    unknown = {key: job for key, job in jobs.items() if not (memory / key).exists()}
-    print(f"{len(jobs)} sources, {len(unknown)} to check")
-    clean = True
+
+def main():
+    paths = [os.path.abspath(path) for path in sys.argv[1:]]
+    wanted = {path for path in paths if not os.path.isdir(path)}
+    jobs = {line: job for line, *job in sources([path for path in paths if os.path.isdir(path)], wanted)}
+    record = set(RECORD.read_text().splitlines())
+    unknown = {line: job for line, job in jobs.items() if line not in record}
+    print(f"{len(jobs)} sources, {len(unknown)} to check", flush=True)
+    files = {line.split()[0] for line in jobs}
+    clean = {line for line in record if line in jobs or wanted and line.split()[0] not in files}
+    good = True
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for (key, (_, entry)), (good, text) in zip(unknown.items(), pool.map(lambda job: check(*job), unknown.values())):
-            if good:
-                (memory / key).touch()
+        for line, (is_clean, text) in zip(unknown, pool.map(lambda job: check(*job), unknown.values())):
+            if is_clean:
+                clean.add(line)
+                RECORD.write_text("".join(f"{one}\n" for one in sorted(clean)))
             else:
-                clean = False
-                print(f"{os.path.relpath(entry['file'], ROOT)}:\n{text}")
-    return 0 if clean else 1
+                good = False
+                print(f"{line.split()[0]}:\n{text}", flush=True)
+    return 0 if good else 1
 
 
 if __name__ == "__main__":
