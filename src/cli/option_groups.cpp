@@ -278,6 +278,10 @@ void addCommands(CLI::App& app, Options& options) {
                                      : "Name oder Titel der Liste");
         addSelections(*command, options, false);
     }
+    design
+        .add_flag("--beispielwerte", options.samplesOnly,
+                  "frischt nur auf, was das Layout in Inkscape zeigt, und öffnet es nicht")
+        ->group("Gestaltung");
     check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
         ->group("Prüfung");
     for (auto* command : {&print, &preview, &design, &check})
