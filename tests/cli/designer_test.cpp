@@ -61,10 +61,10 @@ TEST_F(DesignerTest, ADamagedLayoutIsOpenedAsItIs) {
     std::filesystem::create_directories(layouts());
     std::filesystem::copy_file(KVT_SOURCE_FOLDER "/docs/beispiele/GemeinK.svg", layout("GemeinK"));
     auto text = readFile(layout("GemeinK"));
-    text.insert(text.find("{{Bezeichnung}}") + 2, "=1+");
+    text.insert(text.find("{{Bezeichnung}}") + 2, "=1+*");
     writeFile(layout("GemeinK"), text);
     EXPECT_EQ(design("GemeinK", {"--jahr", "2024"}).exitCode, 1);
-    EXPECT_THAT(opened(), HasSubstr("{{=1+Bezeichnung}}"));
+    EXPECT_THAT(opened(), HasSubstr("{{=1+*Bezeichnung}}"));
 }
 
 TEST_F(DesignerTest, WithoutADisplayTheUserLearnsWhatIsMissing) {
