@@ -225,6 +225,15 @@ constexpr const char* kPrintExamples = R"(Beispiele:
   kvtdruck drucken alle -d musterbau.sqlite -f 1 -j 2024 --mappe Jahr2024.pdf
   kvtdruck drucken --auftrag monatsabschluss.toml)";
 
+void addDesignFlags(CLI::App& design, CLI::App& check, Options& options) {
+    design
+        .add_flag("--beispielwerte", options.samplesOnly,
+                  "frischt nur auf, was das Layout in Inkscape zeigt, und öffnet es nicht")
+        ->group("Gestaltung");
+    check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
+        ->group("Prüfung");
+}
+
 template <class Add>
 void addLayouts(Add&& add, Options& options) {
     auto& layouts = add("layouts", "nennt mitgelieferte und eigene Layouts und was sie unterscheidet",
@@ -278,8 +287,7 @@ void addCommands(CLI::App& app, Options& options) {
                                      : "Name oder Titel der Liste");
         addSelections(*command, options, false);
     }
-    check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
-        ->group("Prüfung");
+    addDesignFlags(design, check, options);
     for (auto* command : {&print, &preview, &design, &check})
         addGeneral(*command, options);
     auto& lists =

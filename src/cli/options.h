@@ -47,6 +47,7 @@ struct Options {
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
     bool unused = false;             ///< a check names variables and fields that the layout does not print
+    bool samplesOnly = false;        ///< a design ends with the values that the layout shows
     bool returnsToInstalled = false; ///< of a layout
     bool takesBack = false;          ///< an earlier layout
     Part part;

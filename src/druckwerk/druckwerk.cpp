@@ -270,7 +270,8 @@ void Druckwerk::Engine::turnPage() {
             openDocument();
         job_->print = std::make_unique<PrintJob>(
             std::move(*job_->layout), definitions_, document_->pdf(), job_->layoutFolder, bookmark(),
-            options_->printDate, [this](const std::string& message) { warn(message); }, options_->tight);
+            options_->printDate, [this](const std::string& message) { warn(message); }, options_->tight,
+            options_->sampled);
         job_->layout.reset();
     }
     job_->print->beginPage();

@@ -4,6 +4,7 @@
 #include "druckwerk/exits/palette.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
+#include "druckwerk/layout/layout_sample.h"
 #include "platform/posix/input_file.h"
 #include "platform/posix/memory_watch.h"
 
@@ -77,9 +78,15 @@ struct Designed {
     bool hasStrays = false;
 };
 
+std::string layoutToShow(const DesignRequest& request) {
+    if (!std::filesystem::exists(request.source))
+        return generateLayout(request.definitions);
+    std::string svg = readInput(request.source);
+    return request.sample == nullptr ? svg : withSample(svg, *request.sample).value_or(svg);
+}
+
 Designed openInDesigner(const DesignRequest& request) {
-    const std::string svg =
-        std::filesystem::exists(request.source) ? readInput(request.source) : generateLayout(request.definitions);
+    const std::string svg = layoutToShow(request);
     // A damaged layout is opened as it is; the check says what is wrong with it.
     const WorkingCopy copy(request.layout, withPalette(svg, request.definitions).value_or(svg));
     copy.write();
