@@ -1,12 +1,8 @@
 // A folder for files that nobody keeps.
 #pragma once
 
-#include <cerrno>
-#include <cstdlib>
 #include <filesystem>
-#include <string>
 #include <string_view>
-#include <system_error>
 
 namespace kvtdruck {
 
@@ -14,24 +10,17 @@ namespace kvtdruck {
 /// made, std::system_error is raised.
 class TemporaryFolder {
   public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "kvtdruck-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr)
-            throw std::system_error(errno, std::generic_category(), name);
-        path_ = name;
-    }
+    TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
+    ~TemporaryFolder();
 
     const std::filesystem::path& path() const { return path_; }
     std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
 
   private:
     std::filesystem::path path_;
+    int folder_; ///< open, so that it can be emptied when nothing more can be opened
 };
 
 } // namespace kvtdruck
