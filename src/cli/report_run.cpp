@@ -4,6 +4,7 @@
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
+#include "cli/field_notes.h"
 #include "cli/layout_store.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
@@ -114,8 +115,10 @@ class ReportRun {
         for (const auto& message : tight_.messages())
             find(message);
         if (!hasFindings_ && !isGenerated_ && !console_.hasFailed() && !cancelled())
-            console_.notice("Das Layout " + layouts_.inUse(request_.report->listName).string() +
-                            " ist in Ordnung.");
+            console_.notice(
+                "Das Layout " +
+                (request_.layout ? request_.layout->file : layouts_.inUse(request_.report->listName)).string() +
+                " ist in Ordnung.");
         return cancelled() ? kCancelled : hasFindings_ || console_.hasFailed() ? kFailed : kDone;
     }
 
@@ -168,6 +171,7 @@ class ReportRun {
         druckwerk::Options settings;
         settings.output = engineOutput();
         settings.layoutsBehind = LayoutStore::installedFolder();
+        settings.layout = request_.layout;
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { take(std::move(file)); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
@@ -207,7 +211,7 @@ class ReportRun {
     std::filesystem::path engineOutput() {
         if (options_.command == Command::Preview)
             return previewFolder() / (std::string(request_.report->listName) + ".ll");
-        if (options_.command == Command::Check)
+        if (options_.command == Command::Check && request_.output.empty())
             return "/dev/null";
         if (request_.output.empty() || options_.printing.pages.empty())
             return request_.output;
@@ -309,6 +313,10 @@ class ReportRun {
     }
 
     std::int32_t design(const druckwerk::DesignRequest& request, std::string& message) {
+        if (request_.defined) {
+            request_.defined(request.definitions);
+            return 0;
+        }
         const auto show = [this](const druckwerk::Finding& finding) {
             finding.error  ? console_.error(finding.message)
             : finding.note ? console_.warning(finding.message)
@@ -323,13 +331,15 @@ class ReportRun {
             }
             return designAndKeep(request, show, message);
         }
-        isGenerated_ = !std::filesystem::exists(request.source);
+        isGenerated_ = !request_.layout && !std::filesystem::exists(request.source);
         if (isGenerated_) {
             console_.notice("Die Liste " + std::string(request_.report->listName) +
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
-        for (const auto& finding : druckwerk::checkLayout(request.source, request.definitions, options_.unused))
+        for (const auto& finding :
+             request_.layout ? druckwerk::checkLayout(*request_.layout, request.definitions, options_.unused)
+                             : druckwerk::checkLayout(request.source, request.definitions, options_.unused))
             show(finding);
         return 0;
     }
@@ -338,7 +348,10 @@ class ReportRun {
     std::int32_t designAndKeep(const druckwerk::DesignRequest& request, const druckwerk::FindingSink& show,
                                std::string& message) {
         const auto before = contentOf(request.layout);
-        const auto code = druckwerk::design(request, show, message);
+        const auto note = [this](const druckwerk::Definition& definition) {
+            return fieldNote(*request_.report, definition);
+        };
+        const auto code = druckwerk::design(request, {show, note, request_.saved, &cancelled()}, message);
         if (!before.empty() && contentOf(request.layout) != before)
             layouts_.keep(request_.report->listName, before);
         return code;
