@@ -4,6 +4,7 @@
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
+#include "cli/field_notes.h"
 #include "cli/layout_store.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
@@ -124,8 +125,10 @@ class ReportRun {
         for (const auto& message : tight_.messages())
             find(message);
         if (!hasFindings_ && !isGenerated_ && !console_.hasFailed() && !cancelled())
-            console_.notice("Das Layout " + layouts_.inUse(request_.report->listName).string() +
-                            " ist in Ordnung.");
+            console_.notice(
+                "Das Layout " +
+                (request_.layout ? request_.layout->file : layouts_.inUse(request_.report->listName)).string() +
+                " ist in Ordnung.");
         return cancelled() ? kCancelled : hasFindings_ || console_.hasFailed() ? kFailed : kDone;
     }
 
@@ -178,6 +181,7 @@ class ReportRun {
         druckwerk::Options settings;
         settings.output = engineOutput();
         settings.layoutsBehind = LayoutStore::installedFolder();
+        settings.layout = request_.layout;
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { take(std::move(file)); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
@@ -219,7 +223,7 @@ class ReportRun {
     std::filesystem::path engineOutput() {
         if (options_.command == Command::Preview)
             return previewFolder() / (std::string(request_.report->listName) + ".ll");
-        if (options_.designs())
+        if (options_.designs() && request_.output.empty())
             return "/dev/null";
         if (request_.output.empty() || options_.printing.pages.empty())
             return request_.output;
@@ -321,6 +325,10 @@ class ReportRun {
     }
 
     std::int32_t design(const druckwerk::DesignRequest& request, std::string& message) {
+        if (request_.defined) {
+            request_.defined(request.definitions);
+            return 0;
+        }
         const auto show = [this](const druckwerk::Finding& finding) {
             finding.error  ? console_.error(finding.message)
             : finding.note ? console_.warning(finding.message)
@@ -337,15 +345,21 @@ class ReportRun {
             }
             auto shown = request;
             shown.sample = &sample_;
-            return keepingEarlier(request, [&] { return druckwerk::design(shown, show, message); });
+            const auto note = [this](const druckwerk::Definition& definition) {
+                return fieldNote(*request_.report, definition);
+            };
+            const druckwerk::Designing designing{show, note, request_.saved, &cancelled()};
+            return keepingEarlier(request, [&] { return druckwerk::design(shown, designing, message); });
         }
-        isGenerated_ = !std::filesystem::exists(request.source);
+        isGenerated_ = !request_.layout && !std::filesystem::exists(request.source);
         if (isGenerated_) {
             console_.notice("Die Liste " + std::string(request_.report->listName) +
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
-        for (const auto& finding : druckwerk::checkLayout(request.source, request.definitions, options_.unused))
+        for (const auto& finding :
+             request_.layout ? druckwerk::checkLayout(*request_.layout, request.definitions, options_.unused)
+                             : druckwerk::checkLayout(request.source, request.definitions, options_.unused))
             show(finding);
         return 0;
     }

@@ -19,7 +19,6 @@
 #include <set>
 
 namespace kvtdruck::druckwerk {
-
 namespace {
 
 /// The layout file that belongs to an object name.
@@ -202,6 +201,8 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
 
 /// The layout of an object, or where it is not there the one that stands behind it.
 std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path& objectName) const {
+    if (options_->layout)
+        return options_->layout->file;
     std::error_code ignored;
     auto own = layoutFile(objectName);
     if (options_->layoutsBehind.empty())
@@ -212,10 +213,11 @@ std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path
 
 Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file) {
     std::error_code ignored;
-    const bool exists = std::filesystem::exists(file, ignored);
+    const auto text = options_->layout                         ? options_->layout->text
+                      : std::filesystem::exists(file, ignored) ? readLayoutFile(file)
+                                                               : generateLayout(definitions_.list());
     std::vector<Finding> findings;
-    Layout layout = readLayout(exists ? readLayoutFile(file) : generateLayout(definitions_.list()), file.string(),
-                               file.parent_path(), definitions_, findings);
+    Layout layout = readLayout(text, file.string(), file.parent_path(), definitions_, findings);
     for (const auto& finding : findings)
         if (finding.error)
             throw Fault(finding.code, finding.message);
@@ -422,7 +424,6 @@ const EngineError& Druckwerk::lastError() const {
 }
 
 namespace {
-
 class DruckwerkForm final : public Form {
   public:
     DruckwerkForm(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)
