@@ -4,17 +4,14 @@
 #include "druckwerk/common/fault.h"
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/job.h"
-#include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
 #include "druckwerk/open_document.h"
 #include "druckwerk/text/installed_fonts.h"
 #include "platform/posix/memory_watch.h"
 #include "platform/posix/temporary_folder.h"
-#include "values/runtime_error.h"
 
 #include <array>
 #include <cstdio>
-#include <map>
 #include <new>
 #include <set>
 
