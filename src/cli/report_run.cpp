@@ -344,10 +344,26 @@ class ReportRun {
         return 0;
     }
 
+    /// Whatever calls this program from within the designer asks about the same data.
+    void handDownData() const {
+        const auto preset = [](const char* variable, const std::string& value) {
+            ::setenv(variable, value.c_str(), 1);
+        };
+        if (!options_.database.empty()) {
+            ::unsetenv("KVTDRUCK_VERBINDUNG");
+            preset("KVTDRUCK_DATENBANK", std::filesystem::absolute(options_.database).string());
+        }
+        if (request_.values)
+            preset("KVTDRUCK_WERTE", std::filesystem::absolute(*request_.values).string());
+        preset("KVTDRUCK_FIRMA", std::to_string(std::llround(request_.company)));
+        preset("KVTDRUCK_ORDNER", std::filesystem::absolute(folder_).string());
+    }
+
     /// A layout that the designer has replaced is kept as an earlier one.
     std::int32_t designAndKeep(const druckwerk::DesignRequest& request, const druckwerk::FindingSink& show,
                                std::string& message) {
         const auto before = contentOf(request.layout);
+        handDownData();
         const auto note = [this](const druckwerk::Definition& definition) {
             return fieldNote(*request_.report, definition);
         };
