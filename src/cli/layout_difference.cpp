@@ -1,6 +1,6 @@
 #include "cli/layout_difference.h"
 
-#include "druckwerk/svg/xml_tree.h"
+#include "druckwerk/layout/sample_marks.h"
 
 #include <algorithm>
 #include <map>
@@ -20,11 +20,10 @@ std::string withSingleBlanks(const std::string& text) {
     return result;
 }
 
-std::string contentOf(const xmlNode* node) {
-    xmlChar* content = xmlNodeGetContent(node);
-    std::string text(viewOf(content));
-    xmlFree(content);
-    return withSingleBlanks(text);
+/// The text of an element as it is printed: what stands in the place of its placeholders is a sample.
+std::string textOf(const xmlNode* node) {
+    const auto placeholders = placeholdersBehind(node);
+    return placeholders.empty() ? contentOf(node) : placeholders;
 }
 
 /// The layer in which an element lies, with ": " behind it.
@@ -36,11 +35,20 @@ std::string layerOf(const xmlNode* node) {
     return layer;
 }
 
+bool isSample(const xmlNode* node) {
+    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
+        if (hasClass(node, kSampleClass))
+            return true;
+    return false;
+}
+
 /// The attributes that a drawing program does not give by itself, by their names.
 std::string attributesOf(const xmlNode* node) {
     std::map<std::string, std::string> attributes;
     for (const auto* attribute = node->properties; attribute; attribute = attribute->next)
-        if (const std::string name(viewOf(attribute->name)); !attribute->ns && name != "id")
+        if (const std::string name(viewOf(attribute->name)); !attribute->ns && name != "id" &&
+                                                             name != kSampleAttribute &&
+                                                             (name != "display" || !hasAttribute(node, "data-if")))
             attributes[name] = withSingleBlanks(valueOf(attribute));
     std::string text;
     for (const auto& [name, value] : attributes)
@@ -57,7 +65,7 @@ std::vector<std::string> linesOf(const std::string& svg) {
     std::vector<std::string> lines;
     forEachElement(xmlDocGetRootElement(document.get()), [&](xmlNode* node) {
         const std::string name(svgName(node));
-        if (name.empty() || name == "tspan" || name == "metadata" || name == "defs")
+        if (name.empty() || name == "tspan" || name == "metadata" || name == "defs" || isSample(node))
             return;
         if (name == "style") {
             std::istringstream rules(contentOf(node));
@@ -67,8 +75,7 @@ std::vector<std::string> linesOf(const std::string& svg) {
             return;
         }
         const bool holdsText = name == "text" || name == "title";
-        lines.push_back(layerOf(node) + name + attributesOf(node) +
-                        (holdsText ? " „" + contentOf(node) + "“" : ""));
+        lines.push_back(layerOf(node) + name + attributesOf(node) + (holdsText ? " „" + textOf(node) + "“" : ""));
     });
     return lines;
 }

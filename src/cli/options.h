@@ -49,6 +49,7 @@ struct Options {
     bool live = false; ///< a designer's layout is checked and printed each time that it is saved
     std::optional<std::filesystem::path> layout; ///< what a check is of, instead of the list's layout
     bool unused = false;             ///< a check names variables and fields that the layout does not print
+    bool samplesOnly = false;        ///< a design ends with the values that the layout shows
     bool returnsToInstalled = false; ///< of a layout
     bool takesBack = false;          ///< an earlier layout
     Part part;

@@ -6,6 +6,7 @@
 #include "cli/data_source.h"
 #include "cli/field_notes.h"
 #include "cli/layout_store.h"
+#include "cli/presets.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "cli/report_workbooks.h"
@@ -15,6 +16,7 @@
 #include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
 #include "druckwerk/exits/tee.h"
+#include "druckwerk/layout/layout_sample.h"
 #include "druckwerk/pdf/page_selection.h"
 #include "manager/clsDruckManager.h"
 #include "platform/posix/atomic_file.h"
@@ -22,6 +24,7 @@
 #include "platform/posix/posix_platform.h"
 #include "platform/posix/temporary_folder.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -97,10 +100,18 @@ class ReportRun {
     /// A designer is opened once, on the latest data. A check goes on to print all of them into nothing: much
     /// shows on real values only.
     bool design(clsDruckManager& manager, const std::vector<SinglePrint>& prints) {
+        if (options_.command == Command::Design && isSound(layouts_.inUse(request_.report->listName)))
+            print(manager, {prints.back()}); // into nothing: the designer shows what the layout prints
         if (!ask(manager, kDesign, prints.back(), false))
             return false;
         const bool goesOn = options_.command == Command::Check && !isGenerated_ && !console_.hasFailed();
         return !goesOn || print(manager, prints);
+    }
+
+    /// Whether the layout can be printed with; what is wrong with it is said when the designer is closed.
+    static bool isSound(const std::filesystem::path& layout) {
+        return std::filesystem::exists(layout) &&
+               std::ranges::none_of(druckwerk::checkLayout(layout, {}), &druckwerk::Finding::error);
     }
 
     bool ask(clsDruckManager& manager, std::int16_t mode, const SinglePrint& print, bool dialog) {
@@ -186,9 +197,14 @@ class ReportRun {
         settings.design = [this](const druckwerk::DesignRequest& request, std::string& message) {
             return design(request, message);
         };
-        settings.warn = [this](std::string_view text) { find(text); };
+        settings.warn = [this](std::string_view text) {
+            if (!request_.saved) // whoever takes the layout checks it
+                find(text);
+        };
         if (options_.command == Command::Check)
             settings.tight = [this](const druckwerk::TightField& field) { tight_.add(field); };
+        if (options_.command == Command::Design)
+            settings.sampled = [this](const druckwerk::LayoutSample& sample) { sample_ = sample; };
         settings.error = [this](const druckwerk::EngineError& error) { console_.error(error.message); };
         settings.progress = [this](const druckwerk::Progress& progress) { console_.progress(progress); };
         settings.cancelled = &cancelled();
@@ -211,7 +227,7 @@ class ReportRun {
     std::filesystem::path engineOutput() {
         if (options_.command == Command::Preview)
             return previewFolder() / (std::string(request_.report->listName) + ".ll");
-        if (options_.command == Command::Check && request_.output.empty())
+        if (options_.designs() && request_.output.empty())
             return "/dev/null";
         if (request_.output.empty() || options_.printing.pages.empty())
             return request_.output;
@@ -323,13 +339,19 @@ class ReportRun {
                            : find(finding.message);
         };
         if (options_.command == Command::Design) {
+            if (options_.samplesOnly)
+                return keepingEarlier(request, [&] { return showSample(request, message); });
             if (isUnset("DISPLAY") && isUnset("WAYLAND_DISPLAY")) {
                 message =
                     "Zum Gestalten wird eine grafische Oberfläche gebraucht; weder DISPLAY noch WAYLAND_DISPLAY "
                     "ist gesetzt.";
                 return druckwerk::kDesignFailed;
             }
-            return designAndKeep(request, show, message);
+            auto shown = request;
+            shown.sample = &sample_;
+            handDown(options_.database, request_.values, request_.company, folder_);
+            const druckwerk::Designing designing{show, fieldNotes(*request_.report), request_.saved, &cancelled()};
+            return keepingEarlier(request, [&] { return druckwerk::design(shown, designing, message); });
         }
         isGenerated_ = !request_.layout && !std::filesystem::exists(request.source);
         if (isGenerated_) {
@@ -344,30 +366,26 @@ class ReportRun {
         return 0;
     }
 
-    /// Whatever calls this program from within the designer asks about the same data.
-    void handDownData() const {
-        const auto preset = [](const char* variable, const std::string& value) {
-            ::setenv(variable, value.c_str(), 1);
-        };
-        if (!options_.database.empty()) {
-            ::unsetenv("KVTDRUCK_VERBINDUNG");
-            preset("KVTDRUCK_DATENBANK", std::filesystem::absolute(options_.database).string());
+    /// Makes the layout show what it prints, without opening it.
+    std::int32_t showSample(const druckwerk::DesignRequest& request, std::string& message) const {
+        const auto before = contentOf(request.source);
+        const auto layout = druckwerk::withSample(before, sample_);
+        if (!layout || memoryWasRefused() || *layout == before)
+            return 0;
+        try {
+            writeAtomically(request.layout, *layout, AtomicFile::Access::Mask);
+        } catch (const std::system_error& error) {
+            message = request.layout.string() + " kann nicht geschrieben werden: " + reasonOf(error);
+            return druckwerk::kDesignFailed;
         }
-        if (request_.values)
-            preset("KVTDRUCK_WERTE", std::filesystem::absolute(*request_.values).string());
-        preset("KVTDRUCK_FIRMA", std::to_string(std::llround(request_.company)));
-        preset("KVTDRUCK_ORDNER", std::filesystem::absolute(folder_).string());
+        return 0;
     }
 
-    /// A layout that the designer has replaced is kept as an earlier one.
-    std::int32_t designAndKeep(const druckwerk::DesignRequest& request, const druckwerk::FindingSink& show,
-                               std::string& message) {
+    /// A layout that `work` has replaced is kept as an earlier one.
+    template <class Work>
+    std::int32_t keepingEarlier(const druckwerk::DesignRequest& request, Work&& work) {
         const auto before = contentOf(request.layout);
-        handDownData();
-        const auto note = [this](const druckwerk::Definition& definition) {
-            return fieldNote(*request_.report, definition);
-        };
-        const auto code = druckwerk::design(request, {show, note, request_.saved, &cancelled()}, message);
+        const auto code = work();
         if (!before.empty() && contentOf(request.layout) != before)
             layouts_.keep(request_.report->listName, before);
         return code;
@@ -401,6 +419,7 @@ class ReportRun {
     bool hasFindings_ = false; ///< something was said about the layout
     bool isGenerated_ = false; ///< there is no layout to check
     TightFields tight_;
+    druckwerk::LayoutSample sample_;                  ///< what the layout prints of the data, for the designer
     std::shared_ptr<catalog::ParameterArray> values_; ///< where the figures come from a file
     druckwerk::JobPlace place_;
     std::filesystem::path folder_;

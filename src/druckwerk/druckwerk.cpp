@@ -204,10 +204,9 @@ std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path
     if (options_->layout)
         return options_->layout->file;
     std::error_code ignored;
+    const auto& behindOwn = options_->layoutsBehind;
     auto own = layoutFile(objectName);
-    if (options_->layoutsBehind.empty())
-        return own;
-    auto behind = layoutFile(options_->layoutsBehind / objectName.filename());
+    auto behind = behindOwn.empty() ? own : layoutFile(behindOwn / objectName.filename());
     return !std::filesystem::exists(own, ignored) && std::filesystem::exists(behind, ignored) ? behind : own;
 }
 
@@ -272,7 +271,8 @@ void Druckwerk::Engine::turnPage() {
             openDocument();
         job_->print = std::make_unique<PrintJob>(
             std::move(*job_->layout), definitions_, document_->pdf(), job_->layoutFolder, bookmark(),
-            options_->printDate, [this](const std::string& message) { warn(message); }, options_->tight);
+            options_->printDate, [this](const std::string& message) { warn(message); }, options_->tight,
+            options_->sampled);
         job_->layout.reset();
     }
     job_->print->beginPage();

@@ -36,6 +36,39 @@ TEST_F(DesignerTest, ShowsVariablesAndFieldsBesideThePage) {
     EXPECT_THAT(opened(), ::testing::ContainsRegex(">[0-9,]+ · Umsatz Ist, Dezember</text>"));
 }
 
+TEST_F(DesignerTest, ShowsWhatTheLayoutPrints) {
+    installDesigner("");
+    EXPECT_EQ(design("Umsatz", {"--jahr", "2023"}).exitCode, 0);
+    EXPECT_THAT(opened(), HasSubstr(">Jahr 2023</text>"));
+    EXPECT_THAT(opened(), Not(HasSubstr(">2019</text>"))) << "what the installed one shows";
+    EXPECT_FALSE(std::filesystem::exists(layout("Umsatz")));
+}
+
+TEST_F(DesignerTest, SamplesAreRefreshedWithoutOpeningTheLayout) {
+    environment["DISPLAY"] = "";
+    std::filesystem::create_directories(layouts());
+    std::filesystem::copy_file(KVT_SOURCE_FOLDER "/docs/beispiele/GemeinK.svg", layout("GemeinK"));
+    const auto before = readFile(layout("GemeinK"));
+    const auto outcome = design("GemeinK", {"--jahr", "2024", "--beispielwerte"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(readFile(layout("GemeinK")), HasSubstr(">264.610</text>"));
+    EXPECT_TRUE(std::filesystem::exists(layouts() / "Frueher"));
+    EXPECT_EQ(run(command("pruefen", "GemeinK"), environment).errors, "");
+    EXPECT_EQ(run({KVT_PROGRAM, "layouts", "GemeinK", "--zurück"}, environment).exitCode, 0);
+    EXPECT_EQ(readFile(layout("GemeinK")), before);
+}
+
+TEST_F(DesignerTest, ADamagedLayoutIsOpenedAsItIs) {
+    installDesigner("");
+    std::filesystem::create_directories(layouts());
+    std::filesystem::copy_file(KVT_SOURCE_FOLDER "/docs/beispiele/GemeinK.svg", layout("GemeinK"));
+    auto text = readFile(layout("GemeinK"));
+    text.insert(text.find("{{Bezeichnung}}") + 2, "=1+*");
+    writeFile(layout("GemeinK"), text);
+    EXPECT_EQ(design("GemeinK", {"--jahr", "2024"}).exitCode, 1);
+    EXPECT_THAT(opened(), HasSubstr("{{=1+*Bezeichnung}}"));
+}
+
 TEST_F(DesignerTest, WithoutADisplayTheUserLearnsWhatIsMissing) {
     environment["DISPLAY"] = environment["WAYLAND_DISPLAY"] = "";
     installDesigner("");

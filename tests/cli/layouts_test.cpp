@@ -27,8 +27,10 @@ class Layouts : public ProgramTest {
     void changeTitle(const std::string& title) const {
         std::filesystem::create_directories(layouts());
         auto text = readFile(kInstalled);
-        const std::string old = "{{Ueberschrift}}";
-        text.replace(text.find(old), old.size(), title);
+        const std::string placeholder = " inkscape:label=\"{{Ueberschrift}}\"";
+        const std::string shown = ">Umsatz</text>";
+        text.erase(text.find(placeholder), placeholder.size());
+        text.replace(text.find(shown), shown.size(), ">" + title + "</text>");
         writeFile(own(), text);
     }
     std::string printed() const {

@@ -15,12 +15,10 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import xml.etree.ElementTree
 
 from german import german
+from layout_file import SVG, layers_of, written
 
-SVG = "{http://www.w3.org/2000/svg}"
-LAYER = "{http://www.inkscape.org/namespaces/inkscape}label"
 # Bands that show sums, or values of more than one record.
 OTHER_BANDS = ("Gruppenkopf", "Gruppenfuß", "Summe", "Übertrag", "Vortrag", "Seitenfuß", "Feldliste")
 # Conditions that are understood here: comparisons of a name with a text, a number or another name, with „und“ and „oder“
@@ -51,19 +49,19 @@ def shown_lines(layout):
     """For the line band and for what stands on every page: lines of fields from left to right, each its text with
     placeholders and its condition."""
     bands = {"Zeile": [], "Seite": []}
-    for layer in xml.etree.ElementTree.parse(layout).getroot().iter(SVG + "g"):
-        label = layer.get(LAYER)
-        if label is None or label.startswith(OTHER_BANDS) or layer.get("data-if"):
+    for label, layer in layers_of(layout):
+        if label.startswith(OTHER_BANDS) or layer.get("data-if"):
             continue
         for field in layer.iter(SVG + "g"):
             text = field.find(SVG + "text")
             if field.get("class") != "field" or text is None:
                 continue
-            names = re.findall(r"{{(\w+)(?:\|[^}]*)?}}", text.text)
+            words = written(text, field)
+            names = re.findall(r"{{(\w+)(?:\|[^}]*)?}}", words)
             condition = condition_of(field.get("data-if"))
-            if names and len(names) == text.text.count("{{") and not ENGINE_NAMES.intersection(names) and condition is not None:
+            if names and len(names) == words.count("{{") and not ENGINE_NAMES.intersection(names) and condition is not None:
                 bands["Zeile" if label == "Zeile" else "Seite"].append(
-                    (float(text.get("y")), float(text.get("x")), (text.text, condition)))
+                    (float(text.get("y")), float(text.get("x")), (words, condition)))
     return {band: list(grouped(sorted(texts, key=lambda item: item[:2]))) for band, texts in bands.items()}
 
 

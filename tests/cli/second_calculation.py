@@ -10,15 +10,13 @@ import re
 import subprocess
 import sys
 import tempfile
-import xml.etree.ElementTree
 
 from computed_figures import CHARTS, CONDITIONS, FIGURES
 from german import german
+from layout_file import SVG, layers_of, written
 from pdf_pages import color_of, middle, pages_of
 from sample_jobs import jobs_of
 
-SVG = "{http://www.w3.org/2000/svg}"
-LAYER = "{http://www.inkscape.org/namespaces/inkscape}label"
 FLOWING = ("Gruppenkopf", "Zeile", "Gruppenfuß", "Summe", "Übertrag", "Vortrag")
 COUNTERS = {"Seite", "Seiten", "Druckdatum"}
 POINT = 72 / 25.4
@@ -38,9 +36,9 @@ class Field:
         text = element.find(SVG + "text")
         self.left, self.right, self.top, self.bottom = sides(box)
         self.y = float(text.get("y")) * POINT
-        self.text = text.text
+        self.text = written(text, element)
         self.conditions = conditions
-        self.computed = "{{=" in text.text
+        self.computed = "{{=" in self.text
 
     def shown(self, report, record, rows):
         """The text; None where it is not printed or not known here."""
@@ -114,18 +112,13 @@ class Band:
             elif "field" in kind and child.find(SVG + "text") is not None:
                 self.fields.append(Field(child, own))
             else:
-                if child.tag == SVG + "text" and "{{=" in (child.text or ""):
-                    fail(f"„{child.text}“ is computed outside of a field")
+                if child.tag == SVG + "text" and "{{=" in written(child):
+                    fail(f"„{written(child)}“ is computed outside of a field")
                 self.collect(child, own)
 
 
 def bands_of(layout):
-    bands = {}
-    for layer in xml.etree.ElementTree.parse(layout).getroot().iter(SVG + "g"):
-        label = layer.get(LAYER)
-        if label and label != "Feldliste":
-            bands[label] = Band(label, layer)
-    return bands
+    return {label: Band(label, layer) for label, layer in layers_of(layout) if label != "Feldliste"}
 
 
 def check_table(report, bands):

@@ -18,6 +18,8 @@ import tempfile
 import xml.etree.ElementTree as ElementTree
 import zipfile
 
+from layout_file import texts_of
+
 MAIN = "{http://schemas.openxmlformats.org/spreadsheetml/2006/main}"
 RELATIONS = "{http://schemas.openxmlformats.org/officeDocument/2006/relationships}"
 HEAD = 5  # the row of headings, from 0
@@ -182,8 +184,7 @@ def check_tables(name, sheets, data):
 
 
 def check_look(name, sheets, workbook, layout):
-    words = set(re.findall(r"[^\W\d_]{3,}", " ".join(
-        "".join(t.itertext()) for t in ElementTree.parse(layout).getroot().iter("{http://www.w3.org/2000/svg}text"))))
+    words = set(re.findall(r"[^\W\d_]{3,}", " ".join(texts_of(ElementTree.parse(layout).getroot()))))
     words |= {left + right.lower() for left in words for right in words if len(right) < 12}  # broken at a hyphen
     words |= {"Jahr", "Wert", "Bereich", "Größe", "Einheit", "Vorname", "Name", "Monat", "Bezeichnung", "März",
               "Geschäftsjahr", "Arbeitstage", "Konto", "PLZ"}

@@ -22,6 +22,9 @@
 
 namespace kvtdruck::druckwerk {
 
+/// What a print has shown of its layout, element by element (layout/layout_sample.h).
+struct LayoutSample;
+
 /// How far a print job is.
 struct Progress {
     std::string_view text;
@@ -48,6 +51,7 @@ struct DesignRequest {
     std::filesystem::path layout;        ///< the layout's file, which may not be there yet
     std::vector<Definition> definitions; ///< in the order in which the report defined them
     std::filesystem::path source;        ///< what is printed with now: the layout, or the one that stands behind it
+    const LayoutSample* sample = nullptr; ///< what the layout shows in the place of placeholders
 };
 
 /// How a job's pages go into a document that several jobs share: one behind the other, with page numbers and an
@@ -68,6 +72,9 @@ struct TightField {
     double room = 0;    ///< the same that there is
 };
 using TightFieldSink = std::function<void(const TightField&)>;
+
+/// Takes what the print of a job has shown of its layout.
+using SampleSink = std::function<void(const LayoutSample&)>;
 
 /// Takes a file that is complete and not yet in its place.
 using FinishedSink = std::function<void(std::unique_ptr<AtomicFile>)>;
@@ -92,6 +99,8 @@ struct Options {
     std::function<void(std::string_view)> warn;
     /// Takes every text that is cut, or shrunk beyond what can be read well, for want of room.
     TightFieldSink tight;
+    /// Takes what each job that has printed a line has shown of its layout.
+    SampleSink sampled;
     /// Takes the error behind every error code that an operation answers.
     std::function<void(const EngineError&)> error;
     /// Set from anywhere (a signal handler) to cancel the job in hand.

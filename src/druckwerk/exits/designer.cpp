@@ -5,6 +5,7 @@
 #include "druckwerk/exits/palette.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
+#include "druckwerk/layout/layout_sample.h"
 #include "platform/posix/input_file.h"
 #include "platform/posix/memory_watch.h"
 
@@ -138,6 +139,13 @@ struct Designed {
     bool hasStrays = false;
 };
 
+std::string layoutToShow(const DesignRequest& request) {
+    if (!std::filesystem::exists(request.source))
+        return generateLayout(request.definitions);
+    std::string svg = readInput(request.source);
+    return request.sample == nullptr ? svg : withSample(svg, *request.sample).value_or(svg);
+}
+
 /// A designer while it is open, and what is saved in it.
 class Session {
   public:
@@ -215,9 +223,7 @@ class Session {
 };
 
 Designed openInDesigner(const DesignRequest& request, const Designing& designing) {
-    const std::string svg =
-        std::filesystem::exists(request.source) ? readInput(request.source) : generateLayout(request.definitions);
-    return Session(request, designing, svg).run();
+    return Session(request, designing, layoutToShow(request)).run();
 }
 
 } // namespace

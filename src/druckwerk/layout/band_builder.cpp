@@ -1,4 +1,5 @@
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/layout/sample_marks.h"
 
 #include <algorithm>
 #include <array>
@@ -51,10 +52,10 @@ Context BandBuilder::within(const Context& outer, const xmlNode* node) {
     Context context = styled(outer, node);
     const std::string condition = attribute(node, "data-if");
     if (!condition.empty()) {
-        auto expression =
-            std::make_shared<Expression>(fromUtf8(condition), definitions(), &aggregates(), target_.scope);
-        note(*expression, node);
-        context.conditions.push_back(std::move(expression));
+        Expression expression(fromUtf8(condition), definitions(), &aggregates(), target_.scope);
+        note(expression, node);
+        context.conditions.push_back(std::make_shared<Condition>(Condition{std::move(expression), numberOf(node)}));
+        context.style.display = true; // that it is hidden in the drawing says what the sample shows, nothing else
     }
     return context;
 }
@@ -65,7 +66,8 @@ void BandBuilder::readElement(xmlNode* node, const Context& outer) {
             "defs",   "metadata", "title",   "desc",   "style",          "clipPath",       "mask",
             "marker", "symbol",   "pattern", "filter", "linearGradient", "radialGradient", "view"};
         const auto name = svgName(node);
-        if (name.empty() || std::find(kInvisible.begin(), kInvisible.end(), name) != kInvisible.end())
+        if (name.empty() || std::find(kInvisible.begin(), kInvisible.end(), name) != kInvisible.end() ||
+            hasClass(node, kSampleClass))
             return;
         const Context context = within(outer, node);
         if (!context.style.display)

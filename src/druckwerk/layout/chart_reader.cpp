@@ -102,6 +102,8 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
     chart->textColor = context.style.fill.color;
     chart->scope = band.target().scope;
     chart->line = static_cast<int>(lineOf(node));
+    chart->element = numberOf(node);
+    chart->matrix = context.matrix;
     if (const std::string format = attribute(node, "data-format"); !format.empty())
         chart->format = NumberPattern(fromUtf8(format));
     if (const std::string rows = attribute(node, "data-rows"); !rows.empty() && rows != "0") {

@@ -46,10 +46,12 @@ struct TextItem {
     Fit fit = Fit::None;
     bool grows = false;
     bool fromBottom = false; ///< of lines: the last one stands on the baseline, the others above it
+    std::string written;     ///< with placeholders, as the layout has it
     std::optional<Matrix>
         turned;        ///< for text that does not run upright: maps the text from the origin to its place
     std::string place; ///< file, line, layer and element, for messages
     int line = 0;      ///< in the layout's file
+    int element = 0;   ///< its number in the layout's file
 };
 
 struct Chart {
@@ -70,8 +72,10 @@ struct Chart {
     std::optional<Expression> rows; ///< which lines are its points; without it the points are in the series
     std::size_t rowChart = 0;       ///< with `rows`: its place among the layout's charts of lines
     AggregateScope scope = kTableScope;
+    Matrix matrix;     ///< from the units within its group to points on the page
     std::string place; ///< file, line, layer and element, for messages
     int line = 0;      ///< in the layout's file
+    int element = 0;   ///< its number in the layout's file
 };
 
 /// An element that only the SVG library can draw, by its id.
@@ -80,8 +84,15 @@ struct ForeignItem {
     int form = 0; ///< number of the form among the document's resources
 };
 
+/// What has to hold for an element, or one around it, to be printed.
+struct Condition {
+    Expression expression;
+    int element = 0; ///< that has it: its number in the layout's file
+    bool holds(const Scene& scene) const { return expression.holds(scene); }
+};
+
 struct Item {
-    std::vector<std::shared_ptr<const Expression>> conditions;
+    std::vector<std::shared_ptr<const Condition>> conditions;
     std::variant<Shape, TextItem, std::unique_ptr<Chart>, ForeignItem> content;
     bool late = false; ///< in a page band: printed when the page closes, because of its aggregates
 };

@@ -1,5 +1,6 @@
 #include "druckwerk/layout/layout_inspection.h"
 
+#include "druckwerk/layout/sample_marks.h"
 #include "values/letters.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ using Words = std::span<const std::string_view>;
 constexpr std::array<std::string_view, 10> kBands = {"Kopf",       "Vortrag",    "Gruppenkopf", "Zeile",
                                                      "Gruppenfuß", "Übertrag",   "Summe",       "Seitenfuß",
                                                      "Seitenkopf", "Hintergrund"};
-constexpr std::array<std::string_view, 3> kClasses = {"field", "chart", "band"};
+constexpr std::array<std::string_view, 4> kClasses = {"field", "chart", "band", kSampleClass};
 
 enum class Owner : std::uint8_t { Any, Layer, Field, Chart };
 
@@ -29,7 +30,7 @@ const std::map<std::string_view, Owner>& attributes() {
         {"data-alone", Owner::Layer},  {"data-align", Owner::Field},    {"data-grow", Owner::Field},
         {"data-chart", Owner::Chart},  {"data-series", Owner::Chart},   {"data-rows", Owner::Chart},
         {"data-labels", Owner::Chart}, {"data-legend", Owner::Chart},   {"data-colors", Owner::Chart},
-        {"data-format", Owner::Chart}};
+        {"data-format", Owner::Chart}, {kSampleAttribute, Owner::Any}};
     return kAttributes;
 }
 

@@ -2,6 +2,7 @@
 #include "druckwerk/layout/band_builder.h"
 #include "druckwerk/layout/layout_inspection.h"
 #include "druckwerk/layout/reading.h"
+#include "druckwerk/layout/sample_marks.h"
 
 #include <array>
 #include <cmath>
@@ -121,8 +122,10 @@ Layout readTree(const std::string& source, const std::string& name, const std::f
     });
     for (const auto& message : inspectPlaces(reading.layout))
         findings.push_back({false, kLayoutInvalid, std::string(name).append(", ").append(message)});
-    if (!reading.layout.foreignIds.empty())
+    if (!reading.layout.foreignIds.empty()) {
+        showConditional(file.root()); // the SVG library would leave out what is hidden
         reading.layout.foreignSource = file.text();
+    }
     return std::move(reading.layout);
 }
 

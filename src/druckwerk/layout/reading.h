@@ -19,7 +19,7 @@ namespace kvtdruck::druckwerk {
 struct Context {
     Matrix matrix;
     Style style;
-    std::vector<std::shared_ptr<const Expression>> conditions;
+    std::vector<std::shared_ptr<const Condition>> conditions;
 };
 
 /// Where the band of a layer is kept, and what its aggregates and values refer to.

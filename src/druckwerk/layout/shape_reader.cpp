@@ -1,6 +1,7 @@
 // Shapes in plain colours become outlines with the PDF operators that paint them; what else is drawn is left to the
 // SVG library.
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/layout/sample_marks.h"
 #include "druckwerk/pdf/pdf_syntax.h"
 
 #include <cmath>
@@ -127,7 +128,11 @@ void readShape(BandBuilder& band, const xmlNode* node, std::string_view name, co
 }
 
 void readForeign(BandBuilder& band, xmlNode* node, const Context& context) {
-    if (containsText(node, "{{"))
+    bool filled = containsText(node, "{{");
+    forEachElement(node, [&](const xmlNode* element) {
+        filled = filled || (svgName(element) == "text" && !placeholdersBehind(element).empty());
+    });
+    if (filled)
         invalid("Platzhalter in Teilen mit Verlauf, Maske, Filter oder Durchsicht sind nicht möglich");
     Layout& layout = band.reading().layout;
     std::string id = attribute(node, "id");

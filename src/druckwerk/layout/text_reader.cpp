@@ -1,5 +1,6 @@
 // Texts and fields: pieces of a text element become one text with its place, or are left to the SVG library.
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/layout/sample_marks.h"
 #include "druckwerk/svg/limits.h"
 
 #include <algorithm>
@@ -65,6 +66,8 @@ void collectPieces(BandBuilder& band, const xmlNode* node, const Context& contex
     for (xmlNode* child = node->children; child != nullptr; child = child->next) {
         if (child->type == XML_TEXT_NODE) {
             appendText(reinterpret_cast<const char*>(child->content), context, pieces, unusual);
+        } else if (child->type == XML_ELEMENT_NODE && hasClass(child, kSampleClass)) {
+            appendText(contentOf(child).c_str(), context, pieces, unusual); // its place and style are the sample's
         } else if (child->type == XML_ELEMENT_NODE && svgName(child) == "tspan") {
             const Context inner = band.within(context, child);
             if (!inner.style.display)
@@ -88,7 +91,18 @@ std::vector<TextPiece> piecesOf(BandBuilder& band, const xmlNode* node, const Co
         invalid("Fließtext wird nicht unterstützt (shape-inside, inline-size)");
     std::vector<TextPiece> pieces = {{"", context, {firstLength(node, "x", 0), firstLength(node, "y", 0)}}};
     collectPieces(band, node, context, pieces, unusual);
+    const TextPiece start = pieces[0];
     std::erase_if(pieces, [](const TextPiece& piece) { return collapsed(piece.text).empty(); });
+    if (std::string label = placeholdersBehind(node); !label.empty()) {
+        if (pieces.empty()) // the sample has nothing to show
+            pieces.push_back(start);
+        pieces.resize(1);
+        pieces[0].text = std::move(label);
+        if (const std::string sample = attribute(node, kSampleAttribute);
+            hasAttribute(node, kSampleAttribute) && sample != contentOf(node))
+            band.warn(node, "„" + contentOf(node) + "“ ist nur ein Beispielwert; gedruckt wird „" + pieces[0].text +
+                                "“, die Bezeichnung des Objekts");
+    }
     return pieces;
 }
 
@@ -97,8 +111,9 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
         throw Fault(kLayoutRefused, "Text mit Platzhaltern ist länger als 10.000 Zeichen");
     const Style& style = piece.context.style;
     const Matrix& matrix = piece.context.matrix;
-    TextItem item(
-        TextTemplate(fromUtf8(collapsed(piece.text)), band.definitions(), band.aggregates(), band.target().scope));
+    std::string written = collapsed(piece.text);
+    TextItem item(TextTemplate(fromUtf8(written), band.definitions(), band.aggregates(), band.target().scope));
+    item.written = std::move(written);
     item.place = band.placeOf(node);
     item.font = band.reading().layout.fontNumber(style.font, item.place);
     band.note(item.text, node, piece.context.conditions.empty());
@@ -112,6 +127,7 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
                              matrix.d / scale, item.baseline.x,  item.baseline.y};
     }
     item.line = static_cast<int>(lineOf(node));
+    item.element = numberOf(node);
     return item;
 }
 
@@ -158,7 +174,7 @@ void readText(BandBuilder& band, xmlNode* node, const Context& context, bool pla
     std::vector<TextPiece> pieces = piecesOf(band, node, context, unusual);
     if (pieces.empty())
         return;
-    if (containsText(node, "{{")) {
+    if (containsText(node, "{{") || !placeholdersBehind(node).empty()) {
         for (std::size_t i = 1; i < pieces.size(); ++i)
             pieces[0].text += " " + pieces[i].text;
         pieces.resize(1);
@@ -180,7 +196,7 @@ void findParts(BandBuilder& band, xmlNode* node, const Context& context, FieldPa
         const auto name = svgName(child);
         if (name == "flowRoot")
             invalid("Fließtext wird in Feldern nicht unterstützt");
-        if (name != "g" && name != "rect" && name != "text")
+        if ((name != "g" && name != "rect" && name != "text") || hasClass(child, kSampleClass))
             return;
         const Context inner = band.within(context, child);
         if (name == "g") {

@@ -42,9 +42,9 @@ struct Scale {
 /// One chart while it is drawn.
 class Drawing {
   public:
-    Drawing(const Chart& chart, ChartPoints points, const Locale& locale, double down, Canvas& canvas,
+    Drawing(const Chart& chart, ChartPoints points, const Locale& locale, double down, ChartSurface& surface,
             TextSetter& setter, const FontLibrary::Warn& warn)
-        : chart_(chart), locale_(locale), canvas_(canvas), setter_(setter), warn_(warn), area_(chart.box),
+        : chart_(chart), locale_(locale), surface_(surface), setter_(setter), warn_(warn), area_(chart.box),
           values_(std::move(points.values)), labels_(std::move(points.labels)) {
         area_.y += down;
         for (auto& series : values_) {
@@ -70,7 +70,7 @@ class Drawing {
         const std::size_t bars = lines ? 0 : values_.size() - (target ? 1 : 0);
         for (std::size_t i = 0; i < bars; ++i)
             drawBars(i, bars);
-        canvas_.strokeLine({area_.x, heightOf(0)}, {area_.right(), heightOf(0)}, 2 * kHairline, kAxisColor);
+        surface_.strokeLine({area_.x, heightOf(0)}, {area_.right(), heightOf(0)}, 2 * kHairline, kAxisColor);
         for (std::size_t i = bars; i < values_.size(); ++i)
             lines ? drawLine(i) : drawMarks(i);
     }
@@ -80,7 +80,7 @@ class Drawing {
     double textWidth(StringView text) { return setter_.width(text, face(), chart_.size); }
 
     void text(StringView text, Point at, Anchor anchor) {
-        setter_.line(text, face(), at, chart_.size, chart_.textColor, anchor);
+        surface_.line(text, face(), at, chart_.size, chart_.textColor, anchor);
     }
 
     String formatted(double value) const {
@@ -107,7 +107,7 @@ class Drawing {
                 y += size * 1.5;
             }
             any = true;
-            canvas_.fillBox({x, y + size * 0.2, size * 0.8, size * 0.8}, chart_.series[i].color);
+            surface_.fillBox({x, y + size * 0.2, size * 0.8, size * 0.8}, chart_.series[i].color);
             text(name, {x + size * 1.2, y + size * 0.9}, Anchor::Start);
             x += width;
         }
@@ -160,7 +160,7 @@ class Drawing {
         for (int i = 0; i <= scale_.steps(); ++i) {
             const double value = scale_.at(i);
             const double y = heightOf(value);
-            canvas_.strokeLine({area_.x, y}, {area_.right(), y}, kHairline, kGridColor);
+            surface_.strokeLine({area_.x, y}, {area_.right(), y}, kHairline, kGridColor);
             text(formatted(value), {area_.x - chart_.size * 0.6, y + chart_.size * 0.35}, Anchor::End);
         }
     }
@@ -212,7 +212,7 @@ class Drawing {
         for (std::size_t i = 0; i < labels_.size() && i < points_; i += set.step) {
             double y = area_.bottom() + set.size * 1.3;
             for (const auto& line : labelLines(i, set, labelLines_)) {
-                setter_.line(line, face(), {middleOf(i), y}, set.size, chart_.textColor, Anchor::Middle);
+                surface_.line(line, face(), {middleOf(i), y}, set.size, chart_.textColor, Anchor::Middle);
                 y += set.size * kLineSpacing;
             }
         }
@@ -224,8 +224,8 @@ class Drawing {
             const double left = middleOf(i) + width * (static_cast<double>(series) - static_cast<double>(bars) / 2);
             const double zero = heightOf(0);
             const double end = heightOf(values_[series][i]);
-            canvas_.fillBox({left, std::min(zero, end), width * 0.94, std::fabs(end - zero)},
-                            chart_.series[series].color);
+            surface_.fillBox({left, std::min(zero, end), width * 0.94, std::fabs(end - zero)},
+                             chart_.series[series].color);
         }
     }
 
@@ -233,7 +233,7 @@ class Drawing {
         const double half = slot() * 0.44;
         for (std::size_t i = 0; i < values_[series].size(); ++i) {
             const double y = heightOf(values_[series][i]);
-            canvas_.strokeLine({middleOf(i) - half, y}, {middleOf(i) + half, y}, 1.6, chart_.series[series].color);
+            surface_.strokeLine({middleOf(i) - half, y}, {middleOf(i) + half, y}, 1.6, chart_.series[series].color);
         }
     }
 
@@ -243,8 +243,8 @@ class Drawing {
         for (std::size_t i = 0; i < points.size(); ++i) {
             const Point at{middleOf(i), heightOf(points[i])};
             if (i + 1 < points.size())
-                canvas_.strokeLine(at, {middleOf(i + 1), heightOf(points[i + 1])}, 1.2, color);
-            canvas_.fillBox({at.x - 1.3, at.y - 1.3, 2.6, 2.6}, color);
+                surface_.strokeLine(at, {middleOf(i + 1), heightOf(points[i + 1])}, 1.2, color);
+            surface_.fillBox({at.x - 1.3, at.y - 1.3, 2.6, 2.6}, color);
         }
     }
 
@@ -277,7 +277,7 @@ class Drawing {
             double x = left;
             for (std::size_t series = 0; series < values_.size(); ++series) {
                 const double width = shareOf(series, point) * (area_.right() - left);
-                canvas_.fillBox({x, top + height * 0.1, width, height * 0.8}, chart_.series[series].color);
+                surface_.fillBox({x, top + height * 0.1, width, height * 0.8}, chart_.series[series].color);
                 x += width;
             }
         }
@@ -285,7 +285,7 @@ class Drawing {
 
     const Chart& chart_;
     const Locale& locale_;
-    Canvas& canvas_;
+    ChartSurface& surface_;
     TextSetter& setter_;
     const FontLibrary::Warn& warn_;
     Box area_;
@@ -322,9 +322,9 @@ void collectPoint(const Chart& chart, const Scene& scene, ChartPoints& points, c
         chart.labels[0].append(scene, points.labels.emplace_back());
 }
 
-void drawChart(const Chart& chart, ChartPoints points, const Locale& locale, double down, Canvas& canvas,
+void drawChart(const Chart& chart, ChartPoints points, const Locale& locale, double down, ChartSurface& surface,
                TextSetter& setter, const FontLibrary::Warn& warn) {
-    Drawing(chart, std::move(points), locale, down, canvas, setter, warn).draw();
+    Drawing(chart, std::move(points), locale, down, surface, setter, warn).draw();
 }
 
 } // namespace kvtdruck::druckwerk

@@ -17,13 +17,15 @@ double heightOf(const std::optional<Band>& band) {
 
 PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
                    const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
-                   FontLibrary::Warn warn, TightFieldSink tight)
+                   FontLibrary::Warn warn, TightFieldSink tight, SampleSink sampled)
     : layout_(std::move(layout)), totals_(layout_.aggregates), definitions_(definitions), warn_(warn),
       printDate_(dateOf(date.year, date.month, date.day, date.hour, date.minute, date.second)), document_(document),
       bookmark_(std::move(bookmark)), begin_(document.mark()),
       setter_(document_, layout_.fonts, std::move(warn), std::move(tight)), points_(layout_.rowCharts.size()),
-      top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
+      sampled_(std::move(sampled)), top_(layout_.flowTop()), bottom_(layout_.flowBottom()) {
     document_.setPageSize(layout_.width, layout_.height);
+    if (sampled_)
+        sampler_.emplace(layout_, points_, setter_);
     for (const auto& [fill, stroke] : layout_.opacities)
         document_.useOpacity(fill, stroke);
     if (!layout_.foreignIds.empty())
@@ -248,6 +250,8 @@ void PrintJob::finish(const String& heading) {
     if (pageOpen_)
         closePage();
     document_.bookmarkSince(begin_, {heading});
+    if (sampler_ && tableLines_ > 0)
+        sampled_(sampler_->finish(scene(Moment::Printed), document_.pages()));
     finished_ = true;
 }
 
@@ -280,6 +284,8 @@ void PrintJob::draw(const Band& band, Moment moment, double down, double growth,
     const Scene now = scene(moment);
     if (band.condition && !band.condition->holds(now))
         return;
+    if (sampler_)
+        sampler_->take(band, now, pass == Pass::All ? std::nullopt : std::optional(pass == Pass::Late));
     if (!band.bookmark.empty() && pass != Pass::Late)
         addBookmark(band, now, band.top + down);
     for (const Item& item : band.items) {
@@ -307,8 +313,9 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
             canvas.draw(shape->compiled, down);
     } else if (const auto* found = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
         const Chart& chart = **found;
+        PageSurface surface(canvas, setter_);
         drawChart(chart, chart.rows ? points_[chart.rowChart] : pointsOf(chart, now), definitions_.locale(), down,
-                  canvas, setter_, warn_);
+                  surface, setter_, warn_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
         canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
     }

@@ -3,6 +3,7 @@
 
 #include "druckwerk/layout/layout.h"
 #include "druckwerk/page/chart_drawing.h"
+#include "druckwerk/page/sampler.h"
 #include "druckwerk/page/text_setter.h"
 
 namespace kvtdruck::druckwerk {
@@ -14,7 +15,7 @@ class PrintJob {
     /// the job.
     PrintJob(Layout layout, Definitions& definitions, PdfDocument& document,
              const std::filesystem::path& layoutFolder, std::vector<String> bookmark, const PrintDate& date,
-             FontLibrary::Warn warn, TightFieldSink tight = {});
+             FontLibrary::Warn warn, TightFieldSink tight = {}, SampleSink sampled = {});
     PrintJob(const PrintJob&) = delete;
     PrintJob& operator=(const PrintJob&) = delete;
     /// A job that has not come to its end takes its pages out again.
@@ -69,6 +70,8 @@ class PrintJob {
     int firstForm_ = 0;
     TextSetter setter_;
     std::vector<ChartPoints> points_; ///< what lines have given to the layout's charts of lines
+    SampleSink sampled_;
+    std::optional<Sampler> sampler_; ///< where somebody asks for what is shown
     const double top_;
     const double bottom_;
 

@@ -240,6 +240,19 @@ void TextSetter::wrap(const TextItem& item, StringView text, Point at, double ro
     }
 }
 
+TextSetter::Shown TextSetter::shown(const TextItem& item, StringView text) {
+    if (!item.box || item.turned || item.text.hasPageCount())
+        return {{String(text)}, 1};
+    const double room = roomOf(item);
+    if (item.fit == Fit::Wrap)
+        return {lines(text, faceOf(item), item.size, room, linesIn(item, 0)), 1};
+    if (item.fit != Fit::Shrink && !item.text.isLoneNumber())
+        return {{cut(text, faceOf(item), item.size, room)}, 1};
+    const double needed = width(text, faceOf(item), item.size);
+    const double share = needed <= room + kTolerance ? 1 : std::max(room / needed, kSmallest);
+    return {{cut(text, faceOf(item), share * item.size, room)}, share};
+}
+
 double TextSetter::growthFor(const TextItem& item, StringView text) {
     const std::size_t most = linesIn(item, document_.canvas().height());
     const std::size_t count = linesOf(text, faceOf(item), item.size, roomOf(item), most).size();

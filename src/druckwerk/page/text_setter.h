@@ -22,6 +22,13 @@ class TextSetter {
     /// Sets `text` in the place of `item`, moved down by `down`. A field that grows has `growth` more room.
     void set(const TextItem& item, StringView text, double down, double growth = 0);
 
+    /// What `set` shows of `text` in a field that has not grown.
+    struct Shown {
+        std::vector<String> lines;
+        double share; ///< of the text's size
+    };
+    Shown shown(const TextItem& item, StringView text);
+
     /// How much taller the field must be for all of `text` to fit.
     double growthFor(const TextItem& item, StringView text);
 

@@ -16,6 +16,7 @@ SvgFile::SvgFile(const std::string& source, const std::filesystem::path& folder)
                                   : "Datei ist kein wohlgeformtes XML: " + error.reason));
     }
     inspectSvg(document_.get(), folder);
+    numberElements(root());
 }
 
 xmlNode* SvgFile::root() const {

@@ -3,6 +3,7 @@
 #include "druckwerk/svg/svg_style.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <libxml/parser.h>
 #include <new>
 
@@ -101,9 +102,24 @@ bool hasAttribute(const xmlNode* node, const char* name) {
     return find(node, name, "") != nullptr;
 }
 
-std::string layerLabel(const xmlNode* node) {
+std::string labelOf(const xmlNode* node) {
     const xmlAttr* found = find(node, "label", kInkscapeNamespace);
     return found == nullptr ? "" : valueOf(found);
+}
+
+std::string layerLabel(const xmlNode* node) {
+    std::string label = labelOf(node);
+    return label.find("{{") == std::string::npos ? label : "";
+}
+
+std::string contentOf(const xmlNode* node) {
+    xmlChar* content = xmlNodeGetContent(node);
+    std::string text;
+    for (const auto word : splitWords(viewOf(content), " \t\r\n"))
+        if (!word.empty())
+            text.append(text.empty() ? "" : " ").append(word);
+    xmlFree(content);
+    return text;
 }
 
 bool hasClass(const xmlNode* node, std::string_view cssClass) {
@@ -125,6 +141,15 @@ void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit) {
 void forEachElement(xmlNode* node, const std::function<void(xmlNode*)>& visit) {
     visit(node);
     forEachChild(node, [&](xmlNode* child) { forEachElement(child, visit); });
+}
+
+void numberElements(xmlNode* root) {
+    std::intptr_t number = 0;
+    forEachElement(root, [&](xmlNode* node) { node->_private = reinterpret_cast<void*>(++number); });
+}
+
+int numberOf(const xmlNode* node) {
+    return static_cast<int>(reinterpret_cast<std::intptr_t>(node->_private));
 }
 
 } // namespace kvtdruck::druckwerk

@@ -40,8 +40,12 @@ std::string_view localName(const xmlNode* node);
 /// An attribute without a namespace, as all of SVG's own are; "" where there is none.
 std::string attribute(const xmlNode* node, const char* name);
 std::string valueOf(const xmlAttr* attribute);
-/// The name that the drawing program shows for a layer.
+/// The name that the drawing program shows for an object.
+std::string labelOf(const xmlNode* node);
+/// The label that makes a group a layer; "" where it is the text of a field (see sample_marks.h).
 std::string layerLabel(const xmlNode* node);
+/// All text within the element, runs of blanks and line ends as one blank, none at the ends.
+std::string contentOf(const xmlNode* node);
 bool hasAttribute(const xmlNode* node, const char* name);
 bool hasClass(const xmlNode* node, std::string_view cssClass);
 long lineOf(const xmlNode* node);
@@ -49,5 +53,9 @@ long lineOf(const xmlNode* node);
 void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit);
 /// The element and everything within it, in order.
 void forEachElement(xmlNode* node, const std::function<void(xmlNode*)>& visit);
+/// Numbers the elements of a document from 1 on, in the order of `forEachElement`.
+void numberElements(xmlNode* root);
+/// The element's number; 0 before it has got one.
+int numberOf(const xmlNode* node);
 
 } // namespace kvtdruck::druckwerk

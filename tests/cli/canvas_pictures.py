@@ -1,0 +1,144 @@
+#!/usr/bin/env python3
+"""What a layout shows in Inkscape is what it prints: the page's head, one row, the page's foot and every chart, compared as
+pictures with the sample company's print.
+
+usage: canvas_pictures.py PROGRAM LAYOUTS DATABASE LIST [OPTION…]
+"""
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree
+
+from PIL import Image, ImageChops, ImageFilter, ImageStat
+
+from layout_file import SVG, layers_of
+
+RESOLUTION = 127  # five points to the millimetre
+MILLIMETRE = RESOLUTION / 25.4
+# What two renderers make of the same page: the mean difference of an area in shades of 256, and the largest anywhere in it,
+# each point taken together with those around it.
+MEAN = 3
+LARGEST = 25
+AROUND = 4  # points
+# Bands that stand somewhere else on the page than on the canvas. A line as tall as the page, or a page's band, does not.
+FLOWING = ("Gruppen", "Summe", "Übertrag", "Vortrag")
+
+
+def fail(text):
+    sys.exit(f"{sys.argv[4]}: {text}")
+
+
+def without_guides(layout, copy):
+    """The layout without the frames of its bands, which are there for its author."""
+    tree = xml.etree.ElementTree.parse(layout)
+    for rect in tree.iter(SVG + "rect"):
+        if "band" in rect.get("class", "").split():
+            rect.set("style", "stroke:none")
+    tree.write(copy, encoding="utf-8")
+
+
+def drawn(layout, scratch):
+    """The layout as Inkscape draws it: the page, and below it as much of the canvas again."""
+    copy, picture = layout.parent / "ohne-hilfslinien.svg", scratch / "drawn.png"
+    without_guides(layout, copy)
+    page = xml.etree.ElementTree.parse(layout).getroot()
+    width, height = (float(page.get(side).removesuffix("mm")) / 25.4 * 96 for side in ("width", "height"))
+    environment = {**os.environ, "HOME": str(scratch), "XDG_CONFIG_HOME": str(scratch)}
+    environment.pop("DISPLAY", None)
+    subprocess.run(["inkscape", "--export-type=png", f"--export-filename={picture}", f"--export-dpi={RESOLUTION}",
+                    f"--export-area=0:0:{width}:{2 * height}", "--export-background=#ffffff", "--export-background-opacity=1", copy],
+                   env=environment, capture_output=True, check=True)
+    copy.unlink()
+    return Image.open(picture).convert("L")
+
+
+def printed(program, database, report, options, scratch):
+    """The pages of the print."""
+    pdf = scratch / "printed.pdf"
+    run = subprocess.run([program, "drucken", report, "--datenbank", database, "--firma", "1", "--ordner", scratch / "app",
+                          "--druckdatum", "2025-01-31", "--ausgabe", pdf, *options], capture_output=True, text=True)
+    if run.returncode != 0:
+        fail(run.stderr)
+    subprocess.run(["pdftoppm", "-r", str(RESOLUTION), "-gray", "-png", pdf, scratch / "page"], check=True)
+    return [Image.open(page).convert("L") for page in sorted(scratch.glob("page*.png"))]
+
+
+def box_of(rect):
+    x, y, width, height = (float(rect.get(name)) for name in ("x", "y", "width", "height"))
+    return x, y, x + width, y + height
+
+
+def areas_of(layout):
+    """What stands on the first page where it is drawn, and charts that stand where their bands end up."""
+    bottom, footer, charts = None, None, []
+    for label, layer in layers_of(layout):
+        band = next((rect for rect in layer.iter(SVG + "rect") if "band" in rect.get("class", "").split()), None)
+        if label == "Zeile":
+            bottom = box_of(band)[3] - 0.5  # what is drawn on its lower edge belongs to the next band
+        if label == "Seitenfuß":
+            footer = box_of(band)
+        for element in layer.iter(SVG + "g"):
+            if "chart" in element.get("class", "").split() and element.get("display") != "none":
+                charts.append((label, box_of(element.find(SVG + "rect"))))
+    return bottom, footer, charts
+
+
+def crop(picture, box, down=0):
+    left, top, right, bottom = (round(side * MILLIMETRE) for side in box)
+    return picture.crop((left, top + down, right, bottom + down))
+
+
+def difference(one, other):
+    """The mean and the largest."""
+    blurred = [picture.filter(ImageFilter.GaussianBlur(AROUND)) for picture in (one, other)]
+    statistic = ImageStat.Stat(ImageChops.difference(*blurred))
+    return statistic.mean[0], statistic.extrema[0][1]
+
+
+def compare(what, one, other):
+    mean, largest = difference(one, other)
+    print(f"{sys.argv[4]}: {what}: {mean:.2f} on average, {largest:.0f} at most")
+    if mean > MEAN or largest > LARGEST:
+        for name, picture in (("drawn", one), ("printed", other)):
+            picture.save(f"canvas-{sys.argv[4]}-{what.split()[0]}-{name}.png")
+        fail(f"{what} looks different in Inkscape and in print: {mean:.2f} on average, {largest:.0f} at most")
+
+
+def place_of(chart, box, pages):
+    """Page and shift, in points of the picture, where the chart is nearest to what is drawn."""
+    best = None
+    for page in pages:
+        lowest = -round(box[1] * MILLIMETRE)
+        for down in range(lowest, page.height - round(box[3] * MILLIMETRE) + 1):
+            there = crop(page, box, down)
+            if there.size != chart.size:
+                continue
+            mean = ImageStat.Stat(ImageChops.difference(chart.reduce(4), there.reduce(4))).mean[0]
+            if best is None or mean < best[0]:
+                best = (mean, page, down)
+    return best[1], best[2]
+
+
+def main():
+    program, layouts, database, report, *options = sys.argv[1:]
+    with tempfile.TemporaryDirectory() as scratch:
+        scratch = pathlib.Path(scratch)
+        folder = scratch / "app" / "DB" / "BerichteLLVT"
+        shutil.copytree(layouts, folder)
+        layout = folder / f"{report}.svg"
+        picture = drawn(layout, scratch)
+        pages = printed(program, database, report, options, scratch)
+        bottom, footer, charts = areas_of(layout)
+        head = (0, 0, picture.width / MILLIMETRE, bottom or footer[1])
+        compare("head and row", *(crop(image, head) for image in (picture, pages[0])))
+        compare("foot of the page", *(crop(image, footer) for image in (picture, pages[0])))
+        for number, (label, box) in enumerate(charts, 1):
+            chart = crop(picture, box)
+            page, down = place_of(chart, box, pages) if label.startswith(FLOWING) else (pages[0], 0)
+            compare(f"chart{number} in {label}", chart, crop(page, box, down))
+
+
+main()
