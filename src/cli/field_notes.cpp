@@ -100,6 +100,12 @@ const char* typeOf(const Definition& definition, const FieldNote& note) {
     return definition.numeric ? "Zahl" : note.pattern.empty() ? "Text" : "Datum";
 }
 
+FieldNote fieldNote(const catalog::ReportEntry& report, const Definition& definition) {
+    auto meaning = meaningOf(report, definition.name);
+    auto pattern = patternOf(definition, meaning);
+    return {std::move(meaning), std::move(pattern)};
+}
+
 std::string placeholderOf(const catalog::ReportEntry& report, const Definition& definition) {
     const auto pattern = fieldNote(report, definition).pattern;
     return "{{" + definition.name + (pattern.empty() ? "" : "|" + pattern) + "}}";
@@ -111,10 +117,8 @@ const char* kindOf(const Definition& definition) {
 
 } // namespace
 
-FieldNote fieldNote(const catalog::ReportEntry& report, const Definition& definition) {
-    auto meaning = meaningOf(report, definition.name);
-    auto pattern = patternOf(definition, meaning);
-    return {std::move(meaning), std::move(pattern)};
+druckwerk::FieldNotes fieldNotes(const catalog::ReportEntry& report) {
+    return [&report](const Definition& definition) { return fieldNote(report, definition); };
 }
 
 std::string describeFields(const catalog::ReportEntry& report, const std::vector<Definition>& definitions,

@@ -9,9 +9,9 @@
 
 namespace kvtdruck::cli {
 
-/// The meaning of a name that `report` defines, and the pattern that its like are printed with; no meaning where
-/// nobody knows it.
-druckwerk::FieldNote fieldNote(const catalog::ReportEntry& report, const druckwerk::Definition& definition);
+/// Tells the meaning of a name that `report` defines, and the pattern that its like are printed with; no meaning
+/// where nobody knows it.
+druckwerk::FieldNotes fieldNotes(const catalog::ReportEntry& report);
 
 /// All variables and fields as a table for people. Where the data are blank no value is shown.
 std::string describeFields(const catalog::ReportEntry& report,

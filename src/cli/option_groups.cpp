@@ -225,6 +225,21 @@ constexpr const char* kPrintExamples = R"(Beispiele:
   kvtdruck drucken alle -d musterbau.sqlite -f 1 -j 2024 --mappe Jahr2024.pdf
   kvtdruck drucken --auftrag monatsabschluss.toml)";
 
+void addDesignFlags(CLI::App& design, CLI::App& check, Options& options) {
+    design
+        .add_flag("--live", options.live,
+                  "prüft und druckt das Layout bei jedem Speichern; das Anzeigeprogramm zeigt die Seiten")
+        ->group("Gestaltung");
+    design
+        .add_flag("--beispielwerte", options.samplesOnly,
+                  "frischt nur auf, was das Layout in Inkscape zeigt, und öffnet es nicht")
+        ->group("Gestaltung");
+    check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
+        ->group("Prüfung");
+    addValue(check, "Prüfung", "--layout", "DATEI", "prüft diese Datei statt des Layouts der Liste",
+             [&](const std::string& text) { options.layout = text; });
+}
+
 template <class Add>
 void addLayouts(Add&& add, Options& options) {
     auto& layouts = add("layouts", "nennt mitgelieferte und eigene Layouts und was sie unterscheidet",
@@ -259,18 +274,7 @@ CLI::App& addDesigning(Add&& add, Options& options) {
                                      : "Name oder Titel der Liste");
         addSelections(*command, options, false);
     }
-    design
-        .add_flag("--live", options.live,
-                  "prüft und druckt das Layout bei jedem Speichern; das Anzeigeprogramm zeigt die Seiten")
-        ->group("Gestaltung");
-    design
-        .add_flag("--beispielwerte", options.samplesOnly,
-                  "frischt nur auf, was das Layout in Inkscape zeigt, und öffnet es nicht")
-        ->group("Gestaltung");
-    check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
-        ->group("Prüfung");
-    addValue(check, "Prüfung", "--layout", "DATEI", "prüft diese Datei statt des Layouts der Liste",
-             [&](const std::string& text) { options.layout = text; });
+    addDesignFlags(design, check, options);
     for (auto* command : {&preview, &design, &check, &fields})
         addGeneral(*command, options);
     return fields;

@@ -177,6 +177,8 @@ void check(Options& options, bool formatGiven) {
         return checkImport(options);
     if (options.command == Command::Database && !readsDatabase(options.words))
         return;
+    if (options.live && options.samplesOnly)
+        refuse("--live und --beispielwerte gehen nicht zusammen.");
     const bool needsReport = options.command != Command::ListCompanies && options.command != Command::Database;
     if (options.command == Command::Check)
         completeCheck(options);

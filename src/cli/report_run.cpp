@@ -6,6 +6,7 @@
 #include "cli/data_source.h"
 #include "cli/field_notes.h"
 #include "cli/layout_store.h"
+#include "cli/presets.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "cli/report_workbooks.h"
@@ -196,7 +197,10 @@ class ReportRun {
         settings.design = [this](const druckwerk::DesignRequest& request, std::string& message) {
             return design(request, message);
         };
-        settings.warn = [this](std::string_view text) { find(text); };
+        settings.warn = [this](std::string_view text) {
+            if (!request_.saved) // whoever takes the layout checks it
+                find(text);
+        };
         if (options_.command == Command::Check)
             settings.tight = [this](const druckwerk::TightField& field) { tight_.add(field); };
         if (options_.command == Command::Design)
@@ -345,10 +349,8 @@ class ReportRun {
             }
             auto shown = request;
             shown.sample = &sample_;
-            const auto note = [this](const druckwerk::Definition& definition) {
-                return fieldNote(*request_.report, definition);
-            };
-            const druckwerk::Designing designing{show, note, request_.saved, &cancelled()};
+            handDown(options_.database, request_.values, request_.company, folder_);
+            const druckwerk::Designing designing{show, fieldNotes(*request_.report), request_.saved, &cancelled()};
             return keepingEarlier(request, [&] { return druckwerk::design(shown, designing, message); });
         }
         isGenerated_ = !request_.layout && !std::filesystem::exists(request.source);

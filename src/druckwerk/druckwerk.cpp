@@ -201,10 +201,9 @@ std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path
     if (options_->layout)
         return options_->layout->file;
     std::error_code ignored;
+    const auto& behindOwn = options_->layoutsBehind;
     auto own = layoutFile(objectName);
-    if (options_->layoutsBehind.empty())
-        return own;
-    auto behind = layoutFile(options_->layoutsBehind / objectName.filename());
+    auto behind = behindOwn.empty() ? own : layoutFile(behindOwn / objectName.filename());
     return !std::filesystem::exists(own, ignored) && std::filesystem::exists(behind, ignored) ? behind : own;
 }
 

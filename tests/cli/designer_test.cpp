@@ -147,6 +147,14 @@ TEST_F(DesignerTest, TheGuidesOwnPageIsInOrderAndPrints) {
     EXPECT_THAT(text, ::testing::ContainsRegex("Summe +264\\.610 +263\\.547"));
 }
 
+TEST_F(DesignerTest, WhatIsCalledFromWithinAsksAboutTheSameData) {
+    environment["KVTDRUCK_VERBINDUNG"] = "Driver=none";
+    installDesigner(KVT_PROGRAM " felder Umsatz > " + output("fields") + "\n");
+    const auto outcome = design("Umsatz");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(readFile(output("fields")), HasSubstr("Müller & Söhne GmbH"));
+}
+
 TEST_F(DesignerTest, CtrlCEndsTheDesignerAndKeepsWhatWasSaved) {
     installDesigner("sed -i 's/<\\/svg>/<!-- gespeichert --><\\/svg>/' \"$file\"\ntouch " + output("saved") +
                     "\nwhile :; do sleep 0.05; done");
