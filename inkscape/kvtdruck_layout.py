@@ -22,7 +22,8 @@ GROUP_BANDS = ["Gruppenkopf", "Gruppenfuß"]
 CLOSING_BANDS = ["Summe", "Gruppenfuß"]
 #: Heights of new bands, in millimetres.
 HEIGHTS = {"Seitenkopf": 30, "Kopf": 8, "Summe": 60, "Seitenfuß": 12}
-CHARTS = {"Balken nebeneinander": "bars", "Linien": "lines", "Balken mit Zielmarke": "target", "Anteile": "share"}
+CHARTS = {"Balken nebeneinander": "bars", "Balken aufeinander": "stacked", "Balken liegend": "horizontal",
+          "Linien": "lines", "Balken mit Zielmarke": "target", "Anteile": "share"}
 COMPARISONS = ["=", "<>", "<", "<=", ">", ">=", "ist leer", "ist nicht leer"]
 GUIDE = {"fill": "none", "stroke": "#4aa3df", "stroke-width": "0.12", "stroke-dasharray": "1, 1"}
 FRAME = {"fill": "none", "stroke": "#9aa5b1", "stroke-width": "0.1"}

@@ -3,8 +3,10 @@ import warnings
 
 from kvtdruck_program import Refused
 
-COLUMNS = [("Name", "name"), ("Art", "art"), ("Typ", "typ"), ("Wert", "wert"), ("Bedeutung", "bedeutung"),
-           ("Muster", "muster")]
+#: Title, key and width of each column.
+COLUMNS = [("Name", "name", 140), ("Bedeutung", "bedeutung", 300), ("Wert", "wert", 150), ("Muster", "muster", 90),
+           ("Typ", "typ", 60), ("Art", "art", 80)]
+PATTERN = [key for _, key, _ in COLUMNS].index("muster")
 
 
 def toolkit():
@@ -28,8 +30,10 @@ class Window:
 
     def __init__(self, title, fields, entries, several=False):
         self.gtk = Gtk = toolkit()
+        from gi.repository import Pango
+        self.at_end = Pango.EllipsizeMode.END
         self.dialog = Gtk.Dialog(title=title)
-        self.dialog.add_buttons("Abbrechen", Gtk.ResponseType.CANCEL, "Einfügen", Gtk.ResponseType.OK)
+        self.dialog.add_buttons("Abbrechen", Gtk.ResponseType.CANCEL, "Übernehmen", Gtk.ResponseType.OK)
         self.dialog.set_default_response(Gtk.ResponseType.OK)
         self.widgets = {}
         self.view = None
@@ -42,20 +46,23 @@ class Window:
         Gtk = self.gtk
         self.rows = Gtk.ListStore(*[str] * len(COLUMNS))
         for field in fields:
-            self.rows.append([field[key] or "" for _, key in COLUMNS])
+            self.rows.append([field[key] or "" for _, key, _ in COLUMNS])
         self.search = Gtk.SearchEntry(placeholder_text="Suchen in Namen, Werten und Bedeutungen")
         shown = self.rows.filter_new()
         shown.set_visible_func(lambda rows, at, _: self.search.get_text().lower() in " ".join(rows[at]).lower())
         self.search.connect("search-changed", lambda _: shown.refilter())
         self.view = Gtk.TreeView(model=shown, enable_search=False)
-        for number, (title, _) in enumerate(COLUMNS):
-            column = Gtk.TreeViewColumn(title, Gtk.CellRendererText(), text=number)
+        for number, (name, _, width) in enumerate(COLUMNS):
+            renderer = Gtk.CellRendererText(ellipsize=self.at_end)
+            column = Gtk.TreeViewColumn(name, renderer, text=number)
+            column.set_sizing(Gtk.TreeViewColumnSizing.FIXED)
+            column.set_fixed_width(width)
             column.set_resizable(True)
             self.view.append_column(column)
         self.view.get_selection().set_mode(Gtk.SelectionMode.MULTIPLE if several else Gtk.SelectionMode.SINGLE)
         self.view.get_selection().connect("changed", lambda _: self._propose_pattern())
         self.view.connect("row-activated", lambda *_: self.dialog.response(Gtk.ResponseType.OK))
-        scrolled = Gtk.ScrolledWindow(min_content_height=320, min_content_width=760)
+        scrolled = Gtk.ScrolledWindow(min_content_height=320, min_content_width=840)
         scrolled.add(self.view)
         self.dialog.get_content_area().pack_start(self.search, False, False, 4)
         self.dialog.get_content_area().pack_start(scrolled, True, True, 4)
@@ -84,7 +91,7 @@ class Window:
 
     def _propose_pattern(self):
         if "pattern" in self.widgets and self._chosen():
-            self.widgets["pattern"].set_text(self._chosen()[-1][len(COLUMNS) - 1])
+            self.widgets["pattern"].set_text(self._chosen()[-1][PATTERN])
 
     def values(self):
         """The chosen names under "name", and what the entries hold under their keys."""

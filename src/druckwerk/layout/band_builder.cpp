@@ -44,6 +44,10 @@ void BandBuilder::readAttributes(const xmlNode* node) {
 Context BandBuilder::styled(const Context& outer, const xmlNode* node) {
     Context context{outer.matrix, outer.style.inherited(), outer.conditions};
     reading_.applyStyle(node, band_.label, context.style);
+    context.hasLooks = outer.hasLooks;
+    context.look = outer.look;
+    if (!context.look.empty())
+        reading_.sheet.apply(context.style, "", context.look, "");
     context.matrix = context.matrix * context.style.transform;
     return context;
 }
@@ -62,25 +66,53 @@ Context BandBuilder::within(const Context& outer, const xmlNode* node) {
 
 void BandBuilder::readElement(xmlNode* node, const Context& outer) {
     reading_.located(node, band_.label, [&] {
-        static const std::array<std::string_view, 14> kInvisible = {
-            "defs",   "metadata", "title",   "desc",   "style",          "clipPath",       "mask",
-            "marker", "symbol",   "pattern", "filter", "linearGradient", "radialGradient", "view"};
-        const auto name = svgName(node);
-        if (name.empty() || std::find(kInvisible.begin(), kInvisible.end(), name) != kInvisible.end() ||
-            hasClass(node, kSampleClass))
-            return;
-        const Context context = within(outer, node);
-        if (!context.style.display)
-            return;
-        if (name == "rect" && hasClass(node, "band"))
-            readBandRect(node, context);
-        else if (hasClass(node, "field"))
-            readField(*this, node, context);
-        else if (hasClass(node, "chart"))
-            readChart(*this, node, context);
-        else
-            readArtwork(node, name, context);
+        if (hasAttribute(node, "data-class") || hasAttribute(node, "data-class-if"))
+            return readLooks(node, outer);
+        readInLook(node, outer);
     });
+}
+
+void BandBuilder::readLooks(xmlNode* node, const Context& outer) {
+    const std::string look = attribute(node, "data-class");
+    const std::string condition = attribute(node, "data-class-if");
+    if (look.empty() || condition.empty())
+        invalid("data-class und data-class-if gehören zusammen: eine Klasse, und wann sie gilt");
+    if (outer.hasLooks)
+        invalid("data-class geht nicht in einem Element, das selbst data-class hat");
+    if (!reading_.sheet.knows(look))
+        invalid("Klasse „" + look + "“ steht in keinem Stil (als „." + look + "“)");
+    const auto when = [&](const std::string& text, const std::string& shownLook) {
+        Expression expression(fromUtf8(text), definitions(), &aggregates(), target_.scope);
+        note(expression, node);
+        Context context = outer;
+        context.hasLooks = true;
+        context.look = shownLook;
+        context.conditions.push_back(std::make_shared<Condition>(Condition{std::move(expression), kOfLook}));
+        readInLook(node, context);
+    };
+    when(condition, look);
+    when("nicht (" + condition + ")", "");
+}
+
+void BandBuilder::readInLook(xmlNode* node, const Context& outer) {
+    static const std::array<std::string_view, 14> kInvisible = {
+        "defs",   "metadata", "title",   "desc",   "style",          "clipPath",       "mask",
+        "marker", "symbol",   "pattern", "filter", "linearGradient", "radialGradient", "view"};
+    const auto name = svgName(node);
+    if (name.empty() || std::find(kInvisible.begin(), kInvisible.end(), name) != kInvisible.end() ||
+        hasClass(node, kSampleClass))
+        return;
+    const Context context = within(outer, node);
+    if (!context.style.display)
+        return;
+    if (name == "rect" && hasClass(node, "band"))
+        readBandRect(node, context);
+    else if (hasClass(node, "field"))
+        readField(*this, node, context);
+    else if (hasClass(node, "chart"))
+        readChart(*this, node, context);
+    else
+        readArtwork(node, name, context);
 }
 
 void BandBuilder::readBandRect(const xmlNode* node, const Context& context) {

@@ -54,6 +54,10 @@ class BandBuilder {
     void grow() { band_.grows = true; }
 
   private:
+    /// An element with another look under a condition is read twice: in that look where the condition holds, and as
+    /// it is drawn where it does not.
+    void readLooks(xmlNode* node, const Context& outer);
+    void readInLook(xmlNode* node, const Context& outer);
     void readArtwork(xmlNode* node, std::string_view name, const Context& context);
     void readBandRect(const xmlNode* node, const Context& context);
 

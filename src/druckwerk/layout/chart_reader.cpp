@@ -57,7 +57,7 @@ void readSeries(BandBuilder& band, const xmlNode* node, const Context& context, 
         for (const auto& value : pointsOf(text)) {
             series.values.emplace_back(fromUtf8(value), band.definitions(),
                                        chart.rows ? nullptr : &band.aggregates(), band.target().scope);
-            band.note(series.values.back(), node, context.conditions.empty());
+            band.note(series.values.back(), node, context.always());
         }
         const std::size_t i = chart.series.size();
         series.legend = i < legends.size() ? legends[i] : "";
@@ -77,22 +77,62 @@ void readSeries(BandBuilder& band, const xmlNode* node, const Context& context, 
         invalid("data-series fehlt");
 }
 
+Chart::Kind kindOf(const xmlNode* node) {
+    static const std::map<std::string, Chart::Kind> kKinds = {
+        {"bars", Chart::Kind::Bars},   {"stacked", Chart::Kind::Stacked}, {"horizontal", Chart::Kind::Horizontal},
+        {"lines", Chart::Kind::Lines}, {"target", Chart::Kind::Target},   {"share", Chart::Kind::Share}};
+    const auto kind = kKinds.find(attribute(node, "data-chart"));
+    if (kind == kKinds.end())
+        invalid("data-chart fehlt oder ist keines von bars, stacked, horizontal, lines, target, share");
+    return kind->second;
+}
+
+/// Which of the series are lines over the bars.
+void readLines(const xmlNode* node, Chart& chart) {
+    const std::string lines = attribute(node, "data-lines");
+    if (lines.empty() || lines == "0")
+        return;
+    if (chart.kind != Chart::Kind::Bars && chart.kind != Chart::Kind::Stacked)
+        invalid("data-lines geht nur mit data-chart=\"bars\" und \"stacked\"");
+    const auto count = parseLength(lines);
+    if (!count || *count < 1 || *count >= static_cast<double>(chart.series.size()) ||
+        *count != static_cast<int>(*count))
+        invalid("data-lines=\"" + lines + "\" ist keine Zahl von Reihen, über der noch ein Balken bleibt");
+    chart.lines = static_cast<std::size_t>(*count);
+}
+
+void readAxis(BandBuilder& band, const xmlNode* node, const Context& context, Chart& chart) {
+    if (const std::string format = attribute(node, "data-format"); !format.empty())
+        chart.format = NumberPattern(fromUtf8(format));
+    if (const std::string values = attribute(node, "data-values"); !values.empty() && values != "0")
+        chart.values = values == "1" ? chart.format : NumberPattern(fromUtf8(values));
+    chart.unit = attribute(node, "data-unit");
+    const auto scale = listOf(node, "data-scale");
+    if (chart.kind == Chart::Kind::Share && (!chart.unit.empty() || !scale.empty()))
+        invalid("data-unit und data-scale gehen nicht mit data-chart=\"share\", das keine Achse hat");
+    if (scale.empty())
+        return;
+    if (scale.size() != 2)
+        invalid("data-scale braucht zwei Werte, „von; bis“");
+    const auto end = [&](const std::string& text) {
+        Expression expression(fromUtf8(text), band.definitions(), chart.rows ? nullptr : &band.aggregates(),
+                              band.target().scope);
+        band.note(expression, node, context.always());
+        return expression;
+    };
+    chart.scale.emplace(end(scale[0]), end(scale[1]));
+}
+
 } // namespace
 
 void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
-    static const std::map<std::string, Chart::Kind> kKinds = {{"bars", Chart::Kind::Bars},
-                                                              {"lines", Chart::Kind::Lines},
-                                                              {"target", Chart::Kind::Target},
-                                                              {"share", Chart::Kind::Share}};
-    const auto kind = kKinds.find(attribute(node, "data-chart"));
-    if (kind == kKinds.end())
-        invalid("data-chart fehlt oder ist keines von bars, lines, target, share");
+    const auto kind = kindOf(node);
     FieldParts parts;
     findParts(band, node, context, parts);
     if (parts.rect == nullptr)
         invalid("Diagramm ohne Rechteck");
     auto chart = std::make_unique<Chart>();
-    chart->kind = kind->second;
+    chart->kind = kind;
     chart->box = boxOf(parts.rect, parts.rectContext.matrix, "Rechteck des Diagramms");
     chart->place = band.placeOf(node);
     chart->font = band.reading().layout.fontNumber(context.style.font, chart->place);
@@ -104,8 +144,6 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
     chart->line = static_cast<int>(lineOf(node));
     chart->element = numberOf(node);
     chart->matrix = context.matrix;
-    if (const std::string format = attribute(node, "data-format"); !format.empty())
-        chart->format = NumberPattern(fromUtf8(format));
     if (const std::string rows = attribute(node, "data-rows"); !rows.empty() && rows != "0") {
         if (!band.target().rowsClose)
             invalid("data-rows geht nur in Summe und Gruppenfuß");
@@ -113,9 +151,11 @@ void readChart(BandBuilder& band, xmlNode* node, const Context& context) {
         band.note(*chart->rows, node);
     }
     readSeries(band, node, context, *chart);
+    readLines(node, *chart);
+    readAxis(band, node, context, *chart);
     for (const auto& label : listOf(node, "data-labels")) {
         chart->labels.emplace_back(fromUtf8(label), band.definitions(), band.aggregates(), band.target().scope);
-        band.note(chart->labels.back(), node, context.conditions.empty());
+        band.note(chart->labels.back(), node, context.always());
     }
     if (chart->rows && chart->labels.size() > 1)
         invalid("data-labels braucht mit data-rows genau eine Beschriftung");

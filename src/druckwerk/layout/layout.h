@@ -55,7 +55,7 @@ struct TextItem {
 };
 
 struct Chart {
-    enum class Kind : std::uint8_t { Bars, Lines, Target, Share };
+    enum class Kind : std::uint8_t { Bars, Stacked, Horizontal, Lines, Target, Share };
     struct Series {
         std::vector<Expression> values; ///< the points; with `rows` one, evaluated for each line
         std::string legend;
@@ -64,8 +64,13 @@ struct Chart {
     Kind kind = Kind::Bars;
     Box box;
     std::vector<Series> series;
+    std::size_t lines = 0; ///< of the last series: drawn as lines over the bars
     std::vector<TextTemplate> labels;
     NumberPattern format{u"#.##0"};
+    std::optional<NumberPattern> values; ///< of numbers beside what shows them
+    std::string unit;                    ///< of the axis
+    std::optional<std::pair<Expression, Expression>>
+        scale;            ///< the ends of the axis; otherwise they follow the values
     std::size_t font = 0; ///< among the layout's fonts
     double size = 7;      ///< in points
     Rgb textColor;
@@ -83,6 +88,9 @@ struct ForeignItem {
     std::string id;
     int form = 0; ///< number of the form among the document's resources
 };
+
+/// The element of a condition that chooses a look: it is printed in any case, as one or the other.
+inline constexpr int kOfLook = 0;
 
 /// What has to hold for an element, or one around it, to be printed.
 struct Condition {

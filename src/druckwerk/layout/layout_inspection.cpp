@@ -21,16 +21,18 @@ constexpr std::array<std::string_view, 10> kBands = {"Kopf",       "Vortrag",   
                                                      "Seitenkopf", "Hintergrund"};
 constexpr std::array<std::string_view, 4> kClasses = {"field", "chart", "band", kSampleClass};
 
-enum class Owner : std::uint8_t { Any, Layer, Field, Chart };
+enum class Owner : std::uint8_t { Any, Part, Layer, Field, Chart };
 
 const std::map<std::string_view, Owner>& attributes() {
     static const std::map<std::string_view, Owner> kAttributes = {
-        {"data-if", Owner::Any},       {"data-on", Owner::Layer},       {"data-new-page", Owner::Layer},
-        {"data-repeat", Owner::Layer}, {"data-bookmark", Owner::Layer}, {"data-fit", Owner::Field},
-        {"data-alone", Owner::Layer},  {"data-align", Owner::Field},    {"data-grow", Owner::Field},
-        {"data-chart", Owner::Chart},  {"data-series", Owner::Chart},   {"data-rows", Owner::Chart},
-        {"data-labels", Owner::Chart}, {"data-legend", Owner::Chart},   {"data-colors", Owner::Chart},
-        {"data-format", Owner::Chart}, {kSampleAttribute, Owner::Any}};
+        {"data-if", Owner::Any},        {"data-on", Owner::Layer},       {"data-new-page", Owner::Layer},
+        {"data-repeat", Owner::Layer},  {"data-bookmark", Owner::Layer}, {"data-fit", Owner::Field},
+        {"data-alone", Owner::Layer},   {"data-align", Owner::Field},    {"data-grow", Owner::Field},
+        {"data-chart", Owner::Chart},   {"data-series", Owner::Chart},   {"data-rows", Owner::Chart},
+        {"data-labels", Owner::Chart},  {"data-legend", Owner::Chart},   {"data-colors", Owner::Chart},
+        {"data-format", Owner::Chart},  {"data-lines", Owner::Chart},    {"data-values", Owner::Chart},
+        {"data-unit", Owner::Chart},    {"data-scale", Owner::Chart},    {"data-class", Owner::Part},
+        {"data-class-if", Owner::Part}, {kSampleAttribute, Owner::Any}};
     return kAttributes;
 }
 
@@ -53,6 +55,11 @@ const std::map<std::string_view, std::string_view>& germanWords() {
                                                                         {"data-beschriftung", "data-labels"},
                                                                         {"data-legende", "data-legend"},
                                                                         {"data-farben", "data-colors"},
+                                                                        {"data-linien", "data-lines"},
+                                                                        {"data-werte", "data-values"},
+                                                                        {"data-einheit", "data-unit"},
+                                                                        {"data-skala", "data-scale"},
+                                                                        {"data-klasse", "data-class"},
                                                                         {"feld", "field"},
                                                                         {"diagramm", "chart"},
                                                                         {"streifen", "band"}};
@@ -132,13 +139,15 @@ class NameInspection {
             return report_(node, layer,
                            "Attribut „" + name + "“ gibt es nicht" + similar(nearWord(name, known, 3)));
         }
-        const bool fits = found->second == Owner::Any || (found->second == Owner::Layer && isLayer) ||
+        const bool fits = found->second == Owner::Any || (found->second == Owner::Part && !isLayer) ||
+                          (found->second == Owner::Layer && isLayer) ||
                           (found->second == Owner::Field && hasClass(node, "field")) ||
                           (found->second == Owner::Chart && hasClass(node, "chart"));
         if (!fits)
             report_(node, layer,
                     "Attribut „" + name + "“ gilt nur für " +
                         (found->second == Owner::Layer   ? "Ebenen"
+                         : found->second == Owner::Part  ? "Elemente in einer Ebene"
                          : found->second == Owner::Field ? "Felder (class=\"field\")"
                                                          : "Diagramme (class=\"chart\")"));
     }

@@ -8,6 +8,11 @@ void invalid(const std::string& reason) {
     throw Fault(kLayoutInvalid, reason);
 }
 
+bool Context::always() const {
+    return std::all_of(conditions.begin(), conditions.end(),
+                       [](const auto& condition) { return condition->element == kOfLook; });
+}
+
 void Reading::report(std::int32_t code, const xmlNode* node, const std::string& layer, const std::string& reason,
                      bool error) {
     std::string message = (node == nullptr ? name : placeOf(node, layer)) + ": " + reason;

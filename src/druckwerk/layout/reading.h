@@ -20,6 +20,12 @@ struct Context {
     Matrix matrix;
     Style style;
     std::vector<std::shared_ptr<const Condition>> conditions;
+    bool hasLooks = false; ///< it, or one around it, looks otherwise under a condition
+    std::string look =
+        {}; ///< the class that it has then, which goes before all other styles; empty: as it is drawn
+
+    /// Whether the element is printed in any case, in whatever look.
+    bool always() const;
 };
 
 /// Where the band of a layer is kept, and what its aggregates and values refer to.

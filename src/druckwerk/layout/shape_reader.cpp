@@ -128,6 +128,8 @@ void readShape(BandBuilder& band, const xmlNode* node, std::string_view name, co
 }
 
 void readForeign(BandBuilder& band, xmlNode* node, const Context& context) {
+    if (context.hasLooks)
+        invalid("data-class geht nicht mit Teilen mit Verlauf, Maske, Filter oder Durchsicht");
     bool filled = containsText(node, "{{");
     forEachElement(node, [&](const xmlNode* element) {
         filled = filled || (svgName(element) == "text" && !placeholdersBehind(element).empty());

@@ -116,7 +116,7 @@ TextItem makeText(BandBuilder& band, const TextPiece& piece, const xmlNode* node
     item.written = std::move(written);
     item.place = band.placeOf(node);
     item.font = band.reading().layout.fontNumber(style.font, item.place);
-    band.note(item.text, node, piece.context.conditions.empty());
+    band.note(item.text, node, piece.context.always());
     item.size = style.fontSize * matrix.scale();
     item.color = style.fill.color;
     item.anchor = style.anchor;
@@ -198,6 +198,8 @@ void findParts(BandBuilder& band, xmlNode* node, const Context& context, FieldPa
             invalid("Fließtext wird in Feldern nicht unterstützt");
         if ((name != "g" && name != "rect" && name != "text") || hasClass(child, kSampleClass))
             return;
+        if (hasAttribute(child, "data-class"))
+            invalid("data-class gehört an die Gruppe des Feldes oder Diagramms");
         const Context inner = band.within(context, child);
         if (name == "g") {
             findParts(band, child, inner, parts);

@@ -1,5 +1,7 @@
 #include "druckwerk/page/chart_drawing.h"
 
+#include "druckwerk/page/chart_parts.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,151 +10,60 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr std::size_t kMostPoints = 60;
-constexpr Rgb kGridColor{0xd9, 0xdf, 0xe5};
-constexpr Rgb kAxisColor{0x8a, 0x94, 0x9e};
-constexpr double kHairline = 0.3;
-constexpr double kBarShare = 0.72;   // of a point's width, for all its bars
 constexpr double kLabelShare = 0.96; // of a point's width, for its label
 constexpr double kLineSpacing = 1.2; // of the text size
-constexpr double kSmallestLabel = 0.7;
 constexpr int kMostLabelLines = 3;
 
-/// The axis of values: from `low` to `high` in even steps.
-struct Scale {
-    double low = 0, high = 1, step = 1;
-    int steps() const { return static_cast<int>(std::lround((high - low) / step)); }
-    double at(int i) const { return low + i * step; }
-
-    /// A scale that holds all values and zero, with about `wanted` steps of 1, 2, 2.5 or 5 times a power of ten.
-    static Scale over(double least, double most, int wanted) {
-        least = std::min(least, 0.0);
-        most = std::max(most, 0.0);
-        if (!(most - least > 0) || !std::isfinite(most - least))
-            return {};
-        const double rough = (most - least) / std::max(1, wanted);
-        const double power = std::pow(10.0, std::floor(std::log10(rough)));
-        double step = 10 * power;
-        for (const double factor : {5.0, 2.5, 2.0, 1.0})
-            if (factor * power >= rough)
-                step = factor * power;
-        return {std::floor(least / step) * step, std::ceil(most / step) * step, step};
-    }
-};
-
-/// One chart while it is drawn.
-class Drawing {
+/// A chart that stands on its axis: bars side by side or stacked, lines, marks.
+class UprightChart : public ChartParts {
   public:
-    Drawing(const Chart& chart, ChartPoints points, const Locale& locale, double down, ChartSurface& surface,
-            TextSetter& setter, const FontLibrary::Warn& warn)
-        : chart_(chart), locale_(locale), surface_(surface), setter_(setter), warn_(warn), area_(chart.box),
-          values_(std::move(points.values)), labels_(std::move(points.labels)) {
-        area_.y += down;
-        for (auto& series : values_) {
-            for (double& value : series)
-                value = std::isfinite(value) ? value : 0;
-            points_ = std::max(points_, series.size());
-        }
-    }
+    using ChartParts::ChartParts;
 
     void draw() {
         if (points_ == 0)
             return;
-        drawLegend();
-        if (chart_.kind == Chart::Kind::Share)
-            return drawShares();
+        drawLegend([](std::size_t) { return String(); });
         layOutAxis();
         if (area_.width <= 0 || area_.height <= 0)
-            return warn_(chart_.place + ": Diagramm ist für seine Schriftgröße zu klein und bleibt leer");
+            return warn("Diagramm ist für seine Schriftgröße zu klein und bleibt leer");
         drawGrid();
         drawLabels();
-        const bool lines = chart_.kind == Chart::Kind::Lines;
-        const bool target = chart_.kind == Chart::Kind::Target && values_.size() > 1;
-        const std::size_t bars = lines ? 0 : values_.size() - (target ? 1 : 0);
-        for (std::size_t i = 0; i < bars; ++i)
-            drawBars(i, bars);
+        for (std::size_t i = 0; i < bars(); ++i)
+            drawBars(i);
         surface_.strokeLine({area_.x, heightOf(0)}, {area_.right(), heightOf(0)}, 2 * kHairline, kAxisColor);
-        for (std::size_t i = bars; i < values_.size(); ++i)
-            lines ? drawLine(i) : drawMarks(i);
+        for (std::size_t i = bars(); i < values_.size(); ++i)
+            chart_.kind == Chart::Kind::Target ? drawMarks(i) : drawLine(i);
     }
 
   private:
-    Face& face() { return setter_.face(chart_.font); }
-    double textWidth(StringView text) { return setter_.width(text, face(), chart_.size); }
-
-    void text(StringView text, Point at, Anchor anchor) {
-        surface_.line(text, face(), at, chart_.size, chart_.textColor, anchor);
-    }
-
-    String formatted(double value) const {
-        String out;
-        chart_.format.append(Number::of(value), locale_, out);
-        return out;
-    }
-
-    /// Swatches and names along the upper edge; shares show their percentage there.
-    void drawLegend() {
-        const double size = chart_.size;
-        double x = area_.x;
-        double y = area_.y;
-        bool any = false;
-        for (std::size_t i = 0; i < chart_.series.size(); ++i) {
-            if (chart_.series[i].legend.empty())
-                continue;
-            String name = fromUtf8(chart_.series[i].legend);
-            if (chart_.kind == Chart::Kind::Share && points_ == 1)
-                name += u" " + percentage(i, 0);
-            const double width = size * 1.4 + textWidth(name) + size * 1.6;
-            if (any && x + width > area_.right() + size) {
-                x = area_.x;
-                y += size * 1.5;
-            }
-            any = true;
-            surface_.fillBox({x, y + size * 0.2, size * 0.8, size * 0.8}, chart_.series[i].color);
-            text(name, {x + size * 1.2, y + size * 0.9}, Anchor::Start);
-            x += width;
-        }
-        if (any) {
-            const double used = y + size * 2 - area_.y;
-            area_.y += used;
-            area_.height -= used;
-        }
-    }
-
     void layOutAxis() {
-        double least = 0;
-        double most = 0;
-        for (const auto& points : values_)
-            for (const double value : points) {
-                least = std::min(least, value);
-                most = std::max(most, value);
-            }
         const double size = chart_.size;
-        area_.y += size * 0.5;
+        const double above = size * (0.5 + (chart_.unit.empty() ? 0 : 1.4) + (chart_.values ? 1 : 0));
+        area_.y += above;
+        area_.height -= above - size * 0.5;
         // The labels' lines take height from the axis, whose numbers take width from the labels.
         const Box whole = area_;
         int needed = labels_.empty() ? 0 : 1;
         do {
             labelLines_ = needed;
             area_ = whole;
-            fitAxis(least, most);
+            fitAxis();
             needed = neededLabelLines();
         } while (needed > labelLines_);
     }
 
-    void fitAxis(double least, double most) {
+    void fitAxis() {
         const double size = chart_.size;
         area_.height -= size * (1 + kLineSpacing * labelLines_);
-        scale_ = Scale::over(least, most, static_cast<int>(area_.height / (size * 3)));
+        scale_ = scaleFor(static_cast<int>(area_.height / (size * 3)));
         double widest = 0;
         for (int i = 0; i <= scale_.steps(); ++i)
-            widest = std::max(widest, textWidth(formatted(scale_.at(i))));
+            widest = std::max(widest, textWidth(atAxis(scale_.at(i))));
         area_.x += widest + size * 0.6;
         area_.width -= widest + size * 0.6;
     }
 
-    double heightOf(double value) const {
-        return area_.bottom() - (value - scale_.low) / (scale_.high - scale_.low) * area_.height;
-    }
+    double heightOf(double value) const { return area_.bottom() - scale_.share(value) * area_.height; }
     double slot() const { return area_.width / static_cast<double>(points_); }
     double middleOf(std::size_t point) const { return area_.x + slot() * (static_cast<double>(point) + 0.5); }
 
@@ -161,8 +72,10 @@ class Drawing {
             const double value = scale_.at(i);
             const double y = heightOf(value);
             surface_.strokeLine({area_.x, y}, {area_.right(), y}, kHairline, kGridColor);
-            text(formatted(value), {area_.x - chart_.size * 0.6, y + chart_.size * 0.35}, Anchor::End);
+            text(atAxis(value), {area_.x - chart_.size * 0.6, y + chart_.size * 0.35}, Anchor::End);
         }
+        if (!chart_.unit.empty())
+            text(fromUtf8(chart_.unit), {chart_.box.x, area_.y - chart_.size * 1.05}, Anchor::Start);
     }
 
     /// How the labels are set.
@@ -218,14 +131,35 @@ class Drawing {
         }
     }
 
-    void drawBars(std::size_t series, std::size_t bars) {
-        const double width = slot() * kBarShare / static_cast<double>(bars);
+    void drawBars(std::size_t series) {
+        const auto side = static_cast<double>(isStacked() ? 1 : bars());
+        const auto place = static_cast<double>(isStacked() ? 0 : series);
+        const double width = slot() * kBarShare / side;
         for (std::size_t i = 0; i < values_[series].size(); ++i) {
-            const double left = middleOf(i) + width * (static_cast<double>(series) - static_cast<double>(bars) / 2);
-            const double zero = heightOf(0);
-            const double end = heightOf(values_[series][i]);
-            surface_.fillBox({left, std::min(zero, end), width * 0.94, std::fabs(end - zero)},
+            const auto [from, to] = extent(series, i);
+            const double left = middleOf(i) + width * (place - side / 2);
+            const double begin = heightOf(from);
+            const double end = heightOf(to);
+            surface_.fillBox({left, std::min(begin, end), width * kBarGap, std::fabs(end - begin)},
                              chart_.series[series].color);
+            if (chart_.values)
+                drawNumber(series, i, {left + width * kBarGap / 2, end}, std::fabs(end - begin));
+        }
+    }
+
+    /// Beyond a bar's end; within a part of a stack, where it is high enough.
+    void drawNumber(std::size_t series, std::size_t point, Point end, double height) {
+        const double size = chart_.size;
+        const double shown = value(series, point);
+        const auto side = static_cast<double>(isStacked() ? 1 : bars());
+        if (!isStacked()) {
+            end.y += shown < 0 ? size : -size * 0.3;
+            number(numberText(shown), end, Anchor::Middle, slot() * (side > 1 ? kBarShare / side : kLabelShare),
+                   chart_.textColor);
+        } else if (height > size) {
+            end.y += (shown < 0 ? -height : height) / 2 + size * 0.35;
+            number(numberText(shown), end, Anchor::Middle, slot() * kBarShare * kBarGap,
+                   readableOn(chart_.series[series].color));
         }
     }
 
@@ -245,61 +179,31 @@ class Drawing {
             if (i + 1 < points.size())
                 surface_.strokeLine(at, {middleOf(i + 1), heightOf(points[i + 1])}, 1.2, color);
             surface_.fillBox({at.x - 1.3, at.y - 1.3, 2.6, 2.6}, color);
+            if (chart_.values)
+                number(numberText(points[i]), {at.x, at.y - chart_.size * 0.6}, Anchor::Middle,
+                       slot() * kLabelShare, chart_.textColor);
         }
     }
 
-    double shareOf(std::size_t series, std::size_t point) const {
-        double sum = 0;
-        for (const auto& points : values_)
-            sum += point < points.size() ? std::max(0.0, points[point]) : 0;
-        const auto& points = values_[series];
-        return sum > 0 && point < points.size() ? std::max(0.0, points[point]) / sum : 0;
-    }
-
-    String percentage(std::size_t series, std::size_t point) const {
-        static const NumberPattern kPattern(u"0,0 %");
-        String out;
-        kPattern.append(Number::of(shareOf(series, point)), locale_, out);
-        return out;
-    }
-
-    void drawShares() {
-        double widest = 0;
-        for (const auto& label : labels_)
-            widest = std::max(widest, textWidth(label) + chart_.size);
-        const double left = area_.x + std::min(widest, area_.width / 3);
-        const double height = area_.height / static_cast<double>(points_);
-        for (std::size_t point = 0; point < points_; ++point) {
-            const double top = area_.y + height * static_cast<double>(point);
-            if (point < labels_.size())
-                text(setter_.cut(labels_[point], face(), chart_.size, left - area_.x - chart_.size * 0.5),
-                     {area_.x, top + height / 2 + chart_.size * 0.35}, Anchor::Start);
-            double x = left;
-            for (std::size_t series = 0; series < values_.size(); ++series) {
-                const double width = shareOf(series, point) * (area_.right() - left);
-                surface_.fillBox({x, top + height * 0.1, width, height * 0.8}, chart_.series[series].color);
-                x += width;
-            }
-        }
-    }
-
-    const Chart& chart_;
-    const Locale& locale_;
-    ChartSurface& surface_;
-    TextSetter& setter_;
-    const FontLibrary::Warn& warn_;
-    Box area_;
     Scale scale_;
-    std::vector<std::vector<double>> values_;
-    std::vector<String> labels_;
-    std::size_t points_ = 0;
     int labelLines_ = 0;
 };
 
 } // namespace
 
+namespace {
+
+std::optional<std::pair<double, double>> limitsOf(const Chart& chart, const Scene& scene) {
+    if (!chart.scale)
+        return std::nullopt;
+    return std::pair(chart.scale->first.evaluate(scene), chart.scale->second.evaluate(scene));
+}
+
+} // namespace
+
 ChartPoints pointsOf(const Chart& chart, const Scene& scene) {
     ChartPoints points;
+    points.limits = limitsOf(chart, scene);
     for (const auto& series : chart.series) {
         auto& values = points.values.emplace_back();
         for (const auto& value : series.values)
@@ -314,6 +218,7 @@ void collectPoint(const Chart& chart, const Scene& scene, ChartPoints& points, c
     if (!chart.rows->holds(scene))
         return;
     points.values.resize(chart.series.size());
+    points.limits = limitsOf(chart, scene);
     if (points.values[0].size() == kMostPoints)
         return warn(chart.place + ": Diagramm zeigt nur die ersten " + std::to_string(kMostPoints) + " Zeilen");
     for (std::size_t i = 0; i < chart.series.size(); ++i)
@@ -324,7 +229,9 @@ void collectPoint(const Chart& chart, const Scene& scene, ChartPoints& points, c
 
 void drawChart(const Chart& chart, ChartPoints points, const Locale& locale, double down, ChartSurface& surface,
                TextSetter& setter, const FontLibrary::Warn& warn) {
-    Drawing(chart, std::move(points), locale, down, surface, setter, warn).draw();
+    if (chart.kind == Chart::Kind::Share || chart.kind == Chart::Kind::Horizontal)
+        return drawLyingChart(chart, std::move(points), locale, down, surface, setter, warn);
+    UprightChart(chart, std::move(points), locale, down, surface, setter, warn).draw();
 }
 
 } // namespace kvtdruck::druckwerk

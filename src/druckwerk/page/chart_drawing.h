@@ -10,6 +10,7 @@ namespace kvtdruck::druckwerk {
 struct ChartPoints {
     std::vector<std::vector<double>> values; ///< of each series
     std::vector<String> labels;
+    std::optional<std::pair<double, double>> limits; ///< of the axis, where the layout sets them
 };
 
 /// What a chart is drawn on.

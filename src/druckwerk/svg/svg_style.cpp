@@ -372,6 +372,12 @@ void StyleSheet::add(std::string_view source) {
     });
 }
 
+bool StyleSheet::knows(std::string_view cssClass) const {
+    return std::any_of(rules_.begin(), rules_.end(), [&](const Rule& rule) {
+        return rule.selector.cssClass == cssClass && rule.selector.element.empty() && rule.selector.id.empty();
+    });
+}
+
 void StyleSheet::apply(Style& style, std::string_view name, std::string_view classes, std::string_view id) const {
     const auto list = splitWords(classes);
     for (const auto& rule : rules_)

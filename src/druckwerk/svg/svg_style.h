@@ -67,6 +67,8 @@ class StyleSheet {
     /// Raises a Fault where the sheet imports another one.
     void add(std::string_view text);
     void apply(Style& style, std::string_view name, std::string_view classes, std::string_view id) const;
+    /// Whether a rule stands for the class alone.
+    bool knows(std::string_view cssClass) const;
     /// Selectors that are beyond this reader.
     const std::vector<std::string>& ignored() const { return ignored_; }
     /// Declarations with values that are beyond it.
