@@ -25,6 +25,8 @@ constexpr std::array kFurniture = {"/Artifact BMC\n", "/Artifact<</Type/Paginati
                                    "/Artifact<</Type/Pagination/Subtype/Footer>>BDC\n",
                                    "/Artifact<</Type/Pagination>>BDC\n"};
 
+constexpr const char* kNoText = "<FEFF>"; // of what an earlier mark says
+
 } // namespace
 
 void Canvas::clear() {
@@ -75,7 +77,7 @@ void Canvas::beginMark() {
     if (!actualText_.empty()) {
         buffer_ += "/ActualText";
         buffer_ += actualText_;
-        actualText_.clear();
+        actualText_ = kNoText;
     }
     buffer_ += ">>BDC\n";
 }

@@ -207,14 +207,16 @@ int BandBlocks::writeTable(PdfDocument& document, int parent, const Block& block
         std::vector<TaggedCell> cells;
         bool any = false;
         for (const TableCell& cell : row) {
-            TaggedCell& tagged = cells.emplace_back(TaggedCell{cell.columns, TaggedCell::Kind::Data, {}});
+            TaggedCell& tagged = cells.emplace_back();
+            tagged.columns = cell.columns;
+            tagged.span = cell.columns.count();
             tagged.content = contents_[content++];
             any = any || !tagged.content.kids.empty();
             if (cell.columns.holds({block.rowHead, block.rowHead}) && !tagged.content.kids.empty())
                 tagged.kind = TaggedCell::Kind::RowHead;
         }
         if (any)
-            table.writeRow(cells, columns, "");
+            table.writeRow(cells, "");
     }
     table.finish();
     return table.element();

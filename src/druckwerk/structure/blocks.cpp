@@ -17,6 +17,7 @@ constexpr double kHeadingFactor = 1.1; // of the usual size
 constexpr double kTitleFactor = 1.3;   // of the usual size
 constexpr double kSameSize = 0.99;
 constexpr double kSameTextLine = 1.0; // of the size
+constexpr double kSameBaseline = 3;   // points between baselines of one line
 
 bool isWithin(const Piece& piece, const Span& span) {
     return piece.box.x >= span.left - kSameEdge && piece.box.right() <= span.right + kSameEdge;
@@ -184,7 +185,7 @@ class Finder {
         std::ranges::stable_sort(pieces, {}, &Piece::baseline);
         for (auto line = pieces.begin(); line != pieces.end();) {
             const auto end = std::find_if(line, pieces.end(), [&](const Piece& piece) {
-                return piece.baseline > line->baseline + kSameLine * 3;
+                return piece.baseline > line->baseline + kSameBaseline;
             });
             std::stable_sort(line, end,
                              [](const Piece& one, const Piece& other) { return one.box.x < other.box.x; });

@@ -21,9 +21,11 @@ String kindOf(const Chart& chart) {
 
 /// In full, as the axis does not show it.
 String formatted(double value, const Locale& locale) {
-    static const NumberPattern kPattern(u"#.##0,##");
+    static const NumberPattern kWhole(u"#.##0");
+    static const NumberPattern kParts(u"#.##0,00");
     String out;
-    kPattern.append(Number::of(std::isfinite(value) ? value : 0), locale, out);
+    (value == std::trunc(value) ? kWhole : kParts)
+        .append(Number::of(std::isfinite(value) ? value : 0), locale, out);
     return out;
 }
 
@@ -37,7 +39,8 @@ String percentage(double share, const Locale& locale) {
 String pointOf(const std::vector<double>& values, std::size_t point, const ChartPoints& points,
                const Locale& locale) {
     const String label = point < points.labels.size() ? points.labels[point] : String();
-    return (label.empty() ? u"" : label + u" ") + formatted(values[point], locale);
+    const String value = formatted(values[point], locale);
+    return label.empty() ? value : label.ends_with(u" " + value) ? label : label + u" " + value;
 }
 
 String extremesOf(const std::vector<double>& values, const ChartPoints& points, const Locale& locale) {

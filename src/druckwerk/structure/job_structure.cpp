@@ -2,6 +2,8 @@
 
 #include "druckwerk/structure/chart_description.h"
 
+#include <cmath>
+
 namespace kvtdruck::druckwerk {
 
 namespace {
@@ -9,6 +11,8 @@ namespace {
 bool isShown(const Item& item, const Scene& scene) {
     return std::ranges::all_of(item.conditions, [&](const auto& condition) { return condition->holds(scene); });
 }
+
+constexpr double kSameLine = 3; // points between baselines
 
 bool saysMoreThanText(const std::vector<Piece>& pieces) {
     return std::ranges::any_of(pieces, [](const Piece& piece) { return piece.kind != Piece::Kind::Text; });
@@ -85,9 +89,19 @@ void JobStructure::findBlocks() {
 }
 
 void JobStructure::setPlace(std::span<const String> path) {
-    place_.clear();
-    for (const String& entry : path)
-        place_ += (place_.empty() ? u"" : u", ") + entry;
+    place_.assign(path.begin(), path.end());
+}
+
+/// A sum is of all places, what closes a group of the outermost one alone.
+String JobStructure::placeOf(const BandTags& tags) const {
+    const bool closes = tags.role == BandTags::Role::Closing;
+    const std::size_t entries = !closes           ? place_.size()
+                                : tags.level == 0 ? 0
+                                                  : std::min<std::size_t>(place_.size(), 1);
+    String place;
+    for (std::size_t i = 0; i < entries; ++i)
+        place += (place.empty() ? u"" : u", ") + place_[i];
+    return place;
 }
 
 // --- Bands ---
@@ -182,7 +196,7 @@ void JobStructure::endBlocks(BandTags& tags) {
     closeTable();
     freshPage_ = false;
     const int parent = section();
-    blocks_ += tags.blocks->write(document_, parent, levels_, place_);
+    blocks_ += tags.blocks->write(document_, parent, levels_, placeOf(tags));
 }
 
 // --- The table ---
@@ -221,16 +235,43 @@ void JobStructure::beginRow(const BandTags& tags, const Scene& scene) {
         openTable(scene);
     }
     freshPage_ = false;
-    if (tags.role != BandTags::Role::Line)
-        return cells_.clear();
-    cells_.resize(grid_.size());
+    if (tags.role != BandTags::Role::Line) {
+        lines_ = linesOf(tags.pieces);
+        cells_.clear();
+        cells_.reserve((grid_.size() + 1) * lines_.size()); // no more cells than columns: they stay where they are
+        return;
+    }
+    cells_.resize(grid_.size() * lineCount_);
     for (std::size_t i = 0; i < cells_.size(); ++i) {
-        cells_[i].columns = {i, i};
+        const std::size_t column = i % grid_.size();
+        cells_[i].columns = {column, column};
+        cells_[i].span = cells_[i].rows = 1;
         cells_[i].kind = TaggedCell::Kind::Data;
         cells_[i].content.type = "TD";
         cells_[i].content.element = 0;
         cells_[i].content.kids.clear();
     }
+}
+
+/// Words that stand above each other in one column, the same in every document, divide a row into lines: they name
+/// them.
+std::vector<double> JobStructure::linesOf(const std::vector<Piece>& pieces) const {
+    std::vector<double> lines;
+    for (const Piece& piece : pieces)
+        for (const Piece& other : pieces)
+            if (piece.constant && other.constant && std::fabs(piece.baseline - other.baseline) > kSameLine &&
+                grid_.of(piece.span()) == grid_.of(other.span()))
+                lines.push_back(piece.baseline);
+    std::ranges::sort(lines);
+    const auto isSame = [](double one, double other) { return other - one < kSameLine; };
+    lines.erase(std::unique(lines.begin(), lines.end(), isSame), lines.end());
+    return lines.empty() ? std::vector<double>{0} : lines;
+}
+
+std::size_t JobStructure::lineOf(const Piece& piece, const std::vector<double>& lines) {
+    const auto nearest =
+        std::ranges::min_element(lines, {}, [&](double y) { return std::fabs(y - piece.baseline); });
+    return static_cast<std::size_t>(nearest - lines.begin());
 }
 
 /// The cell of a row that has its own, such as a sum's: where the item stands, together with what stands there too.
@@ -239,14 +280,15 @@ TaggedContent* JobStructure::cellFor(std::size_t item) {
     if (piece == current_->pieces.end())
         return nullptr;
     const Columns columns = grid_.of(piece->span());
+    const std::size_t line = lineOf(*piece, lines_);
     for (TaggedCell& cell : cells_)
-        if (columns.first <= cell.columns.last && cell.columns.first <= columns.last) {
+        if (cell.line == line && columns.first <= cell.columns.last && cell.columns.first <= columns.last) {
             cell.columns.last = std::max(columns.last, cell.columns.last);
             return &cell.content;
         }
-    cells_.reserve(grid_.size()); // no more cells than columns: their contents stay where they are
     TaggedCell& cell = cells_.emplace_back();
     cell.columns = columns;
+    cell.line = line;
     cell.kind = piece->loneNumber ? TaggedCell::Kind::Data : TaggedCell::Kind::RowHead;
     cell.content.type = "TD";
     return &cell.content;
@@ -260,27 +302,59 @@ std::string JobStructure::innermost(std::size_t levels) const {
     return {};
 }
 
+/// What names the line heads all of its rows, each of which has a head of its own where there are several.
 void JobStructure::endLine() {
-    if (std::ranges::all_of(cells_, [](const TaggedCell& cell) { return cell.content.kids.empty(); }))
+    const auto isEmpty = [](const TaggedCell& cell) { return cell.content.kids.empty(); };
+    if (std::ranges::all_of(cells_, isEmpty))
         return;
-    if (!cells_[rowHead_].content.kids.empty())
-        cells_[rowHead_].kind = TaggedCell::Kind::RowHead;
-    table_->writeRow(cells_, grid_.size(), innermost(groupNames_.size()));
+    TaggedCell& name = cells_[rowHead_];
+    name.rows = lineCount_;
+    if (!isEmpty(name))
+        name.kind = TaggedCell::Kind::RowHead;
+    std::string outer = innermost(groupNames_.size());
+    for (std::size_t line = 0; line < lineCount_; ++line) {
+        std::span row = std::span(cells_).subspan(line * grid_.size(), grid_.size());
+        if (lineCount_ > 1 && !isEmpty(row[wordColumn_]))
+            row[wordColumn_].kind = TaggedCell::Kind::RowHead;
+        if (line > 0) { // what names the line reaches down here
+            std::rotate(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(rowHead_),
+                        row.begin() + static_cast<std::ptrdiff_t>(rowHead_) + 1);
+            row = row.subspan(1);
+        }
+        const std::string head = table_->writeRow(row, outer);
+        if (line == 0 && !isEmpty(name))
+            outer = head;
+    }
 }
 
 void JobStructure::endRow(const BandTags& tags) {
     std::erase_if(cells_, [](const TaggedCell& cell) { return cell.content.kids.empty(); });
-    if (cells_.empty())
-        return;
-    std::ranges::sort(cells_, {}, [](const TaggedCell& cell) { return cell.columns.first; });
-    const bool headsGroup = tags.role == BandTags::Role::GroupHead;
-    for (std::size_t i = 1; i < cells_.size(); ++i)
-        cells_[i].kind = TaggedCell::Kind::Data;
-    if (cells_.size() == 1)
-        cells_.front().kind = headsGroup ? TaggedCell::Kind::GroupHead : TaggedCell::Kind::Data;
-    const std::string name = table_->writeRow(cells_, grid_.size(), innermost(tags.level));
-    if (headsGroup)
-        groupNames_[tags.level] = name;
+    std::ranges::sort(cells_, {}, [](const TaggedCell& cell) { return std::pair(cell.line, cell.columns.first); });
+    std::string outer = innermost(tags.level);
+    for (std::span<TaggedCell> rest(cells_); !rest.empty();) {
+        const auto isOther = [&](const TaggedCell& cell) { return cell.line != rest.front().line; };
+        const auto count = static_cast<std::size_t>(std::ranges::find_if(rest, isOther) - rest.begin());
+        const std::string name = endRowLine(rest.first(count), tags.role == BandTags::Role::GroupHead, outer);
+        if (tags.role == BandTags::Role::GroupHead)
+            groupNames_[tags.level] = name;
+        outer = name.empty() ? outer : name;
+        rest = rest.subspan(count);
+    }
+}
+
+/// Each cell reaches to the next one, so that the row has all columns. Its first word heads it, and the one behind
+/// it where it is one of several lines.
+std::string JobStructure::endRowLine(std::span<TaggedCell> row, bool headsGroup, const std::string& outer) {
+    using Kind = TaggedCell::Kind;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        const std::size_t next = i + 1 < row.size() ? row[i + 1].columns.first : grid_.size();
+        row[i].span = next - (i == 0 ? 0 : row[i].columns.first);
+        if (i > 1 || (i == 1 && lines_.size() == 1))
+            row[i].kind = Kind::Data;
+    }
+    if (row.size() == 1)
+        row.front().kind = headsGroup ? Kind::GroupHead : Kind::Data;
+    return table_->writeRow(row, outer);
 }
 
 void JobStructure::closeGroup(std::size_t level) {
@@ -302,9 +376,27 @@ void JobStructure::openTable(const Scene& scene) {
     for (const Piece& piece : line.pieces)
         grid_.addBeside(piece.span());
     rowHead_ = grid_.empty() ? 0 : rowHeadOf(grid_, shown.empty() ? line.pieces : shown);
+    placeLine(line);
+}
+
+/// The cell of each item of a line of the report.
+void JobStructure::placeLine(const BandTags& line) {
+    const auto lines = linesOf(line.pieces);
+    lineCount_ = lines.size();
+    wordColumn_ = rowHead_;
     lineCells_.assign(line.band->items.size(), kNoCell);
-    for (const Piece& piece : line.pieces)
-        lineCells_[piece.item] = grid_.of(piece.span()).first;
+    for (const Piece& piece : line.pieces) {
+        const std::size_t column = grid_.of(piece.span()).first;
+        const std::size_t row = column == rowHead_ ? 0 : lineOf(piece, lines);
+        lineCells_[piece.item] = row * grid_.size() + column;
+        if (lineCount_ > 1 && piece.constant && column != rowHead_)
+            wordColumn_ = wordColumn_ == rowHead_ ? column : std::min(wordColumn_, column);
+    }
+    if (wordColumn_ != rowHead_)
+        return;
+    lineCount_ = 1; // no line has a word of its own
+    for (std::size_t& cell : lineCells_)
+        cell = cell == kNoCell ? cell : cell % grid_.size();
 }
 
 void JobStructure::closeTable() {

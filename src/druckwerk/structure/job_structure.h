@@ -56,6 +56,7 @@ class JobStructure {
     TextSizes sizes() const;
 
     Said whatIsSaid(const BandTags& tags, const Scene& scene) const;
+    String placeOf(const BandTags& tags) const;
     void beginBlocks(BandTags& tags, const Scene& scene);
     void endBlocks(BandTags& tags);
     void beginHead(const BandTags& tags, const Scene& scene);
@@ -64,14 +65,18 @@ class JobStructure {
     TaggedContent* contentOf(std::size_t item);
     TaggedContent* headContentOf(std::size_t item);
     TaggedContent* cellFor(std::size_t item);
+    std::vector<double> linesOf(const std::vector<Piece>& pieces) const;
+    static std::size_t lineOf(const Piece& piece, const std::vector<double>& lines);
     void endLine();
     void endRow(const BandTags& tags);
+    std::string endRowLine(std::span<TaggedCell> row, bool headsGroup, const std::string& outer);
     std::string innermost(std::size_t levels) const;
 
     void startOnPage();
     int section();
     void closeSection();
     void openTable(const Scene& scene);
+    void placeLine(const BandTags& line);
     void closeTable();
 
     const Layout& layout_;
@@ -83,7 +88,7 @@ class JobStructure {
     BandTags* unfinished_ = nullptr; ///< the footer, until the page closes
     Furniture furniture_ = Furniture::Drawing;
     HeadingLevels levels_;
-    String place_;
+    std::vector<String> place_; ///< in the outline
 
     int part_;
     std::string sections_;
@@ -94,7 +99,10 @@ class JobStructure {
     std::optional<TableWriter> table_;
     TableGrid grid_;
     std::size_t rowHead_ = 0;
-    std::vector<std::size_t> lineCells_; ///< of the line's items
+    std::vector<double> lines_;          ///< that the row in hand is divided into, by their baselines
+    std::size_t lineCount_ = 1;          ///< of those of a line of the report
+    std::size_t wordColumn_ = 0;         ///< where words name them
+    std::vector<std::size_t> lineCells_; ///< of the items of a line of the report
     std::vector<HeadCell> head_;
     std::vector<TaggedContent> headContents_;
     Said headSaid_;

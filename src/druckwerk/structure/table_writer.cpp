@@ -1,5 +1,7 @@
 #include "druckwerk/structure/table_writer.h"
 
+#include <array>
+
 namespace kvtdruck::druckwerk {
 
 namespace {
@@ -69,41 +71,40 @@ std::string TableWriter::headsOf(const Columns& columns) const {
     return names;
 }
 
-void TableWriter::writeCell(const TaggedCell& cell, std::size_t span, int row, const std::string& name,
-                            const std::string& heads) {
-    static constexpr const char* kScopes[] = {"", "/Scope/Row", "/Scope/Column"};
-    const bool isHead = cell.kind != TaggedCell::Kind::Data;
-    structure_.write(cell.content.element, isHead ? "TH" : "TD", row,
-                     (isHead ? "/ID" + name : "") + shownBy(document_, cell.content) +
+void TableWriter::writeCell(const TaggedCell& cell, int row, const std::string& name, const std::string& heads) {
+    static constexpr std::array kScopes = {"", "/Scope/Row", "/Scope/Column"};
+    structure_.write(cell.content.element, name.empty() ? "TD" : "TH", row,
+                     (name.empty() ? "" : "/ID" + name) + shownBy(document_, cell.content) +
                          tableAttributes(kScopes[static_cast<std::size_t>(cell.kind)] +
-                                         spanEntry("/ColSpan ", span) + headersEntry(heads)));
+                                         spanEntry("/ColSpan ", cell.span) + spanEntry("/RowSpan ", cell.rows) +
+                                         headersEntry(heads)));
 }
 
-std::string TableWriter::writeRow(std::span<TaggedCell> cells, std::size_t columns, std::string_view outer) {
+std::string TableWriter::writeRow(std::span<TaggedCell> cells, const std::string& outer) {
     if (body_ == 0)
         body_ = structure_.allocate();
     const int row = structure_.allocate();
-    std::string head;
+    std::string first;
+    std::string last = outer;
+    std::string kids;
+    const auto isHead = [](const TaggedCell& cell) { return cell.kind != TaggedCell::Kind::Data; };
     for (TaggedCell& cell : cells) {
         if (cell.content.element == 0)
             cell.content.element = structure_.allocate();
-        if (cell.kind != TaggedCell::Kind::Data)
-            head = structure_.name(cell.content.element);
-    }
-    std::string kids;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const TaggedCell& cell = cells[i];
-        const std::size_t next = i + 1 < cells.size() ? cells[i + 1].columns.first : columns;
-        const bool isHead = cell.kind != TaggedCell::Kind::Data;
-        writeCell(cell, next - (i == 0 ? 0 : cell.columns.first), row, head,
-                  isHead                      ? std::string(outer)
-                  : cell.content.kids.empty() ? std::string()
-                                              : headsOf(cell.columns) + head);
         kids += reference(cell.content.element) + " ";
+        if (!isHead(cell))
+            continue;
+        const std::string name = structure_.name(cell.content.element);
+        writeCell(cell, row, name, last);
+        last = name;
+        first = first.empty() ? name : first;
     }
+    for (const TaggedCell& cell : cells)
+        if (!isHead(cell))
+            writeCell(cell, row, "", cell.content.kids.empty() ? "" : headsOf(cell.columns) + last);
     structure_.write(row, "TR", body_, "/K[" + kids + "]");
     rows_ += reference(row) + " ";
-    return head;
+    return first;
 }
 
 void TableWriter::endPage() {

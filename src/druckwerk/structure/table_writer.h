@@ -18,9 +18,12 @@ struct TaggedCell {
         RowHead,  ///< heads the row
         GroupHead ///< heads the rows that follow
     };
-    Columns columns; ///< that it stands in, from the first one on
+    Columns columns;      ///< that it stands in
+    std::size_t span = 1; ///< columns that it reaches over
+    std::size_t rows = 1; ///< that it reaches over
+    std::size_t line = 0; ///< of those that a row is divided into
     Kind kind = Kind::Data;
-    TaggedContent content;
+    TaggedContent content = {};
 };
 
 /// What shows an element of the page in hand, as entries of its dictionary.
@@ -37,15 +40,14 @@ class TableWriter {
 
     /// The head's cells in their order, each with what shows it.
     void writeHead(const std::vector<HeadCell>& head, std::span<TaggedContent> contents, std::size_t columns);
-    /// Cells in their order, the first one in the first of `columns`. `outer` names what heads the row's head;
-    /// empty: nothing does. Gives the name of the row's head, if it has one.
-    std::string writeRow(std::span<TaggedCell> cells, std::size_t columns, std::string_view outer);
+    /// Cells in their order. Heads in a row head each other, the last one its data; `outer` names what heads the
+    /// first one; empty: nothing does. Gives the first one's name.
+    std::string writeRow(std::span<TaggedCell> cells, const std::string& outer);
     void endPage();
     void finish();
 
   private:
-    void writeCell(const TaggedCell& cell, std::size_t span, int row, const std::string& names,
-                   const std::string& heads);
+    void writeCell(const TaggedCell& cell, int row, const std::string& name, const std::string& heads);
     std::string headsOf(const Columns& columns) const;
 
     PdfDocument& document_;
