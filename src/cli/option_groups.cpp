@@ -151,6 +151,10 @@ void addFiles(CLI::App& command, Options& options) {
                  options.level = choiceIn<PdfLevel>("--pdf", text,
                                                     {{"archiv", PdfLevel::Archive}, {"einfach", PdfLevel::Plain}});
              });
+    command
+        .add_flag("--barrierefrei", options.accessible,
+                  "zeichnet im PDF aus, was Überschrift, Tabelle, Bild ist, zum Vorlesen: PDF/A-3a und PDF/UA-1")
+        ->group(group);
     addValue(command, group, "--beilage", "csv|json|xlsx", "legt die Datensätze als Datei in das PDF",
              [&](const std::string& text) {
                  options.attachment = choiceIn<DataFormat>(

@@ -91,6 +91,17 @@ void checkBinder(const Options& options) {
         refuse("--mappe würde die Datei " + options.database + " überschreiben, aus der gelesen wird.");
 }
 
+/// What is put together from finished documents has no structure that could be relied on.
+void settleLevel(Options& options) {
+    if (!options.accessible)
+        return;
+    if (options.level == druckwerk::PdfLevel::Plain)
+        refuse("--barrierefrei geht nicht mit --pdf einfach zusammen.");
+    if (!options.binder.empty() || !options.printing.pages.empty())
+        refuse("--barrierefrei gibt es nur für ganze Dokumente einer Liste, nicht mit --mappe und --seiten.");
+    options.level = druckwerk::PdfLevel::Accessible;
+}
+
 void checkOutput(const Options& options) {
     if (!options.binder.empty())
         checkBinder(options);
@@ -193,6 +204,7 @@ void check(Options& options, bool formatGiven) {
     checkReports(options);
     checkCompanies(options);
     checkOutput(options);
+    settleLevel(options);
 }
 
 } // namespace

@@ -44,6 +44,7 @@ struct Options {
     druckwerk::Formulas formulas = druckwerk::Formulas::Disarm; ///< in CSV files
     std::optional<druckwerk::DataFormat> attachment;            ///< the records as a file within the PDF
     druckwerk::PdfLevel level = druckwerk::PdfLevel::Archive;
+    bool accessible = false; ///< the level is to be the highest one
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
     bool live = false; ///< a designer's layout is checked and printed each time that it is saved

@@ -2,19 +2,28 @@
 """check.py FILE…: what a file promises in its metadata, and whether it keeps it. A line for each finding."""
 import sys
 
+from accessible_rules import LEVEL_A, PDFUAID, STRUCTURE, UA
 from archive_rules import ARCHIVE, PDFAID, property_of
 from pdf_file import PdfFile
 
 
 def findings_of(path, every=1):
+    """`every`: of the pages only each so many-th has its content read; that goes for files without structure alone."""
     file = PdfFile(path, every)
-    return list(ARCHIVE.findings(file))
+    standards = [ARCHIVE]
+    if property_of(file, f"{PDFAID}conformance") == "A":
+        standards += [LEVEL_A, STRUCTURE]
+    if property_of(file, f"{PDFUAID}part") is not None:
+        standards += [UA]
+    return [finding for standard in standards for finding in standard.findings(file)]
 
 
 def level_of(path):
-    """What the file promises: "PDF/A-3u", or nothing."""
-    conformance = property_of(PdfFile(path), f"{PDFAID}conformance")
-    return f"PDF/A-3{conformance.lower()}" if conformance else ""
+    """What the file promises: "PDF/A-3u", "PDF/A-3a, PDF/UA-1", or nothing."""
+    file = PdfFile(path)
+    conformance = property_of(file, f"{PDFAID}conformance")
+    part = property_of(file, f"{PDFUAID}part")
+    return ", ".join(level for level in (conformance and f"PDF/A-3{conformance.lower()}", part and f"PDF/UA-{part}") if level)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """faults.py FILE: each fault that is planted into a sound file is found, under its clause, and the file itself is sound."""
 import pathlib
+import re
 import sys
 import tempfile
 
@@ -380,6 +381,305 @@ def demands(pdf):
     pdf.Root.Requirements = Array([])
 
 
+# --- Faults in a document that is accessible ---
+
+ACCESSIBLE = []
+
+
+def accessible_fault(clause):
+    def add(function):
+        ACCESSIBLE.append((clause, function, False))
+        return function
+    return add
+
+
+def elements(pdf, *types):
+    """The elements of these types, in the order of their objects."""
+    return [obj for obj in pdf.objects if isinstance(obj, Dictionary) and "/S" in obj and "/P" in obj and str(obj.S)[1:] in types]
+
+
+def data_cell(pdf):
+    """A cell that says something and has heads."""
+    return next(cell for cell in elements(pdf, "TD") if "/K" in cell and "/Headers" in cell.get("/A", {}))
+
+
+def content_of(pdf):
+    """Changes the first page's content: gives its bytes and what takes the new ones."""
+    page = pdf.pages[0].obj
+    streams = list(page.Contents)
+    return streams[0].read_bytes(), streams[0].write
+
+
+def linked(pdf):
+    return next(page.obj for page in pdf.pages if "/Annots" in page.obj)
+
+
+@accessible_fault("14.7.2")
+def wrong_parent(pdf):
+    data_cell(pdf).P = pdf.Root.StructTreeRoot.K
+
+
+@accessible_fault("14.7.2")
+def element_in_itself(pdf):
+    row = elements(pdf, "TR")[0]
+    row.K.append(row)
+
+
+@accessible_fault("14.7.2")
+def name_twice(pdf):
+    heads = elements(pdf, "TH")
+    heads[0].ID = heads[1].ID
+
+
+@accessible_fault("14.7.2")
+def name_that_leads_nowhere(pdf):
+    del elements(pdf, "TH")[0]["/ID"]
+
+
+@accessible_fault("7.9.6")
+def names_out_of_order(pdf):
+    names = pdf.Root.StructTreeRoot.IDTree.Kids[0].Names
+    names[0], names[2] = names[2], names[0]
+    names[1], names[3] = names[3], names[1]
+
+
+@accessible_fault("7.9.7")
+def numbers_out_of_order(pdf):
+    numbers = pdf.Root.StructTreeRoot.ParentTree.Kids[0].Nums
+    numbers[0], numbers[2] = numbers[2], numbers[0]
+    numbers[1], numbers[3] = numbers[3], numbers[1]
+
+
+@accessible_fault("14.7.4.2")
+def mark_of_nobody(pdf):
+    del data_cell(pdf)["/K"]
+
+
+@accessible_fault("14.7.4.2")
+def mark_that_is_not_there(pdf):
+    data_cell(pdf).K.append(9999)
+
+
+@accessible_fault("14.7.4.2")
+def mark_of_two(pdf):
+    cell = data_cell(pdf)
+    pdf.Root.StructTreeRoot.K.K.append(pdf.make_indirect(Dictionary(S=Name.P, P=pdf.Root.StructTreeRoot.K, Pg=cell.Pg, K=cell.K)))
+
+
+@accessible_fault("14.7.4.4")
+def wrong_owner(pdf):
+    owners = pdf.Root.StructTreeRoot.ParentTree.Kids[0].Nums[1]
+    owners[0] = owners[len(owners) - 1]
+
+
+@accessible_fault("14.7.4.4")
+def page_without_owners(pdf):
+    del pdf.pages[0].obj["/StructParents"]
+
+
+@accessible_fault("14.7.4.4")
+def link_without_owner(pdf):
+    del linked(pdf).Annots[0]["/StructParent"]
+
+
+@accessible_fault("14.7.4.4")
+def number_taken_twice(pdf):
+    pdf.Root.StructTreeRoot.ParentTreeNextKey = 0
+
+
+@accessible_fault("14.6.1")
+def mark_over_a_text_object(pdf):
+    data, write = content_of(pdf)
+    write(data.replace(b"EMC\nET", b"ET\nEMC", 1))
+
+
+@accessible_fault("14.6.1")
+def mark_without_end(pdf):
+    data, write = content_of(pdf)
+    write(data + b"/P BMC\n")
+
+
+@accessible_fault("6.7.2.2")
+def not_marked(pdf):
+    del pdf.Root["/MarkInfo"]
+
+
+@accessible_fault("6.7.3.3")
+def no_structure(pdf):
+    del pdf.Root["/StructTreeRoot"]
+
+
+@accessible_fault("6.7.3.4")
+def unknown_type(pdf):
+    data_cell(pdf).S = Name("/Zelle")
+
+
+@accessible_fault("6.7.3.4")
+def standard_type_replaced(pdf):
+    pdf.Root.StructTreeRoot.RoleMap = Dictionary({"/P": Name.Span})
+
+
+@accessible_fault("6.7.4")
+def unknown_language(pdf):
+    data_cell(pdf).Lang = String("de_DE")
+
+
+@accessible_fault("6.2.11.7.3")
+def private_character(pdf):
+    stream = first_font(pdf).ToUnicode
+    text = stream.read_bytes()
+    stream.write(re.sub(rb"(<[0-9A-F]{4}>)<[0-9A-F]{4}>", rb"\1<E000>", text))
+
+
+@accessible_fault("5")
+def unknown_part(pdf):
+    replace_metadata(pdf, b"<pdfuaid:part>1<", b"<pdfuaid:part>7<")
+
+
+@accessible_fault("6.6.2")
+def undescribed_property(pdf):
+    replace_metadata(pdf, b"<pdfaSchema:prefix>pdfuaid<", b"<pdfaSchema:prefix>another<")
+
+
+@accessible_fault("7.1")
+def untagged_text(pdf):
+    data, write = content_of(pdf)
+    write(re.sub(rb"/P<</MCID \d+>>BDC\n(.*?)EMC\n", rb"\1", data, count=1, flags=re.DOTALL))
+
+
+@accessible_fault("7.1")
+def artifact_within_tags(pdf):
+    data, write = content_of(pdf)
+    write(re.sub(rb"(/P<</MCID \d+>>BDC\n)(.*?)EMC\n", rb"\1/Artifact BMC\n\2EMC\nEMC\n", data, count=1, flags=re.DOTALL))
+
+
+@accessible_fault("7.1")
+def suspect(pdf):
+    pdf.Root.MarkInfo.Suspects = True
+
+
+@accessible_fault("7.1")
+def title_not_shown(pdf):
+    pdf.Root.ViewerPreferences.DisplayDocTitle = False
+
+
+@accessible_fault("7.1")
+def no_title(pdf):
+    packet = pdf.Root.Metadata.read_bytes()
+    pdf.Root.Metadata.write(re.sub(rb"<dc:title>.*?</dc:title>\n", b"", packet))
+
+
+@accessible_fault("7.2")
+def no_language(pdf):
+    del pdf.Root["/Lang"]
+
+
+@accessible_fault("7.2")
+def cell_without_row(pdf):
+    elements(pdf, "TR")[0].S = Name.Div
+
+
+@accessible_fault("7.2")
+def row_too_short(pdf):
+    row = elements(pdf, "TR")[-1]
+    row.K = Array(list(row.K)[:-1])
+
+
+@accessible_fault("7.2")
+def span_too_wide(pdf):
+    data_cell(pdf).A.ColSpan = 2
+
+
+@accessible_fault("7.2")
+def group_with_text(pdf):
+    elements(pdf, "P")[0].S = Name.Sect
+
+
+@accessible_fault("7.3")
+def figure_without_text(pdf):
+    del elements(pdf, "Figure")[0]["/Alt"]
+
+
+@accessible_fault("7.3")
+def figure_without_box(pdf):
+    del elements(pdf, "Figure")[0].A["/BBox"]
+
+
+@accessible_fault("7.4.2")
+def heading_left_out(pdf):
+    elements(pdf, "H2")[0].S = Name.H3
+
+
+@accessible_fault("7.4.2")
+def first_heading_of_second_level(pdf):
+    elements(pdf, "H1")[0].S = Name.H2
+
+
+@accessible_fault("7.4.4")
+def heading_without_level(pdf):
+    elements(pdf, "H2")[0].S = Name.H
+
+
+@accessible_fault("7.5")
+def head_without_scope(pdf):
+    del elements(pdf, "TH")[0].A["/Scope"]
+
+
+@accessible_fault("7.5")
+def cell_without_heads(pdf):
+    del data_cell(pdf).A["/Headers"]
+
+
+@accessible_fault("7.5")
+def heads_of_nobody(pdf):
+    data_cell(pdf).A.Headers = Array([String("none")])
+
+
+@accessible_fault("7.5")
+def heads_of_another_table(pdf):
+    first = elements(pdf, "TH")[0].ID
+    last = [cell for cell in elements(pdf, "TD") if "/Headers" in cell.get("/A", {})][-1]
+    last.A.Headers = Array([first])
+
+
+@accessible_fault("7.5")
+def table_without_heads(pdf):
+    for head in elements(pdf, "TH"):
+        head.S = Name.TD
+
+
+@accessible_fault("7.8")
+def unknown_furniture(pdf):
+    data, write = content_of(pdf)
+    write(data + b"/Artifact<</Type/Pagination/Subtype/Nice>>BDC\n0 0 1 1 re f\nEMC\n")
+
+
+@accessible_fault("7.11")
+def attached_without_name(pdf):
+    attach(pdf, ["/UF"])
+
+
+@accessible_fault("7.18.1")
+def link_outside_of_structure(pdf):
+    link = elements(pdf, "Link")[0]
+    link.K = Array([kid for kid in link.K if not isinstance(kid, Dictionary)])
+
+
+@accessible_fault("7.18.3")
+def tabs_in_another_order(pdf):
+    linked(pdf).Tabs = Name.R
+
+
+@accessible_fault("7.18.5")
+def link_without_words(pdf):
+    del linked(pdf).Annots[0]["/Contents"]
+
+
+@accessible_fault("7.18.5")
+def link_in_a_paragraph(pdf):
+    elements(pdf, "Link")[0].S = Name.Span
+
+
 def planted(function, in_bytes, sound, target):
     if in_bytes:
         target.write_bytes(function(sound.read_bytes()))
@@ -393,23 +693,27 @@ def planted(function, in_bytes, sound, target):
         target.write_bytes(target.read_bytes().replace(b"/ID [", b"/Id ["))
 
 
-def main(path):
+def failures_of(path, faults, folder):
     failures = [f"the sound file: {finding}" for finding in findings_of(path)]
     sound = pathlib.Path(path)
+    target = pathlib.Path(folder) / "planted.pdf"
+    planted(None, False, sound, target)
+    failures += [f"the sound file, saved again: {finding}" for finding in findings_of(target)]
+    for clause, function, in_bytes in faults:
+        planted(function, in_bytes, sound, target)
+        try:
+            found = findings_of(target)
+        except Exception as error:
+            failures.append(f"{function.__name__}: {error!r}")
+            continue
+        if not any(finding.clause.endswith(f", {clause}") and "cannot be judged" not in finding.text for finding in found):
+            failures.append(f"{function.__name__} is not found under {clause}: {found}")
+    return failures
+
+
+def main(path):
     with tempfile.TemporaryDirectory() as folder:
-        target = pathlib.Path(folder) / "planted.pdf"
-        planted(None, False, sound, target)
-        failures += [f"the sound file, saved again: {finding}" for finding in findings_of(target)]
-        for clause, function, in_bytes in FAULTS:
-            planted(function, in_bytes, sound, target)
-            try:
-                found = findings_of(target)
-            except Exception as error:
-                failures.append(f"{function.__name__}: {error!r}")
-                continue
-            if not any(finding.clause.endswith(f", {clause}") and "cannot be judged" not in finding.text
-                       for finding in found):
-                failures.append(f"{function.__name__} is not found under {clause}: {found}")
+        failures = failures_of(path, FAULTS, folder)
     print("\n".join(failures) or f"{len(FAULTS)} faults, each found")
     return len(failures)
 

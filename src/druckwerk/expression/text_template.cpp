@@ -145,6 +145,13 @@ bool TextTemplate::isConstant() const {
                        [](const Piece& piece) { return std::holds_alternative<String>(piece); });
 }
 
+bool TextTemplate::hasPageNumber() const {
+    return std::ranges::any_of(pieces_, [](const Piece& piece) {
+        const auto* counter = std::get_if<Counter>(&piece);
+        return counter != nullptr && (*counter == Counter::Page || *counter == Counter::Pages);
+    });
+}
+
 std::vector<std::size_t> TextTemplate::slots() const {
     std::vector<std::size_t> slots;
     for (const auto& piece : pieces_) {

@@ -26,6 +26,8 @@ class TextTemplate {
     bool hasAggregates() const;
     bool hasPageCount() const { return hasPageCount_; }
     bool isConstant() const;
+    /// Whether it shows which page of how many it stands on.
+    bool hasPageNumber() const;
     std::vector<std::size_t> slots() const;
     /// The slots of the names within its aggregates.
     std::vector<std::size_t> aggregatedSlots() const;

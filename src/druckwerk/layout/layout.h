@@ -86,7 +86,9 @@ struct Chart {
 /// An element that only the SVG library can draw, by its id.
 struct ForeignItem {
     std::string id;
-    int form = 0; ///< number of the form among the document's resources
+    int form = 0;      ///< number of the form among the document's resources
+    std::string title; ///< what it shows, in words; an ornament has none
+    Box box;           ///< around it, as far as its attributes say
 };
 
 /// The element of a condition that chooses a look: it is printed in any case, as one or the other.

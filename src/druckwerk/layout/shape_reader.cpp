@@ -43,6 +43,24 @@ std::string dashesOf(const Style& style, double scale) {
     return out + " d ";
 }
 
+/// What SVG calls an element, for those who do not see it.
+std::string titleOf(const xmlNode* node) {
+    std::string title;
+    for (const xmlNode* child = node->children; child != nullptr; child = child->next)
+        if (svgName(child) == "title")
+            for (const xmlNode* part = child->children; part != nullptr; part = part->next)
+                if (part->content != nullptr)
+                    title += reinterpret_cast<const char*>(part->content);
+    return title;
+}
+
+/// The page, where the element has no upright extent of its own.
+Box extentOf(const Layout& layout, const xmlNode* node, const Context& context) {
+    const bool hasExtent =
+        hasAttribute(node, "width") && hasAttribute(node, "height") && context.matrix.isUpright();
+    return hasExtent ? boxOf(node, context.matrix, "Bild") : Box{0, 0, layout.width, layout.height};
+}
+
 } // namespace
 
 double lengthOf(const xmlNode* node, const char* name, double otherwise) {
@@ -142,7 +160,8 @@ void readForeign(BandBuilder& band, xmlNode* node, const Context& context) {
         id = "kvt-" + std::to_string(layout.foreignIds.size());
         xmlNewProp(node, reinterpret_cast<const xmlChar*>("id"), reinterpret_cast<const xmlChar*>(id.c_str()));
     }
-    ForeignItem item{id, static_cast<int>(layout.foreignIds.size())};
+    ForeignItem item{id, static_cast<int>(layout.foreignIds.size()), titleOf(node),
+                     extentOf(layout, node, context)};
     layout.foreignIds.push_back(id);
     band.add(std::move(item), context);
 }

@@ -2,6 +2,7 @@
 
 #include "druckwerk/pdf/pdf_syntax.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -19,29 +20,87 @@ std::int64_t hundredths(double value) {
     return whole + (rest >= 0.5 ? 1 : rest <= -0.5 ? -1 : 0);
 }
 
+/// How furniture is marked, by its kind.
+constexpr std::array kFurniture = {"/Artifact BMC\n", "/Artifact<</Type/Pagination/Subtype/Header>>BDC\n",
+                                   "/Artifact<</Type/Pagination/Subtype/Footer>>BDC\n",
+                                   "/Artifact<</Type/Pagination>>BDC\n"};
+
+constexpr const char* kNoText = "<FEFF>"; // of what an earlier mark says
+
 } // namespace
 
 void Canvas::clear() {
     buffer_.clear();
     parts_.clear();
+    owners_.clear();
     resetState();
 }
 
 void Canvas::resetState() {
-    inText_ = inGraphics_ = false;
+    inText_ = inGraphics_ = marked_ = false;
     font_ = -1;
     colorKnown_ = false;
 }
 
+void Canvas::belongTo(TaggedContent* content, Furniture furniture) {
+    if (content != content_ || furniture != furniture_)
+        endMark();
+    content_ = content;
+    furniture_ = furniture;
+}
+
+void Canvas::setActualText(std::string pdfString) {
+    endMark();
+    actualText_ = std::move(pdfString);
+}
+
+/// Marks begin and end within a text object or outside of all (ISO 32000-1, 14.6.1); so one content may need
+/// several.
+void Canvas::beginMark() {
+    if (output_ == nullptr || marked_)
+        return;
+    marked_ = true;
+    if (content_ == nullptr) {
+        buffer_ += kFurniture[static_cast<std::size_t>(furniture_)];
+        return;
+    }
+    if (content_->element == 0)
+        content_->element = output_->allocate();
+    const std::string number = std::to_string(owners_.size());
+    owners_.push_back(content_->element);
+    content_->kids += number;
+    content_->kids += ' ';
+    buffer_ += '/';
+    buffer_ += content_->type;
+    buffer_ += "<</MCID ";
+    buffer_ += number;
+    if (!actualText_.empty()) {
+        buffer_ += "/ActualText";
+        buffer_ += actualText_;
+        actualText_ = kNoText;
+    }
+    buffer_ += ">>BDC\n";
+}
+
+void Canvas::endMark() {
+    if (marked_)
+        buffer_ += "EMC\n";
+    marked_ = false;
+}
+
 void Canvas::endText() {
-    if (inText_)
-        buffer_ += "ET\n";
+    if (!inText_)
+        return;
+    endMark();
+    buffer_ += "ET\n";
     inText_ = false;
 }
 
 void Canvas::endGraphics() {
-    if (inGraphics_)
-        buffer_ += "Q\n";
+    if (!inGraphics_)
+        return;
+    endMark();
+    buffer_ += "Q\n";
     inGraphics_ = false;
 }
 
@@ -64,6 +123,7 @@ void Canvas::moveText(Point at, Rgb color) {
         inText_ = true;
         lineX_ = lineY_ = 0;
     }
+    beginMark();
     if (!colorKnown_ || color != color_) {
         color_ = color;
         colorKnown_ = true;
@@ -158,6 +218,7 @@ void Canvas::draw(std::string_view operators, double down) {
         inGraphics_ = true;
         down_ = down;
     }
+    beginMark();
     buffer_ += operators;
 }
 

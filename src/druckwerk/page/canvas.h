@@ -2,6 +2,7 @@
 #pragma once
 
 #include "druckwerk/common/geometry.h"
+#include "druckwerk/pdf/pdf_output.h"
 #include "druckwerk/text/face.h"
 #include "druckwerk/text/shaped_text.h"
 
@@ -25,10 +26,32 @@ struct LateText {
     }
 };
 
+/// A part of the document's structure that is drawn: its element, and what of the page shows it (ISO
+/// 32000-1, 14.7.4).
+struct TaggedContent {
+    const char* type = "P";
+    int element = 0;       ///< the element's object; allocated when something is drawn
+    std::string kids = {}; ///< the element's entries of K, a blank behind each
+    bool follows = false;  ///< other text of the element stands before
+};
+
+/// Why a part of a page says nothing of its own (ISO 32000-1, 14.8.2.2; ISO 14289-1, 7.8).
+enum class Furniture : std::uint8_t { Drawing, Header, Footer, Carried };
+
 /// The content of one page.
 class Canvas {
   public:
     explicit Canvas(double pageHeight = 0) : height_(pageHeight) {}
+
+    /// From now on everything that is drawn says what it belongs to; `output` has the numbers of the elements.
+    void beginTagging(PdfOutput& output) { output_ = &output; }
+    /// What is drawn from now on shows `content`, which outlives that; nullptr: it is `furniture`.
+    void belongTo(TaggedContent* content, Furniture furniture = Furniture::Drawing);
+    TaggedContent* content() const { return content_; }
+    /// What the next text says, where its characters alone don't (ISO 32000-1, 14.9.4); empty: what they say.
+    void setActualText(std::string pdfString);
+    /// The element of each mark of the page, by the mark's number.
+    const std::vector<int>& owners() const { return owners_; }
 
     /// Sets a line of text; `at` is the left end of its baseline.
     void show(const ShapedText& text, Point at, double size, Rgb color);
@@ -60,6 +83,8 @@ class Canvas {
     };
     void endText();
     void endGraphics();
+    void beginMark();
+    void endMark();
     void moveText(Point at, Rgb color);
     void setFont(const Face& face, double size);
     void showRun(const ShapedRun& run);
@@ -79,6 +104,12 @@ class Canvas {
     double size_ = 0;
     bool colorKnown_ = false;
     Rgb color_;
+    PdfOutput* output_ = nullptr; ///< where the document is tagged
+    TaggedContent* content_ = nullptr;
+    Furniture furniture_ = Furniture::Drawing;
+    bool marked_ = false;
+    std::string actualText_;
+    std::vector<int> owners_;
 };
 
 } // namespace kvtdruck::druckwerk

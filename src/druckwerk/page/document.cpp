@@ -20,7 +20,12 @@ std::string mediaBox(double width, double height) {
 
 PdfDocument::PdfDocument(const std::filesystem::path& file, PdfLevel level, FontLibrary::Warn warn)
     : level_(level), output_(file), fonts_(output_, warn), warn_(std::move(warn)), root_(output_.allocate()),
-      resources_(output_.allocate()) {}
+      resources_(output_.allocate()) {
+    if (level_ != PdfLevel::Accessible)
+        return;
+    structure_.emplace(output_);
+    canvas_.beginTagging(output_);
+}
 
 void PdfDocument::setPageSize(double width, double height) {
     size_ = {width, height};
@@ -47,19 +52,35 @@ void PdfDocument::beginPage() {
         output_.workBeside();
     page_ = output_.allocate();
     links_.clear();
+    if (structure_)
+        pageKey_ = structure_->beginPage();
 }
 
-/// A border would be drawn; archives print what is no popup (ISO 19005-3, 6.3.2).
-void PdfDocument::link(const Box& box, const std::string& uri) {
+/// A border would be drawn; archives print what is no popup (ISO 19005-3, 6.3.2). In a structure a link is an
+/// element with its text and its annotation (ISO 14289-1, 7.18.5; ISO 32000-1, 14.8.4.4.2).
+void PdfDocument::link(const Box& box, const std::string& uri, const TaggedContent& text) {
+    TaggedContent* around = canvas_.content();
+    if (structure_ && (around == nullptr || text.element == 0))
+        return;
     std::string body = "<</Type/Annot/Subtype/Link/Border[0 0 0]/F 4/Rect[";
     for (const double value : {box.x, canvas_.height() - box.bottom(), box.right(), canvas_.height() - box.y}) {
         appendNumber(body, value);
         body += ' ';
     }
     const int object = output_.allocate();
+    const std::string key =
+        structure_ ? "/StructParent " + std::to_string(structure_->own(text.element)) : std::string();
     output_.writeObject(object, body + "]/Contents" + hexadecimalString(uri) + "/A<</S/URI/URI" +
-                                    hexadecimalString(uri) + ">>>>");
+                                    hexadecimalString(uri) + ">>" + key + ">>");
     links_ += reference(object) + " ";
+    if (!structure_)
+        return;
+    if (around->element == 0)
+        around->element = output_.allocate();
+    around->kids += reference(text.element) + " ";
+    structure_->write(text.element, "Link", around->element,
+                      "/Pg " + reference(page_) + "/K[" + text.kids + "<</Type/OBJR/Obj " + reference(object) +
+                          ">>]");
 }
 
 int PdfDocument::lateObject(const LateText& late) {
@@ -88,14 +109,23 @@ void PdfDocument::endPage() {
     output_.writeObject(page_, "<</Type/Page/Parent " + reference(nodes_[kids_.size() / kPagesPerNode]) +
                                    (size_ == firstSize_ ? "" : mediaBox(size_.width, size_.height)) +
                                    "/Resources " + reference(resources_) + "/Contents[" + contents + "]" +
-                                   (links_.empty() ? "" : "/Annots[" + links_ + "]") + ">>");
+                                   (links_.empty() ? "" : "/Annots[" + links_ + "]") +
+                                   (structure_ ? "/Tabs/S/StructParents " + std::to_string(pageKey_) : "") + ">>");
     kids_.push_back(page_);
+    if (structure_)
+        structure_->endPage(canvas_.owners());
+}
+
+PdfDocument::Mark PdfDocument::mark() {
+    return {kids_.size(), bookmarks_.size(), structure_ ? structure_->mark() : StructureTree::Mark{}};
 }
 
 void PdfDocument::dropSince(const Mark& mark) {
     pages_ = static_cast<int>(mark.pages);
     kids_.resize(mark.pages);
     bookmarks_.shrink(mark.bookmarks);
+    if (structure_)
+        structure_->dropSince(mark.structure);
 }
 
 void PdfDocument::bookmark(const std::vector<String>& path, double y) {
@@ -169,6 +199,13 @@ std::string PdfDocument::writeArchiveEntries(const DocumentInfo& info) {
            reference(profile) + ">>]";
 }
 
+/// The structure, which is complete and can be relied on (ISO 32000-1, 14.7.1; ISO 14289-1, 7.1).
+std::string PdfDocument::writeStructureEntries() {
+    if (!structure_)
+        return {};
+    return "/MarkInfo<</Marked true>>/StructTreeRoot " + reference(structure_->finish());
+}
+
 /// What leads from the catalog to places and to data: outline, named destinations, the attachment.
 std::string PdfDocument::writeNavigation(const DocumentInfo& info, const Attachment* attachment) {
     std::string entries;
@@ -191,7 +228,7 @@ std::unique_ptr<AtomicFile> PdfDocument::finish(const DocumentInfo& info, const 
     writePageTree();
     writeResources();
     const std::string navigation = writeNavigation(info, attachment);
-    const std::string archive = writeArchiveEntries(info);
+    const std::string archive = writeArchiveEntries(info) + writeStructureEntries();
     const int catalog = output_.allocate();
     output_.writeObject(catalog, "<</Type/Catalog/Pages " + reference(root_) +
                                      "/Lang(de-DE)/ViewerPreferences<</DisplayDocTitle true>>" + navigation +

@@ -7,6 +7,7 @@
 #include "druckwerk/page/canvas.h"
 #include "druckwerk/pdf/metadata.h"
 #include "druckwerk/pdf/pdf_output.h"
+#include "druckwerk/structure/structure_tree.h"
 #include "druckwerk/text/font_library.h"
 
 #include <filesystem>
@@ -26,6 +27,7 @@ class PdfDocument {
     struct Mark {
         std::size_t pages;
         std::size_t bookmarks;
+        StructureTree::Mark structure;
         bool operator==(const Mark&) const = default;
     };
 
@@ -34,6 +36,10 @@ class PdfDocument {
     PdfOutput& output() { return output_; }
     FontLibrary& fonts() { return fonts_; }
     Canvas& canvas() { return canvas_; }
+    /// The document's structure; nullptr where it has none.
+    StructureTree* structure() { return structure_ ? &*structure_ : nullptr; }
+    /// The object of the page in hand.
+    int page() const { return page_; }
     int pages() const { return pages_; }
 
     /// The size of the pages to come, in points. It has to be given before the first page.
@@ -44,8 +50,9 @@ class PdfDocument {
     void bookmark(const std::vector<String>& path, double y);
     /// Gives the pages since `mark` an entry, where they have none.
     void bookmarkSince(const Mark& mark, const std::vector<String>& path);
-    /// Makes `box` of the page in hand lead to `uri`, which is ASCII.
-    void link(const Box& box, const std::string& uri);
+    /// Makes `box` of the page in hand lead to `uri`, which is ASCII. In a tagged document `text` is what shows the
+    /// link, within the content that the canvas is at; furniture leads nowhere.
+    void link(const Box& box, const std::string& uri, const TaggedContent& text);
     /// The resource "/O<fill>_<stroke>" (opacities in thousandths).
     void useOpacity(int fill, int stroke) { opacities_.insert({fill, stroke}); }
     /// Makes the form objects `objects` of `source` the resources "/X<number>" and those after it; gives that
@@ -57,7 +64,7 @@ class PdfDocument {
     /// Lets the number of pages be set in `face`.
     void useFace(Face& face) { faces_[face.number()] = &face; }
 
-    Mark mark() const { return {kids_.size(), bookmarks_.size()}; }
+    Mark mark();
     /// Takes out every page and bookmark since `mark`.
     void dropSince(const Mark& mark);
 
@@ -77,11 +84,13 @@ class PdfDocument {
     void writeResources();
     std::string writeNavigation(const DocumentInfo& info, const Attachment* attachment);
     std::string writeArchiveEntries(const DocumentInfo& info);
+    std::string writeStructureEntries();
 
     PdfLevel level_;
     PdfOutput output_;
     FontLibrary fonts_;
     Canvas canvas_;
+    std::optional<StructureTree> structure_;
     FontLibrary::Warn warn_;
     Size size_;
     Size firstSize_; ///< what pages have that say nothing else
@@ -89,6 +98,7 @@ class PdfDocument {
     int root_;
     int resources_;
     int page_ = 0;
+    int pageKey_ = 0;   ///< of the page in hand, in the structure
     std::string links_; ///< of the page in hand: references to their objects
     std::vector<int> kids_;
     std::vector<int> nodes_; ///< of the page tree, each of `kPagesPerNode` pages

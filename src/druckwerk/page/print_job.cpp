@@ -1,6 +1,7 @@
 #include "druckwerk/page/print_job.h"
 
 #include "druckwerk/page/artwork.h"
+#include "druckwerk/structure/chart_description.h"
 #include "values/conversion.h"
 
 namespace kvtdruck::druckwerk {
@@ -30,6 +31,13 @@ PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& documen
         document_.useOpacity(fill, stroke);
     if (!layout_.foreignIds.empty())
         firstForm_ = embedArtwork(document_, layout_, layoutFolder);
+    if (document_.structure() != nullptr)
+        structure_ = std::make_unique<JobStructure>(layout_, document_, [this](const TextItem& item) {
+            text_.clear();
+            item.text.append(scene(Moment::Now), text_);
+            document_.fonts().setPlace(&item.place);
+            return setter_.width(text_, setter_.face(item.font), item.size);
+        });
 }
 
 PrintJob::~PrintJob() {
@@ -51,7 +59,9 @@ void PrintJob::beginPage() {
         closePage();
     }
     document_.beginPage();
-    if (!bookmark_.empty() && document_.mark() == begin_)
+    if (structure_)
+        structure_->beginPage();
+    if (!bookmark_.empty() && static_cast<std::size_t>(document_.pages()) == begin_.pages + 1)
         document_.bookmark(bookmark_, 0);
     definitions_.mark(Moment::PageBegin);
     totals_.reset(kPageScope);
@@ -81,6 +91,8 @@ void PrintJob::closePage() {
         flow(*layout_.carriedOut, Moment::Printed, 0);
     if (layout_.footer)
         draw(*layout_.footer, Moment::Printed, 0, 0, Pass::Late);
+    if (structure_)
+        structure_->endPage();
     document_.endPage();
     pageOpen_ = false;
 }
@@ -172,7 +184,7 @@ std::size_t PrintJob::firstBrokenGroup() const {
 
 /// Prints the feet of the open groups from the innermost to `level`; false where one does not fit.
 bool PrintJob::closeGroups(std::size_t level) {
-    for (; openGroups_ > level; --openGroups_) {
+    for (; openGroups_ > level; leaveGroup()) {
         const auto& foot = layout_.groups[openGroups_ - 1].foot;
         if (!foot || !holds(*foot, Moment::Printed))
             continue;
@@ -183,6 +195,12 @@ bool PrintJob::closeGroups(std::size_t level) {
         flow(*foot, Moment::Printed, growth);
     }
     return true;
+}
+
+void PrintJob::leaveGroup() {
+    --openGroups_;
+    if (structure_)
+        structure_->closeGroup(openGroups_);
 }
 
 void PrintJob::openGroups() {
@@ -249,6 +267,8 @@ void PrintJob::closeTable() {
 void PrintJob::finish(const String& heading) {
     if (pageOpen_)
         closePage();
+    if (structure_)
+        structure_->finish();
     document_.bookmarkSince(begin_, {heading});
     if (sampler_ && tableLines_ > 0)
         sampled_(sampler_->finish(scene(Moment::Printed), document_.pages()));
@@ -288,6 +308,8 @@ void PrintJob::draw(const Band& band, Moment moment, double down, double growth,
         sampler_->take(band, now, pass == Pass::All ? std::nullopt : std::optional(pass == Pass::Late));
     if (!band.bookmark.empty() && pass != Pass::Late)
         addBookmark(band, now, band.top + down);
+    if (structure_)
+        structure_->begin(band, now);
     for (const Item& item : band.items) {
         if (pass != Pass::All && item.late != (pass == Pass::Late))
             continue;
@@ -297,6 +319,8 @@ void PrintJob::draw(const Band& band, Moment moment, double down, double growth,
         if (shown)
             drawItem(item, band, now, down, growth);
     }
+    if (structure_)
+        structure_->end();
 }
 
 void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, double down, double growth) {
@@ -304,8 +328,10 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
     if (const auto* text = std::get_if<TextItem>(&item.content)) {
         text_.clear();
         text->text.append(now, text_);
+        show(item, text_, down);
         setter_.set(*text, text_, down, growth);
     } else if (const auto* shape = std::get_if<Shape>(&item.content)) {
+        show(item);
         constexpr double kEdge = 0.5 * 72 / 25.4; // what lies this close to the lower edge moves with it
         if (growth > 0 && shape->atEdge)
             canvas.draw(shape->operators(layout_.height, band.bottom() - kEdge, growth), down);
@@ -313,18 +339,29 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
             canvas.draw(shape->compiled, down);
     } else if (const auto* found = std::get_if<std::unique_ptr<Chart>>(&item.content)) {
         const Chart& chart = **found;
+        ChartPoints points = chart.rows ? points_[chart.rowChart] : pointsOf(chart, now);
+        if (structure_)
+            show(item, describe(chart, points, definitions_.locale()), down);
         PageSurface surface(canvas, setter_);
-        drawChart(chart, chart.rows ? points_[chart.rowChart] : pointsOf(chart, now), definitions_.locale(), down,
-                  surface, setter_, warn_);
+        drawChart(chart, std::move(points), definitions_.locale(), down, surface, setter_, warn_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
+        if (structure_)
+            show(item, fromUtf8(foreign->title), down);
         canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
     }
+}
+
+void PrintJob::show(const Item& item, StringView text, double down) {
+    if (structure_)
+        structure_->show(item, text, down);
 }
 
 void PrintJob::addBookmark(const Band& band, const Scene& now, double y) {
     std::vector<String> path = bookmark_;
     for (const TextTemplate& level : band.bookmark)
         level.append(now, path.emplace_back());
+    if (structure_)
+        structure_->setPlace(std::span(path).subspan(bookmark_.size()));
     document_.bookmark(path, y);
 }
 

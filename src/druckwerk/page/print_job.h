@@ -5,6 +5,9 @@
 #include "druckwerk/page/chart_drawing.h"
 #include "druckwerk/page/sampler.h"
 #include "druckwerk/page/text_setter.h"
+#include "druckwerk/structure/job_structure.h"
+
+#include <memory>
 
 namespace kvtdruck::druckwerk {
 
@@ -39,6 +42,7 @@ class PrintJob {
     bool printSheet();
     std::size_t firstBrokenGroup() const;
     bool closeGroups(std::size_t level);
+    void leaveGroup();
     void openGroups();
     void repeatGroupHeads();
     bool wantsNewPage(std::size_t brokenGroup) const;
@@ -56,6 +60,8 @@ class PrintJob {
     enum class Pass : std::uint8_t { All, Early, Late };
     void draw(const Band& band, Moment moment, double down, double growth = 0, Pass pass = Pass::All);
     void drawItem(const Item& item, const Band& band, const Scene& scene, double down, double growth);
+    /// Tells the structure, where there is one, that the item is drawn now.
+    void show(const Item& item, StringView text = {}, double down = 0);
     void addBookmark(const Band& band, const Scene& scene, double y);
 
     const Layout layout_;
@@ -69,7 +75,8 @@ class PrintJob {
     bool finished_ = false;
     int firstForm_ = 0;
     TextSetter setter_;
-    std::vector<ChartPoints> points_; ///< what lines have given to the layout's charts of lines
+    std::unique_ptr<JobStructure> structure_; ///< where the document has one
+    std::vector<ChartPoints> points_;         ///< what lines have given to the layout's charts of lines
     SampleSink sampled_;
     std::optional<Sampler> sampler_; ///< where somebody asks for what is shown
     const double top_;

@@ -1,6 +1,6 @@
 #include "druckwerk/page/text_setter.h"
 
-#include "druckwerk/page/addresses.h"
+#include "druckwerk/pdf/pdf_syntax.h"
 #include "values/code_points.h"
 
 #include <algorithm>
@@ -35,6 +35,34 @@ std::size_t linesIn(const TextItem& item, double growth) {
     return 1 + static_cast<std::size_t>(std::max(0.0, (room + kTolerance) / (item.size * kLineSpacing)));
 }
 
+bool isPrivateUse(char16_t c) {
+    return (c >= 0xE000 && c <= 0xF8FF) || (c >= 0xDB80 && c <= 0xDBFF); // the first halves of planes 15 and 16
+}
+
+bool hasPrivateUse(StringView text) {
+    return std::ranges::any_of(text, isPrivateUse);
+}
+
+String withoutPrivateUse(StringView text) {
+    String out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        out += isPrivateUse(text[i]) ? u'\uFFFD' : text[i];
+        i += text[i] >= 0xDB80 && text[i] <= 0xDBFF ? 1 : 0;
+    }
+    return out;
+}
+
+/// The addresses of a line of `whole`; one that is shown in part is none.
+std::vector<Address> linksIn(const TextItem& item, StringView whole, StringView text) {
+    if (item.text.isLoneNumber() || item.turned)
+        return {};
+    auto found = addressesIn(text);
+    std::erase_if(found, [complete = found.empty() ? found : addressesIn(whole)](const Address& address) {
+        return std::ranges::find(complete, address.uri, &Address::uri) == complete.end();
+    });
+    return found;
+}
+
 } // namespace
 
 TextSetter::TextSetter(PdfDocument& document, const std::vector<Layout::Font>& fonts, FontLibrary::Warn warn,
@@ -55,31 +83,76 @@ void TextSetter::tellTight(const TextItem& item, StringView text, double needed,
         tight_({item.place, toUtf8(text), lines, needed, room});
 }
 
+/// Characters for private use say nothing to others (ISO 19005-3, 6.2.11.7.3): the text says that there is one.
+void TextSetter::show(StringView text, Point at, double size, Rgb color) {
+    Canvas& canvas = document_.canvas();
+    if (document_.structure() == nullptr || !hasPrivateUse(text))
+        return canvas.show(shaped_, at, size, color);
+    canvas.setActualText(pdfText(withoutPrivateUse(text)));
+    canvas.show(shaped_, at, size, color);
+    canvas.setActualText({});
+}
+
 void TextSetter::line(StringView text, Face& face, Point at, double size, Rgb color, Anchor anchor) {
     document_.fonts().shape(text, face, shaped_);
     at.x -= shaped_.width * size * shareLeft(anchor);
-    document_.canvas().show(shaped_, at, size, color);
+    show(text, at, size, color);
+}
+
+void TextSetter::separate(const TextItem& item, Point at, double size) {
+    const TaggedContent* content = document_.canvas().content();
+    if (content == nullptr || (!content->follows && content->kids.empty()))
+        return;
+    document_.fonts().shape(u" ", faceOf(item), blank_);
+    document_.canvas().show(blank_, at, size, item.color);
 }
 
 void TextSetter::showLine(const TextItem& item, StringView whole, StringView text, Point at, double size) {
     document_.fonts().shape(text, faceOf(item), shaped_);
     at.x -= shaped_.width * size * shareLeft(item.anchor);
-    document_.canvas().show(shaped_, at, size, item.color);
-    link(item, whole, text, at, size);
+    showShaped(item, whole, text, at, size);
 }
 
-void TextSetter::link(const TextItem& item, StringView whole, StringView text, Point at, double size) {
-    if (item.text.isLoneNumber() || item.turned)
-        return;
-    for (const Address& address : addressesIn(text)) {
-        const auto complete = addressesIn(whole);
-        if (std::ranges::find(complete, address.uri, &Address::uri) == complete.end())
-            continue;
-        const double left = width(text.substr(0, address.begin), faceOf(item), size);
-        const double right = width(text.substr(0, address.end), faceOf(item), size);
-        document_.link({at.x + left, at.y - kAscent * size, right - left, (kAscent + kDescent) * size},
-                       address.uri);
+Box TextSetter::boxOf(const Address& address, const TextItem& item, StringView text, Point at, double size) {
+    const double left = width(text.substr(0, address.begin), faceOf(item), size);
+    const double right = width(text.substr(0, address.end), faceOf(item), size);
+    return {at.x + left, at.y - kAscent * size, right - left, (kAscent + kDescent) * size};
+}
+
+void TextSetter::showShaped(const TextItem& item, StringView whole, StringView text, Point at, double size) {
+    separate(item, at, size);
+    const auto links = linksIn(item, whole, text);
+    const bool tagged = document_.structure() != nullptr;
+    if (tagged && !links.empty() && document_.canvas().content() != nullptr)
+        return showParts(item, text, links, at, size);
+    show(text, at, size, item.color);
+    if (!tagged)
+        for (const Address& address : links)
+            document_.link(boxOf(address, item, text, at, size), address.uri, {});
+}
+
+void TextSetter::showParts(const TextItem& item, StringView text, const std::vector<Address>& links, Point at,
+                           double size) {
+    Canvas& canvas = document_.canvas();
+    TaggedContent* const around = canvas.content();
+    const auto showPart = [&](std::size_t begin, std::size_t end) {
+        if (begin == end)
+            return;
+        const double left = width(text.substr(0, begin), faceOf(item), size);
+        document_.fonts().shape(text.substr(begin, end - begin), faceOf(item), shaped_);
+        show(text.substr(begin, end - begin), {at.x + left, at.y}, size, item.color);
+    };
+    std::size_t shown = 0;
+    for (const Address& address : links) {
+        showPart(shown, address.begin);
+        TaggedContent link{.type = "Link"};
+        canvas.belongTo(&link);
+        showPart(address.begin, address.end);
+        canvas.belongTo(around);
+        document_.link(boxOf(address, item, text, at, size), address.uri, link);
+        shown = address.end;
     }
+    showPart(shown, text.size());
 }
 
 void TextSetter::showPageCount(const TextItem& item, StringView text, Point at) {
@@ -120,8 +193,7 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
     const double width = shaped_.width * item.size;
     if (width <= room + kTolerance) {
         const Point left{at.x - width * shareLeft(item.anchor), at.y};
-        document_.canvas().show(shaped_, left, item.size, item.color);
-        link(item, text, text, left, item.size);
+        showShaped(item, text, text, left, item.size);
     } else if (item.fit == Fit::Shrink || item.text.isLoneNumber())
         shrink(item, text, at, room);
     else {

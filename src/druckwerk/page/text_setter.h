@@ -3,6 +3,7 @@
 
 #include "druckwerk/common/options.h"
 #include "druckwerk/layout/layout.h"
+#include "druckwerk/page/addresses.h"
 #include "druckwerk/page/document.h"
 
 namespace kvtdruck::druckwerk {
@@ -44,9 +45,17 @@ class TextSetter {
   private:
     /// Sets a line of `whole`, the text of `item`, of which it may be a part.
     void showLine(const TextItem& item, StringView whole, StringView text, Point at, double size);
-    /// Makes the addresses of a line links; `at` is the left end of its baseline. An address that is shown in part
-    /// is none.
-    void link(const TextItem& item, StringView whole, StringView text, Point at, double size);
+    /// Sets the line that was shaped last; `at` is the left end of its baseline. Its addresses become links.
+    void showShaped(const TextItem& item, StringView whole, StringView text, Point at, double size);
+    /// The same where the document has a structure: each link is a part of its own there.
+    void showParts(const TextItem& item, StringView text, const std::vector<Address>& links, Point at, double size);
+    /// Sets a blank where the text of a line begins that stands behind other text of its element: readers have no
+    /// other sign that a word ends there (ISO 32000-1, 14.8.2.5).
+    void separate(const TextItem& item, Point at, double size);
+    /// Sets what was shaped last, which is `text`.
+    void show(StringView text, Point at, double size, Rgb color);
+    /// Where an address of the line is, whose baseline begins at `at`.
+    Box boxOf(const Address& address, const TextItem& item, StringView text, Point at, double size);
     void showPageCount(const TextItem& item, StringView text, Point at);
     void shrink(const TextItem& item, StringView text, Point at, double room);
     void wrap(const TextItem& item, StringView text, Point at, double room, double growth);
@@ -64,6 +73,7 @@ class TextSetter {
     FontLibrary::Warn warn_;
     TightFieldSink tight_;
     ShapedText shaped_;
+    ShapedText blank_;
 };
 
 } // namespace kvtdruck::druckwerk

@@ -12,6 +12,8 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
+constexpr const char* kAccessibilityNamespace = "http://www.aiim.org/pdfua/ns/id/";
+
 /// `text` as both places can carry it: XML knows no control characters and no noncharacters.
 String carried(StringView text) {
     String out;
@@ -51,9 +53,29 @@ std::string ifAny(const std::string& name, const std::string& before, StringView
     return text.empty() ? "" : element(name, before + xmlText(carried(text)) + after);
 }
 
-/// The identification of PDF/A, ISO 19005-3, 6.6.4.
+/// The identification of PDF/A, ISO 19005-3, 6.6.4, and of PDF/UA, ISO 14289-1, 5.
 std::string identification(PdfLevel level) {
-    return level == PdfLevel::Plain ? "" : element("pdfaid:part", "3") + element("pdfaid:conformance", "U");
+    if (level == PdfLevel::Plain)
+        return {};
+    const bool accessible = level == PdfLevel::Accessible;
+    return element("pdfaid:part", "3") + element("pdfaid:conformance", accessible ? "A" : "U") +
+           (accessible ? element("pdfuaid:part", "1") : "");
+}
+
+/// PDF/A does not know the property that names PDF/UA, so the file describes it (ISO 19005-3, 6.6.2.3.3).
+std::string schemaOfAccessibility() {
+    const std::string resource = " rdf:parseType=\"Resource\">";
+    return "<rdf:Description rdf:about=\"\" xmlns:pdfaExtension=\"http://www.aiim.org/pdfa/ns/extension/\" "
+           "xmlns:pdfaSchema=\"http://www.aiim.org/pdfa/ns/schema#\" "
+           "xmlns:pdfaProperty=\"http://www.aiim.org/pdfa/ns/property#\">\n"
+           "<pdfaExtension:schemas><rdf:Bag><rdf:li" +
+           resource + "\n" + element("pdfaSchema:schema", "PDF/UA Universal Accessibility Schema") +
+           element("pdfaSchema:namespaceURI", kAccessibilityNamespace) + element("pdfaSchema:prefix", "pdfuaid") +
+           "<pdfaSchema:property><rdf:Seq><rdf:li" + resource + "\n" + element("pdfaProperty:name", "part") +
+           element("pdfaProperty:valueType", "Integer") + element("pdfaProperty:category", "internal") +
+           element("pdfaProperty:description", "Indicates, which part of ISO 14289 standard is followed") +
+           "</rdf:li></rdf:Seq></pdfaSchema:property></rdf:li></rdf:Bag></pdfaExtension:schemas>\n"
+           "</rdf:Description>\n";
 }
 
 } // namespace
@@ -80,13 +102,15 @@ std::string infoDictionary(const DocumentInfo& info) {
 
 std::string xmpPacket(const DocumentInfo& info, PdfLevel level) {
     const std::string date = dateText(info.date, "%04d-%02d-%02dT%02d:%02d:%02d", ":", "");
+    const bool accessible = level == PdfLevel::Accessible;
     const std::string language = "<rdf:Alt><rdf:li xml:lang=\"x-default\">";
     return "<?xpacket begin=\"\xef\xbb\xbf\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n"
            "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\">\n"
            "<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">\n"
            "<rdf:Description rdf:about=\"\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
            "xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\" xmlns:pdf=\"http://ns.adobe.com/pdf/1.3/\" "
-           "xmlns:pdfaid=\"http://www.aiim.org/pdfa/ns/id/\">\n" +
+           "xmlns:pdfaid=\"http://www.aiim.org/pdfa/ns/id/\"" +
+           (accessible ? std::string(" xmlns:pdfuaid=\"") + kAccessibilityNamespace + "\"" : "") + ">\n" +
            element("dc:format", "application/pdf") +
            ifAny("dc:title", language, info.title, "</rdf:li></rdf:Alt>") +
            ifAny("dc:creator", "<rdf:Seq><rdf:li>", info.author, "</rdf:li></rdf:Seq>") +
@@ -95,7 +119,8 @@ std::string xmpPacket(const DocumentInfo& info, PdfLevel level) {
            ifAny("pdf:Keywords", "", keywordsOf(info), "") + ifAny("xmp:CreatorTool", "", info.creator, "") +
            ifAny("pdf:Producer", "", info.creator, "") + element("xmp:CreateDate", date) +
            element("xmp:ModifyDate", date) + element("xmp:MetadataDate", date) + identification(level) +
-           "</rdf:Description>\n</rdf:RDF>\n</x:xmpmeta>\n<?xpacket end=\"w\"?>";
+           "</rdf:Description>\n" + (accessible ? schemaOfAccessibility() : "") +
+           "</rdf:RDF>\n</x:xmpmeta>\n<?xpacket end=\"w\"?>";
 }
 
 } // namespace kvtdruck::druckwerk

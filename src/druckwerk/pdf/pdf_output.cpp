@@ -13,7 +13,11 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
-constexpr int kCompressionLevel = 1; // level 6 makes the files a tenth smaller and takes four times as long
+constexpr int kCompressionLevel = 1;     // level 6 makes the files a tenth smaller and takes four times as long
+constexpr std::size_t kMostPacked = 200; // objects in one stream; a place in there fits into a byte
+constexpr unsigned kIndexBits = 8;
+constexpr std::uint64_t kPacked = std::uint64_t{1} << 63;
+constexpr std::size_t kPlaceBytes = 5; // of an offset in the table of objects, up to a terabyte
 
 } // namespace
 
@@ -43,40 +47,53 @@ void PdfOutput::workBeside() {
     if (beside_ || std::thread::hardware_concurrency() < 2)
         return;
     try {
-        beside_ = std::make_unique<TaskQueue<Piece>>(
-            [this](const Piece& piece) { put(piece.kind, piece.number, piece.entries, piece.data); });
+        beside_ = std::make_unique<TaskQueue<Piece>>([this](const Piece& piece) { put(piece); });
     } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch): without a thread it is done as before
     }
 }
 
-void PdfOutput::take(Kind kind, int number, std::string_view entries, std::string_view data) {
-    if (!beside_)
-        return put(kind, number, entries, data);
-    beside_->add([&](Piece& piece) {
+void PdfOutput::take(Kind kind, int number, std::string_view entries, std::string_view data,
+                     const std::vector<int>& packed) {
+    const auto fill = [&](Piece& piece) {
         piece.kind = kind;
         piece.number = number;
         piece.entries = entries;
         piece.data = data;
-    });
+        piece.packed = packed;
+    };
+    if (beside_)
+        return beside_->add(fill);
+    fill(piece_);
+    put(piece_);
 }
 
-void PdfOutput::put(Kind kind, int number, std::string_view entries, std::string_view data) {
+void PdfOutput::note(int number, std::uint64_t place) {
     const auto index = static_cast<std::size_t>(number) - 1;
-    if (index >= offsets_.size())
-        offsets_.resize(index + 1);
-    offsets_[index] = position_;
-    write(std::to_string(number) + " 0 obj\n");
-    if (kind == Kind::Object) {
-        write(data);
+    if (index >= places_.size())
+        places_.resize(index + 1);
+    places_[index] = place;
+}
+
+void PdfOutput::put(const Piece& piece) {
+    note(piece.number, position_);
+    for (std::size_t i = 0; i < piece.packed.size(); ++i)
+        note(piece.packed[i], kPacked | static_cast<std::uint64_t>(piece.number) << kIndexBits | i);
+    write(std::to_string(piece.number) + " 0 obj\n");
+    if (piece.kind == Kind::Object) {
+        write(piece.data);
         write("\nendobj\n");
-    } else if (kind == Kind::RawStream) {
-        putStream(entries, data);
+    } else if (piece.kind == Kind::RawStream) {
+        putStream(piece.entries, piece.data);
     } else {
-        compressed_.resize(libdeflate_zlib_compress_bound(compressor_, data.size()));
-        const std::size_t size =
-            libdeflate_zlib_compress(compressor_, data.data(), data.size(), compressed_.data(), compressed_.size());
-        putStream(std::string(entries) + "/Filter/FlateDecode", std::string_view(compressed_).substr(0, size));
+        putCompressed(piece.entries, piece.data);
     }
+}
+
+void PdfOutput::putCompressed(std::string_view entries, std::string_view data) {
+    compressed_.resize(libdeflate_zlib_compress_bound(compressor_, data.size()));
+    const std::size_t size =
+        libdeflate_zlib_compress(compressor_, data.data(), data.size(), compressed_.data(), compressed_.size());
+    putStream(std::string(entries) + "/Filter/FlateDecode", std::string_view(compressed_).substr(0, size));
 }
 
 void PdfOutput::putStream(std::string_view entries, std::string_view data) {
@@ -125,27 +142,101 @@ void PdfOutput::writeRawStream(int number, std::string_view entries, std::string
     take(Kind::RawStream, number, entries, data);
 }
 
-std::unique_ptr<AtomicFile> PdfOutput::finish(int catalog, int info) {
-    if (beside_)
-        beside_->finish();
-    offsets_.resize(static_cast<std::size_t>(objects_));
-    const std::uint64_t start = position_;
-    write("xref\n0 " + std::to_string(offsets_.size() + 1) + "\n0000000000 65535 f \n");
+void PdfOutput::packObject(int number, std::string_view body) {
+    pack_.numbers.push_back(number);
+    pack_.index += std::to_string(number);
+    pack_.index += ' ';
+    pack_.index += std::to_string(pack_.bodies.size());
+    pack_.index += ' ';
+    pack_.bodies += body;
+    pack_.bodies += ' ';
+    if (pack_.numbers.size() == kMostPacked)
+        writePack();
+}
+
+void PdfOutput::writePack() {
+    if (pack_.numbers.empty())
+        return;
+    hasPacks_ = true;
+    take(Kind::Stream, allocate(),
+         "/Type/ObjStm/N " + std::to_string(pack_.numbers.size()) + "/First " + std::to_string(pack_.index.size()),
+         pack_.index + pack_.bodies, pack_.numbers);
+    pack_.numbers.clear();
+    pack_.index.clear();
+    pack_.bodies.clear();
+}
+
+/// The document's id, by all that was written.
+std::string PdfOutput::identifier() const {
+    std::array<char, 33> id{};
+    const unsigned long long first = hash_;
+    const unsigned long long second = hash_ * 0xBF58476D1CE4E5B9U + places_.size();
+    std::snprintf(id.data(), id.size(), "%016llx%016llx", first, second);
+    return std::string("/ID[<") + id.data() + "><" + id.data() + ">]";
+}
+
+void PdfOutput::writeTable(const std::string& trailer) {
+    write("xref\n0 " + std::to_string(places_.size() + 1) + "\n0000000000 65535 f \n");
     std::array<char, 32> entry{};
-    for (const std::uint64_t offset : offsets_) {
+    for (const std::uint64_t offset : places_) {
         // An object that was never written is listed as free.
         std::snprintf(entry.data(), entry.size(), offset == 0 ? "%010llu 65535 f \n" : "%010llu 00000 n \n",
                       static_cast<unsigned long long>(offset));
         write(entry.data());
     }
     flush();
-    std::array<char, 33> id{};
-    const unsigned long long first = hash_;
-    const unsigned long long second = hash_ * 0xBF58476D1CE4E5B9U + offsets_.size();
-    std::snprintf(id.data(), id.size(), "%016llx%016llx", first, second);
-    write("trailer\n<</Size " + std::to_string(offsets_.size() + 1) + "/Root " + reference(catalog) + "/Info " +
-          reference(info) + "/ID[<" + id.data() + "><" + id.data() + ">]>>\nstartxref\n" + std::to_string(start) +
-          "\n%%EOF\n");
+    write("trailer\n<</Size " + std::to_string(places_.size() + 1) + trailer + identifier() + ">>");
+}
+
+/// Objects within streams are listed in a stream only (ISO 32000-1, 7.5.8). Each line is written as what it differs
+/// from the one before by (7.4.4.4, predictor 12): almost nothing.
+void PdfOutput::writeTableStream(const std::string& trailer) {
+    const int number = allocate();
+    note(number, position_);
+    flush();
+    constexpr std::size_t kLine = 1 + kPlaceBytes + 1; // the kind, an offset or a stream, the place in the stream
+    std::string lines;
+    lines.reserve((places_.size() + 1) * (kLine + 1));
+    std::array<unsigned char, kLine> before{};
+    const auto add = [&](unsigned kind, std::uint64_t place, std::uint64_t index) {
+        std::array<unsigned char, kLine> line{};
+        line.front() = static_cast<unsigned char>(kind);
+        for (std::size_t i = 0; i < kPlaceBytes; ++i)
+            line[kPlaceBytes - i] = static_cast<unsigned char>(place >> (8 * i));
+        line.back() = static_cast<unsigned char>(index);
+        lines += '\2';
+        for (std::size_t i = 0; i < kLine; ++i)
+            lines += static_cast<char>(line[i] - before[i]);
+        before = line;
+    };
+    add(0, 0, 0);
+    for (const std::uint64_t place : places_) {
+        if (place == 0)
+            add(0, 0, 0);
+        else if ((place & kPacked) == 0)
+            add(1, place, 0);
+        else
+            add(2, (place & ~kPacked) >> kIndexBits, place & ((1U << kIndexBits) - 1));
+    }
+    write(std::to_string(number) + " 0 obj\n");
+    putCompressed("/Type/XRef/Size " + std::to_string(places_.size() + 1) + "/W[1 " + std::to_string(kPlaceBytes) +
+                      " 1]/DecodeParms<</Predictor 12/Columns " + std::to_string(kLine) + ">>" + trailer +
+                      identifier(),
+                  lines);
+}
+
+std::unique_ptr<AtomicFile> PdfOutput::finish(int catalog, int info) {
+    writePack();
+    if (beside_)
+        beside_->finish();
+    places_.resize(static_cast<std::size_t>(objects_));
+    const std::uint64_t start = position_;
+    const std::string trailer = "/Root " + reference(catalog) + "/Info " + reference(info);
+    if (hasPacks_)
+        writeTableStream(trailer);
+    else
+        writeTable(trailer);
+    write("\nstartxref\n" + std::to_string(start) + "\n%%EOF\n");
     flush();
     return std::move(file_);
 }

@@ -38,6 +38,9 @@ class PdfOutput {
     void writeStream(int number, std::string_view entries, std::string_view data);
     /// Writes a stream as it is; `entries` name its filter.
     void writeRawStream(int number, std::string_view entries, std::string_view data);
+    /// Writes the object `number`, which is no stream, together with others in one compressed stream (ISO 32000-1,
+    /// 7.5.7): for objects that are small and many.
+    void packObject(int number, std::string_view body);
 
     /// Writes what ends the content; gives the file, which is complete and not yet in its place.
     std::unique_ptr<AtomicFile> finish(int catalog, int info);
@@ -49,11 +52,25 @@ class PdfOutput {
         int number = 0;
         std::string entries;
         std::string data;
+        std::vector<int> packed; ///< the objects within the stream
+    };
+    /// Objects that wait to be written as one stream.
+    struct Pack {
+        std::vector<int> numbers;
+        std::string index; ///< number and place of each
+        std::string bodies;
     };
 
-    void take(Kind kind, int number, std::string_view entries, std::string_view data);
-    void put(Kind kind, int number, std::string_view entries, std::string_view data);
+    void take(Kind kind, int number, std::string_view entries, std::string_view data,
+              const std::vector<int>& packed = {});
+    void put(const Piece& piece);
+    void note(int number, std::uint64_t place);
+    void putCompressed(std::string_view entries, std::string_view data);
     void putStream(std::string_view entries, std::string_view data);
+    void writePack();
+    void writeTable(const std::string& trailer);
+    void writeTableStream(const std::string& trailer);
+    std::string identifier() const;
     void write(std::string_view data);
     void flush();
 
@@ -64,7 +81,11 @@ class PdfOutput {
     std::uint64_t position_ = 0;
     std::uint64_t hash_ = 0xcbf29ce484222325U;
     int objects_ = 0;
-    std::vector<std::uint64_t> offsets_;
+    /// Where each object is: its offset, or `kPacked` with its stream's number and its place in there. 0: nowhere.
+    std::vector<std::uint64_t> places_;
+    Piece piece_;
+    Pack pack_;
+    bool hasPacks_ = false;
     libdeflate_compressor* compressor_;
     std::unique_ptr<TaskQueue<Piece>>
         beside_; ///< where there is one, all of the file but `objects_` is its thread's

@@ -1,0 +1,125 @@
+#!/usr/bin/python3
+"""accessible.py PROGRAM LAYOUTS DATABASE VALUES: each fault that is planted into an accessible document is found; another reader
+finds its structure; all that is printed is said, in each report; and a page looks like that of a document without structure."""
+import pathlib
+import re
+import shutil
+import sqlite3
+import subprocess
+import sys
+import tempfile
+
+import pikepdf
+
+import faults
+
+LINK = "www.mueller-soehne.example"
+MONTHLY = {"GemeinK", "NeutralA"}
+BY_VALUES = {"Bilanz", "BsEMa", "BsEStd", "BsEGes", "KalkW", "WasWenn", "UmsatzHW"}
+# What stands below each page, and what is carried from one to the next
+FURNITURE = r"(Gedruckt am|Seite \d|Übertrag|Vortrag)"
+
+
+class Printer:
+    def __init__(self, program, layouts, database, values, scratch):
+        self.program, self.database, self.values = program, database, pathlib.Path(values)
+        self.folder = scratch / "folder"
+        target = self.folder / "DB" / "BerichteLLVT"
+        target.mkdir(parents=True)
+        for layout in pathlib.Path(layouts).glob("*.svg"):
+            (target / layout.name).write_bytes(layout.read_bytes())
+
+    def print(self, report, to, *options, database=None):
+        own = ["--werte", self.values / f"{report}.csv"] if report in BY_VALUES else []
+        own += ["--jahr", "2024", "--monat", "3"] if report in MONTHLY else []
+        subprocess.run([self.program, "drucken", report, "--datenbank", database or self.database, "--firma", "1", "--ordner",
+                        self.folder, "--ausgabe", to, "--druckdatum", "2025-01-02 08:00+01:00", *own, *options],
+                       check=True, capture_output=True)
+        return to
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def linked_document(printer, scratch):
+    """With charts, tables, headings, and a link in the letterhead."""
+    database = scratch / "linked.sqlite"
+    shutil.copy(printer.database, database)
+    with sqlite3.connect(database) as connection:
+        connection.execute("UPDATE firma SET name2 = ?", [LINK])
+    return printer.print("Umsatz", scratch / "linked.pdf", "--barrierefrei", "--jahr", "2024", database=database)
+
+
+def said_by(path):
+    """The texts of poppler's structure output, one for each element."""
+    return re.findall(r'^\s*"(.*)"$', output_of("pdfinfo", "-struct-text", path), re.MULTILINE)
+
+
+def structure_faults(path):
+    """What another reader finds: the outline of one page."""
+    shown = output_of("pdfinfo", "-struct-text", path)
+    kinds = re.findall(r"^\s*(Document|Part|Sect|H\d|P|Figure|Table|THead|TBody|Link)\b", shown, re.MULTILINE)
+    first = kinds[:kinds.index("H1") + 1]
+    if kinds[:3] != ["Document", "Part", "Sect"] or "Link" not in first:
+        yield f"the document begins with {first}"
+    if not re.search(r'H1.*\n\s*"Umsatz"\n\s*" \d{4}"', shown):
+        yield "the title is not the first heading"
+    if not re.search(r'H2.*\n\s*"Umsatz je Monat"\n\s*Figure', shown):
+        yield "the chart does not follow its heading"
+    if not re.search(r'TH <\w+>:\n\s*/Scope /Row\n\s*"Januar"\n\s*TD:\n\s*/Headers \[\(\w+\) \(\w+\)\]', shown):
+        yield "no row that is headed by its month"
+    if shown.count(LINK) != 1:
+        yield f"the letterhead is said {shown.count(LINK)} times"
+    with pikepdf.open(path) as pdf:
+        texts = [str(obj.Alt) for obj in pdf.objects if isinstance(obj, pikepdf.Dictionary) and obj.get("/S") == "/Figure"]
+    if not any(re.fullmatch(r"Umsatz je Monat 2024: Balkendiagramm\. Soll: höchster \w+ [\d.,]+, niedrigster \w+ [\d.,]+; Ist: "
+                            r"höchster Okt 196\.077,88, niedrigster \w+ [\d.,]+", text) for text in texts):
+        yield f"the charts say {texts}"
+
+
+def words_of(text):
+    return set(re.findall(r"\w[\w.,]*\w|\w", text))
+
+
+def silence(report, plain, accessible):
+    """Every word of a page is said somewhere, but for furniture."""
+    lines = output_of("pdftotext", "-layout", plain, "-").splitlines()
+    shown = words_of("\n".join(line for line in lines if not re.search(FURNITURE, line)))
+    with pikepdf.open(accessible) as pdf:
+        figures = " ".join(str(obj.Alt) for obj in pdf.objects if isinstance(obj, pikepdf.Dictionary) and "/Alt" in obj)
+    missing = shown - words_of("\n".join(said_by(accessible))) - words_of(figures)
+    if missing:
+        yield f"{report}: never said: {sorted(missing)[:20]}"
+
+
+def pictures_of(path, folder):
+    folder.mkdir()
+    subprocess.run(["pdftoppm", "-r", "40", "-l", "4", path, folder / "page"], check=True)
+    return [page.read_bytes() for page in sorted(folder.iterdir())]
+
+
+def main(program, layouts, database, values):
+    with tempfile.TemporaryDirectory() as scratch:
+        scratch = pathlib.Path(scratch)
+        printer = Printer(program, layouts, database, values, scratch)
+        linked = linked_document(printer, scratch)
+        failures = faults.failures_of(linked, faults.ACCESSIBLE, scratch) + list(structure_faults(linked))
+        for layout in sorted(pathlib.Path(layouts).glob("*.svg")):
+            report = layout.stem
+            if report in ("Deckblatt", "Inhalt"):
+                continue
+            plain = printer.print(report, scratch / f"{report}.pdf")
+            accessible = printer.print(report, scratch / f"{report}-a.pdf", "--barrierefrei")
+            again = printer.print(report, scratch / "again.pdf", "--barrierefrei")
+            if accessible.read_bytes() != again.read_bytes():
+                failures.append(f"{report}: the same is not printed alike")
+            failures += silence(report, plain, accessible)
+            if pictures_of(plain, scratch / report) != pictures_of(accessible, scratch / f"{report}-a"):
+                failures.append(f"{report}: looks different")
+    print("\n".join(failures) or f"{len(faults.ACCESSIBLE)} faults, each found")
+    return len(failures)
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]) > 0 or len(faults.ACCESSIBLE) < 40)
