@@ -58,13 +58,18 @@ class Druckwerk::Engine {
 
   private:
     std::int32_t perform(Operation operation, std::span<const Argument> arguments);
+    std::int32_t performOutside(Operation operation, std::span<const Argument> arguments);
     std::int32_t performPrinting(Operation operation, std::span<const Argument> arguments);
 
+    [[noreturn]] static void refuseArguments() {
+        throw Fault(kWrongArguments, "Falsche Argumente für die Druckoperation");
+    }
+
     template <class T>
-    static T argument(std::span<const Argument> arguments, std::size_t index) {
+    static const T& argument(std::span<const Argument> arguments, std::size_t index) {
         const T* value = index < arguments.size() ? std::get_if<T>(&arguments[index]) : nullptr;
         if (value == nullptr)
-            throw Fault(kWrongArguments, "Falsche Argumente für die Druckoperation");
+            refuseArguments();
         return *value;
     }
 
@@ -103,6 +108,7 @@ class Druckwerk::Engine {
     std::filesystem::path layoutInUse(const std::filesystem::path& objectName) const;
     Layout loadLayout(const std::filesystem::path& file);
     std::int32_t askForOptions();
+    void showProgress(StringView text, std::int32_t percent);
     void turnPage();
     void openDocument();
     std::vector<String> bookmark() const;
@@ -124,16 +130,21 @@ class Druckwerk::Engine {
     std::shared_ptr<OpenDocument> document_;
     std::optional<Job> job_;
     std::set<std::string> warned_;
+    String progressText_; ///< as it was told last
+    std::string progressUtf8_;
 };
 
+/// Nearly all calls are definitions: they go by the others.
 std::int32_t Druckwerk::Engine::perform(Operation operation, std::span<const Argument> arguments) {
+    if (operation != Operation::LlDefineFieldExt && operation != Operation::LlDefineVariableExt)
+        return performOutside(operation, arguments);
+    define(arguments, operation == Operation::LlDefineFieldExt);
+    return kEngineSuccess;
+}
+
+/// The operations that need no job.
+std::int32_t Druckwerk::Engine::performOutside(Operation operation, std::span<const Argument> arguments) {
     switch (operation) {
-    case Operation::LlDefineFieldExt:
-        define(arguments, true);
-        return kEngineSuccess;
-    case Operation::LlDefineVariableExt:
-        define(arguments, false);
-        return kEngineSuccess;
     case Operation::LlDefineFieldStart:
         definitions_.forget(true);
         return kEngineSuccess;
@@ -176,9 +187,7 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
     }
     switch (operation) {
     case Operation::LlPrintSetBoxText:
-        if (options_->progress)
-            options_->progress({toUtf8(argument<StringView>(arguments, 0)), argument<std::int32_t>(arguments, 1),
-                                job_->print ? job_->print->pages() : 0});
+        showProgress(argument<StringView>(arguments, 0), argument<std::int32_t>(arguments, 1));
         return kEngineSuccess;
     case Operation::LlPrintOptionsDialog:
         return askForOptions();
@@ -262,6 +271,17 @@ std::int32_t Druckwerk::Engine::askForOptions() {
     else
         job_->output = request.output;
     return code;
+}
+
+/// The text is the same for most records.
+void Druckwerk::Engine::showProgress(StringView text, std::int32_t percent) {
+    if (!options_->progress)
+        return;
+    if (text != progressText_) {
+        progressText_ = text;
+        progressUtf8_ = toUtf8(text);
+    }
+    options_->progress({progressUtf8_, percent, job_->print ? job_->print->pages() : 0});
 }
 
 void Druckwerk::Engine::turnPage() {

@@ -65,11 +65,12 @@ void TextSetter::showLine(const TextItem& item, StringView whole, StringView tex
     document_.fonts().shape(text, faceOf(item), shaped_);
     at.x -= shaped_.width * size * shareLeft(item.anchor);
     document_.canvas().show(shaped_, at, size, item.color);
-    link(item, whole, text, at, size);
+    if (!item.text.isLoneNumber())
+        link(item, whole, text, at, size);
 }
 
 void TextSetter::link(const TextItem& item, StringView whole, StringView text, Point at, double size) {
-    if (item.text.isLoneNumber() || item.turned)
+    if (item.turned)
         return;
     for (const Address& address : addressesIn(text)) {
         const auto complete = addressesIn(whole);
@@ -99,8 +100,8 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
         return;
     document_.fonts().setPlace(&item.place);
     const Point at{item.baseline.x, item.baseline.y + down};
-    if (item.fit != Fit::Wrap)
-        text = text.substr(0, wholeCharacters(text, std::min(text.size(), kLongestLine)));
+    if (item.fit != Fit::Wrap && text.size() > kLongestLine)
+        text = text.substr(0, wholeCharacters(text, kLongestLine));
     if (item.turned) {
         Matrix matrix = *item.turned;
         matrix.f += down;
@@ -121,7 +122,8 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
     if (width <= room + kTolerance) {
         const Point left{at.x - width * shareLeft(item.anchor), at.y};
         document_.canvas().show(shaped_, left, item.size, item.color);
-        link(item, text, text, left, item.size);
+        if (!item.text.isLoneNumber())
+            link(item, text, text, left, item.size);
     } else if (item.fit == Fit::Shrink || item.text.isLoneNumber())
         shrink(item, text, at, room);
     else {
