@@ -265,11 +265,11 @@ class Bench:
               f"{'µs a further one':>17}  of the row above")
         staff = {}
 
-        def months(report):
+        def months(report, *words):
             def command(records):
                 if records not in staff:
                     staff[records] = staff_database(self.sample, self.folder / f"staff-{records}.sqlite", records)
-                return self.kvtdruck(report, "--datenbank", staff[records])
+                return self.kvtdruck(report, "--datenbank", staff[records], *words)
             return command
 
         def figures(records):
@@ -277,8 +277,10 @@ class Bench:
             return self.kvtdruck("Bilanz", "--datenbank", self.sample, "--werte", values)
 
         lists = (1000, 10_000, 100_000)
+        each_month = ("--monat-von", 1, "--monat-bis", 12) # else the lists show totals of years
         for name, command, sizes in (("GemeinK, the list", self.accounts, (*lists, 1_000_000)),
-                                     ("MaKost", months("MaKost"), lists), ("MaZeit", months("MaZeit"), lists),
+                                     ("MaKost", months("MaKost", *each_month), lists),
+                                     ("MaZeit", months("MaZeit", *each_month), lists),
                                      ("MaStKost, with charts", months("MaStKost"), (120, 1200, 12_000)),
                                      ("MaStZeit, with charts", months("MaStZeit"), (120, 1200, 12_000)),
                                      ("Bilanz, from a file", figures, (1000, 10_000, 32_000))): # an array has 32,768 rows
