@@ -2,6 +2,7 @@
 
 #include "control/print_mode.h"
 #include "druckwerk/common/fault.h"
+#include "druckwerk/document_info.h"
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/job.h"
 #include "druckwerk/layout/layout_check.h"
@@ -12,8 +13,6 @@
 #include "platform/posix/temporary_folder.h"
 #include "values/runtime_error.h"
 
-#include <array>
-#include <cstdio>
 #include <map>
 #include <new>
 #include <set>
@@ -121,7 +120,6 @@ class Druckwerk::Engine {
     std::int32_t design(std::span<const Argument> arguments);
     std::int32_t deletePreview(std::span<const Argument> arguments) const;
     String heading() const;
-    DocumentInfo documentInfo() const;
 
     std::shared_ptr<const Options> options_;
     Definitions definitions_;
@@ -309,11 +307,13 @@ void Druckwerk::Engine::openDocument() {
     // The document may outlive this engine.
     const auto warned = std::make_shared<std::set<std::string>>();
     const PdfLevel level = folder ? PdfLevel::Plain : options_->level;
-    document_->open(file, std::move(folder), level, documentInfo(),
-                    [options = options_, warned](const std::string& message) {
-                        if (warned->insert(message).second && options->warn)
-                            options->warn(message);
-                    });
+    document_->open(
+        file, std::move(folder), level,
+        documentInfo(*options_, heading(), String(definitions_.textOf(u"FnrName1")), fromUtf8(job_->listName)),
+        [options = options_, warned](const std::string& message) {
+            if (warned->insert(message).second && options->warn)
+                options->warn(message);
+        });
 }
 
 std::vector<String> Druckwerk::Engine::bookmark() const {
@@ -340,25 +340,6 @@ void Druckwerk::Engine::dropJob() {
 String Druckwerk::Engine::heading() const {
     const StringView heading = definitions_.textOf(u"Ueberschrift");
     return heading.empty() ? fromUtf8(job_->listName) : String(heading);
-}
-
-DocumentInfo Druckwerk::Engine::documentInfo() const {
-    const String company(definitions_.textOf(u"FnrName1"));
-    const String period = fromUtf8(options_->period);
-    const String selection = fromUtf8(options_->selection);
-    const PrintDate& date = options_->printDate;
-    std::array<char, 48> printed{};
-    std::snprintf(printed.data(), printed.size(), "gedruckt am %02d.%02d.%04d um %02d:%02d", date.day, date.month,
-                  date.year, date.hour, date.minute);
-    DocumentInfo info;
-    info.title = heading() + (period.empty() ? u"" : u" " + period) + (company.empty() ? u"" : u" – " + company);
-    info.author = company;
-    info.subject = (selection.empty() ? u"" : selection + u"; ") + fromUtf8(printed.data());
-    info.creator = fromUtf8(options_->creator);
-    const String list = fromUtf8(job_->listName);
-    info.keywords = {heading(), list == heading() ? u"" : list, company, period};
-    info.date = date;
-    return info;
 }
 
 void Druckwerk::Engine::commit(AtomicFile& file) {
