@@ -276,7 +276,7 @@ class Bench:
             values = values_file(HERE.parent / "demo" / "werte" / "Bilanz.csv", self.folder / f"{records}.csv", records)
             return self.kvtdruck("Bilanz", "--datenbank", self.sample, "--werte", values)
 
-        of_months = ("--monat-von", 1, "--monat-bis", 12)
+        of_months = ("--monat-von", 1, "--monat-bis", 12) # else the lists show totals of years
         lists = (1000, 10_000, 100_000)
         for name, command, sizes in (("GemeinK, the list", self.accounts, (*lists, 1_000_000)),
                                      ("MaKost", months("MaKost", *of_months), lists),

@@ -2,6 +2,7 @@
 
 #include "control/print_mode.h"
 #include "druckwerk/common/fault.h"
+#include "druckwerk/document_info.h"
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/job.h"
 #include "druckwerk/layout/layout_generator.h"
@@ -10,8 +11,6 @@
 #include "platform/posix/memory_watch.h"
 #include "platform/posix/temporary_folder.h"
 
-#include <array>
-#include <cstdio>
 #include <new>
 #include <set>
 
@@ -54,13 +53,18 @@ class Druckwerk::Engine {
 
   private:
     std::int32_t perform(Operation operation, std::span<const Argument> arguments);
+    std::int32_t performOutside(Operation operation, std::span<const Argument> arguments);
     std::int32_t performPrinting(Operation operation, std::span<const Argument> arguments);
 
+    [[noreturn]] static void refuseArguments() {
+        throw Fault(kWrongArguments, "Falsche Argumente für die Druckoperation");
+    }
+
     template <class T>
-    static T argument(std::span<const Argument> arguments, std::size_t index) {
+    static const T& argument(std::span<const Argument> arguments, std::size_t index) {
         const T* value = index < arguments.size() ? std::get_if<T>(&arguments[index]) : nullptr;
         if (value == nullptr)
-            throw Fault(kWrongArguments, "Falsche Argumente für die Druckoperation");
+            refuseArguments();
         return *value;
     }
 
@@ -99,6 +103,7 @@ class Druckwerk::Engine {
     std::filesystem::path layoutInUse(const std::filesystem::path& objectName) const;
     Layout loadLayout(const std::filesystem::path& file);
     std::int32_t askForOptions();
+    void showProgress(StringView text, std::int32_t percent);
     void turnPage();
     void openDocument();
     std::vector<String> bookmark() const;
@@ -111,7 +116,6 @@ class Druckwerk::Engine {
     std::int32_t design(std::span<const Argument> arguments);
     std::int32_t deletePreview(std::span<const Argument> arguments) const;
     String heading() const;
-    DocumentInfo documentInfo() const;
 
     std::shared_ptr<const Options> options_;
     Definitions definitions_;
@@ -120,16 +124,21 @@ class Druckwerk::Engine {
     std::shared_ptr<OpenDocument> document_;
     std::optional<Job> job_;
     std::set<std::string> warned_;
+    String progressText_; ///< as it was told last
+    std::string progressUtf8_;
 };
 
+/// Nearly all calls are definitions: they go by the others.
 std::int32_t Druckwerk::Engine::perform(Operation operation, std::span<const Argument> arguments) {
+    if (operation != Operation::LlDefineFieldExt && operation != Operation::LlDefineVariableExt)
+        return performOutside(operation, arguments);
+    define(arguments, operation == Operation::LlDefineFieldExt);
+    return kEngineSuccess;
+}
+
+/// The operations that need no job.
+std::int32_t Druckwerk::Engine::performOutside(Operation operation, std::span<const Argument> arguments) {
     switch (operation) {
-    case Operation::LlDefineFieldExt:
-        define(arguments, true);
-        return kEngineSuccess;
-    case Operation::LlDefineVariableExt:
-        define(arguments, false);
-        return kEngineSuccess;
     case Operation::LlDefineFieldStart:
         definitions_.forget(true);
         return kEngineSuccess;
@@ -172,9 +181,7 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
     }
     switch (operation) {
     case Operation::LlPrintSetBoxText:
-        if (options_->progress)
-            options_->progress({toUtf8(argument<StringView>(arguments, 0)), argument<std::int32_t>(arguments, 1),
-                                job_->print ? job_->print->pages() : 0});
+        showProgress(argument<StringView>(arguments, 0), argument<std::int32_t>(arguments, 1));
         return kEngineSuccess;
     case Operation::LlPrintOptionsDialog:
         return askForOptions();
@@ -262,6 +269,17 @@ std::int32_t Druckwerk::Engine::askForOptions() {
     return code;
 }
 
+/// The text is the same for most records.
+void Druckwerk::Engine::showProgress(StringView text, std::int32_t percent) {
+    if (!options_->progress)
+        return;
+    if (text != progressText_) {
+        progressText_ = text;
+        progressUtf8_ = toUtf8(text);
+    }
+    options_->progress({progressUtf8_, percent, job_->print ? job_->print->pages() : 0});
+}
+
 void Druckwerk::Engine::turnPage() {
     if (!job_->print) {
         if (!document_->isOpen())
@@ -288,11 +306,13 @@ void Druckwerk::Engine::openDocument() {
     // The document may outlive this engine.
     const auto warned = std::make_shared<std::set<std::string>>();
     const PdfLevel level = folder ? PdfLevel::Plain : options_->level;
-    document_->open(file, std::move(folder), level, documentInfo(),
-                    [options = options_, warned](const std::string& message) {
-                        if (warned->insert(message).second && options->warn)
-                            options->warn(message);
-                    });
+    document_->open(
+        file, std::move(folder), level,
+        documentInfo(*options_, heading(), String(definitions_.textOf(u"FnrName1")), fromUtf8(job_->listName)),
+        [options = options_, warned](const std::string& message) {
+            if (warned->insert(message).second && options->warn)
+                options->warn(message);
+        });
 }
 
 std::vector<String> Druckwerk::Engine::bookmark() const {
@@ -319,25 +339,6 @@ void Druckwerk::Engine::dropJob() {
 String Druckwerk::Engine::heading() const {
     const StringView heading = definitions_.textOf(u"Ueberschrift");
     return heading.empty() ? fromUtf8(job_->listName) : String(heading);
-}
-
-DocumentInfo Druckwerk::Engine::documentInfo() const {
-    const String company(definitions_.textOf(u"FnrName1"));
-    const String period = fromUtf8(options_->period);
-    const String selection = fromUtf8(options_->selection);
-    const PrintDate& date = options_->printDate;
-    std::array<char, 48> printed{};
-    std::snprintf(printed.data(), printed.size(), "gedruckt am %02d.%02d.%04d um %02d:%02d", date.day, date.month,
-                  date.year, date.hour, date.minute);
-    DocumentInfo info;
-    info.title = heading() + (period.empty() ? u"" : u" " + period) + (company.empty() ? u"" : u" – " + company);
-    info.author = company;
-    info.subject = (selection.empty() ? u"" : selection + u"; ") + fromUtf8(printed.data());
-    info.creator = fromUtf8(options_->creator);
-    const String list = fromUtf8(job_->listName);
-    info.keywords = {heading(), list == heading() ? u"" : list, company, period};
-    info.date = date;
-    return info;
 }
 
 void Druckwerk::Engine::commit(AtomicFile& file) {

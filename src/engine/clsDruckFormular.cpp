@@ -3,6 +3,8 @@
 #include "dataaccess/member.h"
 #include "module/error_rule.h"
 
+#include <utility>
+
 namespace kvtdruck {
 namespace {
 
@@ -17,27 +19,55 @@ String withSeparator(StringView path) {
 
 } // namespace
 
+/// A call of the form. The host may unload it meanwhile, so the form stays until all calls are over. Counting calls
+/// takes a fraction of what sharing the form would.
+class clsDruckFormular::Call {
+  public:
+    explicit Call(clsDruckFormular& adapter) : adapter_(adapter) { ++adapter.calls_; }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    ~Call() {
+        if (--adapter_.calls_ == 0 && !adapter_.unloaded_.empty())
+            std::exchange(adapter_.unloaded_, {}); // a form may call the host while it goes
+    }
+
+    Form& form() const { return required(adapter_.frmDruck_); }
+
+  private:
+    clsDruckFormular& adapter_;
+};
+
 // Form
 
 Variant clsDruckFormular::fkt_Starte_Form() {
     return guarded(state_, {kClass, u"fkt_Starte_Form"}, [&] {
-        std::shared_ptr<Form> form = formFactory_.create();
-        frmDruck_ = std::shared_ptr(form); // moved: an earlier form may call the host while it is unloaded
-        form->ll60().put(kPropertyWhileLoading, true);
+        auto form = formFactory_.create();
+        std::swap(form, frmDruck_); // an earlier form may call the host while it is unloaded
+        unload(form);
+        const Call call(*this);
+        call.form().ll60().put(kPropertyWhileLoading, true);
         return true;
     });
 }
 
 void clsDruckFormular::fkt_Form_Hide() {
     skippingErrors([&] {
-        const auto form = frmDruck_;
-        if (required(form).visible())
-            form->hide();
+        const Call call(*this);
+        Form& form = call.form();
+        if (form.visible())
+            form.hide();
     });
 }
 
 void clsDruckFormular::fkt_Form_Unload() {
-    frmDruck_.reset();
+    skippingErrors([&] { unload(frmDruck_); });
+}
+
+void clsDruckFormular::unload(std::unique_ptr<Form>& form) {
+    if (calls_ > 0)
+        unloaded_.emplace_back() = std::move(form);
+    else
+        form.reset();
 }
 
 // Calls
@@ -46,8 +76,8 @@ template <class Body>
 std::int32_t clsDruckFormular::call(Body&& body) noexcept {
     std::int32_t rc = kEngineSuccess;
     skippingErrors([&] {
-        const auto form = frmDruck_;
-        rc = body(required(form));
+        const Call call(*this);
+        rc = body(call.form());
     });
     return rc;
 }
@@ -157,8 +187,8 @@ std::int32_t clsDruckFormular::LlPrintOptionsDialog(StringView pText) {
 void clsDruckFormular::LlPrintAbort() {
     skippingErrors([&] {
         const auto& locale = state_.locale();
-        const auto form = frmDruck_;
-        const auto drForm = required(form).ll60().member(u"DrForm");
+        const Call call(*this);
+        const auto drForm = call.form().ll60().member(u"DrForm");
         const auto ll60 = Member(u"ll60", ValueType::Object).call(drForm, locale);
         Member(u"LlPrintAbort", ValueType::Variant).call(*ll60.as<ObjectRef>(), locale);
     });

@@ -5,6 +5,7 @@
 #include "module/component_state.h"
 
 #include <memory>
+#include <vector>
 
 namespace kvtdruck {
 
@@ -55,12 +56,22 @@ class clsDruckFormular final : public DruckFormular {
     std::int32_t call(Body&& body) noexcept;
     std::int32_t call(Operation operation, std::initializer_list<Argument> arguments = {}) noexcept;
     /// `PrFehler` on `rc`; `detail` follows the operation's `text` in the message.
-    std::int32_t judge(std::int32_t rc, StringView text, StringView detail = {}) noexcept;
+    std::int32_t judge(std::int32_t rc, StringView text, StringView detail) noexcept;
+    /// The length of a text in the code is known when it is compiled, so that success costs nothing.
+    template <std::size_t size>
+    std::int32_t judge(std::int32_t rc, const char16_t (&text)[size], StringView detail = {}) noexcept {
+        return judge(rc, StringView(text, size - 1), detail);
+    }
 
     ComponentState& state_;
     FormFactory& formFactory_;
-    /// Held by every call as long as it lasts, since the host may unload the form meanwhile.
-    std::shared_ptr<Form> frmDruck_;
+    /// Unloads the form; where a call is under way, when that is over.
+    void unload(std::unique_ptr<Form>& form);
+    class Call;
+
+    std::unique_ptr<Form> frmDruck_;
+    int calls_ = 0;                               ///< under way, one within the other
+    std::vector<std::unique_ptr<Form>> unloaded_; ///< by the host, from within a call
 };
 
 } // namespace kvtdruck

@@ -216,9 +216,12 @@ std::vector<ReaderClass> readerClasses() {
                  .doubles({u"IAnwStd", u"IAdmPr", u"IAdmStd", u"IProdStd", u"IUebStd", u"IProdAnwJahr", u"INBerStd",
                            u"IBerStdJahr", u"IBerStdTag", u"SAnwStd", u"SAdmPr", u"SAdmStd", u"SProdStd",
                            u"SUebStd", u"SProdAnwJahr", u"SNBerStd", u"SBerStdJahr", u"SBerStdTag"}),
+         // The sign keeps SQLite from searching by the years, from the first of which every block would be read
+         // again: it goes on from the key (https://www.sqlite.org/optoverview.html, "Disqualifying WHERE-Clause
+         // Terms").
          .operations = {{u"LeseMitarbeiterMonate",
                          u"fnr = ? AND (? = 0 AND ? = 0 OR nummer BETWEEN ? AND ?) AND monat BETWEEN ? AND ? "
-                         u"AND fjahr BETWEEN ? AND ?",
+                         u"AND +fjahr BETWEEN ? AND ?",
                          {kNumber, kSingle, kSingle, kSingle, kSingle},
                          {0, 1, 2, 1, 2, 3, 4, kFirstYear, kLastYear}}},
          .key = {u"FJahr", u"Nummer", u"Monat"}},

@@ -1,6 +1,9 @@
 #include "reports/account_report.h"
 
 namespace kvtdruck {
+
+using namespace std::string_view_literals; // the length of a text without them is counted for every record
+
 namespace {
 
 const Table kVariables = joined({companyNumber(), numbers(ValueType::Single, {u"FuerJahr"})});
@@ -41,21 +44,21 @@ bool AccountReport::readData() {
 }
 
 bool AccountReport::Definiere_Übergebe_Felder() {
-    return guardedProcedure(u"Definiere_Übergebe_Felder", [this] {
+    return guardedProcedure(u"Definiere_Übergebe_Felder"sv, [this] {
         define(kField, account_, record());
-        defineAmounts(u"JWIst", u"JWSoll", year_);
+        defineAmounts(u"JWIst"sv, u"JWSoll"sv, year_);
         define(kField, traits_, record());
         const auto month = selectedMonth();
         if (month)
             defineMonth(months_[*month]);
-        define(kField, u"MonatText", month ? kMonthNames[*month] : StringView(), kTypeText);
-        define(kField, u"Waehrung", currency(), kTypeText);
+        define(kField, u"MonatText"sv, month ? kMonthNames[*month] : StringView(), kTypeText);
+        define(kField, u"Waehrung"sv, currency(), kTypeText);
         return true;
     });
 }
 
 void AccountReport::defineMonth(Amounts& amounts) {
-    defineAmounts(u"MonatIst", u"MonatSoll", amounts);
+    defineAmounts(u"MonatIst"sv, u"MonatSoll"sv, amounts);
 }
 
 void AccountReport::defineAmounts(StringView actualName, StringView targetName, Amounts& amounts) {

@@ -138,7 +138,7 @@ std::optional<std::int64_t> wholeInTenThousandths(float number) {
     return whole ? std::optional(static_cast<std::int64_t>(number) * 10'000) : std::nullopt;
 }
 
-/// Writes the last `count` digits of `number` before `end`, and gives the first one's place.
+/// Writes the digits of `number` before `end`, at least `count`, and gives the first one's place.
 char16_t* writeDigits(char16_t* end, std::uint64_t number, int count) {
     const auto write = [&](auto& rest) {
         *--end = static_cast<char16_t>(u'0' + rest % 10);
@@ -148,7 +148,7 @@ char16_t* writeDigits(char16_t* end, std::uint64_t number, int count) {
     while (number > std::numeric_limits<std::uint32_t>::max())
         write(number);
     auto rest = static_cast<std::uint32_t>(number); // a 32-bit processor divides by words
-    while (count > 0)
+    while (rest != 0 || count > 0)
         write(rest);
     return end;
 }
@@ -157,21 +157,27 @@ char16_t* writeDigits(char16_t* end, std::uint64_t number, int count) {
 /// here, so it is written in one go.
 void appendTenThousandths(String& text, std::int64_t units, const Locale& locale) {
     constexpr unsigned kWhole = 10'000;
+    // Three characters on Windows (https://learn.microsoft.com/windows/win32/intl/locale-sdecimal).
+    constexpr std::size_t kLongestSign = 8;
     const auto bits = static_cast<std::uint64_t>(units);
     const auto magnitude = units < 0 ? 0 - bits : bits;
     const auto whole = magnitude / kWhole;
-    int digits = 1;
-    for (std::uint64_t bound = 10; bound <= whole; bound *= 10)
-        ++digits;
     auto part = static_cast<std::uint32_t>(magnitude - whole * kWhole);
-    int places = part == 0 ? 0 : 4;
-    for (; places > 0 && part % 10 == 0; part /= 10)
-        --places;
-    const auto sign = places == 0 ? StringView() : StringView(locale.decimalSign);
-    text.append((units < 0 ? 1 : 0) + static_cast<std::size_t>(digits + places) + sign.size(), u'-');
-    auto* const point = writeDigits(text.data() + text.size(), part, places) - sign.size();
-    sign.copy(point, sign.size());
-    writeDigits(point, whole, digits);
+    std::array<char16_t, 24 + kLongestSign> buffer;
+    char16_t* const end = buffer.data() + buffer.size();
+    char16_t* begin = end;
+    if (part != 0) {
+        int places = 4;
+        for (; part % 10 == 0; part /= 10)
+            --places;
+        begin = writeDigits(begin, part, places);
+        for (std::size_t i = std::min(locale.decimalSign.size(), kLongestSign); i > 0;)
+            *--begin = locale.decimalSign[--i];
+    }
+    begin = writeDigits(begin, whole, 1);
+    if (units < 0)
+        *--begin = u'-';
+    text.append(begin, static_cast<std::size_t>(end - begin));
 }
 
 /// Appends a number that has no short way of its own, to so many significant digits.

@@ -185,6 +185,21 @@ TEST_F(Adapter, WithoutAFormEverythingSucceeds) {
     EXPECT_THAT(world().reports, IsEmpty());
 }
 
+TEST_F(Adapter, AFormThatIsUnloadedWithinItsCallStaysUntilTheCallIsOver) {
+    auto& outside = world().outside;
+    const auto live = outside.live;
+    outside.interruptAt = outside.calls.size();
+    outside.interrupt = [&] {
+        adapter.fkt_Form_Unload();
+        EXPECT_EQ(adapter.fkt_Starte_Form(), Variant(true));
+        adapter.fkt_Form_Unload();
+        EXPECT_EQ(adapter.LlPrint(), -1) << "without a form";
+        EXPECT_EQ(outside.live, live + 1) << "both forms are still there";
+    };
+    EXPECT_EQ(adapter.LlPrint(), -1);
+    EXPECT_EQ(outside.live, live - 1);
+}
+
 TEST_F(Adapter, AFormThatCannotBeLoadedIsReported) {
     clsDruckFormular other(host.state, world().forms());
     world().outside.failAt = world().outside.calls.size();

@@ -123,6 +123,8 @@ Number Number::parse(StringView text, const Locale& locale) {
     Number number;
     if (text.empty())
         return number;
+    if (text.size() > kMaximumDigits)
+        return parseSlowly(text, locale);
     const char16_t sign = locale.decimalSign.size() == 1 ? locale.decimalSign[0] : u'\0';
     std::size_t at = text[0] == u'-' ? 1 : 0;
     const std::size_t first = at;
@@ -130,14 +132,14 @@ Number Number::parse(StringView text, const Locale& locale) {
     std::size_t point = 0;
     for (; at < text.size(); ++at) {
         const char16_t c = text[at];
-        if (isDigit(c) && digits < kExactDouble)
+        if (isDigit(c))
             digits = digits * 10 + (c - u'0');
         else if (c == sign && point == 0 && at > first)
             point = at + 1;
         else
             return parseSlowly(text, locale);
     }
-    if (first == at || point == at || digits > kExactDouble || at - first > kMaximumDigits)
+    if (first == at || point == at || digits > kExactDouble)
         return parseSlowly(text, locale);
     number.kind = Kind::Exact;
     number.digits = first != 0 ? -digits : digits;

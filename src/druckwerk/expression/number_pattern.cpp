@@ -22,15 +22,11 @@ constexpr std::array<std::int64_t, kMaximumDigits + 1> kIntegerPowers = [] {
     return powers;
 }();
 
-/// digits / 10^scale
-struct Magnitude {
-    std::int64_t digits;
-    int scale;
-};
-
 /// The number without its sign, as a percentage where asked for, with at most `decimals`; halves are rounded up.
-Magnitude rounded(const Number& number, bool percent, int decimals) {
-    Magnitude result{number.digits < 0 ? -number.digits : number.digits, number.scale - (percent ? 2 : 0)};
+Number rounded(const Number& number, bool percent, int decimals) {
+    Number result;
+    result.digits = number.digits < 0 ? -number.digits : number.digits;
+    result.scale = number.scale - (percent ? 2 : 0);
     const int surplus = result.scale - decimals;
     if (surplus <= 0)
         return result;
@@ -40,18 +36,41 @@ Magnitude rounded(const Number& number, bool percent, int decimals) {
     return result;
 }
 
-/// Writes all digits in front of `end`, the last `decimals` of them behind the comma; gives the first one.
-char16_t* writeDigits(Magnitude number, int decimals, char16_t* end) {
-    char16_t* begin = end;
-    if (number.digits != 0)
-        for (int i = number.scale; i < decimals; ++i)
-            *--begin = u'0';
-    for (auto rest = static_cast<std::uint64_t>(number.digits); rest != 0; rest /= 10)
-        *--begin = static_cast<char16_t>(u'0' + rest % 10);
-    while (end - begin < decimals)
-        *--begin = u'0';
-    return begin;
-}
+/// The digits of a number from the last one on, and zeros behind them.
+class ExactDigits {
+  public:
+    ExactDigits(std::int64_t digits, int zeros) : rest_(static_cast<std::uint64_t>(digits)), zeros_(zeros) {}
+    bool areLeft() const { return rest_ != 0 || zeros_ > 0; }
+    char16_t next() {
+        if (zeros_ > 0) {
+            --zeros_;
+            return u'0';
+        }
+        const auto last = static_cast<char16_t>(u'0' + rest_ % 10);
+        rest_ /= 10;
+        return last;
+    }
+
+  private:
+    std::uint64_t rest_;
+    int zeros_;
+};
+
+/// Digits that are written, from the last one on.
+class WrittenDigits {
+  public:
+    WrittenDigits(const char* begin, const char* end) : begin_(begin), end_(end) {}
+    bool areLeft() const { return end_ != begin_; }
+    char16_t next() { return areLeft() ? static_cast<char16_t>(*--end_) : u'0'; }
+
+  private:
+    const char* begin_;
+    const char* end_;
+};
+
+constexpr std::size_t kLongestSign = 4; // a decimal sign or a separator is one character in most locales
+/// The largest double has 309 digits in front of the decimal sign, with 102 separators, and 15 are shown behind it.
+constexpr std::size_t kMostCharacters = 309 + 102 * kLongestSign + kLongestSign + 15;
 
 } // namespace
 
@@ -146,23 +165,39 @@ NumberPattern::NumberPattern(StringView pattern) {
                     "Ungültiges Zahlenformat „" + toUtf8(pattern) + "“: keine Ziffernstelle (# oder 0)");
 }
 
-/// All digits without a sign between them, the last `decimals` of them behind the decimal sign.
-void NumberPattern::appendDigits(const Part& part, StringView digits, int decimals, const Locale& locale,
-                                 String& out) {
-    const auto integers = digits.size() - static_cast<std::size_t>(decimals);
-    const auto begin = out.size();
-    const auto wanted = static_cast<std::size_t>(part.integerDigits);
-    if (wanted > integers)
-        out.append(wanted - integers, u'0');
-    out += digits.substr(0, integers);
-    if (part.grouped)
-        for (auto at = out.size(); at > begin + kGroup;)
-            out.insert(at -= kGroup, locale.thousandsSeparator);
-    StringView behind = digits.substr(integers);
-    while (static_cast<int>(behind.size()) > part.minimumDecimals && behind.back() == u'0')
-        behind.remove_suffix(1);
-    if (!behind.empty())
-        out.append(locale.decimalSign).append(behind);
+/// Appends `digits`, the last `places` of them behind the decimal sign.
+template <class Digits>
+void NumberPattern::appendDigits(const Part& part, Digits digits, int places, const Locale& locale, String& out) {
+    std::array<char16_t, kMostCharacters> buffer;
+    char16_t* const end = buffer.data() + buffer.size();
+    char16_t* begin = end;
+    const auto writeSign = [&begin](StringView sign) {
+        for (std::size_t i = std::min(sign.size(), kLongestSign); i > 0;)
+            *--begin = sign[--i];
+    };
+    for (int place = 0; place < places; ++place)
+        *--begin = digits.next();
+    if (places > 0)
+        writeSign(locale.decimalSign);
+    std::size_t inGroup = 0;
+    for (int place = 0; digits.areLeft() || place < part.integerDigits; ++place) {
+        if (inGroup == kGroup) {
+            writeSign(locale.thousandsSeparator);
+            inGroup = 0;
+        }
+        *--begin = digits.next();
+        inGroup += part.grouped ? 1 : 0;
+    }
+    out.append(begin, static_cast<std::size_t>(end - begin));
+}
+
+void NumberPattern::appendExact(const Part& part, const Number& number, const Locale& locale, String& out) {
+    std::int64_t digits = number.digits;
+    int scale = number.scale;
+    for (; scale > part.minimumDecimals && digits % 10 == 0; digits /= 10)
+        --scale;
+    const int places = std::max(scale, part.minimumDecimals);
+    appendDigits(part, ExactDigits(digits, digits == 0 ? places : places - scale), places, locale, out);
 }
 
 void NumberPattern::appendLarge(const Number& number, const Locale& locale, String& out) const {
@@ -173,12 +208,13 @@ void NumberPattern::appendLarge(const Number& number, const Locale& locale, Stri
     if (part.hasDigits) {
         // A percentage has its decimal sign two digits further on: a hundred times the number may be no double.
         std::array<char, 400> buffer{};
-        const int decimals = part.maximumDecimals + (part.percent ? 2 : 0);
         const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(number.value),
-                                           std::chars_format::fixed, decimals);
+                                           std::chars_format::fixed, part.maximumDecimals + (part.percent ? 2 : 0));
         const char* end = std::remove(buffer.data(), written.ptr, '.');
-        appendDigits(part, String(buffer.begin(), buffer.begin() + (end - buffer.data())), part.maximumDecimals,
-                     locale, out);
+        int places = part.maximumDecimals;
+        for (; places > part.minimumDecimals && end[-1] == '0'; --end)
+            --places;
+        appendDigits(part, WrittenDigits(buffer.data(), end), places, locale, out);
     }
     out += part.suffix;
 }
@@ -189,19 +225,14 @@ void NumberPattern::append(const Number& number, const Locale& locale, String& o
         return;
     }
     const Part& first = parts_[number.digits < 0 && parts_.size() > 1 && parts_[1].hasDigits ? 1 : 0];
-    const int decimals = first.maximumDecimals;
-    const auto shown = rounded(number, first.percent, decimals);
+    const Number shown = rounded(number, first.percent, first.maximumDecimals);
     const bool negative = number.digits < 0 && shown.digits != 0;
     const Part& part = parts_[negative && parts_.size() > 1 ? 1 : shown.digits == 0 && parts_.size() > 2 ? 2 : 0];
     if (negative && parts_.size() == 1)
         out += u'-';
     out += part.prefix;
-    if (part.hasDigits) {
-        std::array<char16_t, 64> buffer;
-        char16_t* const end = buffer.data() + buffer.size();
-        const char16_t* const begin = writeDigits(shown, decimals, end);
-        appendDigits(part, {begin, static_cast<std::size_t>(end - begin)}, decimals, locale, out);
-    }
+    if (part.hasDigits)
+        appendExact(part, shown, locale, out);
     out += part.suffix;
 }
 

@@ -26,7 +26,10 @@ class NumberPattern {
         bool hasDigits = false;
     };
     class PartReader;
-    static void appendDigits(const Part& part, StringView digits, int decimals, const Locale& locale, String& out);
+    template <class Digits>
+    static void appendDigits(const Part& part, Digits digits, int places, const Locale& locale, String& out);
+    /// `number` has no sign any more, and as many decimals as are shown at most.
+    static void appendExact(const Part& part, const Number& number, const Locale& locale, String& out);
     void appendLarge(const Number& number, const Locale& locale, String& out) const;
     std::vector<Part> parts_;
 };

@@ -104,9 +104,7 @@ void Canvas::endGraphics() {
     inGraphics_ = false;
 }
 
-void Canvas::setFont(const Face& face, double size) {
-    if (font_ == face.number() && size_ == size)
-        return;
+void Canvas::changeFont(const Face& face, double size) {
     font_ = face.number();
     size_ = size;
     buffer_ += "/F";
@@ -132,20 +130,17 @@ void Canvas::moveText(Point at, Rgb color) {
     }
     const std::int64_t x = hundredths(at.x);
     const std::int64_t y = hundredths(height_ - at.y);
-    appendHundredths(buffer_, x - lineX_, y - lineY_);
-    buffer_ += " Td";
+    appendMove(buffer_, x - lineX_, y - lineY_);
     lineX_ = x;
     lineY_ = y;
 }
 
 void Canvas::showRun(const ShapedRun& run) {
-    const std::string_view glyphs = run.glyphs;
     if (run.rise != 0) {
         appendNumber(buffer_, run.rise * size_);
         buffer_ += " Ts";
     }
-    buffer_ += run.kerned ? glyphs : glyphs.substr(1);
-    buffer_ += run.kerned ? ")]TJ\n" : ")Tj\n";
+    buffer_ += run.operators();
     if (run.rise != 0)
         buffer_ += "0 Ts\n";
 }

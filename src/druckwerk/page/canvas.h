@@ -86,7 +86,11 @@ class Canvas {
     void beginMark();
     void endMark();
     void moveText(Point at, Rgb color);
-    void setFont(const Face& face, double size);
+    void setFont(const Face& face, double size) {
+        if (font_ != face.number() || size_ != size)
+            changeFont(face, size);
+    }
+    void changeFont(const Face& face, double size);
     void showRun(const ShapedRun& run);
     void drawPicture(const GlyphPicture& picture, Point at, double size);
     void addLate(const LateText& late);

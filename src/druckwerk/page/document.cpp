@@ -149,8 +149,7 @@ void PdfDocument::writeLateTexts() {
             appendNumber(operators, -number.width * late.size * shareLeft(late.anchor));
             operators += " 0 Td\n";
         } else {
-            const ShapedRun& run = number.run(0);
-            operators = run.kerned ? run.glyphs + ")]TJ\n" : run.glyphs.substr(1) + ")Tj\n";
+            operators = number.run(0).operators();
         }
         output_.writeStream(object, "", operators);
     }

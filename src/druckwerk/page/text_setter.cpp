@@ -172,8 +172,8 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
         return;
     document_.fonts().setPlace(&item.place);
     const Point at{item.baseline.x, item.baseline.y + down};
-    if (item.fit != Fit::Wrap)
-        text = text.substr(0, wholeCharacters(text, std::min(text.size(), kLongestLine)));
+    if (item.fit != Fit::Wrap && text.size() > kLongestLine)
+        text = text.substr(0, wholeCharacters(text, kLongestLine));
     if (item.turned) {
         Matrix matrix = *item.turned;
         matrix.f += down;

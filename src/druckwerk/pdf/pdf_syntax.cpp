@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace kvtdruck::druckwerk {
 
@@ -48,10 +49,13 @@ void appendNumber(std::string& out, double value) {
     out.append(begin, static_cast<std::size_t>(end - begin));
 }
 
-void appendHundredths(std::string& out, std::int64_t x, std::int64_t y) {
-    std::array<char, 2 * kNumberRoom> buffer;
+void appendMove(std::string& out, std::int64_t x, std::int64_t y) {
+    constexpr std::string_view kMove = " Td";
+    std::array<char, 2 * kNumberRoom + kMove.size()> buffer;
     char* const end = buffer.data() + buffer.size();
-    char* begin = written(y, end);
+    char* begin = end - kMove.size();
+    std::memcpy(begin, kMove.data(), kMove.size());
+    begin = written(y, begin);
     *--begin = ' ';
     begin = written(x, begin);
     out.append(begin, static_cast<std::size_t>(end - begin));

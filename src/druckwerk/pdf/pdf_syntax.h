@@ -11,8 +11,8 @@ namespace kvtdruck::druckwerk {
 
 /// `value` with at most two decimals, as PDF numbers are written.
 void appendNumber(std::string& out, double value);
-/// Two such numbers, given in hundredths, with a blank between them.
-void appendHundredths(std::string& out, std::int64_t x, std::int64_t y);
+/// What moves the place of text by `x` and `y`, given in hundredths.
+void appendMove(std::string& out, std::int64_t x, std::int64_t y);
 /// A PDF text string (UTF-16 in hexadecimal) of UTF-16 `text`.
 std::string pdfText(std::u16string_view text);
 /// `bytes` as a PDF string in hexadecimal.

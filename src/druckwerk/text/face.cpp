@@ -35,8 +35,7 @@ void appendCode(std::string& out, std::uint16_t code) {
 Face::Face(hb_face_t* face, int number)
     : face_(face), font_(hb_font_create(face)), number_(number), unitsPerEm_(hb_face_get_upem(face)),
       hasPictures_(hb_ot_color_has_png(face) != 0) {
-    asciiKerning_.fill(kUnknown);
-    std::fill_n(asciiKerning_.begin(), 128, std::int16_t{0}); // behind nothing
+    latin1Kerning_.fill(kUnknown);
 }
 
 Face::~Face() {
@@ -106,6 +105,8 @@ int Face::shapedAdvance(StringView text) const {
 }
 
 std::int16_t Face::measureKerning(char16_t left, char16_t right) {
+    if (left == 0)
+        return 0;
     const auto alone = [this](char16_t c) {
         std::int16_t& advance = plain_[plainIndex(c)].alone;
         return advance != kUnknown ? advance : advance = static_cast<std::int16_t>(shapedAdvance({&c, 1}));

@@ -66,15 +66,14 @@ class Face {
     /// The plain character `c` where it is known that nothing moves it behind `previous` (0 at the beginning of a
     /// text), else nullptr: the short way for most characters.
     const Plain* unkerned(char16_t previous, char16_t c) const {
-        if ((previous | c) >= 128 || asciiKerning_[previous * 128U + c] != 0)
-            return nullptr;
-        const Plain& found = plain_[c];
-        return found.state == Plain::State::Usable ? &found : nullptr;
+        const bool known = (previous | c) < kLatin1End && latin1Kerning_[previous * kLatin1End + c] == 0;
+        return known ? &plain_[c] : nullptr;
     }
-    /// How much closer (negative) or wider two neighbouring plain characters stand, in font units.
+    /// How much closer (negative) or wider two neighbouring plain characters stand, in font units; 0 at the
+    /// beginning of a text, where `left` is 0.
     int kerning(char16_t left, char16_t right) {
-        if (left < 128 && right < 128) {
-            std::int16_t& kerning = asciiKerning_[left * 128U + right];
+        if ((left | right) < kLatin1End) {
+            std::int16_t& kerning = latin1Kerning_[left * kLatin1End + right];
             return kerning != kUnknown ? kerning : kerning = measureKerning(left, right);
         }
         const auto [entry, fresh] = kerning_.try_emplace(static_cast<std::uint32_t>(left) << 16 | right);
@@ -96,6 +95,7 @@ class Face {
         std::uint32_t glyph;
         String text;
     };
+    static constexpr std::size_t kLatin1End = 0x100;
     static constexpr std::size_t kLatinEnd = 0x250;
     static constexpr std::size_t kPunctuationBegin = 0x2010;
     static constexpr std::size_t kPunctuationEnd = 0x20D0;
@@ -121,7 +121,7 @@ class Face {
     double unitsPerEm_;
     bool hasPictures_;
     std::array<Plain, kLatinEnd + kPunctuationEnd - kPunctuationBegin> plain_{};
-    std::array<std::int16_t, std::size_t{128} * 128> asciiKerning_;
+    std::array<std::int16_t, kLatin1End * kLatin1End> latin1Kerning_; ///< known for plain characters alone
     std::unordered_map<std::uint32_t, std::int16_t> kerning_;
     std::vector<Code> codes_;
     std::map<std::pair<std::uint32_t, String>, std::uint16_t> codeByText_;

@@ -19,10 +19,17 @@ namespace {
 
 using Buffer = std::unique_ptr<hb_buffer_t, Deleter<hb_buffer_destroy>>;
 
-void appendAdjustment(std::string& out, double ems) {
-    out += ')';
-    appendNumber(out, -ems * kPdfUnits);
-    out += '(';
+void appendAdjustment(ShapedRun& run, double ems) {
+    std::string adjustment = ")";
+    appendNumber(adjustment, -ems * kPdfUnits);
+    adjustment += '(';
+    run.append(adjustment);
+}
+
+void appendGlyphCode(ShapedRun& run, std::uint16_t code) {
+    std::string bytes;
+    appendCode(bytes, code);
+    run.append(bytes);
 }
 
 /// Appends any plain character behind `previous`; gives how far it advances, or nothing where it is not plain.
@@ -30,12 +37,12 @@ std::optional<int> appendPlainly(Face& face, char16_t previous, char16_t c, Shap
     const Face::Plain* plain = face.plain(c);
     if (plain == nullptr)
         return std::nullopt;
-    const int kerning = previous != 0 ? face.kerning(previous, c) : 0;
+    const int kerning = face.kerning(previous, c);
     if (kerning != 0) {
-        appendAdjustment(run.glyphs, kerning / face.unitsPerEm());
+        appendAdjustment(run, kerning / face.unitsPerEm());
         run.kerned = true;
     }
-    run.glyphs.append(plain->bytes.data(), plain->size);
+    run.append({plain->bytes.data(), plain->size});
     return kerning + plain->advance;
 }
 
@@ -44,31 +51,30 @@ bool shapePlainly(StringView text, Face& face, ShapedText& out) {
     ShapedRun& run = out.add(face);
     int advance = 0;
     char16_t previous = 0;
-    for (std::size_t i = 0; i < text.size();) {
+    for (const char16_t *c = text.data(), *const end = c + text.size(); c != end;) {
         // Most characters are met again, and in a pair that is not kerned: they are written where there is room for
         // all.
-        const std::size_t used = run.glyphs.size();
-        run.glyphs.resize(used + (text.size() - i) * sizeof(Face::Plain::bytes));
-        char* at = run.glyphs.data() + used;
-        for (; i < text.size(); ++i) {
-            const Face::Plain* plain = face.unkerned(previous, text[i]);
+        char* at = run.room(static_cast<std::size_t>(end - c) * sizeof(Face::Plain::bytes));
+        for (; c != end; ++c) {
+            const Face::Plain* plain = face.unkerned(previous, *c);
             if (plain == nullptr)
                 break;
             std::memcpy(at, plain->bytes.data(), sizeof(Face::Plain::bytes));
             at += plain->size;
             advance += plain->advance;
-            previous = text[i];
+            previous = *c;
         }
-        run.glyphs.resize(static_cast<std::size_t>(at - run.glyphs.data()));
-        if (i == text.size())
+        run.take(at);
+        if (c == end)
             break;
-        const auto added = appendPlainly(face, previous, text[i], run);
+        const auto added = appendPlainly(face, previous, *c, run);
         if (!added)
             return false;
         advance += *added;
-        previous = text[i++];
+        previous = *c++;
     }
     run.width = out.width = advance / face.unitsPerEm();
+    run.end();
     return true;
 }
 
@@ -194,17 +200,17 @@ void appendPicture(ShapedRun& run, const GlyphPicture* glyphPicture, Face& base,
     run.face = &base;
     run.picture = glyphPicture;
     if (blank != 0)
-        appendCode(run.glyphs, base.codeOf(blank, text));
+        appendGlyphCode(run, base.codeOf(blank, text));
 }
 
 void appendGlyph(ShapedRun& run, std::uint32_t glyph, double offset, double advance, StringView text) {
     Face& face = *run.face;
     const double surplus = advance - hb_font_get_glyph_h_advance(face.font(), glyph) / face.unitsPerEm();
     if (offset != 0)
-        appendAdjustment(run.glyphs, offset);
-    appendCode(run.glyphs, face.codeOf(glyph, text));
+        appendAdjustment(run, offset);
+    appendGlyphCode(run, face.codeOf(glyph, text));
     if (surplus - offset != 0)
-        appendAdjustment(run.glyphs, surplus - offset);
+        appendAdjustment(run, surplus - offset);
     run.kerned = run.kerned || offset != 0 || surplus != 0;
 }
 
@@ -257,6 +263,8 @@ void shapeFully(FontLibrary& fonts, StringView utf16, Face& face, ShapedText& ou
     orderAsSeen(runs);
     for (const TextRun& run : runs)
         shapeRun(fonts, text, run, face, out);
+    for (std::size_t i = 0; i < out.count; ++i)
+        out.run(i).end();
 }
 
 } // namespace
