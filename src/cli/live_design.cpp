@@ -72,9 +72,10 @@ class Child {
         return kFailed;
     }
     void passOnCancellation() {
-        if (cancelled() && !passedOn_)
-            ::kill(id_, SIGTERM);
-        passedOn_ = cancelled();
+        if (passedOn_ || !cancelled())
+            return;
+        passedOn_ = true;
+        ::kill(id_, SIGTERM);
     }
 
   private:
