@@ -39,7 +39,7 @@ HOUSE = {
 
 # The rooms of the embedded engine, from the lowest. Each sees those before it; the façade, druckwerk.h, sees all and is
 # seen from outside alone.
-DRUCKWERK = ["common", "svg", "expression", "pdf", "text", "layout", "structure", "page", "exits", "druckwerk"]
+DRUCKWERK = ["common", "svg", "expression", "pdf", "text", "layout", "page", "structure", "exits", "druckwerk"]
 
 INCLUDE = re.compile(r'^\s*#include "([^"]+)"', re.MULTILINE)
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "druckwerk/layout/layout.h"
-#include "druckwerk/page/print_job.h"
+#include "druckwerk/print_job.h"
 
 #include <filesystem>
 #include <map>

@@ -7,7 +7,7 @@
 #include "druckwerk/page/canvas.h"
 #include "druckwerk/pdf/metadata.h"
 #include "druckwerk/pdf/pdf_output.h"
-#include "druckwerk/structure/structure_tree.h"
+#include "druckwerk/pdf/structure_tree.h"
 #include "druckwerk/text/font_library.h"
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "druckwerk/page/print_job.h"
+#include "druckwerk/print_job.h"
 
 #include "druckwerk/page/artwork.h"
 #include "druckwerk/structure/chart_description.h"

@@ -1,4 +1,4 @@
-#include "druckwerk/structure/structure_tree.h"
+#include "druckwerk/pdf/structure_tree.h"
 
 #include <array>
 #include <cstdio>
