@@ -16,7 +16,6 @@ using namespace testing;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 using ::testing::SizeIs;
 
 /// A filled rectangle of the page, in points from its lower left corner.

@@ -40,7 +40,7 @@ def install():
 
 
 def run(*command, **more):
-    return subprocess.run([str(word) for word in command], capture_output=True, encoding="utf-8", timeout=120,
+    return subprocess.run([str(word) for word in command], capture_output=True, encoding="utf-8", timeout=300,
                           check=False, **{"env": ENVIRONMENT, **more})
 
 
@@ -243,7 +243,7 @@ class InkscapeTest(unittest.TestCase):
         with subprocess.Popen(["inkscape", "--batch-process", "--actions=kvtdruck.check", str(page)], env=environment,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True) as inkscape:
             try:
-                end = time.monotonic() + 100
+                end = time.monotonic() + 300
                 while time.monotonic() < end and not (calls.is_file() and "pruefen" in calls.read_text()):
                     time.sleep(0.1)
             finally:
