@@ -3,6 +3,7 @@
 #include "catalog/usage_error.h"
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
+#include "cli/company_logo.h"
 #include "cli/data_source.h"
 #include "cli/layout_store.h"
 #include "cli/preview.h"
@@ -109,7 +110,8 @@ class ReportRun {
     /// Whether the layout can be printed with; what is wrong with it is said when the designer is closed.
     static bool isSound(const std::filesystem::path& layout) {
         return std::filesystem::exists(layout) &&
-               std::ranges::none_of(druckwerk::checkLayout(layout, {}), &druckwerk::Finding::error);
+               std::ranges::none_of(druckwerk::checkLayout(layout, {}, false, LayoutStore::installedFolder()),
+                                    &druckwerk::Finding::error);
     }
 
     bool ask(clsDruckManager& manager, std::int16_t mode, const SinglePrint& print, bool dialog) {
@@ -178,6 +180,7 @@ class ReportRun {
         druckwerk::Options settings;
         settings.output = engineOutput();
         settings.layoutsBehind = LayoutStore::installedFolder();
+        settings.logo = logoOf(options_, request_.company);
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { take(std::move(file)); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
@@ -345,7 +348,8 @@ class ReportRun {
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
-        for (const auto& finding : druckwerk::checkLayout(request.source, request.definitions, options_.unused))
+        for (const auto& finding :
+             druckwerk::checkLayout(request.source, request.definitions, options_.unused, request.behind))
             show(finding);
         return 0;
     }

@@ -214,13 +214,11 @@ Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file) {
     std::error_code ignored;
     const bool exists = std::filesystem::exists(file, ignored);
     std::vector<Finding> findings;
-    Layout layout = readLayout(exists ? readLayoutFile(file) : generateLayout(definitions_.list()), file.string(),
-                               file.parent_path(), definitions_, findings);
+    Layout layout =
+        readLayout(exists ? readLayoutFile(file) : generateLayout(definitions_.list()), file.string(),
+                   {file.parent_path(), options_->layoutsBehind, options_->logo}, definitions_, findings);
     for (const auto& finding : findings)
-        if (finding.error)
-            throw Fault(finding.code, finding.message);
-        else
-            warn(finding.message);
+        finding.error ? throw Fault(finding.code, finding.message) : warn(finding.message);
     for (const auto& message : unknownNames(layout, definitions_))
         warn(message);
     return layout;
@@ -385,9 +383,10 @@ std::int32_t Druckwerk::Engine::design(std::span<const Argument> arguments) {
         return fail(kDesignFailed, "Es ist kein Gestaltungsprogramm eingerichtet");
     std::string message;
     const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 3));
-    const std::int32_t code = options_->design({toUtf8(argument<StringView>(arguments, 1)), layoutFile(objectName),
-                                                definitions_.list(), layoutInUse(objectName)},
-                                               message);
+    const std::int32_t code =
+        options_->design({toUtf8(argument<StringView>(arguments, 1)), layoutFile(objectName), definitions_.list(),
+                          layoutInUse(objectName), options_->layoutsBehind},
+                         message);
     return code == kEngineSuccess || code == kEngineCancelled ? code : fail(code, message);
 }
 

@@ -1,6 +1,7 @@
 #include "druckwerk/exits/designer.h"
 
 #include "druckwerk/common/fault.h"
+#include "druckwerk/exits/lent_files.h"
 #include "druckwerk/exits/palette.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
@@ -87,6 +88,7 @@ std::string layoutToShow(const DesignRequest& request) {
 
 Designed openInDesigner(const DesignRequest& request) {
     const std::string svg = layoutToShow(request);
+    const LentFiles lent(request, svg);
     // A damaged layout is opened as it is; the check says what is wrong with it.
     const WorkingCopy copy(request.layout, withPalette(svg, request.definitions).value_or(svg));
     copy.write();
@@ -123,7 +125,7 @@ std::int32_t design(const DesignRequest& request, const FindingSink& findings, s
             {false, 0, "Objekte, die in der Ebene „Feldliste“ lagen, liegen jetzt in der Ebene „Hintergrund“."});
     const auto& used = std::filesystem::exists(request.layout) ? request.layout : request.source;
     if (std::filesystem::exists(used))
-        for (const auto& finding : checkLayout(used, request.definitions))
+        for (const auto& finding : checkLayout(used, request.definitions, false, request.behind))
             findings(finding);
     return 0;
 }

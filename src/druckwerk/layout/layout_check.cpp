@@ -32,7 +32,7 @@ std::vector<std::string> unknownNames(const Layout& layout, const Definitions& d
 }
 
 std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known,
-                                 bool unused) {
+                                 bool unused, const std::filesystem::path& behind) {
     Definitions definitions;
     for (const auto& definition : known)
         definitions.define(fromUtf8(definition.name), fromUtf8(definition.value), definition.numeric,
@@ -40,7 +40,7 @@ std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::v
     std::vector<Finding> findings;
     try {
         const Layout layout =
-            readLayout(readLayoutFile(file), file.string(), file.parent_path(), definitions, findings);
+            readLayout(readLayoutFile(file), file.string(), {file.parent_path(), behind}, definitions, findings);
         if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
             return findings;
         for (const auto& message : unknownNames(layout, definitions))

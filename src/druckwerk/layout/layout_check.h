@@ -20,6 +20,6 @@ std::vector<std::string> unknownNames(const Layout& layout, const Definitions& d
 /// What is to be said about the layout `file`, given what the report defines; nothing is printed. With `unused`
 /// also which variables and fields it does not print.
 std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& definitions,
-                                 bool unused = false);
+                                 bool unused = false, const std::filesystem::path& behind = {});
 
 } // namespace kvtdruck::druckwerk
