@@ -4,8 +4,12 @@
 #include "cli/binder.h"
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
+#include "cli/field_notes.h"
 #include "cli/file_names.h"
+#include "cli/live_design.h"
 #include "cli/workers.h"
+#include "druckwerk/exits/palette.h"
+#include "druckwerk/layout/layout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -265,6 +269,27 @@ std::vector<PrintRequest> requestsOf(const Options& options, Console& console) {
     return Planner(options, console).requests();
 }
 
+namespace {
+
+/// A layout that someone may be drawing at.
+druckwerk::LayoutText layoutIn(const std::filesystem::path& file) {
+    auto text = druckwerk::readLayoutFile(file);
+    bool ignored = false;
+    if (auto plain = druckwerk::withoutPalette(text, ignored))
+        text = std::move(*plain);
+    return {std::move(text), file};
+}
+
+int listFields(const Options& options, PrintRequest request, Console& console) {
+    request.defined = [&](const std::vector<druckwerk::Definition>& definitions) {
+        console.notice(
+            (options.asJson ? fieldsAsJson : describeFields)(*request.report, definitions, options.blank));
+    };
+    return runReport(options, request, console);
+}
+
+} // namespace
+
 int printAll(const Options& options, Console& console) {
     auto requests = requestsOf(options, console);
     if (!options.outputFolder.empty())
@@ -273,6 +298,12 @@ int printAll(const Options& options, Console& console) {
         return kDone; // this part of the work is empty
     if (!options.binder.empty())
         return printBinders(options, requests, console);
+    if (options.command == Command::Fields)
+        return listFields(options, requests.front(), console);
+    if (options.layout)
+        requests.front().layout = layoutIn(*options.layout);
+    if (options.live)
+        return designLive(options, requests.front(), console);
     if (requests.size() == 1)
         return runReport(options, requests.front(), console);
     if (options.askForPrinter)

@@ -2,6 +2,7 @@
 
 #include "cli/cancellation.h"
 #include "cli/data_source.h"
+#include "cli/list_tables.h"
 #include "cli/outcome.h"
 #include "kvtzug/database_check.h"
 #include "kvtzug/database_template.h"
@@ -30,26 +31,6 @@ const std::map<std::string, DatabaseProduct>& products() {
                                                               {"sqlserver", DatabaseProduct::SqlServer}};
     return known;
 }
-
-/// The tables that a list reads besides `firma`; the first of them must have rows.
-struct ListTables {
-    std::string_view listName;
-    std::array<const char*, 3> tables;
-};
-constexpr std::array<const char*, 3> kEmployeeMonths{"mitarbeiter_monate", "mitarbeiter_jahre", "mitarbeiter"};
-constexpr std::array kListTables{
-    ListTables{"Umsatz", {"umsatz"}},
-    ListTables{"MitUeber", {"mitarbeiter", "mitarbeiter_jahre"}},
-    ListTables{"Firma", {"firma_jahre", "feiertage"}},
-    ListTables{"GemeinK", {"konten"}},
-    ListTables{"NeutralA", {"konten"}},
-    ListTables{"MaKost", kEmployeeMonths},
-    ListTables{"MaZeit", kEmployeeMonths},
-    ListTables{"MaStKost", kEmployeeMonths},
-    ListTables{"MaStZeit", kEmployeeMonths},
-    ListTables{"KalkKo", {"kosten"}},
-    ListTables{"MatUeber", {"material"}},
-};
 
 class DatabaseReport {
   public:

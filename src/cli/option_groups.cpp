@@ -230,11 +230,17 @@ constexpr const char* kPrintExamples = R"(Beispiele:
 
 void addDesignFlags(CLI::App& design, CLI::App& check, Options& options) {
     design
+        .add_flag("--live", options.live,
+                  "prüft und druckt das Layout bei jedem Speichern; das Anzeigeprogramm zeigt die Seiten")
+        ->group("Gestaltung");
+    design
         .add_flag("--beispielwerte", options.samplesOnly,
                   "frischt nur auf, was das Layout in Inkscape zeigt, und öffnet es nicht")
         ->group("Gestaltung");
     check.add_flag("--ungedruckt", options.unused, "nennt auch Variablen und Felder, die das Layout nicht druckt")
         ->group("Prüfung");
+    addValue(check, "Prüfung", "--layout", "DATEI", "prüft diese Datei statt des Layouts der Liste",
+             [&](const std::string& text) { options.layout = text; });
 }
 
 template <class Add>
@@ -247,6 +253,34 @@ void addLayouts(Add&& add, Options& options) {
         ->group("Layouts");
     layouts.add_flag("--zurueck,--zurück", options.takesBack, "nimmt das letzte frühere Layout wieder")
         ->group("Layouts");
+}
+
+std::string example(const std::string& text) {
+    return "Beispiel:\n  kvtdruck " + text;
+}
+
+/// The commands about one list's layout and its pages on the screen; gives the one that lists its fields.
+template <class Add>
+CLI::App& addDesigning(Add&& add, Options& options) {
+    auto& preview = add("vorschau", "zeigt eine Liste im PDF-Anzeigeprogramm", Command::Preview,
+                        example("vorschau GemeinK -d musterbau.sqlite -f 1 -j 2024 -m 3"));
+    auto& design = add("gestalten", "öffnet das Layout einer Liste in Inkscape", Command::Design,
+                       example("gestalten Umsatz -d musterbau.sqlite -f 1") +
+                           "\n  kvtdruck gestalten Umsatz -d musterbau.sqlite -f 1 -j 2024 --live");
+    auto& check = add("pruefen", "prüft Layouts", Command::Check,
+                      example("pruefen") + "\n  kvtdruck pruefen Umsatz -d musterbau.sqlite -f 1");
+    auto& fields = add("felder", "nennt die Variablen und Felder einer Liste", Command::Fields,
+                       example("felder Umsatz") + "\n  kvtdruck felder Umsatz -d musterbau.sqlite -f 1");
+    for (auto* command : {&preview, &design, &check, &fields}) {
+        addReports(*command, options,
+                   command == &check ? "Namen oder Titel der Listen, ohne Angabe alle"
+                                     : "Name oder Titel der Liste");
+        addSelections(*command, options, false);
+    }
+    addDesignFlags(design, check, options);
+    for (auto* command : {&preview, &design, &check, &fields})
+        addGeneral(*command, options);
+    return fields;
 }
 
 } // namespace
@@ -268,14 +302,7 @@ void addCommands(CLI::App& app, Options& options) {
         added->callback([&options, command] { options.command = command; });
         return *added;
     };
-    const auto example = [](const std::string& text) { return "Beispiel:\n  kvtdruck " + text; };
     auto& print = add("drucken", "druckt Listen auf einen Drucker oder in Dateien", Command::Print, kPrintExamples);
-    auto& preview = add("vorschau", "zeigt eine Liste im PDF-Anzeigeprogramm", Command::Preview,
-                        example("vorschau GemeinK -d musterbau.sqlite -f 1 -j 2024 -m 3"));
-    auto& design = add("gestalten", "öffnet das Layout einer Liste in Inkscape", Command::Design,
-                       example("gestalten Umsatz -d musterbau.sqlite -f 1"));
-    auto& check = add("pruefen", "prüft Layouts", Command::Check,
-                      example("pruefen") + "\n  kvtdruck pruefen Umsatz -d musterbau.sqlite -f 1");
     // Taken out before the rest is parsed; here for the help.
     print.add_option("--auftrag", "statt allem anderen: eine TOML-Datei mit einem oder mehreren Drucken")
         ->type_name("DATEI")
@@ -284,15 +311,8 @@ void addCommands(CLI::App& app, Options& options) {
     addSelections(print, options, true);
     addFiles(print, options);
     addPrinter(print, options);
-    for (auto* command : {&preview, &design, &check}) {
-        addReports(*command, options,
-                   command == &check ? "Namen oder Titel der Listen, ohne Angabe alle"
-                                     : "Name oder Titel der Liste");
-        addSelections(*command, options, false);
-    }
-    addDesignFlags(design, check, options);
-    for (auto* command : {&print, &preview, &design, &check})
-        addGeneral(*command, options);
+    addGeneral(print, options);
+    auto& fields = addDesigning(add, options);
     auto& lists =
         add("listen", "nennt die Listen und ihre Auswahl", Command::ListReports, example("listen GemeinK"));
     addReports(lists, options, "Name oder Titel der Liste");
@@ -300,7 +320,7 @@ void addCommands(CLI::App& app, Options& options) {
                           example("firmen -d musterbau.sqlite"));
     addDatabase(companies, options);
     addDatabaseCommands(add, options);
-    for (auto* command : {&lists, &companies})
+    for (auto* command : {&lists, &companies, &fields})
         addValue(*command, "Ausgabe", "--format", "text|json", "Text (Vorgabe), oder JSON für Programme",
                  [&](const std::string& text) {
                      options.asJson = choiceIn<bool>("--format", text, {{"text", false}, {"json", true}});

@@ -137,13 +137,19 @@ void checkImport(const Options& options) {
         refuse("Es fehlt --datenbank DATEI; eingelesen wird in eine SQLite-Datenbank.");
 }
 
-/// Without a list a check is of all; without a word about data it makes do with blank ones.
+/// Without a list a check is of all.
 void completeCheck(Options& options) {
-    if (options.reports.empty()) {
-        options.allReports = true;
-        for (const auto& report : catalog::reports())
-            options.reports.push_back(&report);
-    }
+    if (options.layout && options.reports.size() != 1)
+        refuse("--layout braucht die Liste, zu der die Datei gehört.");
+    if (!options.reports.empty())
+        return;
+    options.allReports = true;
+    for (const auto& report : catalog::reports())
+        options.reports.push_back(&report);
+}
+
+/// Without a word about data blank ones do.
+void settleBlank(Options& options) {
     constexpr double kAnyCompany = 1;
     options.blank = !options.hasData() && options.companies.empty() && options.selections.empty();
     if (options.blank)
@@ -171,9 +177,13 @@ void check(Options& options, bool formatGiven) {
         return checkImport(options);
     if (options.command == Command::Database && !readsDatabase(options.words))
         return;
+    if (options.live && options.samplesOnly)
+        refuse("--live und --beispielwerte gehen nicht zusammen.");
     const bool needsReport = options.command != Command::ListCompanies && options.command != Command::Database;
     if (options.command == Command::Check)
         completeCheck(options);
+    if (options.command == Command::Check || options.command == Command::Fields)
+        settleBlank(options);
     if (needsReport && options.reports.empty())
         refuse("Es fehlt die Liste; alle Listen nennt „kvtdruck listen“.");
     checkData(options);

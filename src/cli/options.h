@@ -16,7 +16,7 @@
 
 namespace kvtdruck::cli {
 
-enum class Command { Print, Preview, Design, Check, ListReports, ListCompanies, Database, Import, Layouts };
+enum class Command { Print, Preview, Design, Check, Fields, ListReports, ListCompanies, Database, Import, Layouts };
 
 /// What a batch makes a file of its own for, within a list and a company.
 enum class Per { Company, Year, Employee };
@@ -26,7 +26,7 @@ struct Options {
     std::vector<const catalog::ReportEntry*> reports; ///< at least one for every command on a list
     bool allReports = false;                          ///< they were asked for as "alle", or a check of all
 
-    bool blank = false;           ///< a check makes do without data
+    bool blank = false;           ///< a check, and a list of fields, make do without data
     std::string database;         ///< an SQLite file; empty where
     std::string connectionString; ///< an ODBC connection string is given
     PasswordSource password;      ///< for a connection string
@@ -46,6 +46,8 @@ struct Options {
     druckwerk::PdfLevel level = druckwerk::PdfLevel::Archive;
     druckwerk::PrintSettings printing;
     bool askForPrinter = false;
+    bool live = false; ///< a designer's layout is checked and printed each time that it is saved
+    std::optional<std::filesystem::path> layout; ///< what a check is of, instead of the list's layout
     bool unused = false;             ///< a check names variables and fields that the layout does not print
     bool samplesOnly = false;        ///< a design ends with the values that the layout shows
     bool returnsToInstalled = false; ///< of a layout
@@ -62,10 +64,13 @@ struct Options {
     std::vector<std::string> words; ///< what `datenbank` is to do; the table of `einlesen`, and the files
     bool tryOnly = false;           ///< an import that changes nothing
     bool creates = false;           ///< an import makes the database and the tables that are missing
-    bool asJson = false;            ///< lists and companies as JSON
+    bool asJson = false;            ///< lists, fields and companies as JSON
 
     bool hasData() const { return !database.empty() || !connectionString.empty(); }
-    bool designs() const { return command == Command::Design || command == Command::Check; }
+    /// Whether the component is asked for a designer.
+    bool designs() const {
+        return command == Command::Design || command == Command::Check || command == Command::Fields;
+    }
 };
 
 /// What a command line asks for: one thing, or the prints of a job file. Nothing where help or the version was

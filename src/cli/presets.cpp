@@ -1,5 +1,6 @@
 #include "cli/presets.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -47,6 +48,21 @@ Presets either(Presets first, Presets second) {
 
 Presets userPresets(const CLI::App& app) {
     return either(environmentOf, presetsOf(userSettings(app)));
+}
+
+void handDown(const std::filesystem::path& database, const std::optional<std::filesystem::path>& values,
+              double company, const std::filesystem::path& applicationFolder) {
+    const auto preset = [](const char* option, const std::string& value) {
+        ::setenv(variableOf(option).c_str(), value.c_str(), 1);
+    };
+    if (!database.empty()) {
+        ::unsetenv(variableOf("--verbindung").c_str());
+        preset("--datenbank", std::filesystem::absolute(database).string());
+    }
+    if (values)
+        preset("--werte", std::filesystem::absolute(*values).string());
+    preset("--firma", std::to_string(std::llround(company)));
+    preset("--ordner", std::filesystem::absolute(applicationFolder).string());
 }
 
 } // namespace kvtdruck::cli

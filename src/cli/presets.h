@@ -4,6 +4,9 @@
 #include "cli/command_words.h"
 #include "cli/settings_file.h"
 
+#include <filesystem>
+#include <optional>
+
 namespace kvtdruck::cli {
 
 Presets presetsOf(Settings settings);
@@ -14,5 +17,10 @@ Presets either(Presets first, Presets second);
 /// The environment, and behind it the user's settings file, whose keys are the options of `app`'s commands. Throws
 /// a `catalog::UsageError` for a file that is wrong.
 Presets userPresets(const CLI::App& app);
+
+/// Presets this program's options for whatever this process starts: it asks about the same data. A connection,
+/// which may hold a password, is not handed down.
+void handDown(const std::filesystem::path& database, const std::optional<std::filesystem::path>& values,
+              double company, const std::filesystem::path& applicationFolder);
 
 } // namespace kvtdruck::cli

@@ -1,21 +1,12 @@
 #include "cli/report_list.h"
 
 #include "cli/json_text.h"
+#include "cli/text_columns.h"
 
 #include <algorithm>
 
 namespace kvtdruck::cli {
 namespace {
-
-/// Letters of a UTF-8 text: every byte but the continuations.
-std::size_t lettersOf(std::string_view text) {
-    return std::size_t(std::ranges::count_if(text, [](char c) { return (c & 0xc0) != 0x80; }));
-}
-
-std::string padded(std::string_view text, std::size_t width) {
-    const auto letters = lettersOf(text);
-    return std::string(text) + std::string(letters < width ? width - letters : 0, ' ') + "  ";
-}
 
 std::string selectionsOf(const catalog::ReportEntry& report) {
     if (report.isFedByValues())

@@ -5,7 +5,9 @@
 #include "cli/cancellation.h"
 #include "cli/company_logo.h"
 #include "cli/data_source.h"
+#include "cli/field_notes.h"
 #include "cli/layout_store.h"
+#include "cli/presets.h"
 #include "cli/preview.h"
 #include "cli/printer_dialog.h"
 #include "cli/report_workbooks.h"
@@ -126,8 +128,10 @@ class ReportRun {
         for (const auto& message : tight_.messages())
             find(message);
         if (!hasFindings_ && !isGenerated_ && !console_.hasFailed() && !cancelled())
-            console_.notice("Das Layout " + layouts_.inUse(request_.report->listName).string() +
-                            " ist in Ordnung.");
+            console_.notice(
+                "Das Layout " +
+                (request_.layout ? request_.layout->file : layouts_.inUse(request_.report->listName)).string() +
+                " ist in Ordnung.");
         return cancelled() ? kCancelled : hasFindings_ || console_.hasFailed() ? kFailed : kDone;
     }
 
@@ -181,6 +185,7 @@ class ReportRun {
         settings.output = engineOutput();
         settings.layoutsBehind = LayoutStore::installedFolder();
         settings.logo = logoOf(options_, request_.company);
+        settings.layout = request_.layout;
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { take(std::move(file)); };
         settings.deliver = [this](const druckwerk::Document& document, std::string& message) {
@@ -195,7 +200,10 @@ class ReportRun {
         settings.design = [this](const druckwerk::DesignRequest& request, std::string& message) {
             return design(request, message);
         };
-        settings.warn = [this](std::string_view text) { find(text); };
+        settings.warn = [this](std::string_view text) {
+            if (!request_.saved) // whoever takes the layout checks it
+                find(text);
+        };
         if (options_.command == Command::Check)
             settings.tight = [this](const druckwerk::TightField& field) { tight_.add(field); };
         if (options_.command == Command::Design)
@@ -222,7 +230,7 @@ class ReportRun {
     std::filesystem::path engineOutput() {
         if (options_.command == Command::Preview)
             return previewFolder() / (std::string(request_.report->listName) + ".ll");
-        if (options_.designs())
+        if (options_.designs() && request_.output.empty())
             return "/dev/null";
         if (request_.output.empty() || options_.printing.pages.empty())
             return request_.output;
@@ -324,6 +332,10 @@ class ReportRun {
     }
 
     std::int32_t design(const druckwerk::DesignRequest& request, std::string& message) {
+        if (request_.defined) {
+            request_.defined(request.definitions);
+            return 0;
+        }
         const auto show = [this](const druckwerk::Finding& finding) {
             finding.error  ? console_.error(finding.message)
             : finding.note ? console_.warning(finding.message)
@@ -340,16 +352,20 @@ class ReportRun {
             }
             auto shown = request;
             shown.sample = &sample_;
-            return keepingEarlier(request, [&] { return druckwerk::design(shown, show, message); });
+            handDown(options_.database, request_.values, request_.company, folder_);
+            const druckwerk::Designing designing{show, fieldNotes(*request_.report), request_.saved, &cancelled()};
+            return keepingEarlier(request, [&] { return druckwerk::design(shown, designing, message); });
         }
-        isGenerated_ = !std::filesystem::exists(request.source);
+        isGenerated_ = !request_.layout && !std::filesystem::exists(request.source);
         if (isGenerated_) {
             console_.notice("Die Liste " + std::string(request_.report->listName) +
                             " hat kein Layout; sie wird mit einem erzeugten gedruckt.");
             return 0;
         }
         for (const auto& finding :
-             druckwerk::checkLayout(request.source, request.definitions, options_.unused, request.behind))
+             request_.layout
+                 ? druckwerk::checkLayout(*request_.layout, request.definitions, options_.unused, request.behind)
+                 : druckwerk::checkLayout(request.source, request.definitions, options_.unused, request.behind))
             show(finding);
         return 0;
     }

@@ -5,6 +5,8 @@
 #include "cli/options.h"
 #include "cli/outcome.h"
 
+#include <functional>
+
 namespace kvtdruck::cli {
 
 /// What a document holds, and where it goes.
@@ -13,11 +15,18 @@ struct PrintRequest {
     double company = 0;
     catalog::Selections ranges;                  ///< as `catalog::rangesOf` gives them
     std::optional<std::filesystem::path> values; ///< the file of values
-    std::filesystem::path output;                ///< empty: to a printer, a viewer or a designer
-    bool continuesRecord = false;                ///< the record of calls goes on in its file
+    /// Empty: to a printer, a viewer or a designer. A check prints into it, or into nothing.
+    std::filesystem::path output;
+    bool continuesRecord = false; ///< the record of calls goes on in its file
     /// One that it goes into with others, and what the outline has around its entries there.
     std::shared_ptr<druckwerk::OpenDocument> document{};
     std::vector<std::string> chapter{};
+    /// What is printed with instead of the list's layout.
+    std::optional<druckwerk::LayoutText> layout{};
+    /// Takes what the list defines; no designer is opened then.
+    std::function<void(const std::vector<druckwerk::Definition>&)> defined{};
+    /// Takes the layout that a designer is opened on, and then each time that it is saved.
+    std::function<void(const std::string& layout)> saved{};
 };
 
 /// Prints, previews, designs or checks what `request` names; gives the program's exit code. Messages go to

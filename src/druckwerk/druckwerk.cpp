@@ -19,7 +19,6 @@
 #include <set>
 
 namespace kvtdruck::druckwerk {
-
 namespace {
 
 /// The layout file that belongs to an object name.
@@ -202,21 +201,23 @@ std::int32_t Druckwerk::Engine::performPrinting(Operation operation, std::span<c
 
 /// The layout of an object, or where it is not there the one that stands behind it.
 std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path& objectName) const {
+    if (options_->layout)
+        return options_->layout->file;
     std::error_code ignored;
+    const auto& behindOwn = options_->layoutsBehind;
     auto own = layoutFile(objectName);
-    if (options_->layoutsBehind.empty())
-        return own;
-    auto behind = layoutFile(options_->layoutsBehind / objectName.filename());
+    auto behind = behindOwn.empty() ? own : layoutFile(behindOwn / objectName.filename());
     return !std::filesystem::exists(own, ignored) && std::filesystem::exists(behind, ignored) ? behind : own;
 }
 
 Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file) {
     std::error_code ignored;
-    const bool exists = std::filesystem::exists(file, ignored);
+    const auto text = options_->layout                         ? options_->layout->text
+                      : std::filesystem::exists(file, ignored) ? readLayoutFile(file)
+                                                               : generateLayout(definitions_.list());
     std::vector<Finding> findings;
-    Layout layout =
-        readLayout(exists ? readLayoutFile(file) : generateLayout(definitions_.list()), file.string(),
-                   {file.parent_path(), options_->layoutsBehind, options_->logo}, definitions_, findings);
+    const LayoutFiles files{file.parent_path(), options_->layoutsBehind, options_->logo};
+    Layout layout = readLayout(text, file.string(), files, definitions_, findings);
     for (const auto& finding : findings)
         finding.error ? throw Fault(finding.code, finding.message) : warn(finding.message);
     for (const auto& message : unknownNames(layout, definitions_))
@@ -421,7 +422,6 @@ const EngineError& Druckwerk::lastError() const {
 }
 
 namespace {
-
 class DruckwerkForm final : public Form {
   public:
     DruckwerkForm(std::shared_ptr<const Options> options, std::shared_ptr<OpenDocument> document)

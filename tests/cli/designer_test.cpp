@@ -32,7 +32,9 @@ TEST_F(DesignerTest, ShowsVariablesAndFieldsBesideThePage) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_THAT(opened(), HasSubstr("inkscape:label=\"Feldliste\""));
     EXPECT_THAT(opened(), HasSubstr(">{{FnrName1}}</text>"));
-    EXPECT_THAT(opened(), HasSubstr(">{{IUmsatzDM_12}}</text>"));
+    EXPECT_THAT(opened(), HasSubstr(">Müller &amp; Söhne GmbH · Firma: Name</text>"));
+    EXPECT_THAT(opened(), HasSubstr(">{{IUmsatzDM_12|#.##0,00}}</text>"));
+    EXPECT_THAT(opened(), ::testing::ContainsRegex(">[0-9,]+ · Umsatz Ist, Dezember</text>"));
 }
 
 TEST_F(DesignerTest, ShowsWhatTheLayoutPrints) {
@@ -156,6 +158,27 @@ TEST_F(DesignerTest, TheGuidesOwnPageIsInOrderAndPrints) {
     const auto text = run({"pdftotext", "-layout", file, "-"}).output;
     EXPECT_THAT(text, HasSubstr("Seite 1 von 1"));
     EXPECT_THAT(text, ::testing::ContainsRegex("Summe +264\\.610 +263\\.547"));
+}
+
+TEST_F(DesignerTest, WhatIsCalledFromWithinAsksAboutTheSameData) {
+    environment["KVTDRUCK_VERBINDUNG"] = "Driver=none";
+    installDesigner(KVT_PROGRAM " felder Umsatz > " + output("fields") + "\n");
+    const auto outcome = design("Umsatz");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(readFile(output("fields")), HasSubstr("Müller & Söhne GmbH"));
+}
+
+TEST_F(DesignerTest, CtrlCEndsTheDesignerAndKeepsWhatWasSaved) {
+    installDesigner("sed -i 's/<\\/svg>/<!-- gespeichert --><\\/svg>/' \"$file\"\ntouch " + output("saved") +
+                    "\nwhile :; do sleep 0.05; done");
+    Program program(command("gestalten", "Umsatz"), environment);
+    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(output("saved")); }));
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait().exitCode, 130);
+    EXPECT_THAT(readFile(layout("Umsatz")), HasSubstr("<!-- gespeichert -->"));
+    const std::filesystem::directory_iterator files(layouts());
+    EXPECT_EQ(std::count_if(begin(files), end(files), [](const auto& entry) { return entry.is_regular_file(); }), 1)
+        << "the designer's copy is gone";
 }
 
 TEST_F(DesignerTest, AFailingOrMissingDesignerIsAnError) {

@@ -78,6 +78,10 @@ std::string Program::output() const {
     return readFile(folder_ / "output");
 }
 
+std::string Program::errors() const {
+    return readFile(folder_ / "errors");
+}
+
 void Program::signal(int number) const {
     ::kill(id_, number);
 }
@@ -88,7 +92,7 @@ Outcome Program::wait() {
     ::waitpid(id_, &status, 0);
     id_ = 0;
     const int exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return {exitCode, output(), readFile(folder_ / "errors")};
+    return {exitCode, output(), errors()};
 }
 
 void Program::closeInput() {

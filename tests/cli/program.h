@@ -35,6 +35,8 @@ class Program {
     void write(const std::string& input);
     /// What the program has written to standard output so far.
     std::string output() const;
+    /// The same of standard error.
+    std::string errors() const;
     void signal(int number) const;
     /// Closes standard input and waits for the end.
     Outcome wait();

@@ -4,6 +4,7 @@
 #include "druckwerk/common/attachment.h"
 #include "druckwerk/common/definition.h"
 #include "druckwerk/common/engine_codes.h"
+#include "druckwerk/common/layout_text.h"
 #include "druckwerk/common/pdf_level.h"
 #include "druckwerk/common/print_date.h"
 #include "platform/posix/atomic_file.h"
@@ -14,6 +15,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -111,6 +113,8 @@ struct Options {
     std::filesystem::path layoutsBehind;
     /// The company's picture in the letterhead, PNG or JPEG; empty: none.
     std::filesystem::path logo;
+    /// What every job is printed with, whatever lies in those folders; nothing: what lies there.
+    std::optional<LayoutText> layout;
     PrintDate printDate;
     /// What a file is to conform to; what goes to a printer is plain.
     PdfLevel level = PdfLevel::Archive;

@@ -19,12 +19,19 @@ constexpr const char* kBackground = "Hintergrund";
 /// What a text of the palette was when the designer was opened.
 constexpr const char* kMark = "data-feldliste";
 
-/// Millimetres of the palette: its distance from the page, the height of a line, the width of a column and its
-/// lines.
+/// Millimetres of the palette: its distance from the page, the height of a line, the width of a column, the place
+/// of the notes in it and its lines.
 constexpr double kGap = 10;
 constexpr double kLineHeight = 6;
-constexpr double kColumnWidth = 60;
+constexpr double kColumnWidth = 190;
+constexpr double kNotes = 70;
 constexpr int kLinesPerColumn = 45;
+/// Letters of a value and of a whole note.
+constexpr std::size_t kLongestValue = 30;
+constexpr std::size_t kLongestNote = 75;
+constexpr const char* kName = "font-size:3.5px;font-weight:normal";
+constexpr const char* kHeading = "font-size:3.5px;font-weight:bold";
+constexpr const char* kNote = "font-size:3px;fill:#5c6873";
 
 constexpr const char* kInkscape = "http://www.inkscape.org/namespaces/inkscape";
 constexpr const char* kSvg = "http://www.w3.org/2000/svg";
@@ -91,7 +98,7 @@ double pageWidth(const xmlNode* svg) {
     return width > 0 ? left + width : std::strtod(attribute(svg, "width").c_str(), nullptr);
 }
 
-void addText(xmlNode* layer, double x, double y, const std::string& text, const char* weight) {
+void addText(xmlNode* layer, double x, double y, const std::string& text, const char* look) {
     xmlNode* node = xmlNewChild(layer, nullptr, xml("text"), nullptr);
     const auto set = [&](const char* name, double value) {
         std::array<char, 32> digits{};
@@ -100,15 +107,35 @@ void addText(xmlNode* layer, double x, double y, const std::string& text, const 
     };
     set("x", x);
     set("y", y);
-    const std::string style = std::string("font-family:'Liberation Sans';font-size:3.5px;font-weight:") + weight;
-    xmlSetProp(node, xml("style"), xml(style.c_str()));
+    xmlSetProp(node, xml("style"), xml(("font-family:'Liberation Sans';" + std::string(look)).c_str()));
     xmlNodeAddContent(node, xml(text.c_str()));
     xmlSetProp(node, xml(kMark), xml(describe(node).c_str()));
 }
 
+/// At most `most` letters of a UTF-8 text, on one line.
+std::string shortened(std::string text, std::size_t most) {
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    std::size_t letters = 0;
+    for (std::size_t at = 0; at < text.size(); ++at)
+        if ((static_cast<unsigned char>(text[at]) & 0xc0U) != 0x80U && letters++ == most)
+            return text.substr(0, at) + "…";
+    return text;
+}
+
+void addEntry(xmlNode* layer, double x, double y, const Definition& definition, const FieldNotes& notes) {
+    const auto note = notes(definition);
+    addText(layer, x, y, "{{" + definition.name + (note.pattern.empty() ? "" : "|" + note.pattern) + "}}", kName);
+    const auto value = shortened(definition.value, kLongestValue);
+    const auto about =
+        shortened(value + (value.empty() || note.meaning.empty() ? "" : " · ") + note.meaning, kLongestNote);
+    if (!about.empty())
+        addText(layer, x + kNotes, y, about, kNote);
+}
+
 /// One column of texts beside the page for the variables, then one for the fields, each as long as it takes. The
 /// layer is the lowest one, since the designer puts new objects into the topmost.
-void addPalette(xmlNode* svg, const std::vector<Definition>& definitions) {
+void addPalette(xmlNode* svg, const std::vector<Definition>& definitions, const FieldNotes& notes) {
     const auto children = childrenOf(svg);
     const auto lowest =
         std::find_if(children.begin(), children.end(), [](const xmlNode* child) { return svgName(child) == "g"; });
@@ -118,7 +145,7 @@ void addPalette(xmlNode* svg, const std::vector<Definition>& definitions) {
     double x = pageWidth(svg) + kGap;
     for (const bool fields : {false, true}) {
         int line = 0;
-        addText(layer, x, 0, fields ? "Felder" : "Variablen", "bold");
+        addText(layer, x, 0, fields ? "Felder" : "Variablen", kHeading);
         for (const auto& definition : definitions) {
             if (definition.field != fields)
                 continue;
@@ -126,7 +153,7 @@ void addPalette(xmlNode* svg, const std::vector<Definition>& definitions) {
                 line = 0;
                 x += kColumnWidth;
             }
-            addText(layer, x, ++line * kLineHeight, "{{" + definition.name + "}}", "normal");
+            addEntry(layer, x, ++line * kLineHeight, definition, notes);
         }
         x += kColumnWidth;
     }
@@ -134,13 +161,14 @@ void addPalette(xmlNode* svg, const std::vector<Definition>& definitions) {
 
 } // namespace
 
-std::optional<std::string> withPalette(const std::string& svg, const std::vector<Definition>& definitions) {
+std::optional<std::string> withPalette(const std::string& svg, const std::vector<Definition>& definitions,
+                                       const FieldNotes& notes) {
     XmlError ignored;
     const XmlDocument document = parseXml(svg, ignored, Cdata::Keep);
     if (!document)
         return std::nullopt;
     removePalette(xmlDocGetRootElement(document.get()));
-    addPalette(xmlDocGetRootElement(document.get()), definitions);
+    addPalette(xmlDocGetRootElement(document.get()), definitions, notes);
     return textOf(document.get());
 }
 

@@ -3,14 +3,24 @@
 
 #include "druckwerk/common/definition.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace kvtdruck::druckwerk {
 
-/// The layout `svg` with the list beside its page; nothing where it is no well-formed XML.
-std::optional<std::string> withPalette(const std::string& svg, const std::vector<Definition>& definitions);
+/// What an author should know of a variable or field.
+struct FieldNote {
+    std::string meaning; ///< German, with its unit
+    std::string pattern; ///< as its like are printed; empty for a text
+};
+using FieldNotes = std::function<FieldNote(const Definition&)>;
+
+/// The layout `svg` with the list beside its page: each name as a placeholder with its pattern, its value and its
+/// meaning. Nothing where it is no well-formed XML.
+std::optional<std::string> withPalette(const std::string& svg, const std::vector<Definition>& definitions,
+                                       const FieldNotes& notes);
 
 /// The layout without the list; nothing where it is no well-formed XML. What the user has drawn, moved or changed
 /// in the list's layer is kept in the background, and `hasStrays` says that there was any.

@@ -31,30 +31,35 @@ std::vector<std::string> unknownNames(const Layout& layout, const Definitions& d
     return messages;
 }
 
-std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known,
-                                 bool unused, const std::filesystem::path& behind) {
+std::vector<Finding> checkLayout(const LayoutText& source, const std::vector<Definition>& known, bool unused,
+                                 const std::filesystem::path& behind) {
     Definitions definitions;
     for (const auto& definition : known)
         definitions.define(fromUtf8(definition.name), fromUtf8(definition.value), definition.numeric,
                            definition.field);
     std::vector<Finding> findings;
-    try {
-        const Layout layout =
-            readLayout(readLayoutFile(file), file.string(), {file.parent_path(), behind}, definitions, findings);
-        if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
-            return findings;
-        for (const auto& message : unknownNames(layout, definitions))
-            findings.push_back({false, kLayoutInvalid, message});
-        for (const auto& definition : known)
-            if (unused && !layout.names.contains(definitions.slotOf(fromUtf8(definition.name))))
-                findings.push_back({false, kLayoutInvalid,
-                                    file.string() + ": " + (definition.field ? "Feld" : "Variable") + " „" +
-                                        definition.name + "“ wird nicht gedruckt",
-                                    true});
-    } catch (const Fault& fault) {
-        findings.push_back({true, fault.code(), fault.what()});
-    }
+    const auto name = source.file.string();
+    const Layout layout = readLayout(source.text, name, {source.file.parent_path(), behind}, definitions, findings);
+    if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
+        return findings;
+    for (const auto& message : unknownNames(layout, definitions))
+        findings.push_back({false, kLayoutInvalid, message});
+    for (const auto& definition : known)
+        if (unused && !layout.names.contains(definitions.slotOf(fromUtf8(definition.name))))
+            findings.push_back({false, kLayoutInvalid,
+                                name + ": " + (definition.field ? "Feld" : "Variable") + " „" + definition.name +
+                                    "“ wird nicht gedruckt",
+                                true});
     return findings;
+}
+
+std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known,
+                                 bool unused, const std::filesystem::path& behind) {
+    try {
+        return checkLayout(LayoutText{readLayoutFile(file), file}, known, unused, behind);
+    } catch (const Fault& fault) {
+        return {{true, fault.code(), fault.what()}};
+    }
 }
 
 } // namespace kvtdruck::druckwerk
