@@ -101,17 +101,18 @@ class ReportRun {
     /// A designer is opened once, on the latest data. A check goes on to print all of them into nothing: much
     /// shows on real values only.
     bool design(clsDruckManager& manager, const std::vector<SinglePrint>& prints) {
-        if (options_.command == Command::Design && isSound(layouts_.inUse(request_.report->listName)))
-            print(manager, {prints.back()}); // into nothing: the designer shows what the layout prints
+        if (showsPrint() && (!print(manager, {prints.back()}) || console_.hasFailed() || cancelled()))
+            return false;
         if (!ask(manager, kDesign, prints.back(), false))
             return false;
         const bool goesOn = options_.command == Command::Check && !isGenerated_ && !console_.hasFailed();
         return !goesOn || print(manager, prints);
     }
 
-    /// Whether the layout can be printed with; what is wrong with it is said when the designer is closed.
-    static bool isSound(const std::filesystem::path& layout) {
-        return std::filesystem::exists(layout) &&
+    /// Whether the designer shows what its layout prints. What keeps one from printing is said when it is closed.
+    bool showsPrint() const {
+        const auto layout = layouts_.inUse(request_.report->listName);
+        return options_.command == Command::Design && std::filesystem::exists(layout) &&
                std::ranges::none_of(druckwerk::checkLayout(layout, {}, false, LayoutStore::installedFolder()),
                                     &druckwerk::Finding::error);
     }
