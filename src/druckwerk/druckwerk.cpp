@@ -100,7 +100,7 @@ class Druckwerk::Engine {
 
     void startJob(std::span<const Argument> arguments);
     std::filesystem::path layoutInUse(const std::filesystem::path& objectName) const;
-    Layout loadLayout(const std::filesystem::path& file);
+    Layout loadLayout(const std::filesystem::path& file, const LayoutFiles& shared);
     std::int32_t askForOptions();
     void turnPage();
     void openDocument();
@@ -210,14 +210,13 @@ std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path
     return !std::filesystem::exists(own, ignored) && std::filesystem::exists(behind, ignored) ? behind : own;
 }
 
-Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file) {
+Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file, const LayoutFiles& shared) {
     std::error_code ignored;
     const auto text = options_->layout                         ? options_->layout->text
                       : std::filesystem::exists(file, ignored) ? readLayoutFile(file)
                                                                : generateLayout(definitions_.list());
     std::vector<Finding> findings;
-    const LayoutFiles files{file.parent_path(), options_->layoutsBehind, options_->logo};
-    Layout layout = readLayout(text, file.string(), files, definitions_, findings);
+    Layout layout = readLayout(text, file.string(), shared, definitions_, findings);
     for (const auto& finding : findings)
         finding.error ? throw Fault(finding.code, finding.message) : warn(finding.message);
     for (const auto& message : unknownNames(layout, definitions_))
@@ -232,9 +231,10 @@ void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
     definitions_.release();
     const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 1));
     const std::filesystem::path file = layoutInUse(objectName);
-    Layout layout = loadLayout(file);
+    // Layouts that stand behind share the files of the folder before them as well.
+    Layout layout = loadLayout(file, {objectName.parent_path(), options_->layoutsBehind, options_->logo});
     Job& job = job_.emplace();
-    job.layoutFolder = file.parent_path();
+    job.layoutFolder = objectName.parent_path();
     job.listName = objectName.filename().string();
     job.preview = argument<std::int32_t>(arguments, 2) == kPrintModePreview;
     job.names = layout.names;
