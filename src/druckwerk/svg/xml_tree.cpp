@@ -141,7 +141,7 @@ std::string fileOf(const xmlNode* node) {
 
 std::string lineText(const xmlNode* node) {
     const std::string file = fileOf(node);
-    const std::string place = file.empty() ? "" : "„" + file + "“";
+    std::string place = file.empty() ? "" : "„" + file + "“";
     if (lineOf(node) <= 0) // a style sheet that was put in
         return place;
     return place + (place.empty() ? "" : ", ") + "Zeile " + std::to_string(lineOf(node));
