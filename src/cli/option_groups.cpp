@@ -112,6 +112,9 @@ void addGeneral(CLI::App& command, Options& options) {
              "Druckdatum (sonst jetzt); gleiche Daten und gleiches Datum geben das gleiche PDF",
              [&](const std::string& text) { options.printDate = dateIn(text); });
     addFolder(command, options);
+    addValue(command, group, "--logo", "DATEI",
+             "Logo im Briefkopf, PNG oder JPEG (sonst logo-FIRMA.png oder logo.png neben der Datenbank)",
+             into(options.logo));
     addValue(command, group, "--protokoll", "DATEI", "schreibt jeden Aufruf des Druckwerks in diese Datei",
              [&](const std::string& text) { options.record = text; });
     command

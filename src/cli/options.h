@@ -58,6 +58,7 @@ struct Options {
 
     std::optional<std::filesystem::path> record; ///< file for the record of engine calls
     std::optional<std::filesystem::path> folder; ///< application folder
+    std::filesystem::path logo;                  ///< of the company, for the letterhead; empty: beside the database
     Locale locale = germanLocale();
     druckwerk::PrintDate printDate;
     bool verbose = false;

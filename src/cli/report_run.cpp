@@ -3,6 +3,7 @@
 #include "catalog/usage_error.h"
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
+#include "cli/company_logo.h"
 #include "cli/data_source.h"
 #include "cli/field_notes.h"
 #include "cli/layout_store.h"
@@ -100,18 +101,20 @@ class ReportRun {
     /// A designer is opened once, on the latest data. A check goes on to print all of them into nothing: much
     /// shows on real values only.
     bool design(clsDruckManager& manager, const std::vector<SinglePrint>& prints) {
-        if (options_.command == Command::Design && isSound(layouts_.inUse(request_.report->listName)))
-            print(manager, {prints.back()}); // into nothing: the designer shows what the layout prints
+        if (showsPrint() && (!print(manager, {prints.back()}) || console_.hasFailed() || cancelled()))
+            return false;
         if (!ask(manager, kDesign, prints.back(), false))
             return false;
         const bool goesOn = options_.command == Command::Check && !isGenerated_ && !console_.hasFailed();
         return !goesOn || print(manager, prints);
     }
 
-    /// Whether the layout can be printed with; what is wrong with it is said when the designer is closed.
-    static bool isSound(const std::filesystem::path& layout) {
-        return std::filesystem::exists(layout) &&
-               std::ranges::none_of(druckwerk::checkLayout(layout, {}), &druckwerk::Finding::error);
+    /// Whether the designer shows what its layout prints. What keeps one from printing is said when it is closed.
+    bool showsPrint() const {
+        const auto layout = layouts_.inUse(request_.report->listName);
+        return options_.command == Command::Design && std::filesystem::exists(layout) &&
+               std::ranges::none_of(druckwerk::checkLayout(layout, {}, false, LayoutStore::installedFolder()),
+                                    &druckwerk::Finding::error);
     }
 
     bool ask(clsDruckManager& manager, std::int16_t mode, const SinglePrint& print, bool dialog) {
@@ -182,6 +185,7 @@ class ReportRun {
         druckwerk::Options settings;
         settings.output = engineOutput();
         settings.layoutsBehind = LayoutStore::installedFolder();
+        settings.logo = logoOf(options_, request_.company);
         settings.layout = request_.layout;
         settings.place = &place_;
         settings.finished = [this](std::unique_ptr<AtomicFile> file) { take(std::move(file)); };
@@ -360,8 +364,9 @@ class ReportRun {
             return 0;
         }
         for (const auto& finding :
-             request_.layout ? druckwerk::checkLayout(*request_.layout, request.definitions, options_.unused)
-                             : druckwerk::checkLayout(request.source, request.definitions, options_.unused))
+             request_.layout
+                 ? druckwerk::checkLayout(*request_.layout, request.definitions, options_.unused, request.behind)
+                 : druckwerk::checkLayout(request.source, request.definitions, options_.unused, request.behind))
             show(finding);
         return 0;
     }

@@ -101,7 +101,7 @@ class Druckwerk::Engine {
 
     void startJob(std::span<const Argument> arguments);
     std::filesystem::path layoutInUse(const std::filesystem::path& objectName) const;
-    Layout loadLayout(const std::filesystem::path& file);
+    Layout loadLayout(const std::filesystem::path& file, const LayoutFiles& shared);
     std::int32_t askForOptions();
     void showProgress(StringView text, std::int32_t percent);
     void turnPage();
@@ -214,18 +214,15 @@ std::filesystem::path Druckwerk::Engine::layoutInUse(const std::filesystem::path
     return !std::filesystem::exists(own, ignored) && std::filesystem::exists(behind, ignored) ? behind : own;
 }
 
-Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file) {
+Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file, const LayoutFiles& shared) {
     std::error_code ignored;
     const auto text = options_->layout                         ? options_->layout->text
                       : std::filesystem::exists(file, ignored) ? readLayoutFile(file)
                                                                : generateLayout(definitions_.list());
     std::vector<Finding> findings;
-    Layout layout = readLayout(text, file.string(), file.parent_path(), definitions_, findings);
+    Layout layout = readLayout(text, file.string(), shared, definitions_, findings);
     for (const auto& finding : findings)
-        if (finding.error)
-            throw Fault(finding.code, finding.message);
-        else
-            warn(finding.message);
+        finding.error ? throw Fault(finding.code, finding.message) : warn(finding.message);
     for (const auto& message : unknownNames(layout, definitions_))
         warn(message);
     return layout;
@@ -238,9 +235,10 @@ void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
     definitions_.release();
     const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 1));
     const std::filesystem::path file = layoutInUse(objectName);
-    Layout layout = loadLayout(file);
+    // Layouts that stand behind share the files of the folder before them as well.
+    Layout layout = loadLayout(file, {objectName.parent_path(), options_->layoutsBehind, options_->logo});
     Job& job = job_.emplace();
-    job.layoutFolder = file.parent_path();
+    job.layoutFolder = objectName.parent_path();
     job.listName = objectName.filename().string();
     job.preview = argument<std::int32_t>(arguments, 2) == kPrintModePreview;
     job.names = layout.names;
@@ -384,9 +382,10 @@ std::int32_t Druckwerk::Engine::design(std::span<const Argument> arguments) {
         return fail(kDesignFailed, "Es ist kein Gestaltungsprogramm eingerichtet");
     std::string message;
     const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 3));
-    const std::int32_t code = options_->design({toUtf8(argument<StringView>(arguments, 1)), layoutFile(objectName),
-                                                definitions_.list(), layoutInUse(objectName)},
-                                               message);
+    const std::int32_t code =
+        options_->design({toUtf8(argument<StringView>(arguments, 1)), layoutFile(objectName), definitions_.list(),
+                          layoutInUse(objectName), options_->layoutsBehind},
+                         message);
     return code == kEngineSuccess || code == kEngineCancelled ? code : fail(code, message);
 }
 

@@ -55,14 +55,15 @@ def drawn(layout, scratch):
     return Image.open(picture).convert("L")
 
 
-def printed(program, database, report, options, scratch):
-    """The pages of the print."""
+def printed(program, database, report, options, scratch, whole):
+    """The pages of the print, or the first one alone."""
     pdf = scratch / "printed.pdf"
     run = subprocess.run([program, "drucken", report, "--datenbank", database, "--firma", "1", "--ordner", scratch / "app",
                           "--druckdatum", "2025-01-31", "--ausgabe", pdf, *options], capture_output=True, text=True)
     if run.returncode != 0:
         fail(run.stderr)
-    subprocess.run(["pdftoppm", "-r", str(RESOLUTION), "-gray", "-png", pdf, scratch / "page"], check=True)
+    subprocess.run(["pdftoppm", "-r", str(RESOLUTION), "-gray", "-png", *([] if whole else ["-l", "1"]), pdf, scratch / "page"],
+                   check=True)
     return [Image.open(page).convert("L") for page in sorted(scratch.glob("page*.png"))]
 
 
@@ -108,18 +109,18 @@ def compare(what, one, other):
 
 
 def place_of(chart, box, pages):
-    """Page and shift, in points of the picture, where the chart is nearest to what is drawn."""
-    best = None
-    for page in pages:
-        lowest = -round(box[1] * MILLIMETRE)
-        for down in range(lowest, page.height - round(box[3] * MILLIMETRE) + 1):
-            there = crop(page, box, down)
-            if there.size != chart.size:
-                continue
-            mean = ImageStat.Stat(ImageChops.difference(chart.reduce(4), there.reduce(4))).mean[0]
-            if best is None or mean < best[0]:
-                best = (mean, page, down)
-    return best[1], best[2]
+    """Page and shift, in points of the picture, where the chart is nearest to what is drawn: found on smaller pictures first."""
+    def nearest(drawn, places):
+        there = [(ImageStat.Stat(ImageChops.difference(drawn, page.crop((left, top, left + drawn.width, top + drawn.height)))).mean[0],
+                  number, top) for number, page, left, top in places if 0 <= top <= page.height - drawn.height]
+        return min(there)[1:]
+
+    left, top = round(box[0] * MILLIMETRE), round(box[1] * MILLIMETRE)
+    small = [page.reduce(4) for page in pages]
+    number, near = nearest(chart.reduce(4), [(number, page, left // 4, down) for number, page in enumerate(small)
+                                             for down in range(page.height)])
+    number, found = nearest(chart, [(number, pages[number], left, 4 * near + down) for down in range(-6, 7)])
+    return pages[number], found - top
 
 
 def main():
@@ -130,8 +131,9 @@ def main():
         shutil.copytree(layouts, folder)
         layout = folder / f"{report}.svg"
         picture = drawn(layout, scratch)
-        pages = printed(program, database, report, options, scratch)
         bottom, footer, charts = areas_of(layout)
+        flows = any(label.startswith(FLOWING) for label, _ in charts)
+        pages = printed(program, database, report, options, scratch, flows)
         head = (0, 0, picture.width / MILLIMETRE, bottom or footer[1])
         compare("head and row", *(crop(image, head) for image in (picture, pages[0])))
         compare("foot of the page", *(crop(image, footer) for image in (picture, pages[0])))

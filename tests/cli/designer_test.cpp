@@ -7,6 +7,7 @@
 namespace kvtdruck::testing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -42,6 +43,18 @@ TEST_F(DesignerTest, ShowsWhatTheLayoutPrints) {
     EXPECT_THAT(opened(), HasSubstr(">Jahr 2023</text>"));
     EXPECT_THAT(opened(), Not(HasSubstr(">2019</text>"))) << "what the installed one shows";
     EXPECT_FALSE(std::filesystem::exists(layout("Umsatz")));
+}
+
+TEST_F(DesignerTest, WhatLayoutsShareLiesBesideTheOneThatIsOpen) {
+    installDesigner("ls \"$(dirname \"$file\")\" > " + (folder / "beside").string());
+    EXPECT_EQ(design("Umsatz").exitCode, 0);
+    EXPECT_THAT(readFile(folder / "beside"), AllOf(HasSubstr("absender.svg\n"), HasSubstr("stil.css\n")));
+    EXPECT_FALSE(std::filesystem::exists(layouts() / "stil.css"));
+
+    installDesigner("echo '.titel { fill: red; }' >> \"$(dirname \"$file\")/stil.css\"");
+    EXPECT_EQ(design("Umsatz").exitCode, 0);
+    EXPECT_THAT(readFile(layouts() / "stil.css"), HasSubstr("fill: red")) << "the user's own from now on";
+    EXPECT_FALSE(std::filesystem::exists(layouts() / "absender.svg"));
 }
 
 TEST_F(DesignerTest, SamplesAreRefreshedWithoutOpeningTheLayout) {

@@ -1,4 +1,5 @@
 """What a layout says, whatever it shows in a drawing program."""
+import re
 import xml.etree.ElementTree
 
 SVG = "{http://www.w3.org/2000/svg}"
@@ -28,3 +29,9 @@ def texts_of(element, field=None):
             yield written(child, field)
         elif "sample" not in classes:
             yield from texts_of(child, child if "field" in classes else field)
+
+
+def fills_of(layout):
+    """The fill colour of each class in the style sheet beside a layout."""
+    sheet = (layout.parent / "stil.css").read_text(encoding="utf-8")
+    return dict(re.findall(r"\.(\w+) {[^}]*fill: (#\w+)", sheet))

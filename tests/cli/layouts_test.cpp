@@ -46,6 +46,25 @@ TEST_F(Layouts, InstalledOnesStayWhereTheyAreAndChangedOnesGoFirst) {
     EXPECT_THAT(printed(), HasSubstr("Mein Titel"));
 }
 
+TEST_F(Layouts, TheLogoIsThatOfTheCompanyBesideTheDatabase) {
+    const auto pictures = [&](const std::vector<std::string>& more = {}) {
+        std::vector<std::string> options = {"-j", "2024", "-o", output("l.pdf")};
+        options.insert(options.end(), more.begin(), more.end());
+        EXPECT_EQ(print("Umsatz", options).exitCode, 0);
+        return run({"pdfimages", "-list", output("l.pdf")}).output;
+    };
+    const std::filesystem::path logo = KVT_SOURCE_FOLDER "/docs/pictures/turnover.png";
+    EXPECT_THAT(pictures(), Not(HasSubstr(" image ")));
+    std::filesystem::copy_file(logo, folder / "logo-2.png");
+    EXPECT_THAT(pictures(), Not(HasSubstr(" image "))) << "another company's";
+    std::filesystem::copy_file(logo, folder / "logo-1.png");
+    EXPECT_THAT(pictures(), HasSubstr(" image "));
+    std::filesystem::remove(folder / "logo-1.png");
+    EXPECT_THAT(pictures({"--logo", logo.string()}), HasSubstr(" image "));
+    EXPECT_THAT(print("Umsatz", {"-j", "2024", "-o", output("l.pdf"), "--logo", "fehlt.png"}).errors,
+                HasSubstr("--logo: Die Datei fehlt.png gibt es nicht."));
+}
+
 TEST_F(Layouts, AreListedWithWhatDiffers) {
     changeTitle("Mein Titel");
     std::filesystem::copy_file(KVT_SOURCE_FOLDER "/layouts/Firma.svg", layouts() / "Firma.svg");

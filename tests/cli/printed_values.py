@@ -174,10 +174,12 @@ def main():
         if len(printed_pages) < len(pages):
             fail(f"there are not {len(pages)} pages")
 
-        saved = scratch / "saved.svg"
+        drawn = scratch / "drawn"  # what the layout shares with others lies beside it
+        shutil.copytree(layouts, drawn)
+        saved = drawn / "saved.svg"
         environment = {**os.environ, "HOME": str(scratch), "XDG_CONFIG_HOME": str(scratch)}
         environment.pop("DISPLAY", None)
-        subprocess.run(["inkscape", "--export-type=svg", f"--export-filename={saved}", layout], env=environment,
+        subprocess.run(["inkscape", "--export-type=svg", f"--export-filename={saved}", drawn / layout.name], env=environment,
                        capture_output=True, check=True)
         if "sodipodi" not in saved.read_text(encoding="utf-8"):
             fail("Inkscape has not saved the layout as its own")

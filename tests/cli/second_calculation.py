@@ -13,7 +13,7 @@ import tempfile
 
 from computed_figures import CHARTS, CONDITIONS, FIGURES
 from german import german
-from layout_file import SVG, layers_of, written
+from layout_file import SVG, fills_of, layers_of, written
 from pdf_pages import color_of, middle, pages_of
 from sample_jobs import jobs_of
 
@@ -22,6 +22,7 @@ COUNTERS = {"Seite", "Seiten", "Druckdatum"}
 POINT = 72 / 25.4
 DESCENT = 2  # points, about, of a word's box below its baseline
 GRID = color_of("#d9dfe5")
+FILLS = {}  # of the classes that charts name
 
 
 def fail(text):
@@ -66,7 +67,7 @@ class Chart:
         self.kind = element.get("data-chart")
         self.series = element.get("data-series")
         self.legend = parts(element.get("data-legend", ""))
-        self.colors = [color_of(color) for color in parts(element.get("data-colors", "#1b3a5c"))]
+        self.colors = [color_of(FILLS.get(color, color)) for color in parts(element.get("data-colors", "#1b3a5c"))]
         self.conditions = conditions
 
 
@@ -327,6 +328,7 @@ def printed(program, database, report, job, scratch):
 
 def main():
     program, layouts, database, values, report = sys.argv[1:]
+    FILLS.update(fills_of(pathlib.Path(layouts) / f"{report}.svg"))
     bands = bands_of(pathlib.Path(layouts) / f"{report}.svg")
     check_table(report, bands)
     count = 0

@@ -51,6 +51,7 @@ struct DesignRequest {
     std::filesystem::path layout;        ///< the layout's file, which may not be there yet
     std::vector<Definition> definitions; ///< in the order in which the report defined them
     std::filesystem::path source;        ///< what is printed with now: the layout, or the one that stands behind it
+    std::filesystem::path behind;        ///< the folder of layouts that stand behind those of the layout's own
     const LayoutSample* sample = nullptr; ///< what the layout shows in the place of placeholders
 };
 
@@ -110,6 +111,8 @@ struct Options {
     const JobPlace* place = nullptr;
     /// The folder of the layouts that stand behind those which are not in their own; empty: none does.
     std::filesystem::path layoutsBehind;
+    /// The company's picture in the letterhead, PNG or JPEG; empty: none.
+    std::filesystem::path logo;
     /// What every job is printed with, whatever lies in those folders; nothing: what lies there.
     std::optional<LayoutText> layout;
     PrintDate printDate;

@@ -2,6 +2,7 @@
 
 #include "druckwerk/common/fault.h"
 #include "druckwerk/exits/file_watch.h"
+#include "druckwerk/exits/lent_files.h"
 #include "druckwerk/exits/palette.h"
 #include "druckwerk/layout/layout_check.h"
 #include "druckwerk/layout/layout_generator.h"
@@ -223,7 +224,9 @@ class Session {
 };
 
 Designed openInDesigner(const DesignRequest& request, const Designing& designing) {
-    return Session(request, designing, layoutToShow(request)).run();
+    const std::string svg = layoutToShow(request);
+    const LentFiles lent(request, svg);
+    return Session(request, designing, svg).run();
 }
 
 } // namespace
@@ -248,7 +251,7 @@ std::int32_t design(const DesignRequest& request, const Designing& designing, st
             {false, 0, "Objekte, die in der Ebene „Feldliste“ lagen, liegen jetzt in der Ebene „Hintergrund“."});
     const auto& used = std::filesystem::exists(request.layout) ? request.layout : request.source;
     if (!designing.saved && std::filesystem::exists(used))
-        for (const auto& finding : checkLayout(used, request.definitions))
+        for (const auto& finding : checkLayout(used, request.definitions, false, request.behind))
             designing.find(finding);
     return 0;
 }

@@ -43,6 +43,18 @@ std::vector<std::string> pointsOf(const std::string& series) {
     return points;
 }
 
+/// A colour, or that of a class of the style sheet.
+Rgb colorOf(BandBuilder& band, const std::string& text) {
+    if (const auto color = parseColor(text))
+        return color->rgb;
+    Style style;
+    style.fill.kind = Paint::Kind::None;
+    band.reading().sheet.apply(style, "", text, "");
+    if (style.fill.kind != Paint::Kind::Color)
+        invalid("Ungültige Farbe „" + text + "“");
+    return style.fill.color;
+}
+
 void readSeries(BandBuilder& band, const xmlNode* node, const Context& context, Chart& chart) {
     static constexpr std::array<Rgb, 6> kColors = {{{0x1b, 0x3a, 0x5c},
                                                     {0x9d, 0xb8, 0xd2},
@@ -62,12 +74,8 @@ void readSeries(BandBuilder& band, const xmlNode* node, const Context& context, 
         const std::size_t i = chart.series.size();
         series.legend = i < legends.size() ? legends[i] : "";
         series.color = kColors[i % kColors.size()];
-        if (i < colors.size()) {
-            const auto color = parseColor(colors[i]);
-            if (!color)
-                invalid("Ungültige Farbe „" + colors[i] + "“");
-            series.color = color->rgb;
-        }
+        if (i < colors.size())
+            series.color = colorOf(band, colors[i]);
         if (series.values.empty() || (chart.rows && series.values.size() != 1))
             invalid("Reihe „" + text + "“ braucht " +
                     (chart.rows ? "genau einen Namen" : "mindestens einen Namen"));

@@ -3,6 +3,7 @@
 
 #include "druckwerk/common/finding.h"
 #include "druckwerk/expression/text_template.h"
+#include "druckwerk/svg/layout_files.h"
 #include "druckwerk/svg/path_data.h"
 #include "druckwerk/svg/svg_style.h"
 
@@ -160,9 +161,9 @@ struct Layout {
     std::size_t fontNumber(const FontRequest& font, const std::string& place);
 };
 
-/// Reads the layout `source` (SVG text), called `name` in messages, from folder `folder`. What prevents printing is
-/// among the findings as an error; then nothing useful is returned.
-Layout readLayout(const std::string& source, const std::string& name, const std::filesystem::path& folder,
+/// Reads the layout `source` (SVG text), called `name` in messages, with the files that it names. What prevents
+/// printing is among the findings as an error; then nothing useful is returned.
+Layout readLayout(const std::string& source, const std::string& name, const LayoutFiles& files,
                   Definitions& definitions, std::vector<Finding>& findings);
 
 /// The text of a layout file. Raises a Fault where it can't be read or is too large.

@@ -31,14 +31,15 @@ std::vector<std::string> unknownNames(const Layout& layout, const Definitions& d
     return messages;
 }
 
-std::vector<Finding> checkLayout(const LayoutText& source, const std::vector<Definition>& known, bool unused) {
+std::vector<Finding> checkLayout(const LayoutText& source, const std::vector<Definition>& known, bool unused,
+                                 const std::filesystem::path& behind) {
     Definitions definitions;
     for (const auto& definition : known)
         definitions.define(fromUtf8(definition.name), fromUtf8(definition.value), definition.numeric,
                            definition.field);
     std::vector<Finding> findings;
     const auto name = source.file.string();
-    const Layout layout = readLayout(source.text, name, source.file.parent_path(), definitions, findings);
+    const Layout layout = readLayout(source.text, name, {source.file.parent_path(), behind}, definitions, findings);
     if (std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.error; }))
         return findings;
     for (const auto& message : unknownNames(layout, definitions))
@@ -53,9 +54,9 @@ std::vector<Finding> checkLayout(const LayoutText& source, const std::vector<Def
 }
 
 std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& known,
-                                 bool unused) {
+                                 bool unused, const std::filesystem::path& behind) {
     try {
-        return checkLayout(LayoutText{readLayoutFile(file), file}, known, unused);
+        return checkLayout(LayoutText{readLayoutFile(file), file}, known, unused, behind);
     } catch (const Fault& fault) {
         return {{true, fault.code(), fault.what()}};
     }

@@ -21,9 +21,9 @@ std::vector<std::string> unknownNames(const Layout& layout, const Definitions& d
 /// What is to be said about a layout, given what the report defines; nothing is printed. With `unused` also which
 /// variables and fields it does not print.
 std::vector<Finding> checkLayout(const LayoutText& layout, const std::vector<Definition>& definitions,
-                                 bool unused = false);
+                                 bool unused = false, const std::filesystem::path& behind = {});
 /// The same about the layout `file`.
 std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& definitions,
-                                 bool unused = false);
+                                 bool unused = false, const std::filesystem::path& behind = {});
 
 } // namespace kvtdruck::druckwerk

@@ -19,7 +19,7 @@ using Words = std::span<const std::string_view>;
 constexpr std::array<std::string_view, 10> kBands = {"Kopf",       "Vortrag",    "Gruppenkopf", "Zeile",
                                                      "Gruppenfuß", "Übertrag",   "Summe",       "Seitenfuß",
                                                      "Seitenkopf", "Hintergrund"};
-constexpr std::array<std::string_view, 4> kClasses = {"field", "chart", "band", kSampleClass};
+constexpr std::array<std::string_view, 5> kClasses = {"field", "chart", "band", "logo", kSampleClass};
 
 enum class Owner : std::uint8_t { Any, Part, Layer, Field, Chart };
 

@@ -107,9 +107,9 @@ void readLayers(Reading& reading, xmlNode* svg, const Context& root) {
                        "Keine Ebenen gefunden; als „Inkscape-SVG“ speichern, nicht als „normales SVG“");
 }
 
-Layout readTree(const std::string& source, const std::string& name, const std::filesystem::path& folder,
+Layout readTree(const std::string& source, const std::string& name, const LayoutFiles& files,
                 Definitions& definitions, std::vector<Finding>& findings) {
-    const SvgFile file(source, folder);
+    const SvgFile file(source, files);
     Reading reading{name, definitions, findings};
     Context root;
     root.matrix = readPage(reading, file.root());
@@ -131,10 +131,10 @@ Layout readTree(const std::string& source, const std::string& name, const std::f
 
 } // namespace
 
-Layout readLayout(const std::string& source, const std::string& name, const std::filesystem::path& folder,
+Layout readLayout(const std::string& source, const std::string& name, const LayoutFiles& files,
                   Definitions& definitions, std::vector<Finding>& findings) {
     try {
-        return readTree(source, name, folder, definitions, findings);
+        return readTree(source, name, files, definitions, findings);
     } catch (const Fault& fault) {
         const std::string message = fault.what();
         findings.push_back({true, fault.code(), message.rfind(name, 0) == 0 ? message : name + ", " + message});

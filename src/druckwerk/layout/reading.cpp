@@ -38,8 +38,8 @@ void Reading::applyStyle(const xmlNode* node, const std::string& layer, Style& s
 
 std::string Reading::placeOf(const xmlNode* node, const std::string& layer) const {
     const std::string id = attribute(node, "id");
-    return name + ", Zeile " + std::to_string(lineOf(node)) + (layer.empty() ? "" : ", Ebene „" + layer + "“") +
-           ", <" + std::string(localName(node)) + (id.empty() ? "" : " id=\"" + id + "\"") + ">";
+    return name + ", " + lineText(node) + (layer.empty() ? "" : ", Ebene „" + layer + "“") + ", <" +
+           std::string(localName(node)) + (id.empty() ? "" : " id=\"" + id + "\"") + ">";
 }
 
 void Reading::noteNames(const std::vector<std::size_t>& slots, const std::string& place, bool needed) {

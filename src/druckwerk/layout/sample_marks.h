@@ -12,7 +12,6 @@
 
 namespace kvtdruck::druckwerk {
 
-inline constexpr const char* kSampleClass = "sample";
 /// What a text showed when its sample was made: what its author has written into it since is told from that.
 inline constexpr const char* kSampleAttribute = "data-sample";
 

@@ -59,4 +59,17 @@ std::optional<std::string> dataOf(std::string_view address) {
     return data;
 }
 
+std::string dataAddress(std::string_view content) {
+    static constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string address = content.starts_with("\xff\xd8") ? "data:image/jpeg;base64," : "data:image/png;base64,";
+    for (std::size_t i = 0; i < content.size(); i += 3) {
+        std::uint32_t bits = 0;
+        for (std::size_t j = i; j < i + 3; ++j)
+            bits = bits << 8 | (j < content.size() ? static_cast<unsigned char>(content[j]) : 0);
+        for (std::size_t j = 0; j < 4; ++j)
+            address += i + j > content.size() ? '=' : kDigits[bits >> (18 - 6 * j) & 63];
+    }
+    return address;
+}
+
 } // namespace kvtdruck::druckwerk

@@ -16,4 +16,7 @@ std::optional<std::pair<std::uint32_t, std::uint32_t>> imageExtent(std::string_v
 /// The content of a "data:" address in base64; nothing where it is another one, or damaged.
 std::optional<std::string> dataOf(std::string_view address);
 
+/// The address that holds the content of a PNG or JPEG file.
+std::string dataAddress(std::string_view content);
+
 } // namespace kvtdruck::druckwerk

@@ -5,7 +5,7 @@
 
 namespace kvtdruck::druckwerk {
 
-SvgFile::SvgFile(const std::string& source, const std::filesystem::path& folder) {
+SvgFile::SvgFile(const std::string& source, const LayoutFiles& files) {
     XmlError error;
     document_ = parseXml(source, error);
     if (!document_) {
@@ -15,8 +15,10 @@ SvgFile::SvgFile(const std::string& source, const std::filesystem::path& folder)
                         (entities ? "Entitäten und eigene Dokumenttypen sind nicht erlaubt"
                                   : "Datei ist kein wohlgeformtes XML: " + error.reason));
     }
-    inspectSvg(document_.get(), folder);
-    numberElements(root());
+    refuseDeclarations(document_.get());
+    numberElements(root()); // as they stand in the layout itself
+    compose(document_.get(), files);
+    inspectSvg(document_.get(), files);
 }
 
 xmlNode* SvgFile::root() const {

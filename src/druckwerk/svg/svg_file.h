@@ -1,19 +1,19 @@
 // An SVG file as a tree of elements, checked for everything that a layout must not ask for.
 #pragma once
 
-#include "druckwerk/svg/xml_tree.h"
+#include "druckwerk/svg/composition.h"
 
-#include <filesystem>
 #include <string>
 
 namespace kvtdruck::druckwerk {
 
-/// The parsed file. Entities are not expanded, nothing is fetched.
+/// The parsed file, with the files put in that it shares with others. Entities are not expanded, nothing is
+/// fetched.
 class SvgFile {
   public:
     /// Raises a Fault, with the line where it is known, where `source` is malformed, or asks for something outside
-    /// of `folder`, or would take unbounded time.
-    SvgFile(const std::string& source, const std::filesystem::path& folder);
+    /// of its folders, or would take unbounded time.
+    SvgFile(const std::string& source, const LayoutFiles& files);
 
     xmlNode* root() const;
     /// The document as text, with the ids that were given meanwhile.

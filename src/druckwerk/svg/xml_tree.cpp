@@ -132,6 +132,21 @@ long lineOf(const xmlNode* node) {
     return xmlGetLineNo(node);
 }
 
+std::string fileOf(const xmlNode* node) {
+    for (; node != nullptr && node->type == XML_ELEMENT_NODE; node = node->parent)
+        if (std::string file = attribute(node, kFromFile); !file.empty())
+            return file;
+    return "";
+}
+
+std::string lineText(const xmlNode* node) {
+    const std::string file = fileOf(node);
+    std::string place = file.empty() ? "" : "„" + file + "“";
+    if (lineOf(node) <= 0) // a style sheet that was put in
+        return place;
+    return place + (place.empty() ? "" : ", ") + "Zeile " + std::to_string(lineOf(node));
+}
+
 void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit) {
     for (xmlNode* child = node->children; child != nullptr; child = child->next)
         if (child->type == XML_ELEMENT_NODE)

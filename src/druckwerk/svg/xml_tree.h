@@ -48,7 +48,15 @@ std::string layerLabel(const xmlNode* node);
 std::string contentOf(const xmlNode* node);
 bool hasAttribute(const xmlNode* node, const char* name);
 bool hasClass(const xmlNode* node, std::string_view cssClass);
+/// The class of what only a drawing program shows.
+inline constexpr const char* kSampleClass = "sample";
 long lineOf(const xmlNode* node);
+/// The attribute of what was put into a document: the name of its file.
+inline constexpr const char* kFromFile = "from-file";
+/// The name of the file that the element was put in from; "" for the document's own.
+std::string fileOf(const xmlNode* node);
+/// Its file, where it was put in from one, and its line, for messages: "„kopf.svg“, Zeile 3".
+std::string lineText(const xmlNode* node);
 /// Calls `visit` for each child element.
 void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit);
 /// The element and everything within it, in order.
