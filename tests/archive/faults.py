@@ -580,6 +580,11 @@ def cell_without_row(pdf):
 
 
 @accessible_fault("7.2")
+def table_without_rows(pdf):
+    elements(pdf, "TBody")[0].K = Array([])
+
+
+@accessible_fault("7.2")
 def row_too_short(pdf):
     row = elements(pdf, "TR")[-1]
     row.K = Array(list(row.K)[:-1])
