@@ -641,10 +641,9 @@ def heads_of_nobody(pdf):
 
 
 @accessible_fault("7.5")
-def heads_of_another_table(pdf):
-    first = elements(pdf, "TH")[0].ID
-    last = [cell for cell in elements(pdf, "TD") if "/Headers" in cell.get("/A", {})][-1]
-    last.A.Headers = Array([first])
+def head_of_itself(pdf):
+    head = elements(pdf, "TH")[0]
+    head.A.Headers = Array([head.ID])
 
 
 @accessible_fault("7.5")
