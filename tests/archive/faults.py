@@ -580,6 +580,11 @@ def cell_without_row(pdf):
 
 
 @accessible_fault("7.2")
+def table_without_rows(pdf):
+    elements(pdf, "TBody")[0].K = Array([])
+
+
+@accessible_fault("7.2")
 def row_too_short(pdf):
     row = elements(pdf, "TR")[-1]
     row.K = Array(list(row.K)[:-1])
@@ -636,10 +641,9 @@ def heads_of_nobody(pdf):
 
 
 @accessible_fault("7.5")
-def heads_of_another_table(pdf):
-    first = elements(pdf, "TH")[0].ID
-    last = [cell for cell in elements(pdf, "TD") if "/Headers" in cell.get("/A", {})][-1]
-    last.A.Headers = Array([first])
+def head_of_itself(pdf):
+    head = elements(pdf, "TH")[0]
+    head.A.Headers = Array([head.ID])
 
 
 @accessible_fault("7.5")

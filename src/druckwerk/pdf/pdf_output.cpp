@@ -18,6 +18,8 @@ constexpr std::size_t kMostPacked = 200; // objects in one stream; a place in th
 constexpr unsigned kIndexBits = 8;
 constexpr std::uint64_t kPacked = std::uint64_t{1} << 63;
 constexpr std::size_t kPlaceBytes = 5; // of an offset in the table of objects, up to a terabyte
+constexpr std::size_t kLine = 8;       // of that table: its predictor, the kind, the place, the place in a stream
+static_assert(kLine == 3 + kPlaceBytes && kLine == sizeof(std::uint64_t));
 
 } // namespace
 
@@ -90,10 +92,14 @@ void PdfOutput::put(const Piece& piece) {
 }
 
 void PdfOutput::putCompressed(std::string_view entries, std::string_view data) {
-    compressed_.resize(libdeflate_zlib_compress_bound(compressor_, data.size()));
+    const std::size_t bound = libdeflate_zlib_compress_bound(compressor_, data.size());
+    if (bound > room_) {
+        compressed_ = std::make_unique_for_overwrite<char[]>(bound); // what is not written takes no memory
+        room_ = bound;
+    }
     const std::size_t size =
-        libdeflate_zlib_compress(compressor_, data.data(), data.size(), compressed_.data(), compressed_.size());
-    putStream(std::string(entries) + "/Filter/FlateDecode", std::string_view(compressed_).substr(0, size));
+        libdeflate_zlib_compress(compressor_, data.data(), data.size(), compressed_.get(), room_);
+    putStream(std::string(entries) + "/Filter/FlateDecode", {compressed_.get(), size});
 }
 
 void PdfOutput::putStream(std::string_view entries, std::string_view data) {
@@ -189,40 +195,33 @@ void PdfOutput::writeTable(const std::string& trailer) {
 }
 
 /// Objects within streams are listed in a stream only (ISO 32000-1, 7.5.8). Each line is written as what it differs
-/// from the one before by (7.4.4.4, predictor 12): almost nothing.
+/// from the one before by (7.4.4.4, predictor 12), which is almost nothing, and in the place of what it is made of:
+/// there may be a million of them.
 void PdfOutput::writeTableStream(const std::string& trailer) {
     const int number = allocate();
     note(number, position_);
     flush();
-    constexpr std::size_t kLine = 1 + kPlaceBytes + 1; // the kind, an offset or a stream, the place in the stream
-    std::string lines;
-    lines.reserve((places_.size() + 1) * (kLine + 1));
+    const std::string entries = "/Type/XRef/Size " + std::to_string(places_.size() + 1) + "/W[1 " +
+                                std::to_string(kPlaceBytes) + " 1]/DecodeParms<</Predictor 12/Columns " +
+                                std::to_string(kLine - 1) + ">>" + trailer + identifier();
+    places_.insert(places_.begin(), 0);
     std::array<unsigned char, kLine> before{};
-    const auto add = [&](unsigned kind, std::uint64_t place, std::uint64_t index) {
+    for (std::uint64_t& place : places_) {
+        const bool packed = (place & kPacked) != 0;
+        const std::uint64_t where = packed ? (place & ~kPacked) >> kIndexBits : place;
         std::array<unsigned char, kLine> line{};
-        line.front() = static_cast<unsigned char>(kind);
+        line[1] = static_cast<unsigned char>(packed ? 2 : place == 0 ? 0 : 1);
         for (std::size_t i = 0; i < kPlaceBytes; ++i)
-            line[kPlaceBytes - i] = static_cast<unsigned char>(place >> (8 * i));
-        line.back() = static_cast<unsigned char>(index);
-        lines += '\2';
-        for (std::size_t i = 0; i < kLine; ++i)
-            lines += static_cast<char>(line[i] - before[i]);
+            line[1 + kPlaceBytes - i] = static_cast<unsigned char>(where >> (8 * i));
+        line.back() = static_cast<unsigned char>(packed ? place & ((1U << kIndexBits) - 1) : 0);
+        std::array<unsigned char, kLine> difference{2};
+        for (std::size_t i = 1; i < kLine; ++i)
+            difference[i] = static_cast<unsigned char>(line[i] - before[i]);
         before = line;
-    };
-    add(0, 0, 0);
-    for (const std::uint64_t place : places_) {
-        if (place == 0)
-            add(0, 0, 0);
-        else if ((place & kPacked) == 0)
-            add(1, place, 0);
-        else
-            add(2, (place & ~kPacked) >> kIndexBits, place & ((1U << kIndexBits) - 1));
+        std::memcpy(&place, difference.data(), kLine);
     }
     write(std::to_string(number) + " 0 obj\n");
-    putCompressed("/Type/XRef/Size " + std::to_string(places_.size() + 1) + "/W[1 " + std::to_string(kPlaceBytes) +
-                      " 1]/DecodeParms<</Predictor 12/Columns " + std::to_string(kLine) + ">>" + trailer +
-                      identifier(),
-                  lines);
+    putCompressed(entries, {reinterpret_cast<const char*>(places_.data()), places_.size() * kLine});
 }
 
 std::unique_ptr<AtomicFile> PdfOutput::finish(int catalog, int info) {

@@ -77,7 +77,8 @@ class PdfOutput {
     std::filesystem::path name_;
     std::unique_ptr<AtomicFile> file_;
     std::string buffer_;
-    std::string compressed_;
+    std::unique_ptr<char[]> compressed_; ///< the room of a stream
+    std::size_t room_ = 0;
     std::uint64_t position_ = 0;
     std::uint64_t hash_ = 0xcbf29ce484222325U;
     int objects_ = 0;

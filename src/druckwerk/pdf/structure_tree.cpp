@@ -14,9 +14,9 @@ constexpr std::string_view kNames = "/Names";
 } // namespace
 
 void StructureTree::write(int element, std::string_view type, int parent, std::string_view entries) {
-    std::string body = "<</S/";
-    body.append(type).append("/P ").append(reference(parent)).append(entries).append(">>");
-    output_.packObject(element, body);
+    body_.assign("<</S/").append(type).append("/P ");
+    body_.append(std::to_string(parent)).append(" 0 R").append(entries).append(">>");
+    output_.packObject(element, body_);
 }
 
 std::string StructureTree::name(int element) {

@@ -68,6 +68,7 @@ class StructureTree {
     int nextKey_ = 0;
     int pageKey_ = 0;
     int names_ = 0;
+    std::string body_; ///< of the element in hand
     std::vector<int> parts_;
     std::vector<int> objects_; ///< the elements of the page's objects, by their keys
     Leaves owned_;

@@ -2,8 +2,6 @@
 
 #include "druckwerk/structure/chart_description.h"
 
-#include <cmath>
-
 namespace kvtdruck::druckwerk {
 
 namespace {
@@ -11,8 +9,6 @@ namespace {
 bool isShown(const Item& item, const Scene& scene) {
     return std::ranges::all_of(item.conditions, [&](const auto& condition) { return condition->holds(scene); });
 }
-
-constexpr double kSameLine = 3; // points between baselines
 
 bool saysMoreThanText(const std::vector<Piece>& pieces) {
     return std::ranges::any_of(pieces, [](const Piece& piece) { return piece.kind != Piece::Kind::Text; });
@@ -236,7 +232,7 @@ void JobStructure::beginRow(const BandTags& tags, const Scene& scene) {
     }
     freshPage_ = false;
     if (tags.role != BandTags::Role::Line) {
-        lines_ = linesOf(tags.pieces);
+        lines_ = linesOf(grid_, tags.pieces);
         cells_.clear();
         cells_.reserve((grid_.size() + 1) * lines_.size()); // no more cells than columns: they stay where they are
         return;
@@ -251,27 +247,6 @@ void JobStructure::beginRow(const BandTags& tags, const Scene& scene) {
         cells_[i].content.element = 0;
         cells_[i].content.kids.clear();
     }
-}
-
-/// Words that stand above each other in one column, the same in every document, divide a row into lines: they name
-/// them.
-std::vector<double> JobStructure::linesOf(const std::vector<Piece>& pieces) const {
-    std::vector<double> lines;
-    for (const Piece& piece : pieces)
-        for (const Piece& other : pieces)
-            if (piece.constant && other.constant && std::fabs(piece.baseline - other.baseline) > kSameLine &&
-                grid_.of(piece.span()) == grid_.of(other.span()))
-                lines.push_back(piece.baseline);
-    std::ranges::sort(lines);
-    const auto isSame = [](double one, double other) { return other - one < kSameLine; };
-    lines.erase(std::unique(lines.begin(), lines.end(), isSame), lines.end());
-    return lines.empty() ? std::vector<double>{0} : lines;
-}
-
-std::size_t JobStructure::lineOf(const Piece& piece, const std::vector<double>& lines) {
-    const auto nearest =
-        std::ranges::min_element(lines, {}, [&](double y) { return std::fabs(y - piece.baseline); });
-    return static_cast<std::size_t>(nearest - lines.begin());
 }
 
 /// The cell of a row that has its own, such as a sum's: where the item stands, together with what stands there too.
@@ -381,7 +356,7 @@ void JobStructure::openTable(const Scene& scene) {
 
 /// The cell of each item of a line of the report.
 void JobStructure::placeLine(const BandTags& line) {
-    const auto lines = linesOf(line.pieces);
+    const auto lines = linesOf(grid_, line.pieces);
     lineCount_ = lines.size();
     wordColumn_ = rowHead_;
     lineCells_.assign(line.band->items.size(), kNoCell);

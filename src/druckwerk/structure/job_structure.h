@@ -65,8 +65,6 @@ class JobStructure {
     TaggedContent* contentOf(std::size_t item);
     TaggedContent* headContentOf(std::size_t item);
     TaggedContent* cellFor(std::size_t item);
-    std::vector<double> linesOf(const std::vector<Piece>& pieces) const;
-    static std::size_t lineOf(const Piece& piece, const std::vector<double>& lines);
     void endLine();
     void endRow(const BandTags& tags);
     std::string endRowLine(std::span<TaggedCell> row, bool headsGroup, const std::string& outer);

@@ -6,6 +6,7 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
+constexpr double kSameLine = 3;   // points between baselines
 constexpr double kTouching = 0.5; // points that cells may overlap by and still stand side by side
 
 /// How far the text reaches: as its line does, where there is one between it and the texts that it heads.
@@ -84,6 +85,25 @@ Columns TableGrid::of(const Span& cell) const {
             nearest = i;
     }
     return found.first == columns_.size() ? Columns{nearest, nearest} : found;
+}
+
+std::vector<double> linesOf(const TableGrid& grid, std::span<const Piece> row) {
+    std::vector<double> lines;
+    for (const Piece& piece : row)
+        for (const Piece& other : row)
+            if (piece.constant && other.constant && std::fabs(piece.baseline - other.baseline) > kSameLine &&
+                grid.of(piece.span()) == grid.of(other.span()))
+                lines.push_back(piece.baseline);
+    std::ranges::sort(lines);
+    const auto isSame = [](double one, double other) { return other - one < kSameLine; };
+    lines.erase(std::unique(lines.begin(), lines.end(), isSame), lines.end());
+    return lines.empty() ? std::vector<double>{0} : lines;
+}
+
+std::size_t lineOf(const Piece& piece, const std::vector<double>& lines) {
+    const auto nearest =
+        std::ranges::min_element(lines, {}, [&](double y) { return std::fabs(y - piece.baseline); });
+    return static_cast<std::size_t>(nearest - lines.begin());
 }
 
 std::vector<HeadCell> headOver(const TableGrid& grid, std::span<const Piece> texts, std::span<const Edge> edges) {

@@ -35,6 +35,12 @@ class TableGrid {
     std::vector<Span> columns_;
 };
 
+/// The baselines of the lines that a row is divided into: where words, the same in every document, stand above each
+/// other in one column, they name them. Otherwise one line.
+std::vector<double> linesOf(const TableGrid& grid, std::span<const Piece> row);
+/// The line of `piece` among them.
+std::size_t lineOf(const Piece& piece, const std::vector<double>& lines);
+
 /// A cell of a table's head.
 struct HeadCell {
     Columns columns;

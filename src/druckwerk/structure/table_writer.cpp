@@ -73,17 +73,28 @@ std::string TableWriter::headsOf(const Columns& columns) const {
 
 void TableWriter::writeCell(const TaggedCell& cell, int row, const std::string& name, const std::string& heads) {
     static constexpr std::array kScopes = {"", "/Scope/Row", "/Scope/Column"};
-    structure_.write(cell.content.element, name.empty() ? "TD" : "TH", row,
-                     (name.empty() ? "" : "/ID" + name) + shownBy(document_, cell.content) +
-                         tableAttributes(kScopes[static_cast<std::size_t>(cell.kind)] +
-                                         spanEntry("/ColSpan ", cell.span) + spanEntry("/RowSpan ", cell.rows) +
-                                         headersEntry(heads)));
+    entries_.clear();
+    if (!name.empty())
+        entries_.append("/ID").append(name);
+    if (!cell.content.kids.empty())
+        entries_.append(page_).append("/K[").append(cell.content.kids).append("]");
+    const bool isPlain = name.empty() && cell.span == 1 && cell.rows == 1;
+    if (!isPlain || !heads.empty()) {
+        entries_.append("/A<</O/Table").append(kScopes[static_cast<std::size_t>(cell.kind)]);
+        if (!isPlain)
+            entries_.append(spanEntry("/ColSpan ", cell.span)).append(spanEntry("/RowSpan ", cell.rows));
+        if (!heads.empty())
+            entries_.append("/Headers[").append(heads).append("]");
+        entries_.append(">>");
+    }
+    structure_.write(cell.content.element, name.empty() ? "TD" : "TH", row, entries_);
 }
 
 std::string TableWriter::writeRow(std::span<TaggedCell> cells, const std::string& outer) {
     if (body_ == 0)
         body_ = structure_.allocate();
     const int row = structure_.allocate();
+    page_ = "/Pg " + reference(document_.page());
     std::string first;
     std::string last = outer;
     std::string kids;

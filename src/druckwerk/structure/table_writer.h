@@ -57,6 +57,8 @@ class TableWriter {
     std::string kids_;
     int body_ = 0;
     std::string rows_;
+    std::string page_;                   ///< the page in hand, as an entry
+    std::string entries_;                ///< of the cell in hand
     std::vector<std::string> headNames_; ///< of the nearest head of each column
 };
 
