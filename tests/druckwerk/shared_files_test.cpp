@@ -192,6 +192,8 @@ TEST_F(SharedFiles, TheLogoComesIntoItsRectangle) {
     printed(svg);
     EXPECT_NE(page(), without);
     EXPECT_THAT(messages, IsEmpty());
+    printed(sheet("", ""));
+    EXPECT_THAT(messages, ElementsAre(HasSubstr("kein Platz für das Logo (ein Rechteck der Klasse „logo“)")));
 }
 
 TEST(ShippedDrawings, RepeatTheRulesOfTheStyle) {

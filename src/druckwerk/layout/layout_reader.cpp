@@ -117,6 +117,10 @@ Layout readTree(const std::string& source, const std::string& name, const Layout
     reading.applyStyle(file.root(), "", root.style);
     readGroups(reading, file.root());
     readLayers(reading, file.root(), root);
+    if (!files.logo.empty() && !file.hasPlaceForLogo())
+        findings.push_back(
+            {false, kLayoutInvalid,
+             name + ", kein Platz für das Logo (ein Rechteck der Klasse „logo“); es fehlt im Druck"});
     inspectNames(file.root(), [&](const xmlNode* node, const std::string& layer, const std::string& message) {
         reading.report(kLayoutInvalid, node, layer, message, false);
     });

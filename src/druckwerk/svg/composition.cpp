@@ -300,19 +300,21 @@ fs::path fileBelow(const LayoutFiles& files, const std::string& name) {
     return found;
 }
 
-void compose(xmlDoc* document, const LayoutFiles& files) {
+bool compose(xmlDoc* document, const LayoutFiles& files) {
     xmlNode* root = xmlDocGetRootElement(document);
     if (root == nullptr)
-        return;
+        return false;
     importSheets(root, files);
     for (xmlNode* picture : elementsOf(root, "image"))
         if (const std::string link = linkOf(picture); isDrawing(link))
             putIn(picture, files, link);
     for (xmlNode* picture : elementsOf(root, "image"))
         carryPicture(picture, files);
-    for (xmlNode* place : elementsOf(root, "rect"))
-        if (hasClass(place, "logo"))
-            putLogo(place, files.logo);
+    auto places = elementsOf(root, "rect");
+    std::erase_if(places, [](xmlNode* place) { return !hasClass(place, "logo"); });
+    for (xmlNode* place : places)
+        putLogo(place, files.logo);
+    return !places.empty();
 }
 
 std::string withSheetsShown(const std::string& svg, const LayoutFiles& files) {

@@ -14,9 +14,9 @@ namespace kvtdruck::druckwerk {
 /// where it leads elsewhere.
 std::filesystem::path fileBelow(const LayoutFiles& files, const std::string& name);
 
-/// Puts in what `document` names. Raises a Fault with line and name where a file is missing, malformed or outside
-/// of the folders.
-void compose(xmlDoc* document, const LayoutFiles& files);
+/// Puts in what `document` names; tells whether the company's picture has a place there. Raises a Fault with line
+/// and name where a file is missing, malformed or outside of the folders.
+bool compose(xmlDoc* document, const LayoutFiles& files);
 
 /// The drawing `svg` with the sheets that it imports repeated where a drawing program sees them: in its style
 /// element of the class `kSampleClass`. As it is where it is no well-formed XML, or a sheet can't be read.

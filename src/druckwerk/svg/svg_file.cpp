@@ -17,7 +17,7 @@ SvgFile::SvgFile(const std::string& source, const LayoutFiles& files) {
     }
     refuseDeclarations(document_.get());
     numberElements(root()); // as they stand in the layout itself
-    compose(document_.get(), files);
+    hasPlaceForLogo_ = compose(document_.get(), files);
     inspectSvg(document_.get(), files);
 }
 

@@ -18,9 +18,11 @@ class SvgFile {
     xmlNode* root() const;
     /// The document as text, with the ids that were given meanwhile.
     std::string text() const;
+    bool hasPlaceForLogo() const { return hasPlaceForLogo_; }
 
   private:
     XmlDocument document_;
+    bool hasPlaceForLogo_ = false;
 };
 
 } // namespace kvtdruck::druckwerk
