@@ -336,11 +336,11 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         UsageCase{"NoCommand",
                   {},
-                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, firmen, datenbank, "
+                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, felder, listen, firmen, datenbank, "
                   "einlesen oder layouts."},
         UsageCase{"OptionsInPlaceOfACommand",
                   {"-d", "x", "-f", "1", "-o", "y"},
-                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, listen, firmen, datenbank, "
+                  "Es fehlt der Befehl: drucken, vorschau, gestalten, pruefen, felder, listen, firmen, datenbank, "
                   "einlesen oder layouts."},
         UsageCase{"OptionsWithoutAList",
                   {"drucken", "-d", "x", "-f", "1", "-o", "y"},
