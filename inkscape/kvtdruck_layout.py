@@ -2,11 +2,13 @@
 """Inkscape extension for the layouts of KVTDruck: inserts bands, fields and charts, sets conditions and patterns, and
 checks a layout. What an action needs and was not given as an argument is asked for in a window.
 """
+import copy
 import difflib
 import os
 import pathlib
 import re
 import tempfile
+import urllib.parse
 
 import inkex
 from inkex import Group, Layer, Rectangle, TextElement
@@ -318,6 +320,17 @@ class LayoutExtension(inkex.EffectExtension):
             raise Refused(f"Der Platzhalter „{whole}“ ist auf mehrere Textteile verteilt; bitte neu schreiben.")
         return True
 
+    def linked_from(self, folder):
+        """The document as it lies in `folder`: Inkscape hands over a copy that lies elsewhere, with links from there."""
+        document = copy.deepcopy(self.document)
+        here = os.path.dirname(os.path.realpath(self.options.input_file))
+        for picture in document.iter(inkex.addNS("image", "svg")):
+            for key in ("href", inkex.addNS("href", "xlink")):
+                link = urllib.parse.unquote(picture.get(key, ""))
+                if link and ":" not in link and not os.path.isabs(link):
+                    picture.set(key, urllib.parse.quote(os.path.relpath(os.path.join(here, link), os.path.realpath(folder))))
+        return document
+
     def check(self):
         """The document as it is drawn, saved or not, lies beside its file for the check, where its pictures are."""
         report = self.report()
@@ -326,7 +339,7 @@ class LayoutExtension(inkex.EffectExtension):
         descriptor, name = tempfile.mkstemp(prefix=".kvtdruck-", suffix=".svg", dir=folder)
         try:
             with os.fdopen(descriptor, "wb") as file:
-                self.save(file)
+                (self.linked_from(folder) if folder else self.document).write(file)
             lines = [line.replace(name + ", ", "").replace(name, "Layout")
                      for line in program.findings(report, name)]
         finally:

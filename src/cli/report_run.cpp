@@ -109,12 +109,12 @@ class ReportRun {
         return !goesOn || print(manager, prints);
     }
 
-    /// Whether the designer shows what its layout prints. What keeps one from printing is said when it is closed.
+    /// Whether the designer shows what its layout prints. What is wrong there is said when it is closed; what can't
+    /// be read fails the print.
     bool showsPrint() const {
         const auto layout = layouts_.inUse(request_.report->listName);
         return options_.command == Command::Design && std::filesystem::exists(layout) &&
-               std::ranges::none_of(druckwerk::checkLayout(layout, {}, false, LayoutStore::installedFolder()),
-                                    &druckwerk::Finding::error);
+               !druckwerk::hasMistakes(layout, LayoutStore::installedFolder());
     }
 
     bool ask(clsDruckManager& manager, std::int16_t mode, const SinglePrint& print, bool dialog) {

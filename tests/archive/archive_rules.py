@@ -433,10 +433,13 @@ def strip_packet(packet):
 
 
 def property_of(file, name):
-    """A property's text: its own, or that of the items of its array."""
+    """A property's text: its own, or that of the items of its array. Metadata that are no XML have none."""
     if file.metadata is None:
         return None
-    found = ElementTree.fromstring(strip_packet(file.metadata)).find(f".//{name}")
+    try:
+        found = ElementTree.fromstring(strip_packet(file.metadata)).find(f".//{name}")
+    except ElementTree.ParseError:
+        return None
     if found is None:
         return None
     items = [item.text or "" for item in found.iter(f"{RDF}li")]

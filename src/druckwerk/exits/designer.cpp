@@ -104,14 +104,8 @@ Drawn drawnIn(const std::string& svg) {
 /// pictures that the layout names are found, and is gone with the object.
 class WorkingCopy {
   public:
-    WorkingCopy(const std::filesystem::path& layout, const std::string& text) : shown_(text) {
-        std::string name =
-            (layout.parent_path() / (layout.stem().string() + "-wird-gestaltet-XXXXXX.svg")).string();
-        const int descriptor = ::mkostemps(name.data(), 4, O_CLOEXEC); // behind the name comes ".svg"
-        if (descriptor < 0)
-            throw std::system_error(errno, std::generic_category());
-        file_ = name;
-        ::close(descriptor);
+    WorkingCopy(const std::filesystem::path& layout, const std::string& text) : WorkingCopy(layout) {
+        shown_ = text; // from here on the file goes whatever fails
         writeAtomically(file_, shown_, AtomicFile::Access::Mask);
     }
     WorkingCopy(const WorkingCopy&) = delete;
@@ -130,6 +124,17 @@ class WorkingCopy {
     }
 
   private:
+    explicit WorkingCopy(const std::filesystem::path& layout) {
+        std::string name =
+            (layout.parent_path() / (layout.stem().string() + "-wird-gestaltet-XXXXXX.svg")).string();
+        file_ = name;
+        const int descriptor = ::mkostemps(name.data(), 4, O_CLOEXEC); // behind the name comes ".svg"
+        if (descriptor < 0)
+            throw std::system_error(errno, std::generic_category());
+        ::close(descriptor);
+        file_ = name;
+    }
+
     std::filesystem::path file_;
     std::string shown_;
 };

@@ -62,4 +62,10 @@ std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::v
     }
 }
 
+bool hasMistakes(const std::filesystem::path& file, const std::filesystem::path& behind) {
+    const auto findings = checkLayout(file, {}, false, behind);
+    return std::any_of(findings.begin(), findings.end(),
+                       [](const Finding& finding) { return finding.error && finding.code != kLayoutUnreadable; });
+}
+
 } // namespace kvtdruck::druckwerk

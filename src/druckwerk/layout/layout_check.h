@@ -26,4 +26,7 @@ std::vector<Finding> checkLayout(const LayoutText& layout, const std::vector<Def
 std::vector<Finding> checkLayout(const std::filesystem::path& file, const std::vector<Definition>& definitions,
                                  bool unused = false, const std::filesystem::path& behind = {});
 
+/// Whether the layout `file` can be read and can't be printed with.
+bool hasMistakes(const std::filesystem::path& file, const std::filesystem::path& behind);
+
 } // namespace kvtdruck::druckwerk
