@@ -2,8 +2,10 @@
 #include "druckwerk/text/installed_fonts.h"
 
 #include "druckwerk/common/deleter.h"
+#include "platform/posix/memory_watch.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <fontconfig/fontconfig.h>
 #include <future>
@@ -53,26 +55,48 @@ FontFile fileOf(FcPattern* pattern) {
     return font;
 }
 
-/// The one reading of this process.
-std::shared_future<void>& reading() {
-    static std::shared_future<void> begun;
-    return begun;
+/// The one reading of this process. Where memory is refused in it, fontconfig (2.14.1) keeps a lock that it waits
+/// for itself, for ever.
+class Reading {
+  public:
+    Reading() = default;
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+    ~Reading() { await(); }
+
+    void begin() {
+        if (begun_.valid())
+            return;
+        try {
+            begun_ = std::async(std::launch::async, [] { FcInit(); });
+        } catch (
+            const std::system_error&) { // NOLINT(bugprone-empty-catch): without a thread it is read when needed
+        }
+    }
+    void await() const {
+        constexpr std::chrono::seconds kPatience(10);
+        while (begun_.valid() && begun_.wait_for(kPatience) == std::future_status::timeout)
+            if (memoryWasRefused())
+                giveUpForWantOfMemory();
+    }
+
+  private:
+    std::shared_future<void> begun_;
+};
+
+Reading& reading() {
+    static Reading one;
+    return one;
 }
 
 } // namespace
 
 void InstalledFonts::prepare() {
-    if (reading().valid())
-        return;
-    try {
-        reading() = std::async(std::launch::async, [] { FcInit(); });
-    } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch): without a thread it is read when needed
-    }
+    reading().begin();
 }
 
 void InstalledFonts::awaitPreparation() {
-    if (reading().valid())
-        reading().wait();
+    reading().await();
 }
 
 bool FontFile::hasFamily(const std::string& name) const {

@@ -19,6 +19,12 @@ bool memoryWasRefused() {
     return refusals.load(std::memory_order_relaxed) > 0;
 }
 
+void giveUpForWantOfMemory() {
+    constexpr char kText[] = "Fehler: Der Arbeitsspeicher reicht nicht aus.\n";
+    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, kText, sizeof kText - 1);
+    std::abort();
+}
+
 } // namespace kvtdruck
 
 // The sanitizers have an allocator of their own, which ends the process where memory is short.
@@ -30,12 +36,6 @@ namespace {
 /// A library that is refused so often asks for ever, and has no other end.
 constexpr long kMostRefusals = 1'000'000;
 
-[[noreturn]] void giveUp() {
-    constexpr char kText[] = "Fehler: Der Arbeitsspeicher reicht nicht aus.\n";
-    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, kText, sizeof kText - 1);
-    std::abort();
-}
-
 /// The C library's function that the one of that name here stands before.
 template <class Function>
 Function next(const char* name) {
@@ -44,7 +44,7 @@ Function next(const char* name) {
 
 void* watched(void* memory, std::size_t size) {
     if (memory == nullptr && size > 0 && refusals.fetch_add(1, std::memory_order_relaxed) == kMostRefusals)
-        giveUp();
+        giveUpForWantOfMemory();
     return memory;
 }
 

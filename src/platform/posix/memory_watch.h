@@ -8,4 +8,7 @@ namespace kvtdruck {
 /// is aborted, with a German message.
 bool memoryWasRefused();
 
+/// Aborts the process with the message that its memory does not suffice: for a library that never comes back.
+[[noreturn]] void giveUpForWantOfMemory();
+
 } // namespace kvtdruck
