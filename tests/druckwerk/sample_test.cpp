@@ -39,7 +39,7 @@ class SampleTest : public ::testing::Test {
     /// The layout with the values of such a print. It prints the same, to the byte, and shows the same once more.
     std::string shown(const std::string& svg) {
         print(svg, "before.pdf");
-        const auto result = withSample(svg, sample_).value();
+        auto result = withSample(svg, sample_).value();
         print(result, "after.pdf");
         EXPECT_EQ(readFile(folder / "after.pdf"), readFile(folder / "before.pdf"));
         EXPECT_EQ(withSample(result, sample_).value(), result);

@@ -11,7 +11,6 @@ namespace {
 
 using namespace testing;
 using ::testing::AllOf;
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;

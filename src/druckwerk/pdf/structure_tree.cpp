@@ -22,7 +22,7 @@ void StructureTree::write(int element, std::string_view type, int parent, std::s
 std::string StructureTree::name(int element) {
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), "(%07x)", ++names_); // as wide as any: the tree is in their order
-    const std::string name = text.data();
+    std::string name = text.data();
     add(named_, kNames, name, reference(element));
     return name;
 }

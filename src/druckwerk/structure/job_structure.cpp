@@ -344,9 +344,8 @@ void JobStructure::openTable(const Scene& scene) {
     std::vector<Piece> shown;
     std::ranges::copy_if(line.pieces, std::back_inserter(shown),
                          [&](const Piece& piece) { return isShown(line.band->items[piece.item], scene); });
-    std::vector<Span> spans;
-    for (const Piece& piece : shown)
-        spans.push_back(piece.span());
+    std::vector<Span> spans(shown.size());
+    std::ranges::transform(shown, spans.begin(), &Piece::span);
     grid_ = TableGrid(std::move(spans));
     for (const Piece& piece : line.pieces)
         grid_.addBeside(piece.span());
