@@ -17,6 +17,8 @@ import faults
 LINK = "www.mueller-soehne.example"
 MONTHLY = {"GemeinK", "NeutralA"}
 BY_VALUES = {"Bilanz", "BsEMa", "BsEStd", "BsEGes", "KalkW", "WasWenn", "UmsatzHW"}
+# A sheet for each employee, of whom a few are enough: the reader takes minutes for the structure of all.
+SHEETS = {"MaStKost", "MaStZeit"}
 # What stands below each page, and what is carried from one to the next
 FURNITURE = r"(Gedruckt am|Seite \d|Übertrag|Vortrag)"
 
@@ -33,6 +35,7 @@ class Printer:
     def print(self, report, to, *options, database=None):
         own = ["--werte", self.values / f"{report}.csv"] if report in BY_VALUES else []
         own += ["--jahr", "2024", "--monat", "3"] if report in MONTHLY else []
+        own += ["--mitarbeiter-von", "1", "--mitarbeiter-bis", "3"] if report in SHEETS else []
         subprocess.run([self.program, "drucken", report, "--datenbank", database or self.database, "--firma", "1", "--ordner",
                         self.folder, "--ausgabe", to, "--druckdatum", "2025-01-02 08:00+01:00", *own, *options],
                        check=True, capture_output=True)
