@@ -24,6 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (word.find("auftrag") == std::string::npos) // which names a file of its own
             words.push_back(word.substr(0, word.find('\0')));
     std::vector<const char*> arguments;
+    arguments.reserve(words.size());
     for (const auto& word : words)
         arguments.push_back(word.c_str());
     try {
