@@ -272,7 +272,7 @@ TEST_F(DocumentTest, AJobWithoutAPageIsOnePage) {
     EXPECT_EQ(pagesOf(pdf), 1);
 }
 
-#ifndef __SANITIZE_ADDRESS__ // which keeps memory that was released
+#ifndef KVT_SANITIZED // which keeps memory that was released
 TEST_F(DocumentTest, MemoryDoesNotGrowWithTheLines) {
     const auto peak = [] {
         rusage usage{};

@@ -269,7 +269,7 @@ TEST_F(SqliteFiles, AWalkEndsWhenTheUserAsksToStop) {
     EXPECT_LE(turnover.number(u"Jahr"), year) << "the record in hand stays readable";
 }
 
-#ifndef __SANITIZE_ADDRESS__ // a sanitizer's own memory grows with every allocation
+#ifndef KVT_SANITIZED // a sanitizer's own memory grows with every allocation
 TEST(SqliteMemory, StaysFlatHoweverManyRecordsThereAre) {
     SqliteDatabase database;
     database.executeDemoFile("schema.sql");

@@ -52,7 +52,7 @@ TEST(BoundedWork, ACrashIsNoResult) {
               std::nullopt);
 }
 
-#ifndef __SANITIZE_ADDRESS__
+#ifndef KVT_SANITIZED
 TEST(BoundedWork, MemoryHasAnEnd) {
     EXPECT_THROW(runBounded(kLimits, [] { return std::string(std::size_t{1} << 31, 'x'); }), WorkFailed);
 }

@@ -33,7 +33,7 @@ void limit(int resource, rlim_t most) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody waits for it then
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_CPU, limits.computing);
-#ifndef __SANITIZE_ADDRESS__ // which takes terabytes of addresses for itself
+#ifndef KVT_SANITIZED // which takes terabytes of addresses for itself
     limit(RLIMIT_AS, limits.memory);
 #endif
     std::string result;

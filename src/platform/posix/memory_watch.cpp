@@ -28,7 +28,7 @@ void giveUpForWantOfMemory() {
 } // namespace kvtdruck
 
 // The sanitizers have an allocator of their own, which ends the process where memory is short.
-#ifndef __SANITIZE_ADDRESS__
+#ifndef KVT_SANITIZED
 
 namespace kvtdruck {
 namespace {
