@@ -33,19 +33,11 @@ constexpr const char* kName = "font-size:3.5px;font-weight:normal";
 constexpr const char* kHeading = "font-size:3.5px;font-weight:bold";
 constexpr const char* kNote = "font-size:3px;fill:#5c6873";
 
-constexpr const char* kInkscape = "http://www.inkscape.org/namespaces/inkscape";
 constexpr const char* kSvg = "http://www.w3.org/2000/svg";
 
-const xmlChar* xml(const char* text) {
-    return reinterpret_cast<const xmlChar*>(text);
-}
-
-void setLabel(xmlNode* layer, const char* label) {
-    xmlNs* inkscape = xmlSearchNsByHref(layer->doc, layer, xml(kInkscape));
-    if (inkscape == nullptr)
-        inkscape = xmlNewNs(xmlDocGetRootElement(layer->doc), xml(kInkscape), xml("inkscape"));
-    xmlSetNsProp(layer, inkscape, xml("groupmode"), xml("layer"));
-    xmlSetNsProp(layer, inkscape, xml("label"), xml(label));
+void makeLayer(xmlNode* group, const char* label) {
+    setInkscape(group, "groupmode", "layer");
+    setLabel(group, label);
 }
 
 std::vector<xmlNode*> childrenOf(xmlNode* node) {
@@ -54,20 +46,12 @@ std::vector<xmlNode*> childrenOf(xmlNode* node) {
     return children;
 }
 
-void removeNode(xmlNode* node) {
-    xmlUnlinkNode(node);
-    xmlFreeNode(node);
-}
-
 /// Place and text of a palette's text.
 std::string describe(xmlNode* text) {
     std::string description;
     for (const char* name : {"x", "y", "transform"})
         description += attribute(text, name) + " ";
-    xmlChar* content = xmlNodeGetContent(text);
-    description += viewOf(content);
-    xmlFree(content);
-    return description;
+    return description + textWithin(text);
 }
 
 /// Takes the palette out; gives whether the user has left anything in it.
@@ -82,7 +66,7 @@ bool removePalette(xmlNode* svg) {
         if (childrenOf(palette).empty()) {
             removeNode(palette);
         } else {
-            setLabel(palette, kBackground);
+            makeLayer(palette, kBackground);
             kept = true;
         }
     }
@@ -141,7 +125,7 @@ void addPalette(xmlNode* svg, const std::vector<Definition>& definitions, const 
         std::find_if(children.begin(), children.end(), [](const xmlNode* child) { return svgName(child) == "g"; });
     xmlNode* layer = xmlNewDocNode(svg->doc, xmlSearchNsByHref(svg->doc, svg, xml(kSvg)), xml("g"), nullptr);
     lowest == children.end() ? xmlAddChild(svg, layer) : xmlAddPrevSibling(*lowest, layer);
-    setLabel(layer, kPalette);
+    makeLayer(layer, kPalette);
     double x = pageWidth(svg) + kGap;
     for (const bool fields : {false, true}) {
         int line = 0;

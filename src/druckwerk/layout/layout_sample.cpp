@@ -9,24 +9,10 @@
 namespace kvtdruck::druckwerk {
 namespace {
 
-constexpr const char* kInkscape = "http://www.inkscape.org/namespaces/inkscape";
 constexpr double kLineSpacing = 1.2; // of the size, as texts are printed
-
-const xmlChar* xml(const char* text) {
-    return reinterpret_cast<const xmlChar*>(text);
-}
-
-const xmlChar* xml(const std::string& text) {
-    return xml(text.c_str());
-}
 
 bool hasPlaceholders(const std::string& text) {
     return text.find("{{") != std::string::npos;
-}
-
-void removeNode(xmlNode* node) {
-    xmlUnlinkNode(node);
-    xmlFreeNode(node);
 }
 
 /// Hides the element, or shows it.
@@ -38,13 +24,6 @@ void setHidden(xmlNode* node, bool hidden) {
     if (attribute(node, "style").find("display") != std::string::npos)
         style.empty() ? xmlUnsetProp(node, xml("style")) : xmlSetProp(node, xml("style"), xml(style)) != nullptr;
     hidden ? xmlSetProp(node, xml("display"), xml("none")) != nullptr : xmlUnsetProp(node, xml("display"));
-}
-
-void setLabel(xmlNode* node, const std::string& label) {
-    xmlNs* inkscape = xmlSearchNsByHref(node->doc, node, xml(kInkscape));
-    if (inkscape == nullptr)
-        inkscape = xmlNewNs(xmlDocGetRootElement(node->doc), xml(kInkscape), xml("inkscape"));
-    xmlSetNsProp(node, inkscape, xml("label"), xml(label));
 }
 
 /// The text that a field shows, which is the first one in it.
@@ -170,10 +149,7 @@ void setChart(xmlNode* chart, const std::string& drawing) {
 } // namespace
 
 std::string placeholdersBehind(const xmlNode* text) {
-    xmlChar* content = xmlNodeGetContent(text);
-    const bool inItself = hasPlaceholders(std::string(viewOf(content)));
-    xmlFree(content);
-    if (inItself)
+    if (hasPlaceholders(textWithin(text)))
         return "";
     for (const xmlNode* node = text; node != nullptr && node->type == XML_ELEMENT_NODE; node = node->parent) {
         if (node != text && !hasClass(node, "field"))

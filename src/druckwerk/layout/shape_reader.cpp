@@ -158,7 +158,7 @@ void readForeign(BandBuilder& band, xmlNode* node, const Context& context) {
     std::string id = attribute(node, "id");
     if (id.empty()) {
         id = "kvt-" + std::to_string(layout.foreignIds.size());
-        xmlNewProp(node, reinterpret_cast<const xmlChar*>("id"), reinterpret_cast<const xmlChar*>(id.c_str()));
+        xmlNewProp(node, xml("id"), xml(id));
     }
     ForeignItem item{id, static_cast<int>(layout.foreignIds.size()), titleOf(node),
                      extentOf(layout, node, context)};

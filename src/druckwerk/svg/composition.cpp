@@ -19,15 +19,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kXlink = "http://www.w3.org/1999/xlink";
 
-const xmlChar* xml(const std::string& text) {
-    return reinterpret_cast<const xmlChar*>(text.c_str());
-}
-
-void removeNode(xmlNode* node) {
-    xmlUnlinkNode(node);
-    xmlFreeNode(node);
-}
-
 std::string readShared(const xmlNode* node, const LayoutFiles& files, const std::string& name) {
     const fs::path file = fileBelow(files, name);
     if (file.empty())
@@ -99,10 +90,7 @@ std::vector<xmlNode*> elementsOf(xmlNode* root, std::string_view name) {
 }
 
 std::string sheetOf(const xmlNode* style) {
-    xmlChar* content = xmlNodeGetContent(style);
-    std::string sheet = withoutComments(viewOf(content));
-    xmlFree(content);
-    return sheet;
+    return withoutComments(textWithin(style));
 }
 
 /// Each sheet that is imported becomes a style element before the one that imports it.

@@ -12,7 +12,7 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr std::string_view kSvgNamespace = "http://www.w3.org/2000/svg";
-constexpr std::string_view kInkscapeNamespace = "http://www.inkscape.org/namespaces/inkscape";
+constexpr const char* kInkscapeNamespace = "http://www.inkscape.org/namespaces/inkscape";
 
 std::string reasonOf(const xmlError& error) {
     switch (error.code) {
@@ -56,6 +56,14 @@ XmlDocument parseXml(const std::string& text, XmlError& error, Cdata cdata) {
         return document;
     error = found == nullptr ? XmlError{} : XmlError{found->line, reasonOf(*found)};
     return nullptr;
+}
+
+const xmlChar* xml(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+const xmlChar* xml(const std::string& text) {
+    return xml(text.c_str());
 }
 
 std::string textOf(xmlDoc* document) {
@@ -107,18 +115,34 @@ std::string labelOf(const xmlNode* node) {
     return found == nullptr ? "" : valueOf(found);
 }
 
+void setLabel(xmlNode* node, const std::string& label) {
+    setInkscape(node, "label", label);
+}
+
+void setInkscape(xmlNode* node, const char* name, const std::string& value) {
+    xmlNs* inkscape = xmlSearchNsByHref(node->doc, node, xml(kInkscapeNamespace));
+    if (inkscape == nullptr)
+        inkscape = xmlNewNs(xmlDocGetRootElement(node->doc), xml(kInkscapeNamespace), xml("inkscape"));
+    xmlSetNsProp(node, inkscape, xml(name), xml(value));
+}
+
 std::string layerLabel(const xmlNode* node) {
     std::string label = labelOf(node);
     return label.find("{{") == std::string::npos ? label : "";
 }
 
-std::string contentOf(const xmlNode* node) {
+std::string textWithin(const xmlNode* node) {
     xmlChar* content = xmlNodeGetContent(node);
+    std::string text(viewOf(content));
+    xmlFree(content);
+    return text;
+}
+
+std::string contentOf(const xmlNode* node) {
     std::string text;
-    for (const auto word : splitWords(viewOf(content), " \t\r\n"))
+    for (const std::string all = textWithin(node); const auto word : splitWords(all, " \t\r\n"))
         if (!word.empty())
             text.append(text.empty() ? "" : " ").append(word);
-    xmlFree(content);
     return text;
 }
 
@@ -156,6 +180,11 @@ void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit) {
 void forEachElement(xmlNode* node, const std::function<void(xmlNode*)>& visit) {
     visit(node);
     forEachChild(node, [&](xmlNode* child) { forEachElement(child, visit); });
+}
+
+void removeNode(xmlNode* node) {
+    xmlUnlinkNode(node);
+    xmlFreeNode(node);
 }
 
 void numberElements(xmlNode* root) {

@@ -32,6 +32,9 @@ std::string textOf(xmlDoc* document);
 
 /// libxml2's text; "" for nullptr.
 std::string_view viewOf(const xmlChar* text);
+/// `text` as libxml2 takes it, as long as `text` lives.
+const xmlChar* xml(const char* text);
+const xmlChar* xml(const std::string& text);
 
 /// The element's name if it is one of SVG, else "".
 std::string_view svgName(const xmlNode* node);
@@ -42,8 +45,13 @@ std::string attribute(const xmlNode* node, const char* name);
 std::string valueOf(const xmlAttr* attribute);
 /// The name that the drawing program shows for an object.
 std::string labelOf(const xmlNode* node);
+void setLabel(xmlNode* node, const std::string& label);
+/// Sets an attribute in the drawing program's namespace, which the document gets where it has none.
+void setInkscape(xmlNode* node, const char* name, const std::string& value);
 /// The label that makes a group a layer; "" where it is the text of a field (see sample_marks.h).
 std::string layerLabel(const xmlNode* node);
+/// All text within the element.
+std::string textWithin(const xmlNode* node);
 /// All text within the element, runs of blanks and line ends as one blank, none at the ends.
 std::string contentOf(const xmlNode* node);
 bool hasAttribute(const xmlNode* node, const char* name);
@@ -61,6 +69,8 @@ std::string lineText(const xmlNode* node);
 void forEachChild(xmlNode* node, const std::function<void(xmlNode*)>& visit);
 /// The element and everything within it, in order.
 void forEachElement(xmlNode* node, const std::function<void(xmlNode*)>& visit);
+/// Takes the element, and what is within it, out of its document.
+void removeNode(xmlNode* node);
 /// Numbers the elements of a document from 1 on, in the order of `forEachElement`.
 void numberElements(xmlNode* root);
 /// The element's number; 0 before it has got one.
