@@ -2,6 +2,7 @@
 
 #include "cli/application_folder.h"
 #include "cli/cancellation.h"
+#include "cli/child_process.h"
 #include "cli/layout_store.h"
 #include "cli/option_values.h"
 #include "platform/posix/atomic_file.h"
@@ -18,7 +19,6 @@
 #include <system_error>
 
 #include <poll.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -33,24 +33,7 @@ constexpr int kBetweenLooks = 100; // milliseconds
 /// grace ends.
 class Child {
   public:
-    explicit Child(const std::function<int()>& work) {
-        std::cout.flush();
-        std::cerr.flush();
-        const auto parent = ::getpid();
-        id_ = ::fork();
-        if (id_ < 0)
-            throw std::system_error(errno, std::generic_category(), "fork");
-        if (id_ > 0)
-            return;
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (::getppid() != parent)
-            ::_exit(kCancelled);
-        watchForCancellation(2);
-        const int code = work();
-        std::cout.flush();
-        std::cerr.flush();
-        ::_exit(code); // what the parent has opened is the parent's to close
-    }
+    explicit Child(const std::function<int()>& work) : id_(beginProcess(work, 2)) {}
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
     ~Child() { wait(); }
@@ -68,7 +51,7 @@ class Child {
         }
         if (WIFEXITED(status))
             return WEXITSTATUS(status);
-        std::cerr << "Fehler: Der Druck ist abgestürzt (Signal " << WTERMSIG(status) << ")." << std::endl;
+        std::cerr << crashText(WTERMSIG(status)) << std::flush;
         return kFailed;
     }
     void passOnCancellation() {
@@ -86,35 +69,20 @@ class Child {
 /// Two ends over which processes take turns.
 class Turns {
   public:
-    Turns() {
-        if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends_.data()) != 0)
-            throw std::system_error(errno, std::generic_category(), "socketpair");
-    }
-    Turns(const Turns&) = delete;
-    Turns& operator=(const Turns&) = delete;
-    ~Turns() {
-        closeEnd(0);
-        closeEnd(1);
-    }
-
-    void closeEnd(std::size_t end) {
-        if (ends_[end] >= 0)
-            ::close(ends_[end]);
-        ends_[end] = -1;
-    }
-    void give(std::size_t end) const { ::send(ends_[end], "", 1, MSG_NOSIGNAL); }
+    void closeEnd(std::size_t end) { ends_[end].close(); }
+    void give(std::size_t end) const { ::send(ends_[end].number(), "", 1, MSG_NOSIGNAL); }
     /// Waits for the turn, calling `meanwhile` again and again; false where the other end was closed.
     bool take(
         std::size_t end, const std::function<void()>& meanwhile = [] {}) const {
-        pollfd waiting{ends_[end], POLLIN, 0};
+        pollfd waiting{ends_[end].number(), POLLIN, 0};
         while (::poll(&waiting, 1, kBetweenLooks) <= 0)
             meanwhile();
         char c = 0;
-        return ::recv(ends_[end], &c, 1, 0) == 1;
+        return ::recv(ends_[end].number(), &c, 1, 0) == 1;
     }
 
   private:
-    std::array<int, 2> ends_{-1, -1};
+    std::array<Descriptor, 2> ends_ = openChannel();
 };
 
 /// The printed pages, and the viewer that shows them; both are gone with the object.

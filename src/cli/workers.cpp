@@ -1,49 +1,26 @@
 #include "cli/workers.h"
 
 #include "cli/cancellation.h"
+#include "cli/child_process.h"
 #include "cli/outcome.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <iostream>
 #include <list>
-#include <memory>
 #include <optional>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace kvtdruck::cli {
 namespace {
-
-[[noreturn]] void fail(const char* what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
-
-class Descriptor {
-  public:
-    explicit Descriptor(int number) : number_(number) {
-        if (number < 0)
-            fail("descriptor");
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { ::close(number_); }
-    int number() const { return number_; }
-
-  private:
-    int number_;
-};
 
 /// What a process writes to one of its standard streams, kept in memory.
 class Capture {
@@ -72,7 +49,7 @@ struct Answer {
 };
 
 /// The life of a process that works: a number comes, its work is done, the answer goes back.
-[[noreturn]] void serve(int channel, const std::function<int(std::size_t)>& work) {
+int serve(int channel, const std::function<int(std::size_t)>& work) {
     std::size_t number = 0;
     while (::recv(channel, &number, sizeof number, 0) == ssize_t(sizeof number)) {
         const Answer answer{number, work(number)};
@@ -81,62 +58,40 @@ struct Answer {
         if (::send(channel, &answer, sizeof answer, MSG_NOSIGNAL) != ssize_t(sizeof answer))
             break;
     }
-    ::_exit(0); // what the parent has opened is the parent's to close
+    return kDone;
 }
 
 class Worker {
   public:
-    explicit Worker(const std::function<int(std::size_t)>& work) {
-        std::array<int, 2> ends{};
-        if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
-            fail("socketpair");
-        channel_ = std::make_unique<Descriptor>(ends[0]);
-        const Descriptor other(ends[1]);
-        const auto parent = ::getpid();
-        id_ = ::fork();
-        if (id_ < 0)
-            fail("fork");
-        if (id_ > 0)
-            return;
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (::getppid() != parent)
-            ::_exit(1);
-        channel_.reset();
-        watchForCancellation(1); // before the parent's own grace ends, which tells what has become of the work
-        ::dup2(output_.number(), STDOUT_FILENO);
-        ::dup2(errors_.number(), STDERR_FILENO);
-        serve(other.number(), work);
-    }
+    explicit Worker(const std::function<int(std::size_t)>& work) : Worker(openChannel(), work) {}
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
     ~Worker() {
         // Closing would not do: the processes begun later hold a copy of this end.
-        if (channel_)
-            ::shutdown(channel_->number(), SHUT_RDWR);
+        ::shutdown(channel_.number(), SHUT_RDWR);
         if (id_ > 0)
             ::waitpid(id_, nullptr, 0);
     }
 
-    int channel() const { return channel_->number(); }
+    int channel() const { return channel_.number(); }
     bool busy() const { return work_.has_value(); }
     void stop() const { ::kill(id_, SIGTERM); }
 
     void begin(std::size_t work) {
         work_ = work;
-        ::send(channel_->number(), &work, sizeof work, MSG_NOSIGNAL); // a dead process shows when it is listened to
+        ::send(channel_.number(), &work, sizeof work, MSG_NOSIGNAL); // a dead process shows when it is listened to
     }
 
     /// The result of the work in hand; a process that has died in it is told in the errors.
     WorkResult result() {
         Answer answer{*work_, kFailed};
-        const bool alive = ::recv(channel_->number(), &answer, sizeof answer, 0) == ssize_t(sizeof answer);
+        const bool alive = ::recv(channel_.number(), &answer, sizeof answer, 0) == ssize_t(sizeof answer);
         WorkResult result{*work_, answer.exitCode, output_.next(), errors_.next()};
         work_.reset();
         if (!alive) {
             int status = 0;
             ::waitpid(std::exchange(id_, 0), &status, 0);
-            result.errors += WIFSIGNALED(status) ? "Fehler: Der Druck ist abgestürzt (Signal " +
-                                                       std::to_string(WTERMSIG(status)) + ").\n"
+            result.errors += WIFSIGNALED(status) ? crashText(WTERMSIG(status))
                                                  : "Fehler: Der Druck hat sich vorzeitig beendet.\n";
         }
         return result;
@@ -144,9 +99,21 @@ class Worker {
     bool alive() const { return id_ > 0; }
 
   private:
+    Worker(std::array<Descriptor, 2> ends, const std::function<int(std::size_t)>& work)
+        : channel_(std::move(ends[0])) {
+        const auto answer = [&] {
+            channel_.close();
+            ::dup2(output_.number(), STDOUT_FILENO);
+            ::dup2(errors_.number(), STDERR_FILENO);
+            return serve(ends[1].number(), work);
+        };
+        // It ends before the parent's own grace does, which tells what has become of the work.
+        id_ = beginProcess(answer, 1);
+    }
+
     Capture output_{"output"};
     Capture errors_{"errors"};
-    std::unique_ptr<Descriptor> channel_;
+    Descriptor channel_;
     pid_t id_ = 0;
     std::optional<std::size_t> work_;
 };
