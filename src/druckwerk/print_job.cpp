@@ -123,8 +123,6 @@ bool PrintJob::printLine() {
         repeatGroupHeads();
     }
     openGroups();
-    ++pageLines_;
-    ++tableLines_;
     takeLineIntoAccount();
     drawRow(growth);
     definitions_.mark(Moment::Printed);
@@ -137,8 +135,6 @@ bool PrintJob::printSheet() {
         pageFull_ = true;
         return false;
     }
-    ++pageLines_;
-    ++tableLines_;
     takeLineIntoAccount();
     bindPage(true);
     definitions_.mark(Moment::Printed);
@@ -146,6 +142,8 @@ bool PrintJob::printSheet() {
 }
 
 void PrintJob::takeLineIntoAccount() {
+    ++pageLines_;
+    ++tableLines_;
     totals_.accumulate(scene(Moment::Now));
     for (std::size_t i = 0; i < points_.size(); ++i)
         collectPoint(*layout_.rowCharts[i], scene(Moment::Now), points_[i], warn_);

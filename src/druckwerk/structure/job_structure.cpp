@@ -3,11 +3,17 @@
 #include "druckwerk/structure/chart_description.h"
 
 namespace kvtdruck::druckwerk {
-
 namespace {
 
 bool isShown(const Item& item, const Scene& scene) {
     return std::ranges::all_of(item.conditions, [&](const auto& condition) { return condition->holds(scene); });
+}
+
+std::vector<Piece> shownPieces(const std::vector<Piece>& pieces, const Band& band, const Scene& scene) {
+    std::vector<Piece> shown;
+    std::ranges::copy_if(pieces, std::back_inserter(shown),
+                         [&](const Piece& piece) { return isShown(band.items[piece.item], scene); });
+    return shown;
 }
 
 bool saysMoreThanText(const std::vector<Piece>& pieces) {
@@ -206,10 +212,7 @@ void JobStructure::beginHead(const BandTags& tags, const Scene& scene) {
     startOnPage();
     openTable(scene);
     headSaid_ = std::move(said);
-    std::vector<Piece> shown;
-    std::ranges::copy_if(tags.pieces, std::back_inserter(shown),
-                         [&](const Piece& piece) { return isShown(tags.band->items[piece.item], scene); });
-    head_ = headOver(grid_, shown, edgesOf(*tags.band));
+    head_ = headOver(grid_, shownPieces(tags.pieces, *tags.band, scene), edgesOf(*tags.band));
     headContents_.assign(head_.size(), {.type = "TH"});
 }
 
@@ -341,9 +344,7 @@ void JobStructure::openTable(const Scene& scene) {
     closeTable();
     table_.emplace(document_, section());
     const BandTags& line = bands_.at(&*layout_.row);
-    std::vector<Piece> shown;
-    std::ranges::copy_if(line.pieces, std::back_inserter(shown),
-                         [&](const Piece& piece) { return isShown(line.band->items[piece.item], scene); });
+    const std::vector<Piece> shown = shownPieces(line.pieces, *line.band, scene);
     std::vector<Span> spans(shown.size());
     std::ranges::transform(shown, spans.begin(), &Piece::span);
     grid_ = TableGrid(std::move(spans));
