@@ -2,6 +2,7 @@
 
 #include "control/print_mode.h"
 #include "druckwerk/common/fault.h"
+#include "druckwerk/common/message_filter.h"
 #include "druckwerk/document_info.h"
 #include "druckwerk/expression/definitions.h"
 #include "druckwerk/job.h"
@@ -12,7 +13,6 @@
 #include "platform/posix/temporary_folder.h"
 
 #include <new>
-#include <set>
 
 namespace kvtdruck::druckwerk {
 namespace {
@@ -86,8 +86,8 @@ class Druckwerk::Engine {
     }
 
     void warn(const std::string& message) {
-        if (warned_.insert(message).second && options_->warn)
-            options_->warn(message);
+        if (const auto text = warned_.pass(message); text && options_->warn)
+            options_->warn(*text);
     }
 
     void warnOfContent(StringView name, const std::string& message) {
@@ -123,7 +123,7 @@ class Druckwerk::Engine {
     std::filesystem::path previewFolder_;
     std::shared_ptr<OpenDocument> document_;
     std::optional<Job> job_;
-    std::set<std::string> warned_;
+    MessageFilter warned_;
     String progressText_; ///< as it was told last
     std::string progressUtf8_;
 };
@@ -230,7 +230,7 @@ Layout Druckwerk::Engine::loadLayout(const std::filesystem::path& file, const La
 
 void Druckwerk::Engine::startJob(std::span<const Argument> arguments) {
     dropJob(); // a report that stopped on an error leaves its job behind
-    warned_.clear();
+    warned_ = {};
     lastError_ = {};
     definitions_.release();
     const std::filesystem::path objectName = posixPath(argument<StringView>(arguments, 1));
@@ -302,14 +302,14 @@ void Druckwerk::Engine::openDocument() {
         file = folder->path() / (job_->listName + ".pdf");
     }
     // The document may outlive this engine.
-    const auto warned = std::make_shared<std::set<std::string>>();
+    const auto warned = std::make_shared<MessageFilter>();
     const PdfLevel level = folder ? PdfLevel::Plain : options_->level;
     document_->open(
         file, std::move(folder), level,
         documentInfo(*options_, heading(), String(definitions_.textOf(u"FnrName1")), fromUtf8(job_->listName)),
         [options = options_, warned](const std::string& message) {
-            if (warned->insert(message).second && options->warn)
-                options->warn(message);
+            if (const auto text = warned->pass(message); text && options->warn)
+                options->warn(*text);
         });
 }
 
