@@ -29,6 +29,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <new>
 #include <system_error>
 
 namespace kvtdruck::cli {
@@ -343,8 +344,13 @@ class ReportRun {
                            : find(finding.message);
         };
         if (options_.command == Command::Design) {
-            if (options_.samplesOnly)
-                return keepingEarlier(request, [&] { return showSample(request, message); });
+            if (options_.samplesOnly) {
+                for (const auto& finding :
+                     druckwerk::checkLayout(request.source, request.definitions, false, request.behind))
+                    show(finding);
+                return console_.hasFailed() ? 0
+                                            : keepingEarlier(request, [&] { return showSample(request, message); });
+            }
             if (isUnset("DISPLAY") && isUnset("WAYLAND_DISPLAY")) {
                 message =
                     "Zum Gestalten wird eine grafische Oberfläche gebraucht; weder DISPLAY noch WAYLAND_DISPLAY "
@@ -375,7 +381,9 @@ class ReportRun {
     std::int32_t showSample(const druckwerk::DesignRequest& request, std::string& message) const {
         const auto before = contentOf(request.source);
         const auto layout = druckwerk::withSample(before, sample_);
-        if (!layout || memoryWasRefused() || *layout == before)
+        if (!layout || memoryWasRefused())
+            throw std::bad_alloc(); // the layout was checked
+        if (*layout == before)
             return 0;
         try {
             writeAtomically(request.layout, *layout, AtomicFile::Access::Mask);
