@@ -126,7 +126,9 @@ void BandBuilder::readArtwork(xmlNode* node, std::string_view name, const Contex
     const Style& style = context.style;
     const bool plain =
         !style.complex && style.fill.kind != Paint::Kind::Complex && style.stroke.kind != Paint::Kind::Complex;
-    if (name == "g" || name == "a") {
+    if (!context.hasLooks && isPicture(node)) {
+        readForeign(*this, node, context);
+    } else if (name == "g" || name == "a") {
         if (style.complex || style.opacity < 1)
             readForeign(*this, node, context);
         else

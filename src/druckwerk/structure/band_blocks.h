@@ -60,8 +60,8 @@ class BandBlocks {
     String textOf(std::size_t block) const;
     /// All that shows such a block.
     TaggedContent joined(std::size_t block) const;
-    int writeTable(PdfDocument& document, int parent, const Block& block, std::size_t first);
-    int writeFigure(PdfDocument& document, int parent, std::size_t block, const String& title);
+    std::string writeTable(PdfDocument& document, int parent, const Block& block, std::size_t first);
+    void writeFigure(PdfDocument& document, int parent, std::size_t block, const String& title);
 
     std::vector<Block> blocks_;
     std::vector<std::size_t> first_; ///< of each block's contents

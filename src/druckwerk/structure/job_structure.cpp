@@ -166,7 +166,7 @@ void JobStructure::end() {
 
 // --- Blocks ---
 
-/// What each text of the band says, and what describes its charts.
+/// What each text of the band says, and what describes its charts and pictures.
 Said JobStructure::whatIsSaid(const BandTags& tags, const Scene& scene) const {
     Said said(tags.band->items.size());
     for (const Piece& piece : tags.pieces) {
@@ -177,6 +177,8 @@ Said JobStructure::whatIsSaid(const BandTags& tags, const Scene& scene) const {
             text->text.append(scene, said[piece.item]);
         else if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content); chart && !(*chart)->rows)
             said[piece.item] = describe(**chart, pointsOf(**chart, scene), scene.definitions.locale());
+        else if (const auto* foreign = std::get_if<ForeignItem>(&item.content))
+            said[piece.item] = fromUtf8(layout_.foreign[foreign->drawing].title);
     }
     return said;
 }
@@ -377,8 +379,7 @@ void JobStructure::placeLine(const BandTags& line) {
 void JobStructure::closeTable() {
     if (!table_)
         return;
-    table_->finish();
-    blocks_ += reference(table_->element()) + " ";
+    blocks_ += table_->finish();
     table_.reset();
     headSaid_.clear();
     groupNames_.assign(groupNames_.size(), "");
@@ -402,7 +403,7 @@ int JobStructure::section() {
 }
 
 void JobStructure::closeSection() {
-    if (section_ == 0)
+    if (blocks_.empty())
         return;
     document_.structure()->write(section_, "Sect", part_, "/K[" + blocks_ + "]");
     sections_ += reference(section_) + " ";

@@ -127,9 +127,12 @@ void TableWriter::endPage() {
     rows_.clear();
 }
 
-void TableWriter::finish() {
+std::string TableWriter::finish() {
     endPage();
+    if (kids_.empty())
+        return {};
     structure_.write(element_, "Table", parent_, "/K[" + kids_ + "]");
+    return reference(element_) + " ";
 }
 
 } // namespace kvtdruck::druckwerk

@@ -36,15 +36,14 @@ class TableWriter {
     /// `parent` is the element that the table is in.
     TableWriter(PdfDocument& document, int parent);
 
-    int element() const { return element_; }
-
     /// The head's cells in their order, each with what shows it.
     void writeHead(const std::vector<HeadCell>& head, std::span<TaggedContent> contents, std::size_t columns);
     /// Cells in their order. Heads in a row head each other, the last one its data; `outer` names what heads the
     /// first one; empty: nothing does. Gives the first one's name.
     std::string writeRow(std::span<TaggedCell> cells, const std::string& outer);
     void endPage();
-    void finish();
+    /// Gives a reference to the table, with a blank behind it; nothing where it has no rows: then it is no table.
+    std::string finish();
 
   private:
     void writeCell(const TaggedCell& cell, int row, const std::string& name, const std::string& heads);
