@@ -13,6 +13,7 @@ using namespace testing;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 class AccessibleTest : public ::testing::Test {
   protected:
@@ -40,7 +41,8 @@ class AccessibleTest : public ::testing::Test {
                         "' | jq -c '[.qpdf[1][].value? | objects | select(.[\"/S\"] == \"/Figure\") | "
                         "[.[\"/Alt\"][2:], (.[\"/A\"][\"/BBox\"] | map(round))]] | sort_by(.[1])[]'");
     }
-    std::string said() const { return outputOf("pdfinfo -struct-text '" + pdf.string() + "' 2>&1"); }
+    /// What is read out, a line for each element.
+    std::string said() const { return outputOf(std::string(KVT_SAID) + " '" + pdf.string() + "' 2>&1"); }
 
     TemporaryFolder folder;
     std::filesystem::path pdf = folder / "out.pdf";
@@ -108,7 +110,38 @@ TEST_F(AccessibleTest, LinesWithoutAWordAreNoTable) {
                      "<rect x='5' y='20' width='5' height='5' fill='red'/>" +
                          field(5, 20, 40, "{{Name}}", "data-if='Nr > 99'"))),
           3);
-    EXPECT_THAT(said(), Not(HasSubstr("Table")));
+    EXPECT_THAT(outputOf("pdfinfo -struct '" + pdf.string() + "'"), Not(HasSubstr("Table")));
+}
+
+/// Heads of two lines: the second one right beneath the first.
+std::string headOf(double x, const std::string& upper, const std::string& lower) {
+    const std::string at = "<text x='" + std::to_string(x) + "' y='";
+    return at + "34'>" + upper + "</text>" + at + "37.6'>" + lower + "</text>";
+}
+
+TEST_F(AccessibleTest, AWordThatIsBrokenIsOneWord) {
+    std::string heads, cells;
+    int column = 0;
+    for (const auto& [upper, lower] : {std::pair("Umsatz-", "erlöse"),
+                                       {"Urlaubs-", "Übertrag"},
+                                       {"Soll-", "und Iststd."},
+                                       {"Weihn.-", "geld"},
+                                       {"Kosten", "gesamt"}}) {
+        heads += headOf(5 + 18 * column, upper, lower);
+        cells += field(5 + 18 * column++, 40, 16, "{{Name}}");
+    }
+    print(page(layer("Kopf", 30, 10, heads) + layer("Zeile", 40, 10, cells)));
+    EXPECT_THAT(said(),
+                StartsWith("Umsatzerlöse\nUrlaubs-Übertrag\nSoll- und Iststd.\nWeihn.-geld\nKosten gesamt\n"));
+}
+
+TEST_F(AccessibleTest, ATextOfSeveralLinesKeepsItsWords) {
+    print(page(layer("Zeile", 20, 10,
+                     field(5, 20, 10, "{{Nr}}") +
+                         field(20, 20, 14, "Aufmaß am Bau-Nebengebäude", "data-fit='wrap'", false, 15) +
+                         field(40, 20, 14, "Donaudampfschifffahrt", "data-fit='wrap'", false, 15))));
+    EXPECT_EQ(said(), "1\nAufmaß am Bau-Nebengebäude\nDonaudampfschifffahrt\n");
+    EXPECT_THAT(textOf(pdf), AllOf(HasSubstr("am Bau- "), Not(HasSubstr("Donaudampfschiff")))) << "it is broken";
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/layout/broken_words.h"
 #include "druckwerk/layout/sample_marks.h"
 
 #include <algorithm>
@@ -162,6 +163,7 @@ Band BandBuilder::finish(const xmlNode* node) {
                                         [&](const Segment& s) { return s.kind != 'Z' && s.points[0].y >= edge; });
             shape->compiled = shape->operators(reading_.layout.height);
         }
+    joinBrokenWords(band_.items);
     return std::move(band_);
 }
 

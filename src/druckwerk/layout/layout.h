@@ -46,6 +46,8 @@ struct TextItem {
     std::optional<Box> box;
     Fit fit = Fit::None;
     bool grows = false;
+    bool breaksWord = false; ///< its last character is the hyphen of a word that goes on in another text
+    bool goesOn = false;     ///< it begins with the rest of another text's word
     bool fromBottom = false; ///< of lines: the last one stands on the baseline, the others above it
     std::string written;     ///< with placeholders, as the layout has it
     std::optional<Matrix>
