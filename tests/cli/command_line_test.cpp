@@ -381,6 +381,8 @@ INSTANTIATE_TEST_SUITE_P(
                   "--mappe geht nicht mit --ausgabe, --nach, --drucker und --druckerauswahl zusammen."},
         UsageCase{"BinderOfData", printing({"--mappe", "m.csv"}),
                   "--mappe ist ein ganzes PDF: --format, --seiten und --teil gelten nicht dafür."},
+        UsageCase{"BinderWithData", printing({"--mappe", "m.pdf", "--beilage", "csv"}),
+                  "--beilage gibt es für einzelne Listen, nicht mit --mappe."},
         UsageCase{"BindersWithoutNames", printing({"--mappe", "m.pdf", "--je", "firma"}),
                   "--je firma braucht {firma} im Namen der Mappe."},
         UsageCase{"AccessibleAndPlain", printing({"-o", "x.pdf", "--barrierefrei", "--pdf", "einfach"}),
