@@ -11,6 +11,7 @@ namespace {
 
 using namespace testing;
 using ::testing::AllOf;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -103,6 +104,23 @@ TEST_F(AccessibleTest, APictureThatComesOnALaterPageIsSaidThere) {
           20);
     EXPECT_EQ(pagesOf(pdf), 3);
     EXPECT_EQ(figures(), "[\"Folgeseite\",[14,254,43,269]]\n");
+}
+
+/// A head with a picture is no row: it is said once, and the rows beneath it keep the heads of their columns.
+TEST_F(AccessibleTest, AGroupsHeadWithAPictureIsSaidOnce) {
+    print(page(kGradient + layer("Kopf", 10, 10, field(5, 12, 20, "Nummer") + field(30, 12, 20, "Bezeichnung")) +
+               layer("Gruppenkopf Jahr", 20, 20,
+                     field(5, 22, 40, "Gruppe {{Jahr}}") +
+                         "<rect x='5' y='30' width='10' height='5' fill='url(#v)'><title>Zeichen</title></rect>",
+                     "data-on='Jahr' data-repeat=''") +
+               layer("Zeile", 40, 10, field(5, 40, 20, "{{Nr}}") + field(30, 40, 20, "{{Name}}"))),
+          12);
+    EXPECT_EQ(pagesOf(pdf), 3);
+    EXPECT_THAT(said(), StartsWith("Gruppe 2010\n")) << "before its table";
+    EXPECT_EQ(outputOf("echo '" + said() + "' | grep -c 'Gruppe 2010'"), "1\n");
+    EXPECT_EQ(figures(), "[\"Zeichen\",[14,183,43,198]]\n");
+    const auto structure = outputOf("pdfinfo -struct '" + pdf.string() + "'");
+    EXPECT_THAT(structure, Not(ContainsRegex("/Headers \\[\\([0-9a-f]+\\)\\]"))) << "each cell has two heads";
 }
 
 TEST_F(AccessibleTest, LinesWithoutAWordAreNoTable) {

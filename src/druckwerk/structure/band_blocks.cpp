@@ -72,6 +72,11 @@ void BandBlocks::begin() {
     down_.assign(blocks_.size(), 0);
 }
 
+void BandBlocks::beginFurniture() {
+    begin();
+    isNew_.assign(blocks_.size(), false);
+}
+
 void BandBlocks::begin(Said said, const std::vector<bool>& late) {
     begin();
     compare(std::move(said), late);

@@ -29,6 +29,8 @@ class BandBlocks {
 
     /// The band is printed and all of it says something.
     void begin();
+    /// The band is printed again and says nothing.
+    void beginFurniture();
     /// The band of a page is printed, and says `said`. What it said on the page before is new only with something
     /// new beneath its heading. `late` are items that are known only at the page's end and always new.
     void begin(Said said, const std::vector<bool>& late);

@@ -24,7 +24,7 @@ bool saysMoreThanText(const std::vector<Piece>& pieces) {
 
 JobStructure::JobStructure(const Layout& layout, PdfDocument& document, const Measure& measure)
     : layout_(layout), document_(document), canvas_(document.canvas()), part_(document.structure()->allocate()),
-      groupNames_(layout.groups.size()) {
+      groupNames_(layout.groups.size()), headIsSaid_(layout.groups.size()) {
     addBands(measure);
     findBlocks();
 }
@@ -188,6 +188,8 @@ void JobStructure::beginBlocks(BandTags& tags, const Scene& scene) {
         tags.blocks->begin(whatIsSaid(tags, scene), tags.late);
     else if (tags.role == BandTags::Role::Footer)
         tags.blocks->beginFooter(whatIsSaid(tags, scene), tags.late);
+    else if (tags.role == BandTags::Role::GroupHead && headIsSaid_[tags.level])
+        tags.blocks->beginFurniture();
     else
         tags.blocks->begin();
 }
@@ -197,7 +199,10 @@ void JobStructure::endBlocks(BandTags& tags) {
         return;
     if (tags.role == BandTags::Role::Page || tags.role == BandTags::Role::Line)
         startOnPage();
-    closeTable();
+    if (tags.role == BandTags::Role::GroupHead)
+        headIsSaid_[tags.level] = true;
+    if (table_ && table_->hasRows()) // a head alone waits for the rows that follow
+        closeTable();
     freshPage_ = false;
     const int parent = section();
     blocks_ += tags.blocks->write(document_, parent, levels_, placeOf(tags));
@@ -339,6 +344,7 @@ std::string JobStructure::endRowLine(std::span<TaggedCell> row, bool headsGroup,
 
 void JobStructure::closeGroup(std::size_t level) {
     groupNames_[level].clear();
+    headIsSaid_[level] = false;
 }
 
 /// The columns are those of what the line shows, and of what it never shows together with that.

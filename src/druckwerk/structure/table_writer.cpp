@@ -91,6 +91,7 @@ void TableWriter::writeCell(const TaggedCell& cell, int row, const std::string& 
 }
 
 std::string TableWriter::writeRow(std::span<TaggedCell> cells, const std::string& outer) {
+    hasRows_ = true;
     if (body_ == 0)
         body_ = structure_.allocate();
     const int row = structure_.allocate();

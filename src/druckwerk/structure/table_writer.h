@@ -36,6 +36,8 @@ class TableWriter {
     /// `parent` is the element that the table is in.
     TableWriter(PdfDocument& document, int parent);
 
+    bool hasRows() const { return hasRows_; }
+
     /// The head's cells in their order, each with what shows it.
     void writeHead(const std::vector<HeadCell>& head, std::span<TaggedContent> contents, std::size_t columns);
     /// Cells in their order. Heads in a row head each other, the last one its data; `outer` names what heads the
@@ -55,6 +57,7 @@ class TableWriter {
     int element_;
     std::string kids_;
     int body_ = 0;
+    bool hasRows_ = false; ///< besides those of its head
     std::string rows_;
     std::string page_;                   ///< the page in hand, as an entry
     std::string entries_;                ///< of the cell in hand
