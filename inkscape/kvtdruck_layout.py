@@ -304,21 +304,22 @@ class LayoutExtension(inkex.EffectExtension):
             raise Refused("In den gewählten Objekten steht kein Platzhalter.")
 
     def change_pattern(self, text):
-        """Changes the placeholders of a text: those of its label, behind which its content is a sample, or those that
-        it shows."""
-        label = text.get("inkscape:label", "")
-        if PLACEHOLDER.search(label):
-            text.set("inkscape:label", with_pattern(label, self.options.pattern))
-            return True
+        """Changes the placeholders of a text: those that it shows, or those of the label behind which its content is a
+        sample, which is its own or its field's. Tells whether there are any."""
         whole = "".join(text.itertext())
-        if not PLACEHOLDER.search(whole):
-            return False
-        pieces = [piece for piece in text.iter() if piece.text]
-        for piece in pieces:
-            piece.text = with_pattern(piece.text, self.options.pattern)
-        if with_pattern(whole, self.options.pattern) != "".join(text.itertext()):
-            raise Refused(f"Der Platzhalter „{whole}“ ist auf mehrere Textteile verteilt; bitte neu schreiben.")
-        return True
+        if PLACEHOLDER.search(whole):
+            pieces = [piece for piece in text.iter() if piece.text]
+            for piece in pieces:
+                piece.text = with_pattern(piece.text, self.options.pattern)
+            if with_pattern(whole, self.options.pattern) != "".join(text.itertext()):
+                raise Refused(f"Der Platzhalter „{whole}“ ist auf mehrere Textteile verteilt; bitte neu schreiben.")
+            return True
+        for owner in [text, *(group for group in text.ancestors() if "field" in group.classes)]:
+            label = owner.get("inkscape:label", "")
+            if PLACEHOLDER.search(label):
+                owner.set("inkscape:label", with_pattern(label, self.options.pattern))
+                return True
+        return False
 
     def linked_from(self, folder):
         """The document as it lies in `folder`: Inkscape hands over a copy that lies elsewhere, with links from there."""

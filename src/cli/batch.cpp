@@ -198,8 +198,8 @@ class Batch {
             [this](const WorkResult& result) { tell(result); });
         if (!failed_.empty()) {
             std::string names;
-            for (const auto& name : failed_)
-                names += "\n  " + name;
+            for (const auto work : failed_)
+                names += "\n  " + nameOf(requests_[work]);
             console_.error((checks() ? "Nicht in Ordnung (" : "Nicht gedruckt (") + std::to_string(failed_.size()) +
                            " von " + std::to_string(requests_.size()) + "):" + names);
         }
@@ -234,7 +234,7 @@ class Batch {
         if (result.exitCode == kCancelled)
             --ended_;
         else if (result.exitCode != kDone)
-            failed_.push_back(nameOf(requests_[result.work]));
+            failed_.insert(result.work);
         console_.pass(result.output, result.errors, nameOf(requests_[result.work]));
         showProgress();
     }
@@ -248,7 +248,7 @@ class Batch {
     std::vector<PrintRequest> requests_;
     Console& console_;
     std::size_t ended_ = 0;
-    std::vector<std::string> failed_;
+    std::set<std::size_t> failed_; ///< works, in the order in which they were asked for
 };
 
 } // namespace

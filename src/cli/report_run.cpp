@@ -2,6 +2,7 @@
 
 #include "catalog/usage_error.h"
 #include "cli/application_folder.h"
+#include "cli/call_record.h"
 #include "cli/cancellation.h"
 #include "cli/company_logo.h"
 #include "cli/data_source.h"
@@ -14,7 +15,6 @@
 #include "cli/selection_text.h"
 #include "cli/tight_fields.h"
 #include "cli/values_input.h"
-#include "control/recording_control.h"
 #include "druckwerk/exits/designer.h"
 #include "druckwerk/exits/tee.h"
 #include "druckwerk/layout/layout_sample.h"
@@ -29,6 +29,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <new>
 #include <system_error>
 
 namespace kvtdruck::cli {
@@ -55,14 +56,15 @@ class ReportRun {
         refuseOverwriting();
         const auto prints = plan();
         if (options_.record)
-            startRecord();
+            record_.emplace(*options_.record, request_.continuesRecord, console_);
         std::optional<PreviewTurn> turn;
         if (options_.command == Command::Preview)
             turn.emplace(previewFolder());
-        clsDruckManager manager(source_.state(), jobs_, recorder_ ? *recorder_ : *engine_);
+        clsDruckManager manager(source_.state(), jobs_, record_ ? record_->around(*engine_) : *engine_);
         manager.fkt_Init(source_.connection());
         const bool done = options_.designs() ? design(manager, prints) : print(manager, prints);
-        finishRecord();
+        if (record_)
+            record_->finish();
         keepOutput(done);
         turn.reset();
         if (!done)
@@ -283,44 +285,6 @@ class ReportRun {
         }
     }
 
-    static std::string reasonOf(const std::system_error& error) {
-        return toUtf8(runtimeErrorOf(error.code().value()).description());
-    }
-
-    std::string recordFailure(const std::system_error& error) const {
-        return "Das Protokoll " + options_.record->string() + " kann nicht geschrieben werden: " + reasonOf(error);
-    }
-
-    void startRecord() {
-        try {
-            const auto before = request_.continuesRecord ? contentOf(*options_.record) : std::string();
-            record_ = std::make_unique<AtomicFile>(*options_.record);
-            record_->write(before);
-        } catch (const std::system_error& error) {
-            throw std::runtime_error(recordFailure(error));
-        }
-        recorder_.emplace(*engine_, [this](std::string_view line) {
-            onRecord([&] { record_->write(std::string(line) + "\n"); });
-        });
-    }
-
-    /// Runs a step of the record; one that fails ends it.
-    template <class Step>
-    void onRecord(Step&& step) {
-        try {
-            if (record_)
-                step();
-        } catch (const std::system_error& error) {
-            record_.reset();
-            console_.error(recordFailure(error));
-        }
-    }
-
-    /// A record tells of a failed run as well, so it is kept in any case.
-    void finishRecord() {
-        onRecord([&] { record_->commit(); });
-    }
-
     std::int32_t deliver(const druckwerk::Document& document, std::string& message) {
         const auto result = druckwerk::print(document, printing_);
         message = result.message;
@@ -343,8 +307,13 @@ class ReportRun {
                            : find(finding.message);
         };
         if (options_.command == Command::Design) {
-            if (options_.samplesOnly)
-                return keepingEarlier(request, [&] { return showSample(request, message); });
+            if (options_.samplesOnly) {
+                for (const auto& finding :
+                     druckwerk::checkLayout(request.source, request.definitions, false, request.behind))
+                    show(finding);
+                return console_.hasFailed() ? 0
+                                            : keepingEarlier(request, [&] { return showSample(request, message); });
+            }
             if (isUnset("DISPLAY") && isUnset("WAYLAND_DISPLAY")) {
                 message =
                     "Zum Gestalten wird eine grafische Oberfläche gebraucht; weder DISPLAY noch WAYLAND_DISPLAY "
@@ -375,7 +344,9 @@ class ReportRun {
     std::int32_t showSample(const druckwerk::DesignRequest& request, std::string& message) const {
         const auto before = contentOf(request.source);
         const auto layout = druckwerk::withSample(before, sample_);
-        if (!layout || memoryWasRefused() || *layout == before)
+        if (!layout || memoryWasRefused())
+            throw std::bad_alloc(); // the layout was checked
+        if (*layout == before)
             return 0;
         try {
             writeAtomically(request.layout, *layout, AtomicFile::Access::Mask);
@@ -436,9 +407,8 @@ class ReportRun {
     std::unique_ptr<FormFactory> pages_;
     std::optional<TemporaryFolder> whole_; ///< holds the document of which pages are selected
     std::unique_ptr<FormFactory> engine_;
-    std::unique_ptr<AtomicFile> record_;
     std::unique_ptr<AtomicFile> finished_; ///< a complete file that waits for its place
-    std::optional<RecordingFormFactory> recorder_;
+    std::optional<CallRecord> record_;
 };
 
 } // namespace

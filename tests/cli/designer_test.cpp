@@ -71,6 +71,20 @@ TEST_F(DesignerTest, SamplesAreRefreshedWithoutOpeningTheLayout) {
     EXPECT_EQ(readFile(layout("GemeinK")), before);
 }
 
+TEST_F(DesignerTest, SamplesOfADamagedLayoutAreRefusedWithWhatIsWrong) {
+    std::filesystem::create_directories(layouts());
+    for (const auto& [damage, message] :
+         {std::pair("{{=1+*", "1+*"), std::pair("<text>", "kein wohlgeformtes XML")}) {
+        auto text = readFile(KVT_SOURCE_FOLDER "/docs/beispiele/GemeinK.svg");
+        text.insert(text.find("{{Bezeichnung}}"), damage);
+        writeFile(layout("GemeinK"), text);
+        const auto outcome = design("GemeinK", {"--jahr", "2024", "--beispielwerte"});
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.errors, HasSubstr(message));
+        EXPECT_EQ(readFile(layout("GemeinK")), text);
+    }
+}
+
 TEST_F(DesignerTest, ADamagedLayoutIsOpenedAsItIs) {
     installDesigner("");
     std::filesystem::create_directories(layouts());

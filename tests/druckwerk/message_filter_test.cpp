@@ -35,10 +35,15 @@ TEST(MessageFilter, TellsTheFirstTenOfAKindAndThatThereAreMore) {
         << "another place is another kind";
 }
 
-TEST(MessageFilter, WhatQuotesNothingIsItsOwnKind) {
+TEST(MessageFilter, FiguresMakeNoOtherKindButLinesOfALayoutDo) {
     MessageFilter filter;
-    for (int i = 0; i < 20; ++i)
-        EXPECT_NE(filter.pass("Zeile " + std::to_string(i) + " fehlt"), std::nullopt);
+    int told = 0;
+    for (int i = 0; i < 100; ++i)
+        told += filter.pass("Zeile 7: Werte von 0,5 bis " + std::to_string(i) + " liegen nicht alle in data-scale")
+                    .has_value();
+    EXPECT_EQ(told, 11);
+    for (int i = 0; i < 100; ++i)
+        EXPECT_NE(filter.pass("Zeile " + std::to_string(i) + ": Pfad ist beschädigt"), std::nullopt);
     EXPECT_NE(filter.pass("“ schließt, was nie begann „"), std::nullopt);
 }
 

@@ -155,8 +155,12 @@ class ExtensionTest(unittest.TestCase):
     def test_patterns_reach_labels_expressions_and_pieces(self):
         page = Document("Umsatz", EMPTY.replace("<sodipodi", """<g inkscape:groupmode="layer" inkscape:label="Zeile">
             <text id="a" inkscape:label="{{IUmsatzDM|0}}">1234</text><text id="b"><tspan>Soll {{=sUmsatzDM/2|0}} EUR</tspan>
-            </text><text id="c"><tspan>{{sUms</tspan><tspan>atzDM}}</tspan></text><text id="d">Worte</text></g><sodipodi"""))
-        self.silently(page.act("pattern", "--pattern=#.##0,0", chosen=["a", "b"]))
+            </text><text id="c"><tspan>{{sUms</tspan><tspan>atzDM}}</tspan></text><text id="d">Worte</text>
+            <g class="field" id="f" inkscape:label="{{sUmsatzDM|0}}"><rect width="30" height="5"/><text id="e">99</text></g></g>
+            <sodipodi"""))
+        self.silently(page.act("pattern", "--pattern=#.##0,0", chosen=["a", "b", "e"]))
+        field, = page.groups("field")
+        self.assertEqual((field.get(LABEL), "".join(field.itertext()).strip()), ("{{sUmsatzDM|#.##0,0}}", "99"))
         texts = {text.get("id"): text for text in page.root().iter(SVG + "text")}
         self.assertEqual((texts["a"].get(LABEL), texts["a"].text), ("{{IUmsatzDM|#.##0,0}}", "1234"))
         self.assertEqual("".join(texts["b"].itertext()).strip(), "Soll {{=sUmsatzDM/2|#.##0,0}} EUR")

@@ -1,5 +1,6 @@
 #include "druckwerk/common/message_filter.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace kvtdruck::druckwerk {
@@ -7,15 +8,21 @@ namespace {
 
 constexpr std::size_t kMostOfAKind = 10;
 
-/// The message without what it quotes last.
+/// The message without what it quotes last, and without the figures behind its place.
 std::string kindOf(const std::string& message) {
     constexpr std::string_view kOpening = "„";
     constexpr std::string_view kClosing = "“";
-    const auto opening = message.rfind(kOpening);
-    const auto closing = opening == std::string::npos ? opening : message.rfind(kClosing);
-    if (closing == std::string::npos || closing < opening)
-        return message;
-    return message.substr(0, opening + kOpening.size()) + message.substr(closing);
+    std::string kind = message;
+    const auto opening = kind.rfind(kOpening);
+    const auto closing = kind.rfind(kClosing);
+    if (opening != std::string::npos && closing != std::string::npos && opening < closing)
+        kind.erase(opening, closing - opening);
+    const auto place = kind.find(": ");
+    const auto isFigure = [](char c) { return (c >= '0' && c <= '9') || c == '.' || c == ','; };
+    if (place != std::string::npos)
+        kind.erase(std::remove_if(kind.begin() + static_cast<std::ptrdiff_t>(place), kind.end(), isFigure),
+                   kind.end());
+    return kind;
 }
 
 } // namespace

@@ -8,8 +8,8 @@
 
 namespace kvtdruck::druckwerk {
 
-/// Lets each message pass once, and of those that differ in what they quote last (a content, a number, a letter)
-/// the first few. Memory stays flat however many records there are.
+/// Lets each message pass once, and of those from one place that differ in figures or in what they quote last (a
+/// content, a letter) the first few. Memory stays flat however many records there are.
 class MessageFilter {
   public:
     /// What is to be told of `message`; nothing where enough of its kind was told.
