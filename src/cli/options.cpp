@@ -87,6 +87,8 @@ void checkBinder(const Options& options) {
         refuse("--je firma braucht {firma} im Namen der Mappe.");
     if (options.data || !options.printing.pages.empty() || options.part.of > 1)
         refuse("--mappe ist ein ganzes PDF: --format, --seiten und --teil gelten nicht dafür.");
+    if (options.attachment)
+        refuse("--beilage gibt es für einzelne Listen, nicht mit --mappe.");
     if (options.command == Command::Print && isSameFile(options.binder, options.database))
         refuse("--mappe würde die Datei " + options.database + " überschreiben, aus der gelesen wird.");
 }

@@ -5,21 +5,23 @@
 
 namespace kvtdruck::druckwerk {
 
-DocumentInfo documentInfo(const Options& options, const String& heading, const String& company,
-                          const String& list) {
-    const String period = fromUtf8(options.period);
-    const String selection = fromUtf8(options.selection);
-    const PrintDate& date = options.printDate;
+String subjectOf(const String& contents, const PrintDate& date) {
     std::array<char, 48> printed{};
     std::snprintf(printed.data(), printed.size(), "gedruckt am %02d.%02d.%04d um %02d:%02d", date.day, date.month,
                   date.year, date.hour, date.minute);
+    return (contents.empty() ? u"" : contents + u"; ") + fromUtf8(printed.data());
+}
+
+DocumentInfo documentInfo(const Options& options, const String& heading, const String& company,
+                          const String& list) {
+    const String period = fromUtf8(options.period);
     DocumentInfo info;
     info.title = heading + (period.empty() ? u"" : u" " + period) + (company.empty() ? u"" : u" – " + company);
     info.author = company;
-    info.subject = (selection.empty() ? u"" : selection + u"; ") + fromUtf8(printed.data());
+    info.subject = subjectOf(fromUtf8(options.selection), options.printDate);
     info.creator = fromUtf8(options.creator);
     info.keywords = {heading, list == heading ? u"" : list, company, period};
-    info.date = date;
+    info.date = options.printDate;
     return info;
 }
 

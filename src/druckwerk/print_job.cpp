@@ -29,20 +29,26 @@ PrintJob::PrintJob(Layout layout, Definitions& definitions, PdfDocument& documen
         sampler_.emplace(layout_, points_, setter_);
     for (const auto& [fill, stroke] : layout_.opacities)
         document_.useOpacity(fill, stroke);
-    if (!layout_.foreignIds.empty())
+    if (!layout_.foreign.empty())
         firstForm_ = embedArtwork(document_, layout_, layoutFolder);
     if (document_.structure() != nullptr)
-        structure_ = std::make_unique<JobStructure>(layout_, document_, [this](const TextItem& item) {
-            text_.clear();
-            item.text.append(scene(Moment::Now), text_);
-            document_.fonts().setPlace(&item.place);
-            return setter_.width(text_, setter_.face(item.font), item.size);
-        });
+        structure_ = std::make_unique<JobStructure>(layout_, document_, measure());
 }
 
 PrintJob::~PrintJob() {
     if (!finished_)
         document_.dropSince(begin_);
+}
+
+Measure PrintJob::measure() {
+    const auto width = [this](const TextItem& item) {
+        text_.clear();
+        item.text.append(scene(Moment::Now), text_);
+        document_.fonts().setPlace(&item.place);
+        return setter_.width(text_, setter_.face(item.font), item.size);
+    };
+    const auto ink = [this](const ForeignItem& item) { return document_.form(firstForm_ + item.drawing).ink; };
+    return {width, ink};
 }
 
 Scene PrintJob::scene(Moment moment) const {
@@ -344,8 +350,8 @@ void PrintJob::drawItem(const Item& item, const Band& band, const Scene& now, do
         drawChart(chart, std::move(points), definitions_.locale(), down, surface, setter_, warn_);
     } else if (const auto* foreign = std::get_if<ForeignItem>(&item.content)) {
         if (structure_)
-            show(item, fromUtf8(foreign->title), down);
-        canvas.draw("/X" + std::to_string(firstForm_ + foreign->form) + " Do\n", down);
+            show(item, fromUtf8(layout_.foreign[foreign->drawing].title), down);
+        canvas.draw("/X" + std::to_string(firstForm_ + foreign->drawing) + " Do\n", down);
     }
 }
 

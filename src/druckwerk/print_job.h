@@ -37,6 +37,7 @@ class PrintJob {
     int pages() const { return document_.pages(); }
 
   private:
+    Measure measure();
     Scene scene(Moment moment) const;
 
     bool printSheet();
@@ -73,7 +74,7 @@ class PrintJob {
     std::vector<String> bookmark_;
     PdfDocument::Mark begin_;
     bool finished_ = false;
-    int firstForm_ = 0;
+    std::size_t firstForm_ = 0;
     TextSetter setter_;
     std::unique_ptr<JobStructure> structure_; ///< where the document has one
     std::vector<ChartPoints> points_;         ///< what lines have given to the layout's charts of lines

@@ -13,6 +13,7 @@ import tempfile
 import pikepdf
 
 import faults
+from said import said_in
 
 LINK = "www.mueller-soehne.example"
 MONTHLY = {"GemeinK", "NeutralA"}
@@ -21,6 +22,9 @@ BY_VALUES = {"Bilanz", "BsEMa", "BsEStd", "BsEGes", "KalkW", "WasWenn", "UmsatzH
 SHEETS = {"MaStKost", "MaStZeit"}
 # What stands below each page, and what is carried from one to the next
 FURNITURE = r"(Gedruckt am|Seite \d|Übertrag|Vortrag)"
+
+# „Umsatz- erlöse“, but not „Sanitär- und Heizungsbau“
+BROKEN = r"[^\W\d_]- (?!und |oder |bzw\.|bis )[a-zäöüß]"
 
 
 class Printer:
@@ -86,6 +90,13 @@ def words_of(text):
     return set(re.findall(r"\w[\w.,]*\w|\w", text))
 
 
+def broken_words(report, accessible):
+    """A hyphen at the end of a line, and a blank, within a word."""
+    for text in said_in(accessible):
+        if re.search(BROKEN, text):
+            yield f"{report}: broken: {text}"
+
+
 def silence(report, plain, accessible):
     """Every word of a page is said somewhere, but for furniture."""
     lines = output_of("pdftotext", "-layout", plain, "-").splitlines()
@@ -111,6 +122,7 @@ def report_faults(printer, report, scratch):
     if accessible.read_bytes() != again.read_bytes():
         yield f"{report}: the same is not printed alike"
     yield from silence(report, plain, accessible)
+    yield from broken_words(report, accessible)
     if pictures_of(plain, scratch / "plain") != pictures_of(accessible, scratch / "accessible"):
         yield f"{report}: looks different"
 

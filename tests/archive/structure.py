@@ -4,7 +4,7 @@ import functools
 
 import pikepdf
 
-from pdf_file import SHOWING
+from pdf_file import SHOWING, inherited, shown_in, unicode_map
 
 # ISO 32000-1, 14.8.4, what this writer uses and what checkers know
 GROUPING = {"Document", "Part", "Art", "Sect", "Div", "BlockQuote", "Caption", "TOC", "TOCI", "Index", "NonStruct", "Private"}
@@ -112,6 +112,28 @@ class Structure:
                 elif operator in PAINTING:
                     found.append(Painted(page, operator, tuple(marks)))
         return found
+
+    @functools.cached_property
+    def texts(self):
+        """What each mark says: (page, number of the mark)."""
+        found, maps = collections.defaultdict(str), {}
+        for page in self.file.pages:
+            for text in shown_in(inherited(page, "/Resources"), pikepdf.parse_content_stream(page)):
+                properties = next((mark[1] for mark in reversed(text.marks) if len(mark) > 1 and "/MCID" in mark[1]), None)
+                if properties is None:
+                    continue
+                key = (page.objgen, int(properties.MCID))
+                if "/ActualText" in properties:
+                    found[key] = str(properties.ActualText)
+                else:
+                    codes = maps.setdefault(text.font.objgen, unicode_map(text.font))
+                    found[key] += "".join(codes.get(code, "\ufffd") for code in text.codes)
+        return found
+
+    def said(self, element):
+        """What the element says itself, without those in it; a soft hyphen parts no word."""
+        texts = (self.texts[page.objgen, number] for page, number in element.contents if page is not None)
+        return "".join(texts).replace("\u00ad", "")
 
     @functools.cached_property
     def parents(self):

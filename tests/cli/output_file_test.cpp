@@ -176,6 +176,31 @@ TEST_F(OutputFileTest, AFileOfValuesIsNotWrittenOver) {
     EXPECT_EQ(readFile(values), before);
 }
 
+/// No structure where it could not be relied on: nothing is printed, and what was there stays.
+TEST_F(OutputFileTest, WhatCannotBeAccessibleIsNotWritten) {
+    const std::string file = output("liste.pdf");
+    for (const auto& options : {std::vector<std::string>{"--ausgabe", file, "--pdf", "einfach"},
+                                {"--ausgabe", file, "--seiten", "1"},
+                                {"--mappe", file}}) {
+        SCOPED_TRACE(options.back());
+        const auto accessible = command("drucken", "MitUeber", options);
+        for (const std::string before : {"", "Älteres"}) {
+            std::filesystem::remove(file);
+            if (!before.empty())
+                writeFile(file, before);
+            auto refused = accessible;
+            refused.emplace_back("--barrierefrei");
+            const auto outcome = run(refused, environment);
+            EXPECT_EQ(outcome.exitCode, 2);
+            EXPECT_THAT(outcome.errors, StartsWith("Fehler: --barrierefrei "));
+            EXPECT_EQ(std::filesystem::exists(file), !before.empty());
+            EXPECT_EQ(before.empty() ? "" : readFile(file), before);
+            EXPECT_THAT(unfinished(), ElementsAre());
+        }
+        EXPECT_EQ(run(accessible, environment).exitCode, 0) << "without the structure it goes";
+    }
+}
+
 /// A link at the name that an unfinished file used to have led to somebody's file.
 TEST_F(OutputFileTest, APlantedLinkLeadsNowhere) {
     writeFile(output("opfer"), "Opfer");

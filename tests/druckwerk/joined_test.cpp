@@ -86,6 +86,27 @@ TEST_F(JoinedTest, AFailedJobTakesItsPagesOutAgain) {
     EXPECT_THAT(outputOf("qpdf --json --json-key=outlines '" + pdf.string() + "'"), Not(HasSubstr("Falsch")));
 }
 
+TEST_F(JoinedTest, AFailedJobLeavesNothingInTheStructure) {
+    writeFile(folder / "Blatt.svg", list(field(5, 20, 40, "{{Name}}") + field(50, 20, 40, "www.{{Name}}.de")));
+    report.options.level = PdfLevel::Accessible;
+    place.more = true;
+    ASSERT_EQ(print("Blatt", "anna", 20), 0);
+    for (const int lines : {1, 7 * 20}) { // on a page that is still open, and after many that are written
+        ASSERT_EQ(begin("Blatt", "falsch"), 0);
+        report.page();
+        for (int i = 0; i < lines; ++i)
+            report.line();
+        EXPECT_EQ(report.call(Operation::PrintEnd), 0);
+    }
+    place.more = false;
+    ASSERT_EQ(print("Blatt", "bert", 20), 0);
+    check(pdf);
+    EXPECT_EQ(levelOf(pdf), "PDF/A-3a, PDF/UA-1");
+    EXPECT_EQ(pagesOf(pdf), 6);
+    const auto said = outputOf("pdfinfo -struct-text '" + pdf.string() + "' 2>&1");
+    EXPECT_THAT(said, AllOf(HasSubstr("anna"), HasSubstr("www.bert.de"), Not(HasSubstr("falsch"))));
+}
+
 TEST_F(JoinedTest, ManyPagesMayBeTakenOutAgain) {
     place.more = true;
     ASSERT_EQ(print("Liste", "Anna", 7 * 60), 0);

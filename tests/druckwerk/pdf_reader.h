@@ -51,6 +51,12 @@ inline void check(const std::filesystem::path& pdf) {
     outputOf("qpdf --check '" + pdf.string() + "' 2>&1");
 }
 
+/// The level that the document says it has; raises where it does not keep it.
+inline std::string levelOf(const std::filesystem::path& pdf) {
+    const std::string checked = outputOf(std::string(KVT_LEVEL_CHECK) + " '" + pdf.string() + "' 2>&1");
+    return checked.substr(pdf.string().size() + 1, checked.size() - pdf.string().size() - 2);
+}
+
 /// One attribute of the box of the `n`th word `word`, in points; -1 where there is none.
 inline double boxOf(const std::string& boxes, const std::string& word, const std::string& attribute, int n = 1) {
     std::size_t at = 0;

@@ -1,4 +1,5 @@
 #include "druckwerk/layout/band_builder.h"
+#include "druckwerk/layout/broken_words.h"
 #include "druckwerk/layout/sample_marks.h"
 
 #include <algorithm>
@@ -126,7 +127,9 @@ void BandBuilder::readArtwork(xmlNode* node, std::string_view name, const Contex
     const Style& style = context.style;
     const bool plain =
         !style.complex && style.fill.kind != Paint::Kind::Complex && style.stroke.kind != Paint::Kind::Complex;
-    if (name == "g" || name == "a") {
+    if (!context.hasLooks && isPicture(node)) {
+        readForeign(*this, node, context);
+    } else if (name == "g" || name == "a") {
         if (style.complex || style.opacity < 1)
             readForeign(*this, node, context);
         else
@@ -160,6 +163,7 @@ Band BandBuilder::finish(const xmlNode* node) {
                                         [&](const Segment& s) { return s.kind != 'Z' && s.points[0].y >= edge; });
             shape->compiled = shape->operators(reading_.layout.height);
         }
+    joinBrokenWords(band_.items);
     return std::move(band_);
 }
 

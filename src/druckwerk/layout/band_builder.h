@@ -73,6 +73,8 @@ void readShape(BandBuilder& band, const xmlNode* node, std::string_view name, co
 void readText(BandBuilder& band, xmlNode* node, const Context& context, bool plain);
 void readField(BandBuilder& band, xmlNode* node, const Context& context);
 void readChart(BandBuilder& band, xmlNode* node, const Context& context);
+/// Whether the element has a title and is nothing but drawn: then it is one picture.
+bool isPicture(xmlNode* node);
 /// An element that is left to the SVG library.
 void readForeign(BandBuilder& band, xmlNode* node, const Context& context);
 

@@ -46,6 +46,8 @@ struct TextItem {
     std::optional<Box> box;
     Fit fit = Fit::None;
     bool grows = false;
+    bool breaksWord = false; ///< its last character is the hyphen of a word that goes on in another text
+    bool goesOn = false;     ///< it begins with the rest of another text's word
     bool fromBottom = false; ///< of lines: the last one stands on the baseline, the others above it
     std::string written;     ///< with placeholders, as the layout has it
     std::optional<Matrix>
@@ -84,12 +86,14 @@ struct Chart {
     int element = 0;   ///< its number in the layout's file
 };
 
-/// An element that only the SVG library can draw, by its id.
-struct ForeignItem {
-    std::string id;
-    int form = 0;      ///< number of the form among the document's resources
+/// A drawing that only the SVG library can make.
+struct ForeignDrawing {
+    std::string id;    ///< of its element
     std::string title; ///< what it shows, in words; an ornament has none
-    Box box;           ///< around it, as far as its attributes say
+};
+
+struct ForeignItem {
+    std::size_t drawing = 0; ///< among those of the layout
 };
 
 /// The element of a condition that chooses a look: it is printed in any case, as one or the other.
@@ -146,8 +150,8 @@ struct Layout {
     std::vector<Font> fonts;
     std::vector<const Chart*> rowCharts;
     std::set<std::pair<int, int>> opacities;
-    std::vector<std::string> foreignIds;
-    std::string foreignSource; ///< the SVG with an id for each foreign element
+    std::vector<ForeignDrawing> foreign;
+    std::string foreignSource; ///< the SVG with an id for each of them
     /// A name that it shows or counts with.
     struct NameUse {
         std::string place;   ///< of its first use

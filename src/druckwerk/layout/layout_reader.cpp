@@ -126,7 +126,7 @@ Layout readTree(const std::string& source, const std::string& name, const Layout
     });
     for (const auto& message : inspectPlaces(reading.layout))
         findings.push_back({false, kLayoutInvalid, std::string(name).append(", ").append(message)});
-    if (!reading.layout.foreignIds.empty()) {
+    if (!reading.layout.foreign.empty()) {
         showConditional(file.root()); // the SVG library would leave out what is hidden
         reading.layout.foreignSource = file.text();
     }

@@ -45,20 +45,21 @@ std::string dashesOf(const Style& style, double scale) {
 
 /// What SVG calls an element, for those who do not see it.
 std::string titleOf(const xmlNode* node) {
-    std::string title;
     for (const xmlNode* child = node->children; child != nullptr; child = child->next)
         if (svgName(child) == "title")
-            for (const xmlNode* part = child->children; part != nullptr; part = part->next)
-                if (part->content != nullptr)
-                    title += reinterpret_cast<const char*>(part->content);
-    return title;
+            return contentOf(child);
+    return {};
 }
 
-/// The page, where the element has no upright extent of its own.
-Box extentOf(const Layout& layout, const xmlNode* node, const Context& context) {
-    const bool hasExtent =
-        hasAttribute(node, "width") && hasAttribute(node, "height") && context.matrix.isUpright();
-    return hasExtent ? boxOf(node, context.matrix, "Bild") : Box{0, 0, layout.width, layout.height};
+/// What is drawn tells those who do not see it: its title, or what is written in it.
+std::string saidBy(xmlNode* node) {
+    std::string said = titleOf(node);
+    if (said.empty())
+        forEachElement(node, [&](const xmlNode* element) {
+            if (svgName(element) == "text")
+                said.append(said.empty() ? "" : " ").append(contentOf(element));
+        });
+    return said;
 }
 
 } // namespace
@@ -145,6 +146,16 @@ void readShape(BandBuilder& band, const xmlNode* node, std::string_view name, co
     band.add(std::move(shape), context);
 }
 
+bool isPicture(xmlNode* node) {
+    bool isDrawing = !titleOf(node).empty() && !hasAttribute(node, kFromFile); // a file's title is the file's
+    forEachElement(node, [&](const xmlNode* element) {
+        for (const xmlAttr* attr = element->properties; attr != nullptr && element != node; attr = attr->next)
+            isDrawing = isDrawing && !viewOf(attr->name).starts_with("data-");
+        isDrawing = isDrawing && svgName(element) != "text";
+    });
+    return isDrawing;
+}
+
 void readForeign(BandBuilder& band, xmlNode* node, const Context& context) {
     if (context.hasLooks)
         invalid("data-class geht nicht mit Teilen mit Verlauf, Maske, Filter oder Durchsicht");
@@ -157,13 +168,11 @@ void readForeign(BandBuilder& band, xmlNode* node, const Context& context) {
     Layout& layout = band.reading().layout;
     std::string id = attribute(node, "id");
     if (id.empty()) {
-        id = "kvt-" + std::to_string(layout.foreignIds.size());
+        id = "kvt-" + std::to_string(layout.foreign.size());
         xmlNewProp(node, xml("id"), xml(id));
     }
-    ForeignItem item{id, static_cast<int>(layout.foreignIds.size()), titleOf(node),
-                     extentOf(layout, node, context)};
-    layout.foreignIds.push_back(id);
-    band.add(std::move(item), context);
+    band.add(ForeignItem{layout.foreign.size()}, context);
+    layout.foreign.push_back({id, saidBy(node)});
 }
 
 } // namespace kvtdruck::druckwerk

@@ -7,7 +7,10 @@
 #include "platform/posix/bounded_work.h"
 #include "platform/posix/lazy_function.h"
 
+#include <algorithm>
 #include <cairo-pdf.h>
+#include <cmath>
+#include <cstring>
 #include <librsvg/rsvg.h>
 
 namespace kvtdruck::druckwerk {
@@ -17,6 +20,16 @@ namespace {
 constexpr const char* kLibrary = "librsvg-2.so.2"; // with those that it needs itself
 const LazyFunction<decltype(::cairo_create)> cairo_create(kLibrary, "cairo_create");
 const LazyFunction<decltype(::cairo_destroy)> cairo_destroy(kLibrary, "cairo_destroy");
+const LazyFunction<decltype(::cairo_image_surface_create)> cairo_image_surface_create(kLibrary,
+                                                                                      "cairo_image_surface_create");
+const LazyFunction<decltype(::cairo_image_surface_get_data)>
+    cairo_image_surface_get_data(kLibrary, "cairo_image_surface_get_data");
+const LazyFunction<decltype(::cairo_image_surface_get_height)>
+    cairo_image_surface_get_height(kLibrary, "cairo_image_surface_get_height");
+const LazyFunction<decltype(::cairo_image_surface_get_stride)>
+    cairo_image_surface_get_stride(kLibrary, "cairo_image_surface_get_stride");
+const LazyFunction<decltype(::cairo_image_surface_get_width)>
+    cairo_image_surface_get_width(kLibrary, "cairo_image_surface_get_width");
 const LazyFunction<decltype(::cairo_pdf_surface_create_for_stream)>
     cairo_pdf_surface_create_for_stream(kLibrary, "cairo_pdf_surface_create_for_stream");
 const LazyFunction<decltype(::cairo_show_page)> cairo_show_page(kLibrary, "cairo_show_page");
@@ -45,18 +58,60 @@ using Drawing = std::unique_ptr<cairo_t, Deleter<&cairo_destroy>>;
     throw WorkFailed("Die Zeichnung des Layouts kann nicht dargestellt werden: " + reason);
 }
 
-/// A PDF with one page for each foreign element.
-std::string drawElements(const Layout& layout, const std::filesystem::path& folder) {
+Handle readSource(const Layout& layout, const std::filesystem::path& folder) {
     const Stream stream(g_memory_input_stream_new_from_data(
         layout.foreignSource.data(), static_cast<gssize>(layout.foreignSource.size()), nullptr));
     // Images are looked for beside the layout; the SVG library itself refuses anything above or elsewhere.
     const File base(g_file_new_for_path((folder / "layout.svg").c_str()));
     GError* error = nullptr;
-    const Handle handle(
+    Handle handle(
         rsvg_handle_new_from_stream_sync(stream.get(), base.get(), RSVG_HANDLE_FLAGS_NONE, nullptr, &error));
     if (!handle)
         fail(Error(error)->message);
+    return handle;
+}
 
+void render(RsvgHandle* handle, cairo_t* drawing, const std::string& id, const RsvgRectangle& page) {
+    GError* error = nullptr;
+    if (rsvg_handle_render_layer(handle, drawing, ("#" + id).c_str(), &page, &error) == 0)
+        fail("id=\"" + id + "\": " + Error(error)->message);
+}
+
+/// The part of a picture that is not blank, in its pixels.
+Box inkOf(cairo_surface_t* picture) {
+    const int width = cairo_image_surface_get_width(picture);
+    const int height = cairo_image_surface_get_height(picture);
+    const int stride = cairo_image_surface_get_stride(picture);
+    const unsigned char* row = cairo_image_surface_get_data(picture);
+    int left = width, right = 0, top = height, bottom = 0;
+    for (int y = 0; y < height && row != nullptr; ++y, row += stride)
+        for (int x = 0; x < width; ++x)
+            if (row[x] != 0) {
+                left = std::min(left, x);
+                right = std::max(right, x + 1);
+                top = std::min(top, y);
+                bottom = y + 1;
+            }
+    return right == 0 ? Box{} : Box{double(left), double(top), double(right - left), double(bottom - top)};
+}
+
+/// What the drawing covers of the page, to a point. The SVG library's own answer would be for another resolution,
+/// and that of a recording the whole page where there are groups.
+Box inkOf(RsvgHandle* handle, const std::string& id, const RsvgRectangle& page) {
+    constexpr double kMostPixels = 2000;
+    const double scale = std::min(1.0, kMostPixels / std::max(page.width, page.height));
+    const RsvgRectangle small{0, 0, page.width * scale, page.height * scale};
+    const Surface picture(cairo_image_surface_create(CAIRO_FORMAT_A8, static_cast<int>(std::ceil(small.width)),
+                                                     static_cast<int>(std::ceil(small.height))));
+    const Drawing drawing(cairo_create(picture.get()));
+    render(handle, drawing.get(), id, small);
+    const Box ink = inkOf(picture.get());
+    return {ink.x / scale, ink.y / scale, ink.width / scale, ink.height / scale};
+}
+
+/// What each drawing covers, where it has a title, and behind that a PDF with a page for each.
+std::string drawElements(const Layout& layout, const std::filesystem::path& folder) {
+    const Handle handle = readSource(layout, folder);
     std::string pdf;
     const auto append = [](void* into, const unsigned char* data, unsigned size) {
         static_cast<std::string*>(into)->append(reinterpret_cast<const char*>(data), size);
@@ -65,15 +120,17 @@ std::string drawElements(const Layout& layout, const std::filesystem::path& fold
     const Surface surface(cairo_pdf_surface_create_for_stream(append, &pdf, layout.width, layout.height));
     const Drawing drawing(cairo_create(surface.get()));
     const RsvgRectangle page{0, 0, layout.width, layout.height};
-    for (const auto& id : layout.foreignIds) {
-        if (rsvg_handle_render_layer(handle.get(), drawing.get(), ("#" + id).c_str(), &page, &error) == 0)
-            fail("id=\"" + id + "\": " + Error(error)->message);
+    std::string inks;
+    for (const ForeignDrawing& foreign : layout.foreign) {
+        render(handle.get(), drawing.get(), foreign.id, page);
         cairo_show_page(drawing.get());
+        const Box ink = foreign.title.empty() ? Box{} : inkOf(handle.get(), foreign.id, page);
+        inks.append(reinterpret_cast<const char*>(&ink), sizeof ink);
     }
     cairo_surface_finish(surface.get());
     if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
         fail(cairo_status_to_string(cairo_surface_status(surface.get())));
-    return pdf;
+    return inks + pdf;
 }
 
 /// The drawing, made where it can neither compute nor grow for ever.
@@ -94,11 +151,18 @@ std::string drawn(const Layout& layout, const std::filesystem::path& folder) {
 
 } // namespace
 
-int embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder) {
+std::size_t embedArtwork(PdfDocument& document, const Layout& layout, const std::filesystem::path& layoutFolder) {
     const auto source = layoutFolder.string() + '\n' + layout.foreignSource;
     if (const auto first = document.formsOf(source))
         return *first;
-    return document.useForms(source, importPages(document.output(), drawn(layout, layoutFolder)));
+    const std::string drawing = drawn(layout, layoutFolder);
+    std::vector<Box> inks(layout.foreign.size());
+    const std::size_t size = inks.size() * sizeof(Box);
+    std::memcpy(inks.data(), drawing.data(), size);
+    std::vector<PdfDocument::Form> forms;
+    for (const int object : importPages(document.output(), drawing.substr(size)))
+        forms.push_back({object, inks.at(forms.size())});
+    return document.useForms(source, forms);
 }
 
 } // namespace kvtdruck::druckwerk

@@ -34,14 +34,14 @@ void PdfDocument::setPageSize(double width, double height) {
     canvas_.setHeight(height);
 }
 
-int PdfDocument::useForms(const std::string& source, const std::vector<int>& objects) {
-    const auto first = static_cast<int>(forms_.size());
-    forms_.insert(forms_.end(), objects.begin(), objects.end());
+std::size_t PdfDocument::useForms(const std::string& source, const std::vector<Form>& forms) {
+    const std::size_t first = forms_.size();
+    forms_.insert(forms_.end(), forms.begin(), forms.end());
     sources_.emplace(source, first);
     return first;
 }
 
-std::optional<int> PdfDocument::formsOf(const std::string& source) const {
+std::optional<std::size_t> PdfDocument::formsOf(const std::string& source) const {
     const auto found = sources_.find(source);
     return found == sources_.end() ? std::nullopt : std::optional(found->second);
 }
@@ -178,7 +178,7 @@ void PdfDocument::writeResources() {
                   std::to_string(fill / 1000.0) + "/CA " + std::to_string(stroke / 1000.0) + ">>";
     std::string objects = fonts_.imageResources();
     for (std::size_t i = 0; i < forms_.size(); ++i)
-        objects += "/X" + std::to_string(i) + " " + reference(forms_[i]);
+        objects += "/X" + std::to_string(i) + " " + reference(forms_[i].object);
     output_.writeObject(resources_, "<</Font<<" + fonts_.embedFonts() + ">>/XObject<<" + objects +
                                         ">>/ExtGState<<" + states + ">>>>");
 }

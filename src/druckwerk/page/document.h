@@ -31,6 +31,12 @@ class PdfDocument {
         bool operator==(const Mark&) const = default;
     };
 
+    /// A drawing that pages may show.
+    struct Form {
+        int object;
+        Box ink; ///< what it covers of a page; of no extent where nobody has to know that
+    };
+
     PdfDocument(const std::filesystem::path& file, PdfLevel level, FontLibrary::Warn warn);
 
     PdfOutput& output() { return output_; }
@@ -55,11 +61,11 @@ class PdfDocument {
     void link(const Box& box, const std::string& uri, const TaggedContent& text);
     /// The resource "/O<fill>_<stroke>" (opacities in thousandths).
     void useOpacity(int fill, int stroke) { opacities_.insert({fill, stroke}); }
-    /// Makes the form objects `objects` of `source` the resources "/X<number>" and those after it; gives that
-    /// number.
-    int useForms(const std::string& source, const std::vector<int>& objects);
+    /// Makes the forms of `source` the resources "/X<number>" and those after it; gives that number.
+    std::size_t useForms(const std::string& source, const std::vector<Form>& forms);
+    const Form& form(std::size_t number) const { return forms_[number]; }
     /// The number of the first form of `source`, where the document has it.
-    std::optional<int> formsOf(const std::string& source) const;
+    std::optional<std::size_t> formsOf(const std::string& source) const;
 
     /// Lets the number of pages be set in `face`.
     void useFace(Face& face) { faces_[face.number()] = &face; }
@@ -105,8 +111,8 @@ class PdfDocument {
     std::map<LateText, int> late_;
     std::map<int, Face*> faces_;
     std::set<std::pair<int, int>> opacities_;
-    std::vector<int> forms_;
-    std::map<std::string, int> sources_; ///< the first form of each source
+    std::vector<Form> forms_;
+    std::map<std::string, std::size_t> sources_; ///< the first form of each source
     Bookmarks bookmarks_;
 };
 

@@ -9,13 +9,14 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
-constexpr double kTolerance = 0.02;           // of a point, for what just fits
-constexpr double kLineSpacing = 1.2;          // of the size
-constexpr double kDescent = 0.22;             // of the size, below the last baseline
-constexpr double kAscent = 0.73;              // of the size, capitals above the first baseline
-constexpr double kSmallest = 0.5;             // how far a text may shrink
-constexpr double kReadable = 6;               // points: what shrinks below them is told
-constexpr std::size_t kLongestLine = 4096;    // characters that one line is measured for
+constexpr double kTolerance = 0.02;        // of a point, for what just fits
+constexpr double kLineSpacing = 1.2;       // of the size
+constexpr double kDescent = 0.22;          // of the size, below the last baseline
+constexpr double kAscent = 0.73;           // of the size, capitals above the first baseline
+constexpr double kSmallest = 0.5;          // how far a text may shrink
+constexpr double kReadable = 6;            // points: what shrinks below them is told
+constexpr std::size_t kLongestLine = 4096; // characters that one line is measured for
+constexpr char16_t kSoftHyphen = 0xAD;
 constexpr std::size_t kLongestText = 100'000; // characters that are broken into lines
 
 /// How much room there is on the side, or the sides, that the text extends to.
@@ -41,6 +42,12 @@ bool isPrivateUse(char16_t c) {
 
 bool hasPrivateUse(StringView text) {
     return std::ranges::any_of(text, isPrivateUse);
+}
+
+/// What is left of `text` behind its line `line`; nothing where that one was cut.
+StringView behind(StringView text, StringView line) {
+    const auto at = text.find(line);
+    return at == StringView::npos ? StringView() : text.substr(at + line.size());
 }
 
 String withoutPrivateUse(StringView text) {
@@ -83,12 +90,16 @@ void TextSetter::tellTight(const TextItem& item, StringView text, double needed,
         tight_({item.place, toUtf8(text), lines, needed, room});
 }
 
-/// Characters for private use say nothing to others (ISO 19005-3, 6.2.11.7.3): the text says that there is one.
-void TextSetter::show(StringView text, Point at, double size, Rgb color) {
+/// Characters for private use say nothing to others (ISO 19005-3, 6.2.11.7.3): the text says that there is one. The
+/// hyphen within a word is a soft one (ISO 32000-1, 14.8.2.2.3).
+void TextSetter::show(StringView text, Point at, double size, Rgb color, bool breaksWord) {
     Canvas& canvas = document_.canvas();
-    if (document_.structure() == nullptr || !hasPrivateUse(text))
+    if (document_.structure() == nullptr || (!breaksWord && !hasPrivateUse(text)))
         return canvas.show(shaped_, at, size, color);
-    canvas.setActualText(pdfText(withoutPrivateUse(text)));
+    String said = withoutPrivateUse(text);
+    if (breaksWord)
+        said.back() = kSoftHyphen;
+    canvas.setActualText(pdfText(said));
     canvas.show(shaped_, at, size, color);
     canvas.setActualText({});
 }
@@ -101,7 +112,7 @@ void TextSetter::line(StringView text, Face& face, Point at, double size, Rgb co
 
 void TextSetter::separate(const TextItem& item, Point at, double size) {
     const TaggedContent* content = document_.canvas().content();
-    if (content == nullptr || (!content->follows && content->kids.empty()))
+    if (goesOn_ || content == nullptr || (!content->follows && content->kids.empty()))
         return;
     document_.fonts().shape(u" ", faceOf(item), blank_);
     document_.canvas().show(blank_, at, size, item.color);
@@ -125,7 +136,7 @@ void TextSetter::showShaped(const TextItem& item, StringView whole, StringView t
     const bool tagged = document_.structure() != nullptr;
     if (tagged && !links.empty() && document_.canvas().content() != nullptr)
         return showParts(item, text, links, at, size);
-    show(text, at, size, item.color);
+    show(text, at, size, item.color, item.breaksWord && text.size() == whole.size());
     if (!tagged)
         for (const Address& address : links)
             document_.link(boxOf(address, item, text, at, size), address.uri, {});
@@ -171,6 +182,7 @@ void TextSetter::set(const TextItem& item, StringView text, double down, double 
     if (text.empty())
         return;
     document_.fonts().setPlace(&item.place);
+    goesOn_ = item.goesOn;
     const Point at{item.baseline.x, item.baseline.y + down};
     if (item.fit != Fit::Wrap && text.size() > kLongestLine)
         text = text.substr(0, wholeCharacters(text, kLongestLine));
@@ -306,8 +318,11 @@ void TextSetter::wrap(const TextItem& item, StringView text, Point at, double ro
     shorten(shownLines, most, faceOf(item), item.size, room);
     if (item.fromBottom && !shownLines.empty())
         at.y -= static_cast<double>(shownLines.size() - 1) * item.size * kLineSpacing;
+    StringView rest = text;
     for (const String& shown : shownLines) {
         showLine(item, text, shown, at, item.size);
+        rest = behind(rest, shown);
+        goesOn_ = rest.find_first_of(u" \n\r") != 0;
         at.y += item.size * kLineSpacing;
     }
 }

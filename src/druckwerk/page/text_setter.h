@@ -49,11 +49,11 @@ class TextSetter {
     void showShaped(const TextItem& item, StringView whole, StringView text, Point at, double size);
     /// The same where the document has a structure: each link is a part of its own there.
     void showParts(const TextItem& item, StringView text, const std::vector<Address>& links, Point at, double size);
-    /// Sets a blank where the text of a line begins that stands behind other text of its element: readers have no
-    /// other sign that a word ends there (ISO 32000-1, 14.8.2.5).
+    /// Sets a blank where the text of a line begins that stands behind other text of its element and does not go on
+    /// with its word: readers have no other sign that a word ends there (ISO 32000-1, 14.8.2.5).
     void separate(const TextItem& item, Point at, double size);
-    /// Sets what was shaped last, which is `text`.
-    void show(StringView text, Point at, double size, Rgb color);
+    /// Sets what was shaped last, which is `text`; its last character may be the hyphen of a word that goes on.
+    void show(StringView text, Point at, double size, Rgb color, bool breaksWord = false);
     /// Where an address of the line is, whose baseline begins at `at`.
     Box boxOf(const Address& address, const TextItem& item, StringView text, Point at, double size);
     void showPageCount(const TextItem& item, StringView text, Point at);
@@ -74,6 +74,7 @@ class TextSetter {
     TightFieldSink tight_;
     ShapedText shaped_;
     ShapedText blank_;
+    bool goesOn_ = false; ///< the next line begins within the word that the last one ended with
 };
 
 } // namespace kvtdruck::druckwerk

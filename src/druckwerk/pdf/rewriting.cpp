@@ -11,6 +11,7 @@ std::string written(QPDF& pdf) {
     writer.setOutputMemory();
     writer.setDeterministicID(true);
     writer.setStreamDataMode(qpdf_s_preserve);
+    writer.setNewlineBeforeEndstream(true); // so that a stream is as long as it says (ISO 19005-3, 6.1.7.1)
     writer.write();
     const auto buffer = writer.getBufferSharedPointer();
     return {reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize()};

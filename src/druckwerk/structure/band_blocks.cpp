@@ -72,6 +72,11 @@ void BandBlocks::begin() {
     down_.assign(blocks_.size(), 0);
 }
 
+void BandBlocks::beginFurniture() {
+    begin();
+    isNew_.assign(blocks_.size(), false);
+}
+
 void BandBlocks::begin(Said said, const std::vector<bool>& late) {
     begin();
     compare(std::move(said), late);
@@ -176,25 +181,26 @@ std::string BandBlocks::write(PdfDocument& document, int parent, HeadingLevels& 
             continue;
         const Block& block = blocks_[i];
         const TaggedContent content = joined(i);
-        int element = content.element;
+        if (block.kind == Block::Kind::Table) {
+            kids += writeTable(document, parent, block, first_[i]);
+            continue;
+        }
         if (isHeading(i)) {
             heading = textOf(i);
-            document.structure()->write(element, levels.next(block.kind == Block::Kind::Title ? 1 : 2), parent,
-                                        shownBy(document, content));
-        } else if (block.kind == Block::Kind::Table) {
-            element = writeTable(document, parent, block, first_[i]);
+            document.structure()->write(content.element, levels.next(block.kind == Block::Kind::Title ? 1 : 2),
+                                        parent, shownBy(document, content));
         } else if (block.kind == Block::Kind::Figure) {
             const bool named = place.empty() || heading.empty() || heading.find(place) != String::npos;
-            element = writeFigure(document, parent, i, named ? heading : heading + u" " + String(place));
+            writeFigure(document, parent, i, named ? heading : heading + u" " + String(place));
         } else {
-            document.structure()->write(element, "P", parent, shownBy(document, content));
+            document.structure()->write(content.element, "P", parent, shownBy(document, content));
         }
-        kids += reference(element) + " ";
+        kids += reference(content.element) + " ";
     }
     return kids;
 }
 
-int BandBlocks::writeTable(PdfDocument& document, int parent, const Block& block, std::size_t first) {
+std::string BandBlocks::writeTable(PdfDocument& document, int parent, const Block& block, std::size_t first) {
     std::size_t columns = 0;
     for (const TableRow& row : block.rows)
         columns = std::max(columns, row.back().columns.last + 1);
@@ -218,11 +224,10 @@ int BandBlocks::writeTable(PdfDocument& document, int parent, const Block& block
         if (any)
             table.writeRow(cells, "");
     }
-    table.finish();
-    return table.element();
+    return table.finish();
 }
 
-int BandBlocks::writeFigure(PdfDocument& document, int parent, std::size_t block, const String& title) {
+void BandBlocks::writeFigure(PdfDocument& document, int parent, std::size_t block, const String& title) {
     const TaggedContent& content = contents_[first_[block]];
     const String said = textOf(block);
     const String text = title.empty() || said.empty() ? title + said : title + u": " + said;
@@ -230,7 +235,6 @@ int BandBlocks::writeFigure(PdfDocument& document, int parent, std::size_t block
         content.element, "Figure", parent,
         shownBy(document, content) + "/Alt" + pdfText(text) + "/A<</O/Layout/Placement/Block" +
             boundingBox(blocks_[block].box, down_[block], document.canvas().height()) + ">>");
-    return content.element;
 }
 
 } // namespace kvtdruck::druckwerk

@@ -29,6 +29,8 @@ class BandBlocks {
 
     /// The band is printed and all of it says something.
     void begin();
+    /// The band is printed again and says nothing.
+    void beginFurniture();
     /// The band of a page is printed, and says `said`. What it said on the page before is new only with something
     /// new beneath its heading. `late` are items that are known only at the page's end and always new.
     void begin(Said said, const std::vector<bool>& late);
@@ -60,8 +62,8 @@ class BandBlocks {
     String textOf(std::size_t block) const;
     /// All that shows such a block.
     TaggedContent joined(std::size_t block) const;
-    int writeTable(PdfDocument& document, int parent, const Block& block, std::size_t first);
-    int writeFigure(PdfDocument& document, int parent, std::size_t block, const String& title);
+    std::string writeTable(PdfDocument& document, int parent, const Block& block, std::size_t first);
+    void writeFigure(PdfDocument& document, int parent, std::size_t block, const String& title);
 
     std::vector<Block> blocks_;
     std::vector<std::size_t> first_; ///< of each block's contents

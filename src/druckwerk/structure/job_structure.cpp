@@ -24,7 +24,7 @@ bool saysMoreThanText(const std::vector<Piece>& pieces) {
 
 JobStructure::JobStructure(const Layout& layout, PdfDocument& document, const Measure& measure)
     : layout_(layout), document_(document), canvas_(document.canvas()), part_(document.structure()->allocate()),
-      groupNames_(layout.groups.size()) {
+      groupNames_(layout.groups.size()), headIsSaid_(layout.groups.size()) {
     addBands(measure);
     findBlocks();
 }
@@ -166,7 +166,7 @@ void JobStructure::end() {
 
 // --- Blocks ---
 
-/// What each text of the band says, and what describes its charts.
+/// What each text of the band says, and what describes its charts and pictures.
 Said JobStructure::whatIsSaid(const BandTags& tags, const Scene& scene) const {
     Said said(tags.band->items.size());
     for (const Piece& piece : tags.pieces) {
@@ -177,6 +177,8 @@ Said JobStructure::whatIsSaid(const BandTags& tags, const Scene& scene) const {
             text->text.append(scene, said[piece.item]);
         else if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&item.content); chart && !(*chart)->rows)
             said[piece.item] = describe(**chart, pointsOf(**chart, scene), scene.definitions.locale());
+        else if (const auto* foreign = std::get_if<ForeignItem>(&item.content))
+            said[piece.item] = fromUtf8(layout_.foreign[foreign->drawing].title);
     }
     return said;
 }
@@ -186,6 +188,8 @@ void JobStructure::beginBlocks(BandTags& tags, const Scene& scene) {
         tags.blocks->begin(whatIsSaid(tags, scene), tags.late);
     else if (tags.role == BandTags::Role::Footer)
         tags.blocks->beginFooter(whatIsSaid(tags, scene), tags.late);
+    else if (tags.role == BandTags::Role::GroupHead && headIsSaid_[tags.level])
+        tags.blocks->beginFurniture();
     else
         tags.blocks->begin();
 }
@@ -195,7 +199,10 @@ void JobStructure::endBlocks(BandTags& tags) {
         return;
     if (tags.role == BandTags::Role::Page || tags.role == BandTags::Role::Line)
         startOnPage();
-    closeTable();
+    if (tags.role == BandTags::Role::GroupHead)
+        headIsSaid_[tags.level] = true;
+    if (table_ && table_->hasRows()) // a head alone waits for the rows that follow
+        closeTable();
     freshPage_ = false;
     const int parent = section();
     blocks_ += tags.blocks->write(document_, parent, levels_, placeOf(tags));
@@ -337,6 +344,7 @@ std::string JobStructure::endRowLine(std::span<TaggedCell> row, bool headsGroup,
 
 void JobStructure::closeGroup(std::size_t level) {
     groupNames_[level].clear();
+    headIsSaid_[level] = false;
 }
 
 /// The columns are those of what the line shows, and of what it never shows together with that.
@@ -377,8 +385,7 @@ void JobStructure::placeLine(const BandTags& line) {
 void JobStructure::closeTable() {
     if (!table_)
         return;
-    table_->finish();
-    blocks_ += reference(table_->element()) + " ";
+    blocks_ += table_->finish();
     table_.reset();
     headSaid_.clear();
     groupNames_.assign(groupNames_.size(), "");
@@ -402,7 +409,7 @@ int JobStructure::section() {
 }
 
 void JobStructure::closeSection() {
-    if (section_ == 0)
+    if (blocks_.empty())
         return;
     document_.structure()->write(section_, "Sect", part_, "/K[" + blocks_ + "]");
     sections_ += reference(section_) + " ";

@@ -107,6 +107,7 @@ class JobStructure {
     bool writesRow_ = false;        ///< the band in hand is a row, or the head, and no furniture
     std::vector<TaggedCell> cells_; ///< of the row in hand
     std::vector<std::string> groupNames_;
+    std::vector<bool> headIsSaid_; ///< by level: of the group in hand, where its head is no row
 };
 
 } // namespace kvtdruck::druckwerk

@@ -16,7 +16,7 @@ constexpr std::size_t kMostCorners = 6; // of an area whose edges count
 Box boxOf(const TextItem& text, const Measure& measure) {
     if (text.box)
         return *text.box;
-    const double width = text.text.isConstant() ? measure(text) : text.size;
+    const double width = text.text.isConstant() ? measure.width(text) : text.size;
     return {text.baseline.x - width * shareLeft(text.anchor), text.baseline.y - kAscent * text.size, width,
             (kAscent + kDescent) * text.size};
 }
@@ -60,8 +60,11 @@ std::vector<Piece> piecesOf(const Band& band, const Layout& layout, const Measur
             pieces.push_back(pieceOf(*text, layout, measure));
         } else if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&content)) {
             pieces.push_back({.kind = Piece::Kind::Chart, .box = (*chart)->box});
-        } else if (const auto* foreign = std::get_if<ForeignItem>(&content); foreign && !foreign->title.empty()) {
-            pieces.push_back({.kind = Piece::Kind::Picture, .box = foreign->box});
+        } else if (const auto* foreign = std::get_if<ForeignItem>(&content)) {
+            const Box ink = measure.ink(*foreign);
+            if (ink.width <= 0 || layout.foreign[foreign->drawing].title.empty())
+                continue;
+            pieces.push_back({.kind = Piece::Kind::Picture, .box = ink});
         } else {
             continue;
         }

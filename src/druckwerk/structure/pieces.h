@@ -46,8 +46,11 @@ struct Edge {
     double y = 0;
 };
 
-/// How wide a text is that is the same in every document.
-using Measure = std::function<double(const TextItem&)>;
+/// What those know who draw a band.
+struct Measure {
+    std::function<double(const TextItem&)> width; ///< of a text that is the same in every document
+    std::function<Box(const ForeignItem&)> ink;   ///< what a drawing covers, where it has a title
+};
 
 /// What `band` says. What of a page's band shows the number of pages is none of it.
 std::vector<Piece> piecesOf(const Band& band, const Layout& layout, const Measure& measure);

@@ -91,6 +91,7 @@ void TableWriter::writeCell(const TaggedCell& cell, int row, const std::string& 
 }
 
 std::string TableWriter::writeRow(std::span<TaggedCell> cells, const std::string& outer) {
+    hasRows_ = true;
     if (body_ == 0)
         body_ = structure_.allocate();
     const int row = structure_.allocate();
@@ -127,9 +128,12 @@ void TableWriter::endPage() {
     rows_.clear();
 }
 
-void TableWriter::finish() {
+std::string TableWriter::finish() {
     endPage();
+    if (kids_.empty())
+        return {};
     structure_.write(element_, "Table", parent_, "/K[" + kids_ + "]");
+    return reference(element_) + " ";
 }
 
 } // namespace kvtdruck::druckwerk

@@ -36,7 +36,7 @@ class TableWriter {
     /// `parent` is the element that the table is in.
     TableWriter(PdfDocument& document, int parent);
 
-    int element() const { return element_; }
+    bool hasRows() const { return hasRows_; }
 
     /// The head's cells in their order, each with what shows it.
     void writeHead(const std::vector<HeadCell>& head, std::span<TaggedContent> contents, std::size_t columns);
@@ -44,7 +44,8 @@ class TableWriter {
     /// first one; empty: nothing does. Gives the first one's name.
     std::string writeRow(std::span<TaggedCell> cells, const std::string& outer);
     void endPage();
-    void finish();
+    /// Gives a reference to the table, with a blank behind it; nothing where it has no rows: then it is no table.
+    std::string finish();
 
   private:
     void writeCell(const TaggedCell& cell, int row, const std::string& name, const std::string& heads);
@@ -56,6 +57,7 @@ class TableWriter {
     int element_;
     std::string kids_;
     int body_ = 0;
+    bool hasRows_ = false; ///< besides those of its head
     std::string rows_;
     std::string page_;                   ///< the page in hand, as an entry
     std::string entries_;                ///< of the cell in hand
