@@ -117,8 +117,7 @@ class Binder {
             console_.warning("Abgebrochen: Die Mappe ist nicht entstanden.");
             return kCancelled;
         }
-        const druckwerk::Collection collection = collectionOf(names);
-        if (const auto body = druckwerk::finish(*document, &collection)) {
+        if (const auto body = druckwerk::finish(*document)) {
             body->commit();
             bind(names);
         }
@@ -153,35 +152,14 @@ class Binder {
         Console own;
         if (withErrorsTold(own, [&] { return runReport(options_, request, own); }) != kDone)
             failed_.push_back(nameOf(request));
-        else
-            printed_.push_back(&request);
-    }
-
-    /// What the binder holds, each list and company once.
-    druckwerk::Collection collectionOf(const std::map<double, std::string>& names) const {
-        druckwerk::Collection collection;
-        const auto add = [](std::vector<std::string>& texts, const std::string& text) {
-            if (std::ranges::find(texts, text) == texts.end())
-                texts.push_back(text);
-        };
-        for (const PrintRequest* request : printed_) {
-            add(collection.companies, names.at(request->company));
-            add(collection.lists, std::string(request->report->title));
-        }
-        const std::string years = period();
-        collection.title = "Auswertungen" + (years.empty() ? "" : " " + years) + " – " + nameFor(names);
-        return collection;
-    }
-
-    static std::string nameFor(const std::map<double, std::string>& names) {
-        return names.size() == 1 ? names.begin()->second : std::to_string(names.size()) + " Firmen";
     }
 
     void bind(const std::map<double, std::string>& names) {
         const auto chapters =
             druckwerk::chaptersOf(scratch_ / "body.pdf", names.size() > 1 ? kDeepestInContents : 0);
         Front front(options_, scratch_ / "front.pdf", console_);
-        front.define(u"Firma", nameFor(names));
+        front.define(u"Firma",
+                     names.size() == 1 ? names.begin()->second : std::to_string(names.size()) + " Firmen");
         front.define(u"Zeitraum", period());
         front.printCover();
         front.printContents(chapters);
@@ -208,7 +186,6 @@ class Binder {
     Console& console_;
     TemporaryFolder scratch_;
     std::vector<std::string> failed_;
-    std::vector<const PrintRequest*> printed_;
 };
 
 } // namespace

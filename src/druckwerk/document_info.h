@@ -9,7 +9,4 @@ namespace kvtdruck::druckwerk {
 /// The info of a document that begins with the list `list` under this heading, of this company.
 DocumentInfo documentInfo(const Options& options, const String& heading, const String& company, const String& list);
 
-/// What a document holds, if that is said, and when it was printed.
-String subjectOf(const String& contents, const PrintDate& date);
-
 } // namespace kvtdruck::druckwerk

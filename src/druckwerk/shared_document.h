@@ -4,8 +4,6 @@
 #include "platform/posix/atomic_file.h"
 
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace kvtdruck::druckwerk {
 
@@ -15,14 +13,7 @@ class OpenDocument;
 
 /// A document for the forms of several factories, each of whose jobs says that more follow.
 std::shared_ptr<OpenDocument> newDocument();
-/// What a document of several lists says that it is; texts in UTF-8.
-struct Collection {
-    std::string title;
-    std::vector<std::string> companies;
-    std::vector<std::string> lists;
-};
-/// Gives the file of a document that nothing more follows in; none where no job has printed into it. Without a
-/// collection it says of itself what its first job did.
-std::unique_ptr<AtomicFile> finish(OpenDocument& document, const Collection* collection = nullptr);
+/// Gives the file of a document that nothing more follows in; none where no job has printed into it.
+std::unique_ptr<AtomicFile> finish(OpenDocument& document);
 
 } // namespace kvtdruck::druckwerk

@@ -185,23 +185,6 @@ TEST_F(Binders, HaveACoverContentsAndPagesThatRunThrough) {
     EXPECT_EQ(json("mappe.pdf", "[.pagelabels[] | [.index, .label[\"/S\"]]]"), "[[0,\"/r\"],[2,\"/D\"]]\n");
 }
 
-TEST_F(Binders, SayWhatTheyHold) {
-    addCompanies(1);
-    const auto info = [&](const std::string& file) { return run({"pdfinfo", output(file)}).output; };
-    ASSERT_EQ(bind("eine.pdf", {"-f", "1", "--von", "2023"}).exitCode, 0);
-    EXPECT_THAT(
-        info("eine.pdf"),
-        AllOf(HasSubstr("Title:           Auswertungen ab 2023 – Müller & Söhne GmbH\n"),
-              HasSubstr("Author:          Müller & Söhne GmbH\n"),
-              HasSubstr("Subject:         Umsatz, Kalkulatorische Kosten, Mitarbeiter-Übersicht; gedruckt am "
-                        "31.12.2024")));
-    execute("UPDATE firma SET name1 = 'Zweite GmbH' WHERE fnr = 101; DELETE FROM mitarbeiter;");
-    bind("zwei.pdf", {"-f", "1,101", "-j", "2024"});
-    EXPECT_THAT(info("zwei.pdf"), AllOf(HasSubstr("Title:           Auswertungen 2024 – 2 Firmen\n"),
-                                        HasSubstr("Author:          Müller & Söhne GmbH, Zweite GmbH\n"),
-                                        HasSubstr("Subject:         Umsatz, Kalkulatorische Kosten; gedruckt")));
-}
-
 TEST_F(Binders, EveryLineOfTheContentsLeadsToItsChapter) {
     ASSERT_EQ(bind("mappe.pdf", {"-f", "1", "--von", "2023"}).exitCode, 0);
     const auto links = run({"python3", "-c",
