@@ -21,10 +21,15 @@ using druckwerk::Chapter;
 /// Companies and lists stand in the table of contents, their years and employees in the outline alone.
 constexpr int kDeepestInContents = 1;
 
-/// The pages before the chapters, printed by layouts as everything else.
+/// What the cover says that a binder holds.
+constexpr StringView kHeading = u"Auswertungen";
+
+/// The pages before the chapters, printed by layouts as everything else; what their document says of itself is the
+/// binder's.
 class Front {
   public:
-    Front(const Options& options, const std::filesystem::path& file, Console& console)
+    Front(const Options& options, const std::filesystem::path& file, const std::string& company,
+          const std::string& period, Console& console)
         : layouts_(prepareApplicationFolder(options.folder)), document_(druckwerk::newDocument()) {
         druckwerk::Options settings;
         settings.output = file;
@@ -33,13 +38,15 @@ class Front {
         settings.warn = [&console](std::string_view text) { console.warning(text); };
         settings.error = [this](const druckwerk::EngineError& error) { error_ = error.message; };
         settings.printDate = options.printDate;
+        settings.level = options.level;
+        settings.period = period;
         settings.locale = options.locale;
         factory_.emplace(std::move(settings), document_);
         form_ = factory_->create();
-    }
-
-    void define(StringView name, const std::string& text) {
-        call(Operation::LlDefineVariableExt, {name, StringView(fromUtf8(text)), kTypeText});
+        define(u"Ueberschrift", kHeading);
+        define(u"FnrName1", fromUtf8(company));
+        define(u"Firma", fromUtf8(company));
+        define(u"Zeitraum", fromUtf8(period));
     }
 
     void printCover() {
@@ -62,6 +69,8 @@ class Front {
     std::unique_ptr<AtomicFile> finish() { return druckwerk::finish(*document_); }
 
   private:
+    void define(StringView name, StringView text) { call(Operation::LlDefineVariableExt, {name, text, kTypeText}); }
+
     void defineLine(const Chapter& chapter) {
         call(Operation::LlDefineFieldExt, {u"Kapitel", StringView(fromUtf8(chapter.title)), kTypeText});
         call(Operation::LlDefineFieldExt, {u"Ebene", StringView(decimal(chapter.level)), kTypeNumeric});
@@ -157,10 +166,8 @@ class Binder {
     void bind(const std::map<double, std::string>& names) {
         const auto chapters =
             druckwerk::chaptersOf(scratch_ / "body.pdf", names.size() > 1 ? kDeepestInContents : 0);
-        Front front(options_, scratch_ / "front.pdf", console_);
-        front.define(u"Firma",
-                     names.size() == 1 ? names.begin()->second : std::to_string(names.size()) + " Firmen");
-        front.define(u"Zeitraum", period());
+        const auto company = names.size() == 1 ? names.begin()->second : std::to_string(names.size()) + " Firmen";
+        Front front(options_, scratch_ / "front.pdf", company, period(), console_);
         front.printCover();
         front.printContents(chapters);
         front.finish()->commit();

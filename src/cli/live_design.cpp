@@ -85,6 +85,12 @@ class Turns {
     std::array<Descriptor, 2> ends_ = openChannel();
 };
 
+/// Reads its file anew when it is sent SIGHUP (https://manpages.debian.org/bookworm/mupdf/mupdf.1.en.html,
+/// Signals).
+constexpr const char* kToldBySignal = "mupdf";
+/// Does not look whether its file has changed unless its settings say so.
+constexpr const char* kToldByUser = "qpdfview";
+
 /// The printed pages, and the viewer that shows them; both are gone with the object.
 class Pages {
   public:
@@ -101,14 +107,16 @@ class Pages {
 
     const std::filesystem::path& file() const { return file_; }
 
-    /// Whether there are others than at the last call. A viewer is started for the first ones; it sees by itself
-    /// when they are replaced.
+    /// Whether there are others than at the last call. A viewer is started for the first ones, and shows those that
+    /// replace them.
     bool areNew(Console& console) {
         struct stat now {};
         if (::stat(file_.c_str(), &now) != 0 || now.st_ino == last_)
             return false;
         if (last_ == 0)
             show(console);
+        else if (processes_.viewer() == kToldBySignal && processes_.isRunning(viewer_.id))
+            ::kill(viewer_.id, SIGHUP);
         last_ = now.st_ino;
         return true;
     }
@@ -117,6 +125,9 @@ class Pages {
     void show(Console& console) {
         try {
             viewer_ = processes_.start(u"llview12.exe \"" + fromUtf8(file_.string()) + u"\"");
+            if (processes_.viewer() == kToldByUser)
+                console.notice("qpdfview zeigt neue Seiten erst nach der Taste F5, oder von selbst, wenn seine "
+                               "Einstellungen das automatische Neuladen vorsehen.");
         } catch (const RuntimeError& error) {
             console.warning("Die Seiten liegen in " + file_.string() + "; sie können nicht gezeigt werden (" +
                             toUtf8(error.description()) + ").");

@@ -37,6 +37,8 @@ std::shared_ptr<Connection> Connections::open(Object& host) {
         connection = openConnection(text, cancelled_);
         known = connection;
     }
+    if (auto* own = dynamic_cast<HostConnection*>(&host))
+        own->keep(connection);
     return connection;
 }
 

@@ -20,7 +20,9 @@ struct Years {
     std::int32_t last = 9999;
 };
 
-/// A connection as a host hands it to the component: an object with the property `ConnectionString`.
+/// A connection as a host hands it to the component: an object with the property `ConnectionString`. As a host's
+/// own does, it keeps the data source open from its first use on: what is read before a print and the print itself
+/// share one connection.
 class HostConnection : public Object {
   public:
     explicit HostConnection(String connectionString) : connectionString_(std::move(connectionString)) {}
@@ -30,6 +32,8 @@ class HostConnection : public Object {
     void show(const Years& years) { years_ = years; }
     const Years& years() const { return years_; }
 
+    void keep(std::shared_ptr<Connection> connection) { kept_ = std::move(connection); }
+
     MemberId idOf(StringView name) override;
     Variant call(MemberId member, std::span<const Variant> arguments) override;
     void put(MemberId member, std::span<const Variant> arguments, const Variant& value) override;
@@ -37,9 +41,11 @@ class HostConnection : public Object {
   private:
     String connectionString_;
     Years years_;
+    std::shared_ptr<Connection> kept_;
 };
 
-/// The open connections by their connection strings. A connection is open as long as a reader uses it.
+/// The open connections by their connection strings. A connection is open as long as a reader uses it
+/// or a `HostConnection` keeps it.
 class Connections {
   public:
     explicit Connections(Cancellation cancelled = nullptr) : cancelled_(cancelled) {}

@@ -197,6 +197,20 @@ TEST_F(Binders, EveryLineOfTheContentsLeadsToItsChapter) {
     EXPECT_EQ(links.output, "[3, 6, 9]\n") << links.errors;
 }
 
+/// The document's information and the archive's metadata say the same, which is what the cover says.
+TEST_F(Binders, SayOfThemselvesWhatTheCoverSays) {
+    ASSERT_EQ(bind("mappe.pdf", {"-f", "1", "--von", "2023"}).exitCode, 0);
+    const auto info = run({"pdfinfo", output("mappe.pdf")}).output;
+    EXPECT_THAT(info, ::testing::ContainsRegex("Title: +Auswertungen ab 2023 – Müller & Söhne GmbH\n"));
+    EXPECT_THAT(info, ::testing::ContainsRegex("Subject: +gedruckt am 31.12.2024 "));
+    EXPECT_THAT(info, ::testing::ContainsRegex("Author: +Müller & Söhne GmbH\n"));
+    const auto archived = run({"pdfinfo", "-meta", output("mappe.pdf")}).output;
+    EXPECT_THAT(archived, HasSubstr(">Auswertungen ab 2023 – Müller &amp; Söhne GmbH<"));
+    EXPECT_THAT(archived, HasSubstr("<pdfaid:part>3</pdfaid:part>"));
+    ASSERT_EQ(bind("einfach.pdf", {"-f", "1", "-j", "2024", "--pdf", "einfach"}).exitCode, 0);
+    EXPECT_THAT(run({"pdfinfo", output("einfach.pdf")}).output, HasSubstr("Auswertungen 2024 – Müller"));
+}
+
 TEST_F(Binders, SameInputGivesTheSameBytes) {
     addCompanies(1);
     execute("UPDATE firma SET name1 = 'Zweite GmbH' WHERE fnr = 101;");

@@ -20,6 +20,7 @@ class SampleServer : public test::Database {
 
     String connectionString() const override { return server_.connectionString(); }
     bool takesWideSql() const override { return true; }
+    std::size_t connectionsMade() const { return server_.connectionsMade(); }
 
   private:
     test::PostgresServer server_;
@@ -44,6 +45,18 @@ TEST_F(Databases, GiveTheSameRecordOfEngineCalls) {
         const auto record = recordOf(list, {"--datenbank", database()});
         EXPECT_NE(record.find("LlPrintEnd(0) = 0"), std::string::npos);
         EXPECT_EQ(recordOf(list, {"--verbindung", toUtf8(server.connectionString())}), record);
+    }
+}
+
+/// The years that exist are read before the print, over the same connection.
+TEST_F(Databases, ADocumentTakesOneConnection) {
+    const SampleServer server;
+    for (const std::string list : {"Umsatz", "GemeinK", "KalkKo", "MaStKost"}) {
+        const auto before = server.connectionsMade();
+        const auto outcome = kvtdruck({"drucken", list, "--verbindung", toUtf8(server.connectionString()), "-f",
+                                       "1", "--von", "2023", "-o", output("l.pdf")});
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_EQ(server.connectionsMade() - before, 1U) << list;
     }
 }
 

@@ -42,6 +42,19 @@ class LiveDesign : public ProgramTest {
     }
 
     std::string ending() const { return output("ending"); }
+    /// No viewer of this machine, and none of the test's either.
+    void hideViewers() {
+        std::filesystem::remove(folder / "bin" / "evince");
+        for (const auto* tool : {"sh", "mv", "sleep"})
+            std::filesystem::create_symlink("/bin/" + std::string(tool), folder / "bin" / tool);
+        environment["PATH"] = (folder / "bin").string();
+    }
+    /// A viewer of that name that tells which file it shows, and whenever it is asked to read it anew.
+    void addViewer(const std::string& name) const {
+        writeScript(folder / "bin" / name, "trap 'echo reads anew >> " + output("viewer") +
+                                               "' HUP\ntrap exit TERM\necho \"$1\" >> " + output("viewer") +
+                                               "\nwhile :; do sleep 0.05; done\n");
+    }
     std::vector<std::string> live(const std::vector<std::string>& more = {}) const {
         auto result = command("gestalten", "Umsatz", {"--jahr", "2024", "--live"});
         result.insert(result.end(), more.begin(), more.end());
@@ -217,11 +230,36 @@ TEST_F(LiveDesign, CtrlCEndsEverythingAndKeepsWhatWasSavedWhole) {
     EXPECT_TRUE(waitUntil([&] { return readFile(output("viewer")) == printed.string() + "\nended\n"; }));
 }
 
+TEST_F(LiveDesign, AViewerThatHasToBeToldIsTold) {
+    hideViewers();
+    addViewer("mupdf");
+    addViewer("qpdfview"); // which needs the user
+    Program program(live(), environment);
+    const auto file = copy();
+    ASSERT_TRUE(waitUntil([&] { return !firstLine("viewer").empty(); }));
+    EXPECT_THAT(readFile(output("viewer")), Not(HasSubstr("reads anew")));
+    writeFile(file, withHeading(readFile(file), "Neu"));
+    EXPECT_TRUE(waitUntil([&] { return readFile(output("viewer")).find("reads anew") != std::string::npos; }));
+    endEditor();
+    const auto outcome = program.wait();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(outcome.output, Not(HasSubstr("qpdfview")));
+}
+
+TEST_F(LiveDesign, WhereTheViewerShowsNothingNewTheUserIsTold) {
+    hideViewers();
+    addViewer("qpdfview");
+    Program program(live(), environment);
+    copy();
+    EXPECT_TRUE(waitUntil([&] {
+        return program.output().find("qpdfview zeigt neue Seiten erst nach der Taste F5") != std::string::npos;
+    }));
+    endEditor();
+    EXPECT_EQ(program.wait().exitCode, 0);
+}
+
 TEST_F(LiveDesign, WithoutAViewerThePagesAreNamed) {
-    std::filesystem::remove(folder / "bin" / "evince");
-    for (const auto* tool : {"sh", "mv", "sleep"})
-        std::filesystem::create_symlink("/bin/" + std::string(tool), folder / "bin" / tool);
-    environment["PATH"] = (folder / "bin").string();
+    hideViewers();
     Program program(live(), environment);
     copy();
     EXPECT_TRUE(

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <stdexcept>
 
 namespace kvtdruck::test {
@@ -20,7 +21,8 @@ PostgresServer::PostgresServer() {
     const auto data = quoted(folder() / "data");
     run("initdb", "-D " + data + " -U kvt --auth=trust -E UTF8 --locale=C.UTF-8 --no-sync");
     run("pg_ctl", "-D " + data + " -l " + quoted(folder() / "log") + " -w -o \"-p " + std::to_string(port()) +
-                      " -k " + folder().string() + " -c listen_addresses=127.0.0.1 -c fsync=off\" start");
+                      " -k " + folder().string() +
+                      " -c listen_addresses=127.0.0.1 -c fsync=off -c log_connections=on\" start");
 }
 
 PostgresServer::~PostgresServer() {
@@ -36,6 +38,14 @@ void PostgresServer::run(const std::string& program, const std::string& argument
         "cd / && " + user + KVT_POSTGRES + "/" + program + " " + arguments + " >" + quoted(log()) + " 2>&1";
     if (std::system(command.c_str()) != 0)
         throw std::runtime_error(program + " failed: " + logged());
+}
+
+std::size_t PostgresServer::connectionsMade() const {
+    std::ifstream log(folder() / "log");
+    std::size_t count = 0;
+    for (std::string line; std::getline(log, line);)
+        count += line.find("connection authorized:") != std::string::npos ? 1 : 0;
+    return count;
 }
 
 String PostgresServer::connectionString() const {

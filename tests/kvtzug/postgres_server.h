@@ -15,6 +15,8 @@ class PostgresServer : public PrivateServer {
     ~PostgresServer();
 
     String connectionString() const;
+    /// How many connections the server has accepted so far.
+    std::size_t connectionsMade() const;
 
   private:
     void run(const std::string& program, const std::string& arguments) const;

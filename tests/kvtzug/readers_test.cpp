@@ -583,18 +583,22 @@ TEST_F(Readers, InfinitiesAndNaNPassWhereTheDatabaseHoldsThem) {
 
 // --- Connections and errors
 
-TEST_F(Readers, ReadersShareAConnectionWhichClosesWithTheLast) {
+TEST_F(Readers, ReadersShareAConnectionWhichClosesWithTheLastHostThatKeepsIt) {
     Connections connections;
-    HostConnection host(database_->connectionString());
-    HostConnection sameHost(database_->connectionString());
     std::weak_ptr<Connection> watched;
     {
-        const auto first = connections.open(host);
-        EXPECT_EQ(connections.open(sameHost), first);
-        watched = first;
+        HostConnection host(database_->connectionString());
+        {
+            HostConnection sameHost(database_->connectionString());
+            watched = connections.open(sameHost);
+            EXPECT_EQ(connections.open(host), watched.lock());
+        }
+        EXPECT_FALSE(watched.expired()) << "no reader, but a host that goes on";
+        EXPECT_EQ(connections.open(host), watched.lock());
     }
     EXPECT_TRUE(watched.expired());
-    EXPECT_TRUE(connections.open(host)->alive());
+    HostConnection later(database_->connectionString());
+    EXPECT_TRUE(connections.open(later)->alive());
 }
 
 TEST_F(Readers, TheProductModeTakesPartInNoOtherSelection) {

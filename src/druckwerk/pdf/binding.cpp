@@ -105,6 +105,9 @@ std::string bound(const std::filesystem::path& front, const std::filesystem::pat
     }
     pdf.getRoot().replaceKey("/PageLabels", QPDFObjectHandle::parse("<</Nums[0<</S/r>>" +
                                                                     std::to_string(before.size()) + "<</S/D>>]>>"));
+    pdf.getTrailer().replaceKey("/Info", pdf.copyForeignObject(frontPdf.getTrailer().getKey("/Info")));
+    if (auto metadata = frontPdf.getRoot().getKey("/Metadata"); metadata.isStream()) // plain ones have none
+        pdf.getRoot().replaceKey("/Metadata", pdf.copyForeignObject(metadata));
     return written(pdf);
 }
 

@@ -17,7 +17,8 @@ struct Chapter {
 /// The entries of the outline of `document` down to `deepest`, in their order.
 std::vector<Chapter> chaptersOf(const std::filesystem::path& document, int deepest);
 
-/// The PDF that holds the pages of `front` before those of `document`, whose outline stays. The outline of `front`
+/// The PDF that holds the pages of `front` before those of `document`, whose outline stays; it says of itself what
+/// `front` does: its title is the cover's, and not that of the first chapter. The outline of `front`
 /// tells where its lines stand: each of them leads to the chapter of its number. Viewers count the front in small
 /// Roman numbers, so that what they show is what is printed on the pages behind it. The same input gives the same
 /// bytes.

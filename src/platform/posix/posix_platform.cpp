@@ -197,8 +197,8 @@ class SpawnSettings {
 } // namespace
 
 const std::vector<std::string>& commonPdfViewers() {
-    static const std::vector<std::string> viewers{"evince",   "okular",  "atril", "xreader",
-                                                  "qpdfview", "zathura", "mupdf", "xdg-open"};
+    static const std::vector<std::string> viewers{"evince",  "okular", "atril",    "xreader",
+                                                  "zathura", "mupdf",  "qpdfview", "xdg-open"};
     return viewers;
 }
 
@@ -206,9 +206,14 @@ PosixProcesses::~PosixProcesses() {
     reap();
 }
 
+std::optional<std::string> PosixProcesses::viewer() const {
+    const auto found = std::find_if(viewers_.begin(), viewers_.end(), isInstalled);
+    return found == viewers_.end() ? std::nullopt : std::optional(*found);
+}
+
 std::vector<std::string> PosixProcesses::viewerCommand(std::vector<std::string> arguments) const {
-    const auto viewer = std::find_if(viewers_.begin(), viewers_.end(), isInstalled);
-    if (viewer == viewers_.end()) {
+    const auto installed = viewer();
+    if (!installed) {
         std::string names;
         for (const std::string& name : viewers_)
             names += (names.empty() ? "" : ", ") + name;
@@ -218,7 +223,7 @@ std::vector<std::string> PosixProcesses::viewerCommand(std::vector<std::string> 
     }
     for (std::string& argument : arguments)
         std::replace(argument.begin(), argument.end(), '\\', '/');
-    arguments.front() = *viewer;
+    arguments.front() = *installed;
     return arguments;
 }
 

@@ -5,6 +5,7 @@
 #include "values/runtime_error.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +18,8 @@ namespace kvtdruck {
 /// installed.
 Locale localeByName(std::string_view name);
 
-/// The PDF viewers that are looked for, the first installed one first.
+/// The PDF viewers that are looked for, the first installed one first: those that show by themselves what replaces
+/// their file, one that does so when it is told, one that does not, and whatever the desktop knows.
 const std::vector<std::string>& commonPdfViewers();
 
 /// What may be different from one process to another.
@@ -44,6 +46,8 @@ class PosixProcesses : public Processes {
     void terminate(const Process& process) override;
     /// Whether the process `id`, started here, has not ended yet.
     bool isRunning(std::int32_t id);
+    /// The program that stands in for the preview viewer; nothing where none is installed.
+    std::optional<std::string> viewer() const;
 
   private:
     /// The program and arguments to start in place of the preview viewer.
