@@ -127,23 +127,20 @@ void BandBuilder::readArtwork(xmlNode* node, std::string_view name, const Contex
     const Style& style = context.style;
     const bool plain =
         !style.complex && style.fill.kind != Paint::Kind::Complex && style.stroke.kind != Paint::Kind::Complex;
-    if (!context.hasLooks && isPicture(node)) {
+    const bool isGroup = name == "g" || name == "a";
+    const bool isShape = name == "rect" || name == "line" || name == "circle" || name == "ellipse" ||
+                         name == "path" || name == "polyline" || name == "polygon";
+    const bool isForeign = name == "use" || name == "image" || name == "svg" || name == "switch" ||
+                           (isGroup && (style.complex || style.opacity < 1)) || (isShape && !plain) ||
+                           ((isGroup || isShape) && !context.hasLooks && isPicture(node));
+    if (isForeign) {
         readForeign(*this, node, context);
-    } else if (name == "g" || name == "a") {
-        if (style.complex || style.opacity < 1)
-            readForeign(*this, node, context);
-        else
-            forEachChild(node, [&](xmlNode* child) { readElement(child, context); });
+    } else if (isGroup) {
+        forEachChild(node, [&](xmlNode* child) { readElement(child, context); });
+    } else if (isShape) {
+        readShape(*this, node, name, context);
     } else if (name == "text") {
         readText(*this, node, context, plain);
-    } else if (name == "rect" || name == "line" || name == "circle" || name == "ellipse" || name == "path" ||
-               name == "polyline" || name == "polygon") {
-        if (plain)
-            readShape(*this, node, name, context);
-        else
-            readForeign(*this, node, context);
-    } else if (name == "use" || name == "image" || name == "svg" || name == "switch") {
-        readForeign(*this, node, context);
     } else if (name == "flowRoot") {
         invalid("Fließtext wird nicht unterstützt");
     } else {
