@@ -101,6 +101,8 @@ void settleLevel(Options& options) {
         refuse("--barrierefrei geht nicht mit --pdf einfach zusammen.");
     if (!options.binder.empty() || !options.printing.pages.empty())
         refuse("--barrierefrei gibt es nur für ganze Dokumente einer Liste, nicht mit --mappe und --seiten.");
+    if (options.command == Command::Print && (options.data || !fillsFiles(options)))
+        refuse("--barrierefrei gibt es nur für PDF-Dateien, mit --ausgabe DATEI oder --nach ORDNER.");
     options.level = druckwerk::PdfLevel::Accessible;
 }
 
