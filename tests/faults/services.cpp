@@ -2,6 +2,8 @@
 // own.
 #include "faults/shim.h"
 
+#include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -46,14 +48,63 @@ extern "C" int sqlite3_open_v2(const char* name, sqlite3** database, int flags, 
 FAULTY(Sqlite, SQLITE_IOERR, int, sqlite3_prepare_v3,
        (sqlite3 * database, const char* sql, int size, unsigned flags, sqlite3_stmt** statement, const char** tail),
        (database, sql, size, flags, statement, tail))
-FAULTY(Sqlite, SQLITE_IOERR, int, sqlite3_step, (sqlite3_stmt * statement), (statement))
-FAULTY(Sqlite, SQLITE_NOMEM, int, sqlite3_bind_double, (sqlite3_stmt * statement, int at, double value),
-       (statement, at, value))
-FAULTY(Sqlite, SQLITE_NOMEM, int, sqlite3_bind_text,
-       (sqlite3_stmt * statement, int at, const char* text, int size, void (*destroy)(void*)),
-       (statement, at, text, size, destroy))
-FAULTY(Sqlite, nullptr, const unsigned char*, sqlite3_column_text, (sqlite3_stmt * statement, int at),
-       (statement, at))
+
+/// The statement whose last step has failed: what ends it tells so once more, and that is what the driver of ODBC
+/// looks at (https://www.sqlite.org/c3ref/reset.html).
+static std::atomic<sqlite3_stmt*> failedStatement = nullptr;
+
+extern "C" int sqlite3_step(sqlite3_stmt* statement) {
+    static const auto call = next<decltype(&sqlite3_step)>("sqlite3_step");
+    if (!fails(Kind::Sqlite))
+        return call(statement);
+    failedStatement = statement;
+    return SQLITE_IOERR;
+}
+
+static int ended(sqlite3_stmt* statement, int result) {
+    return failedStatement.compare_exchange_strong(statement, nullptr) ? SQLITE_IOERR : result;
+}
+
+extern "C" int sqlite3_reset(sqlite3_stmt* statement) {
+    static const auto call = next<decltype(&sqlite3_reset)>("sqlite3_reset");
+    return ended(statement, call(statement));
+}
+
+extern "C" int sqlite3_finalize(sqlite3_stmt* statement) {
+    static const auto call = next<decltype(&sqlite3_finalize)>("sqlite3_finalize");
+    return ended(statement, call(statement));
+}
+
+/// These fail for want of memory alone (https://www.sqlite.org/c3ref/bind_blob.html and column_blob.html), and the
+/// driver of ODBC does not look at it: there an allocation is refused as well, which the process sees.
+static bool failsForWantOfMemory(const void* caller) {
+    if (!fails(Kind::Sqlite))
+        return false;
+    Dl_info place{};
+    if (::dladdr(caller, &place) != 0 && std::strstr(place.dli_fname, "sqlite3odbc") != nullptr) {
+        volatile std::size_t moreThanThereIs = SIZE_MAX / 2;
+        void* volatile refused = std::malloc(moreThanThereIs);
+        std::free(refused);
+    }
+    return true;
+}
+
+extern "C" int sqlite3_bind_double(sqlite3_stmt* statement, int at, double value) {
+    static const auto call = next<decltype(&sqlite3_bind_double)>("sqlite3_bind_double");
+    return failsForWantOfMemory(__builtin_return_address(0)) ? SQLITE_NOMEM : call(statement, at, value);
+}
+
+extern "C" int sqlite3_bind_text(sqlite3_stmt* statement, int at, const char* text, int size,
+                                 void (*destroy)(void*)) {
+    static const auto call = next<decltype(&sqlite3_bind_text)>("sqlite3_bind_text");
+    return failsForWantOfMemory(__builtin_return_address(0)) ? SQLITE_NOMEM
+                                                             : call(statement, at, text, size, destroy);
+}
+
+extern "C" const unsigned char* sqlite3_column_text(sqlite3_stmt* statement, int at) {
+    static const auto call = next<decltype(&sqlite3_column_text)>("sqlite3_column_text");
+    return failsForWantOfMemory(__builtin_return_address(0)) ? nullptr : call(statement, at);
+}
 
 // --- ODBC ---
 
