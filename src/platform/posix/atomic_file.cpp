@@ -97,7 +97,7 @@ void AtomicFile::create(Access access) {
         unfinished_.descriptor = ::mkostemp(name.data(), O_CLOEXEC);
         if (unfinished_.descriptor < 0)
             fail();
-        unfinished_.name = name;
+        unfinished_.name = std::move(name);
     }
     takeAttributes(target_, access);
 }
@@ -146,7 +146,7 @@ void AtomicFile::nameContent() {
         ::close(taken);
         ::unlink(name.c_str());
         if (::linkat(AT_FDCWD, content.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
-            unfinished_.name = name;
+            unfinished_.name = std::move(name);
         else if (errno != EEXIST)
             fail();
     }
@@ -166,11 +166,12 @@ void AtomicFile::commit() {
         fail();
     if (inPlace_)
         return;
+    const fs::path place = folderOf(target_); // behind the renaming nothing may fail
     if (::rename(unfinished_.name.c_str(), target_.c_str()) != 0)
         fail();
     unfinished_.name.clear();
     // The new name as well; where a folder can't be flushed, the file is complete all the same.
-    const int folder = ::open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder = ::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder >= 0) {
         ::fsync(folder);
         ::close(folder);

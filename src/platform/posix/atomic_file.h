@@ -43,7 +43,7 @@ class AtomicFile {
         Unfinished& operator=(const Unfinished&) = delete;
         ~Unfinished();
         int descriptor = -1;
-        std::filesystem::path name; ///< empty while the content has none
+        std::string name; ///< empty while the content has none; set without memory, so that it is never forgotten
     };
 
     void openInPlace(int descriptor);
