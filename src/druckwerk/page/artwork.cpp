@@ -158,9 +158,10 @@ std::size_t embedArtwork(PdfDocument& document, const Layout& layout, const std:
     const std::string drawing = drawn(layout, layoutFolder);
     std::vector<Box> inks(layout.foreign.size());
     const std::size_t size = inks.size() * sizeof(Box);
+    const std::string pages = drawing.substr(size); // raises where a drawing that went wrong is shorter than this
     std::memcpy(inks.data(), drawing.data(), size);
     std::vector<PdfDocument::Form> forms;
-    for (const int object : importPages(document.output(), drawing.substr(size)))
+    for (const int object : importPages(document.output(), pages))
         forms.push_back({object, inks.at(forms.size())});
     return document.useForms(source, forms);
 }
