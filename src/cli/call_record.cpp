@@ -1,16 +1,12 @@
 #include "cli/call_record.h"
 
 #include "cli/layout_store.h"
-#include "platform/posix/posix_platform.h"
+#include "druckwerk/common/fault.h"
 
 #include <stdexcept>
 #include <utility>
 
 namespace kvtdruck::cli {
-
-std::string reasonOf(const std::system_error& error) {
-    return toUtf8(runtimeErrorOf(error.code().value()).description());
-}
 
 CallRecord::CallRecord(std::filesystem::path file, bool goesOn, Console& console)
     : name_(std::move(file)), console_(console) {
@@ -33,7 +29,8 @@ void CallRecord::finish() {
 }
 
 std::string CallRecord::failure(const std::system_error& error) const {
-    return "Das Protokoll " + name_.string() + " kann nicht geschrieben werden: " + reasonOf(error);
+    return "Das Protokoll " + name_.string() +
+           " kann nicht geschrieben werden: " + druckwerk::reasonForReading(error.code().value());
 }
 
 /// A step that fails is the last one.

@@ -10,9 +10,6 @@
 
 namespace kvtdruck::cli {
 
-/// The German reason of a failed system call.
-std::string reasonOf(const std::system_error& error);
-
 /// It tells of a failed run as well, so it is kept in any case. What can't be written of it is told once.
 class CallRecord {
   public:

@@ -15,6 +15,7 @@
 #include "cli/selection_text.h"
 #include "cli/tight_fields.h"
 #include "cli/values_input.h"
+#include "druckwerk/common/fault.h"
 #include "druckwerk/exits/designer.h"
 #include "druckwerk/exits/tee.h"
 #include "druckwerk/layout/layout_sample.h"
@@ -281,7 +282,8 @@ class ReportRun {
         try {
             finished_->commit();
         } catch (const std::system_error& error) {
-            console_.error(finished_->target().string() + " kann nicht geschrieben werden: " + reasonOf(error));
+            console_.error(finished_->target().string() +
+                           " kann nicht geschrieben werden: " + druckwerk::reasonForReading(error.code().value()));
         }
     }
 
@@ -351,7 +353,8 @@ class ReportRun {
         try {
             writeAtomically(request.layout, *layout, AtomicFile::Access::Mask);
         } catch (const std::system_error& error) {
-            message = request.layout.string() + " kann nicht geschrieben werden: " + reasonOf(error);
+            message = request.layout.string() +
+                      " kann nicht geschrieben werden: " + druckwerk::reasonForReading(error.code().value());
             return druckwerk::kDesignFailed;
         }
         return 0;
