@@ -10,11 +10,18 @@
 #include "platform/posix/temporary_folder.h"
 
 #include <algorithm>
-#include <regex>
 #include <set>
 
 namespace kvtdruck::cli {
 namespace {
+
+/// The years as a file name tells them, "ab2023", in words.
+std::string inWords(std::string years) {
+    for (const std::string_view word : {"ab", "bis"})
+        if (years.starts_with(word))
+            years.insert(word.size(), " ");
+    return years;
+}
 
 using druckwerk::Chapter;
 
@@ -179,8 +186,8 @@ class Binder {
     std::string period() const {
         std::set<std::string> texts;
         for (const auto& request : requests_)
-            if (const auto text = partsOf(request).year; !text.empty())
-                texts.insert(std::regex_replace(text, std::regex("^(ab|bis)"), "$1 "));
+            if (const auto year = partsOf(request).year; !year.empty())
+                texts.insert(inWords(year));
         std::string all;
         for (const auto& text : texts)
             all += (all.empty() ? "" : ", ") + text;

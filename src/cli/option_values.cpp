@@ -3,11 +3,11 @@
 #include "catalog/report_catalog.h"
 #include "catalog/usage_error.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <ctime>
 #include <optional>
-#include <regex>
 
 namespace kvtdruck::cli {
 namespace {
@@ -36,14 +36,87 @@ int localOffset(const druckwerk::PrintDate& date) {
     return static_cast<int>(local.tm_gmtoff / 60);
 }
 
+/// Takes from the front of a value what it consists of.
+class ValueScanner {
+  public:
+    explicit ValueScanner(std::string_view text) : rest_(text) {}
+
+    bool isDone() const { return rest_.empty(); }
+
+    bool take(char sign) {
+        const bool taken = rest_.starts_with(sign);
+        rest_.remove_prefix(taken ? 1 : 0);
+        return taken;
+    }
+
+    /// As many digits as there are, up to `most`; less than `least` are no number.
+    bool takeNumber(std::size_t least, std::size_t most, int& number) {
+        const auto digits = std::min(rest_.find_first_not_of("0123456789"), std::min(rest_.size(), most));
+        if (digits < least)
+            return false;
+        number = int(numberIn(rest_.substr(0, digits)).value_or(0));
+        rest_.remove_prefix(digits);
+        return true;
+    }
+
+  private:
+    std::string_view rest_;
+};
+
+/// "31.12.2024" or "2024-12-31".
+bool takeDay(ValueScanner& scanner, druckwerk::PrintDate& date) {
+    auto iso = scanner;
+    if (iso.takeNumber(4, 4, date.year)) {
+        scanner = iso;
+        return scanner.take('-') && scanner.takeNumber(2, 2, date.month) && scanner.take('-') &&
+               scanner.takeNumber(2, 2, date.day);
+    }
+    return scanner.takeNumber(1, 2, date.day) && scanner.take('.') && scanner.takeNumber(1, 2, date.month) &&
+           scanner.take('.') && scanner.takeNumber(4, 4, date.year);
+}
+
+/// "8:15", "08:15:30".
+bool takeTime(ValueScanner& scanner, druckwerk::PrintDate& date) {
+    return scanner.takeNumber(1, 2, date.hour) && scanner.take(':') && scanner.takeNumber(2, 2, date.minute) &&
+           (!scanner.take(':') || scanner.takeNumber(2, 2, date.second));
+}
+
 /// "Z", "+01:00", "-0330"; the zone here where there is none.
-int offsetIn(const std::string& text, const druckwerk::PrintDate& date) {
-    if (text.empty())
-        return localOffset(date);
-    if (text == "Z")
-        return 0;
-    const int minutes = std::stoi(text.substr(1, 2)) * 60 + std::stoi(text.substr(text.size() - 2));
-    return text.front() == '-' ? -minutes : minutes;
+bool takeZone(ValueScanner& scanner, druckwerk::PrintDate& date) {
+    if (scanner.isDone()) {
+        date.utcOffset = localOffset(date);
+        return true;
+    }
+    if (scanner.take('Z')) {
+        date.utcOffset = 0;
+        return true;
+    }
+    constexpr int kLargestOffset = 14;
+    const bool isBehind = scanner.take('-');
+    int hours = 0;
+    int minutes = 0;
+    if ((!isBehind && !scanner.take('+')) || !scanner.takeNumber(2, 2, hours))
+        return false;
+    scanner.take(':');
+    if (!scanner.takeNumber(2, 2, minutes) || hours > kLargestOffset || minutes >= 60)
+        return false;
+    date.utcOffset = (isBehind ? -1 : 1) * (hours * 60 + minutes);
+    return true;
+}
+
+/// A day, and perhaps a time behind it, which may have a zone.
+bool takeDate(ValueScanner& scanner, druckwerk::PrintDate& date) {
+    if (!takeDay(scanner, date))
+        return false;
+    if (scanner.isDone())
+        return takeZone(scanner, date);
+    return (scanner.take(' ') || scanner.take('T')) && takeTime(scanner, date) && takeZone(scanner, date);
+}
+
+bool exists(const druckwerk::PrintDate& date) {
+    const std::chrono::year_month_day day{std::chrono::year(date.year), std::chrono::month(unsigned(date.month)),
+                                          std::chrono::day(unsigned(date.day))};
+    return day.ok() && date.hour < 24 && date.minute < 60 && date.second < 60;
 }
 
 } // namespace
@@ -90,30 +163,28 @@ druckwerk::PrintDate currentDate() {
 }
 
 druckwerk::PrintDate dateIn(const std::string& text) {
-    static const std::regex pattern(
-        R"((?:(\d{1,2})\.(\d{1,2})\.(\d{4})|(\d{4})-(\d{2})-(\d{2}))(?:[ T](\d{1,2}):(\d{2})(?::(\d{2}))?(Z|[+-](?:0\d|1[0-4]):?[0-5]\d)?)?)");
-    const auto fail = [&] {
+    ValueScanner scanner(text);
+    druckwerk::PrintDate date;
+    if (!takeDate(scanner, date) || !scanner.isDone() || !exists(date))
         refuse("--druckdatum „" + text + "“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15.");
-    };
-    std::smatch parts;
-    if (!std::regex_match(text, parts, pattern))
-        fail();
-    const auto number = [&](std::size_t group) { return parts[group].matched ? std::stoi(parts[group]) : 0; };
-    const bool german = parts[1].matched;
-    druckwerk::PrintDate date{
-        number(german ? 3 : 4), number(german ? 2 : 5), number(german ? 1 : 6), number(7), number(8), number(9)};
-    const std::chrono::year_month_day day{std::chrono::year(date.year), std::chrono::month(unsigned(date.month)),
-                                          std::chrono::day(unsigned(date.day))};
-    if (!day.ok() || date.hour >= 24 || date.minute >= 60 || date.second >= 60)
-        fail();
-    date.utcOffset = offsetIn(parts[10], date);
     return date;
 }
 
+// Without a regular expression: the library's take a part of the stack for every character.
 std::string pagesIn(const std::string& text) {
-    static const std::regex pattern(R"([1-9]\d{0,8}(-[1-9]\d{0,8})?(,[1-9]\d{0,8}(-[1-9]\d{0,8})?)*)");
-    if (!std::regex_match(text, pattern))
-        refuse("--seiten: „" + text + "“ ist kein Seitenbereich wie 1-3,7.");
+    const auto isPage = [](std::string_view page) {
+        constexpr std::int64_t kLast = 999'999'999;
+        const auto number = numberIn(page);
+        return number && *number >= 1 && *number <= kLast && page.front() != '0';
+    };
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const auto end = std::min(text.find(',', begin), text.size());
+        const auto range = std::string_view(text).substr(begin, end - begin);
+        const auto dash = range.find('-');
+        if (!isPage(range.substr(0, dash)) || (dash != range.npos && !isPage(range.substr(dash + 1))))
+            refuse("--seiten: „" + text + "“ ist kein Seitenbereich wie 1-3,7.");
+        begin = end + 1;
+    }
     return text;
 }
 
