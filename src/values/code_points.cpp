@@ -4,8 +4,6 @@ namespace kvtdruck {
 
 namespace {
 
-constexpr char16_t replacement = 0xFFFD;
-
 bool isHighSurrogate(char16_t unit) {
     return unit >= 0xD800 && unit <= 0xDBFF;
 }
@@ -42,7 +40,7 @@ String wellFormed(StringView text) {
     whole.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {
         const auto [codePoint, units] = codePointAt(text, position);
-        appendUtf16(whole, isSurrogate(codePoint) ? replacement : codePoint);
+        appendUtf16(whole, isSurrogate(codePoint) ? u'\uFFFD' : codePoint);
         position += units;
     }
     return whole;

@@ -12,7 +12,6 @@ namespace kvtdruck {
 
 namespace {
 
-constexpr char16_t replacement = 0xFFFD;
 
 void appendUtf8(std::string& utf8, char32_t codePoint) {
     const auto continuation = [&](int shift) { utf8 += static_cast<char>(0x80 | ((codePoint >> shift) & 0x3F)); };
@@ -88,7 +87,7 @@ void appendFromUtf8(String& text, std::string_view utf8) {
         const std::size_t length = sequenceLength(static_cast<unsigned char>(utf8[position]));
         const bool whole = length != 0 && length <= utf8.size() - position;
         const auto codePoint = whole ? decodedSequence(utf8.substr(position, length)) : std::nullopt;
-        appendUtf16(text, codePoint.value_or(replacement));
+        appendUtf16(text, codePoint.value_or(U'\uFFFD'));
         position += codePoint ? length : 1;
     }
 }

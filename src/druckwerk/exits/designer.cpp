@@ -9,6 +9,7 @@
 #include "druckwerk/layout/layout_sample.h"
 #include "platform/posix/input_file.h"
 #include "platform/posix/memory_watch.h"
+#include "platform/posix/posix_error.h"
 
 #include <cerrno>
 #include <chrono>
@@ -130,7 +131,7 @@ class WorkingCopy {
         file_ = name;
         const int descriptor = ::mkostemps(name.data(), 4, O_CLOEXEC); // behind the name comes ".svg"
         if (descriptor < 0)
-            throw std::system_error(errno, std::generic_category());
+            throwSystemError();
         ::close(descriptor);
         file_ = name;
     }

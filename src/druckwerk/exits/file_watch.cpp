@@ -1,8 +1,9 @@
 #include "druckwerk/exits/file_watch.h"
 
+#include "platform/posix/posix_error.h"
+
 #include <array>
 #include <cerrno>
-#include <system_error>
 
 #include <poll.h>
 #include <sys/inotify.h>
@@ -30,7 +31,7 @@ FileWatch::FileWatch(const std::filesystem::path& file)
     const int error = errno;
     if (events_ >= 0)
         ::close(events_);
-    throw std::system_error(error, std::generic_category());
+    throwSystemError(error);
 }
 
 FileWatch::~FileWatch() {

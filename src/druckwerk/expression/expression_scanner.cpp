@@ -1,6 +1,7 @@
 #include "druckwerk/expression/expression_scanner.h"
 
 #include "druckwerk/common/fault.h"
+#include "values/characters.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,10 +11,6 @@ namespace kvtdruck::druckwerk {
 namespace {
 
 constexpr std::size_t kMaximumLength = 2000;
-
-bool isDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
 
 bool continuesName(char16_t c) {
     return ExpressionScanner::startsName(c) || isDigit(c);

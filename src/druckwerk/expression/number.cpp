@@ -1,5 +1,6 @@
 #include "druckwerk/expression/number.h"
 
+#include "values/characters.h"
 #include "values/conversion.h"
 
 #include <algorithm>
@@ -18,10 +19,6 @@ constexpr std::int64_t kExactDouble = std::int64_t{1} << 53; // up to here a dou
 
 constexpr std::array<double, kMaximumDigits + 1> kPowers = {
     1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
-
-bool isDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
 
 /// Brings the rarer spellings into the form -1234.5E-6.
 class Normalizer {

@@ -1,11 +1,12 @@
 #include "platform/posix/atomic_file.h"
 
+#include "platform/posix/posix_error.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -17,10 +18,6 @@ namespace {
 
 constexpr int kMostLinks = 40; // as the kernel counts them
 constexpr std::size_t kBufferSize = 1 << 16;
-
-[[noreturn]] void fail(int error = errno) {
-    throw std::system_error(error, std::generic_category());
-}
 
 fs::path folderOf(const fs::path& file) {
     return file.has_parent_path() ? file.parent_path() : fs::path(".");
@@ -44,11 +41,11 @@ fs::path linkedFile(fs::path file) {
         if (::lstat(file.c_str(), &status) != 0 || !S_ISLNK(status.st_mode))
             return file;
         if (status.st_uid != ::geteuid() && status.st_uid != 0)
-            fail(EPERM);
+            throwSystemError(EPERM);
         file = folderOf(file) / fs::read_symlink(file);
     }
     if (!descriptorNamedBy(file))
-        fail(ELOOP);
+        throwSystemError(ELOOP);
     return file;
 }
 
@@ -66,7 +63,7 @@ AtomicFile::AtomicFile(const fs::path& target, Access access)
     if (named)
         openInPlace(::fcntl(*named, F_DUPFD_CLOEXEC, 0));
     else if (exists && S_ISDIR(status.st_mode))
-        fail(EISDIR);
+        throwSystemError(EISDIR);
     else if (exists && !S_ISREG(status.st_mode))
         openInPlace(::open(target_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
     else
@@ -82,7 +79,7 @@ AtomicFile::Unfinished::~Unfinished() {
 
 void AtomicFile::openInPlace(int descriptor) {
     if (descriptor < 0)
-        fail();
+        throwSystemError();
     unfinished_.descriptor = descriptor;
     inPlace_ = true;
 }
@@ -96,7 +93,7 @@ void AtomicFile::create(Access access) {
         std::string name = randomNameIn(folderOf(target_));
         unfinished_.descriptor = ::mkostemp(name.data(), O_CLOEXEC);
         if (unfinished_.descriptor < 0)
-            fail();
+            throwSystemError();
         unfinished_.name = std::move(name);
     }
     takeAttributes(target_, access);
@@ -109,18 +106,18 @@ void AtomicFile::takeAttributes(const fs::path& replaced, Access access) const {
             const mode_t mask = ::umask(0);
             ::umask(mask);
             if (::fchmod(unfinished_.descriptor, 0666 & ~mask) != 0)
-                fail();
+                throwSystemError();
         }
         return;
     }
     if (::access(replaced.c_str(), W_OK) != 0)
-        fail(); // a file that is read-only stays as it is
+        throwSystemError(); // a file that is read-only stays as it is
     mode_t mode = status.st_mode & 07777;
     if (::fchown(unfinished_.descriptor, status.st_uid, status.st_gid) != 0 &&
         ::fchown(unfinished_.descriptor, static_cast<uid_t>(-1), status.st_gid) != 0)
         mode &= ~static_cast<mode_t>(S_IRWXG); // another group than the one that was meant must not read it
     if (::fchmod(unfinished_.descriptor, mode) != 0)
-        fail();
+        throwSystemError();
 }
 
 void AtomicFile::write(std::string_view data) {
@@ -142,33 +139,33 @@ void AtomicFile::nameContent() {
         std::string name = randomNameIn(folderOf(target_));
         const int taken = ::mkostemp(name.data(), O_CLOEXEC);
         if (taken < 0)
-            fail();
+            throwSystemError();
         ::close(taken);
         ::unlink(name.c_str());
         if (::linkat(AT_FDCWD, content.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
             unfinished_.name = std::move(name);
         else if (errno != EEXIST)
-            fail();
+            throwSystemError();
     }
     if (unfinished_.name.empty())
-        fail(EEXIST);
+        throwSystemError(EEXIST);
 }
 
 void AtomicFile::commit() {
     flush();
     if (!inPlace_) {
         if (::fsync(unfinished_.descriptor) != 0)
-            fail();
+            throwSystemError();
         if (unfinished_.name.empty())
             nameContent();
     }
     if (::close(std::exchange(unfinished_.descriptor, -1)) != 0)
-        fail();
+        throwSystemError();
     if (inPlace_)
         return;
     const fs::path place = folderOf(target_); // behind the renaming nothing may fail
     if (::rename(unfinished_.name.c_str(), target_.c_str()) != 0)
-        fail();
+        throwSystemError();
     unfinished_.name.clear();
     // The new name as well; where a folder can't be flushed, the file is complete all the same.
     const int folder = ::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -184,7 +181,7 @@ void writeAll(int descriptor, std::string_view data) {
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0)
-            fail();
+            throwSystemError();
         data.remove_prefix(static_cast<std::size_t>(written));
     }
 }

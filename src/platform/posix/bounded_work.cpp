@@ -2,6 +2,7 @@
 
 #include "platform/posix/atomic_file.h"
 #include "platform/posix/memory_watch.h"
+#include "platform/posix/posix_error.h"
 
 #include <array>
 #include <cerrno>
@@ -82,7 +83,7 @@ std::optional<std::string> readAll(int pipe, std::chrono::steady_clock::time_poi
 std::optional<std::string> runBounded(const WorkLimits& limits, const std::function<std::string()>& work) {
     std::array<int, 2> pipe{};
     if (::pipe2(pipe.data(), O_CLOEXEC) != 0)
-        throw std::system_error(errno, std::generic_category());
+        throwSystemError();
     const pid_t child = ::fork();
     if (child == 0) {
         ::close(pipe[0]);
@@ -92,7 +93,7 @@ std::optional<std::string> runBounded(const WorkLimits& limits, const std::funct
     ::close(pipe[1]);
     if (child < 0) {
         ::close(pipe[0]);
-        throw std::system_error(error, std::generic_category());
+        throwSystemError(error);
     }
     const auto result = readAll(pipe[0], std::chrono::steady_clock::now() + std::chrono::seconds(limits.waiting));
     ::close(pipe[0]);

@@ -1,8 +1,9 @@
 #include "platform/posix/input_file.h"
 
+#include "platform/posix/posix_error.h"
+
 #include <array>
 #include <cerrno>
-#include <system_error>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -15,17 +16,13 @@ namespace {
 /// A signal that comes just before the wait does not end it, so none is longer than this.
 constexpr int kLongestWait = 100; // milliseconds
 
-[[noreturn]] void fail(int error) {
-    throw std::system_error(error, std::generic_category());
-}
-
 class Input {
   public:
     /// Without waiting: a pipe that nobody writes to yet is open at once.
     explicit Input(const std::filesystem::path& file)
         : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
         if (descriptor_ < 0)
-            fail(errno);
+            throwSystemError();
     }
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
@@ -35,12 +32,12 @@ class Input {
         pollfd input{descriptor_, POLLIN, 0};
         for (;;) {
             if (cancelled != nullptr && *cancelled)
-                fail(ECANCELED);
+                throwSystemError(ECANCELED);
             const int ready = ::poll(&input, 1, kLongestWait);
             if (ready > 0)
                 return;
             if (ready < 0 && errno != EINTR)
-                fail(errno);
+                throwSystemError();
         }
     }
 
@@ -48,7 +45,7 @@ class Input {
     ssize_t read(char* data, std::size_t size) const {
         const ssize_t count = ::read(descriptor_, data, size);
         if (count < 0 && errno != EINTR && errno != EAGAIN)
-            fail(errno);
+            throwSystemError();
         return count;
     }
 
@@ -70,7 +67,7 @@ std::string readInput(const std::filesystem::path& file, std::size_t most, const
         if (count < 0)
             continue;
         if (content.size() + std::size_t(count) > most)
-            fail(EFBIG);
+            throwSystemError(EFBIG);
         content.append(piece.data(), std::size_t(count));
     }
 }

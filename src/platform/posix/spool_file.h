@@ -2,13 +2,13 @@
 #pragma once
 
 #include "platform/posix/atomic_file.h"
+#include "platform/posix/posix_error.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -23,7 +23,7 @@ class SpoolFile {
         auto name = (std::filesystem::temp_directory_path() / "kvtdruck-XXXXXX").string();
         descriptor_ = ::mkostemp(name.data(), O_CLOEXEC); // mode 0600
         if (descriptor_ < 0)
-            throw std::system_error(errno, std::generic_category());
+            throwSystemError();
         ::unlink(name.c_str());
     }
     SpoolFile(const SpoolFile&) = delete;
@@ -41,7 +41,7 @@ class SpoolFile {
             if (size < 0 && errno == EINTR)
                 continue;
             if (size < 0)
-                throw std::system_error(errno, std::generic_category());
+                throwSystemError();
             if (size == 0)
                 return;
             take(std::string_view(piece).substr(0, static_cast<std::size_t>(size)));
