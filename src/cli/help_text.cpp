@@ -13,7 +13,7 @@
 namespace kvtdruck::cli {
 namespace {
 
-constexpr std::size_t kNameColumn = 34;
+constexpr std::size_t kOptionColumn = 34;
 constexpr std::size_t kNarrowest = 60;
 constexpr std::size_t kUsual = 100;
 
@@ -57,7 +57,7 @@ class GermanHelp final : public CLI::Formatter {
         label("OPTIONS", "OPTIONEN");
         label("SUBCOMMAND", "BEFEHL");
         label("Positionals", "Argumente");
-        column_width(kNameColumn);
+        column_width(kOptionColumn);
     }
 
   private:
@@ -75,9 +75,9 @@ class GermanHelp final : public CLI::Formatter {
     static std::string entry(const std::string& name, const std::string& description) {
         auto line = "  " + name;
         const auto letters = lettersOf(line);
-        line += letters + 1 < kNameColumn ? std::string(kNameColumn - letters, ' ')
-                                          : "\n" + std::string(kNameColumn, ' ');
-        return line + wrapped(description, kNameColumn, width() - kNameColumn) + "\n";
+        line += letters + 1 < kOptionColumn ? std::string(kOptionColumn - letters, ' ')
+                                          : "\n" + std::string(kOptionColumn, ' ');
+        return line + wrapped(description, kOptionColumn, width() - kOptionColumn) + "\n";
     }
 };
 

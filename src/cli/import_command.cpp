@@ -80,7 +80,7 @@ Value dateOf(const SchemaColumn& column, const std::string& text, const CsvPlace
     return std::string(iso);
 }
 
-Value valueOf(const SchemaColumn& column, const std::string& text, const CsvPlace& place) {
+Value valueIn(const SchemaColumn& column, const std::string& text, const CsvPlace& place) {
     if (text.empty() && column.isKey)
         place.fail(column.name + " ist ein Schlüssel und darf nicht leer sein.");
     if (text.empty())
@@ -194,7 +194,7 @@ class Import {
         for (std::size_t i = 0; i < line.cells.size(); ++i) {
             if (!file.columns[i])
                 continue;
-            row.push_back(valueOf(*file.columns[i], line.cells[i].text, {file.name, line.number, i + 1}));
+            row.push_back(valueIn(*file.columns[i], line.cells[i].text, {file.name, line.number, i + 1}));
             if (file.columns[i]->isKey)
                 key += keyText(row.back()) + "\n";
         }

@@ -27,7 +27,7 @@
 namespace kvtdruck::cli {
 namespace {
 
-constexpr int kBetweenLooks = 100; // milliseconds
+constexpr int kPause = 100; // milliseconds
 
 /// A process that does one work and ends with it. It is cancelled with this one, and gone before this one's own
 /// grace ends.
@@ -45,7 +45,7 @@ class Child {
             passOnCancellation();
             const auto ended = ::waitpid(id_, &status, WNOHANG);
             if (ended == 0)
-                ::poll(nullptr, 0, kBetweenLooks / 10);
+                ::poll(nullptr, 0, kPause / 10);
             else if (ended == id_ || errno != EINTR)
                 id_ = 0;
         }
@@ -75,7 +75,7 @@ class Turns {
     bool take(
         std::size_t end, const std::function<void()>& meanwhile = [] {}) const {
         pollfd waiting{ends_[end].number(), POLLIN, 0};
-        while (::poll(&waiting, 1, kBetweenLooks) <= 0)
+        while (::poll(&waiting, 1, kPause) <= 0)
             meanwhile();
         char c = 0;
         return ::recv(ends_[end].number(), &c, 1, 0) == 1;

@@ -8,7 +8,7 @@ namespace kvtdruck::druckwerk {
 
 namespace {
 
-constexpr double kTolerance = 0.01; // of a point
+constexpr double kSpare = 0.01; // of a point
 
 double heightOf(const std::optional<Band>& band) {
     return band ? band->height : 0;
@@ -116,7 +116,7 @@ bool PrintJob::printLine() {
     const bool requested = !fresh && closed && wantsNewPage(broken);
     const double growth = growthOf(*layout_.row, Moment::Now);
     const double needed = heightOfHeads(fresh) + layout_.row->height + growth + reserve();
-    if (!fresh && (!closed || requested || y_ + needed > bottom_ + kTolerance)) {
+    if (!fresh && (!closed || requested || y_ + needed > bottom_ + kSpare)) {
         pageFull_ = true;
         carries_ = closed && !requested && (layout_.groups.empty() || openGroups_ > 0);
         return false;
@@ -156,7 +156,7 @@ void PrintJob::takeLineIntoAccount() {
 }
 
 void PrintJob::drawRow(double growth) {
-    const bool tooTall = y_ + layout_.row->height + growth > bottom_ + kTolerance;
+    const bool tooTall = y_ + layout_.row->height + growth > bottom_ + kSpare;
     if (tooTall) {
         warn_(layout_.row->place + ": Zeile ist höher als die Seite und wurde abgeschnitten");
         document_.canvas().beginClip({0, 0, layout_.width, bottom_});
@@ -193,7 +193,7 @@ bool PrintJob::closeGroups(std::size_t level) {
         if (!foot || !holds(*foot, Moment::Printed))
             continue;
         const double growth = growthOf(*foot, Moment::Printed);
-        if (pageLines_ > 0 && y_ + foot->height + growth > bottom_ + kTolerance)
+        if (pageLines_ > 0 && y_ + foot->height + growth > bottom_ + kSpare)
             return false;
         bindPage(true);
         flow(*foot, Moment::Printed, growth);
@@ -262,7 +262,7 @@ void PrintJob::closeTable() {
     if (!layout_.sum || tableLines_ == 0 || !holds(*layout_.sum, Moment::Printed))
         return;
     const double growth = growthOf(*layout_.sum, Moment::Printed);
-    if (pageLines_ > 0 && y_ + layout_.sum->height + growth > bottom_ + kTolerance)
+    if (pageLines_ > 0 && y_ + layout_.sum->height + growth > bottom_ + kSpare)
         beginPage();
     bindPage(true);
     flow(*layout_.sum, Moment::Printed, growth);

@@ -46,20 +46,20 @@ class NamedValues {
     bool isNew_ = false;
 };
 
-/// The file of a job, or of several that share it, and what writes it.
-struct OpenFile {
-    explicit OpenFile(const DataExportOptions& options)
-        : file(std::make_unique<AtomicFile>(options.output)), writer(openWriter(options, *file)) {}
-
-    std::unique_ptr<AtomicFile> file;
-    std::unique_ptr<RecordWriter> writer;
-};
-
 } // namespace
 
-/// The file that jobs write into, while it is open.
+/// The file of a job, or of several that share it, while it is open.
 struct DataFile {
-    std::optional<OpenFile> open;
+    /// The file and what writes it.
+    struct Open {
+        explicit Open(const DataExportOptions& options)
+            : file(std::make_unique<AtomicFile>(options.output)), writer(openWriter(options, *file)) {}
+
+        std::unique_ptr<AtomicFile> file;
+        std::unique_ptr<RecordWriter> writer;
+    };
+
+    std::optional<Open> open;
 };
 
 namespace {

@@ -22,7 +22,7 @@ constexpr const char* kMark = "data-feldliste";
 /// Millimetres of the palette: its distance from the page, the height of a line, the width of a column, the place
 /// of the notes in it and its lines.
 constexpr double kGap = 10;
-constexpr double kLineHeight = 6;
+constexpr double kEntryHeight = 6;
 constexpr double kColumnWidth = 190;
 constexpr double kNotes = 70;
 constexpr int kLinesPerColumn = 45;
@@ -30,7 +30,7 @@ constexpr int kLinesPerColumn = 45;
 constexpr std::size_t kLongestValue = 30;
 constexpr std::size_t kLongestNote = 75;
 constexpr const char* kName = "font-size:3.5px;font-weight:normal";
-constexpr const char* kHeading = "font-size:3.5px;font-weight:bold";
+constexpr const char* kHeadingStyle = "font-size:3.5px;font-weight:bold";
 constexpr const char* kNote = "font-size:3px;fill:#5c6873";
 
 constexpr const char* kSvg = "http://www.w3.org/2000/svg";
@@ -129,7 +129,7 @@ void addPalette(xmlNode* svg, const std::vector<Definition>& definitions, const 
     double x = pageWidth(svg) + kGap;
     for (const bool fields : {false, true}) {
         int line = 0;
-        addText(layer, x, 0, fields ? "Felder" : "Variablen", kHeading);
+        addText(layer, x, 0, fields ? "Felder" : "Variablen", kHeadingStyle);
         for (const auto& definition : definitions) {
             if (definition.field != fields)
                 continue;
@@ -137,7 +137,7 @@ void addPalette(xmlNode* svg, const std::vector<Definition>& definitions, const 
                 line = 0;
                 x += kColumnWidth;
             }
-            addEntry(layer, x, ++line * kLineHeight, definition, notes);
+            addEntry(layer, x, ++line * kEntryHeight, definition, notes);
         }
         x += kColumnWidth;
     }

@@ -17,7 +17,7 @@ constexpr std::size_t kHeadRow = 6;
 constexpr int kWholeYear = 13;
 /// Columns together that fit upright onto a page and can still be read.
 constexpr unsigned kWidestUpright = 110;
-constexpr unsigned kLineHeight = 15; // points
+constexpr unsigned kRowHeight = 15; // points
 constexpr std::string_view kSum = "sum";
 constexpr std::string_view kMonthOfRow = "##";
 
@@ -316,7 +316,7 @@ void SheetTable::headings(const SheetLook& look) {
         const auto width = look.widths[texts.size() - 1];
         lines = std::max(lines, (texts.back().size() + width - 2) / (width - 1));
     }
-    sheet_->beginRow(unsigned(lines) * kLineHeight);
+    sheet_->beginRow(unsigned(lines) * kRowHeight);
     for (std::size_t i = 0; i < columns_.size(); ++i)
         sheet_->text(texts[i], isText(columns_[i]->format) ? kHeading : kNumberHeading);
     sheet_->endRow();
