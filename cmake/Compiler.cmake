@@ -23,6 +23,13 @@ if(KVT_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# kvt_batches(TARGET CONDITION): where the condition holds, a dozen sources of the target are compiled as one, in half the
+# time. It is for builds beside the plain one for Linux, which compiles each source alone: so a source includes what it
+# uses, lint sees it, and a change is soon built.
+function(kvt_batches target condition)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD "${condition}" UNITY_BUILD_BATCH_SIZE 12)
+endfunction()
+
 if(WIN32)
   # Self-contained, with address space randomisation, no executable data, and symbols that winedbg can read.
   add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)

@@ -44,9 +44,11 @@ def dependencies(build):
 
 
 def fingerprint(entry, files, rules):
-    """Stands for everything that a finding depends on; paths count without the clone's place."""
+    """Stands for everything that a finding depends on, so not for how the compiler optimises and what it tells a
+    debugger; paths count without the clone's place."""
     words = shlex.split(entry["command"])
-    parts = [rules, " ".join(words[words.index(compiler_of(entry)):])]
+    command = [word for word in words[words.index(compiler_of(entry)):] if not re.match("-[Og]", word)]
+    parts = [rules, " ".join(command)]
     parts += [path + content_hash(path) for path in sorted(files)]
     return hashlib.sha256("\n".join(parts).replace(str(ROOT), "").encode()).hexdigest()[:32]
 
