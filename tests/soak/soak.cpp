@@ -106,15 +106,23 @@ class Soak {
   private:
     static constexpr std::size_t kKinds = 4; ///< pages and three kinds of data
 
+    /// A year, and two employees: the sheets of all of them take as long as all other lists together.
+    static const catalog::Selections& selections() {
+        using enum catalog::Selection;
+        static const catalog::Selections kSelections{{Year, 2024}, {EmployeeFrom, 1}, {EmployeeTo, 2}};
+        return kSelections;
+    }
+
     static std::shared_ptr<catalog::ParameterArray> arrayFor(const catalog::ReportEntry& report,
                                                              const fs::path& values) {
         const auto name = std::string(report.listName) + ".csv";
         if (report.isFedByValues())
             return catalog::parseValues(report, readInput(values / name, kMostValues), name);
-        const bool hasYear = std::ranges::any_of(
-            report.selections(), [](const auto* option) { return option->selection == catalog::Selection::Year; });
-        return catalog::parameterArray(report, hasYear ? catalog::Selections{{catalog::Selection::Year, 2024}}
-                                                       : catalog::Selections{});
+        catalog::Selections chosen;
+        for (const auto* option : report.selections())
+            if (const auto found = selections().find(option->selection); found != selections().end())
+                chosen.insert(*found);
+        return catalog::parameterArray(report, chosen);
     }
 
     std::unique_ptr<FormFactory> factoryFor(std::size_t kind) const {
