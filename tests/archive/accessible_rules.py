@@ -1,5 +1,6 @@
 """What makes a document accessible, clause by clause: its structure (ISO 32000-1), what PDF/A-3 asks for at level A, and PDF/UA-1
 (ISO 14289-1:2014). Numbers in brackets are those of the Matterhorn Protocol 1.1."""
+import collections
 import functools
 import re
 from xml.etree import ElementTree
@@ -89,11 +90,13 @@ def marked_content(file):
 @STRUCTURE.rule("14.7.4.4")
 def parent_tree(file):
     structure = structure_of(file)
+    of_pages = collections.defaultdict(list)
+    for (page, number), element in structure.owners.items():
+        of_pages[page].append((number, element))
     for page in file.pages:
-        listed_owners = structure.parents.get(page.get("/StructParents", -1), [])
-        for (owner_page, number), element in structure.owners.items():
-            if owner_page == page.objgen and (number >= len(listed_owners) or
-                                              listed_owners[number].objgen != element.dictionary.objgen):
+        owners = [getattr(owner, "objgen", None) for owner in structure.parents.get(page.get("/StructParents", -1), [])]
+        for number, element in of_pages[page.objgen]:
+            if number >= len(owners) or owners[number] != element.dictionary.objgen:
                 yield f"mark {number} of page {page.objgen} does not lead to its {element.type}"
     for found in annotations_of(file):
         owner = structure.parents.get(found.get("/StructParent", -1))
@@ -108,8 +111,7 @@ def parent_tree(file):
 def nested_marks(file):
     for page in file.pages:
         open_now = []
-        for instruction in pikepdf.parse_content_stream(page):
-            operator = str(instruction.operator)
+        for operator, _ in file.content_of(page):
             if operator in ("BT", "BMC", "BDC"):
                 open_now.append(operator)
             elif operator in ("ET", "EMC"):

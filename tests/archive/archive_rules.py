@@ -5,7 +5,7 @@ from xml.etree import ElementTree
 
 import pikepdf
 
-from pdf_file import inherited, values_of, widths_of
+from pdf_file import inherited, kind_of, values_of, widths_of
 from rules import Rules
 
 ARCHIVE = Rules("ISO 19005-3")
@@ -114,18 +114,17 @@ def permissions(file):
 def limits(file):
     for _, _, instructions in file.contents:
         depth = deepest = 0
-        for instruction in instructions:
-            operator = str(instruction.operator)
+        for operator, _ in instructions:
             depth += (operator == "q") - (operator == "Q")
             deepest = max(deepest, depth)
         if deepest > 28:
             yield f"{deepest} nested graphics states"
     for found in file.dictionaries:
-        for key in found.keys():
-            value = found.get(key)
-            if len(key.encode()) > 128 or isinstance(value, pikepdf.Name) and len(str(value).encode()) > 128:
+        for key, value in found.items():
+            kind = kind_of(value)
+            if len(key.encode()) > 128 or kind == "name" and len(str(value).encode()) > 128:
                 yield f"a name longer than 127 bytes: {key[:20]}"
-            if isinstance(value, pikepdf.String) and len(bytes(value)) > 32767:
+            if kind == "string" and len(bytes(value)) > 32767:
                 yield f"a string longer than 32,767 bytes: {key}"
     for page in file.pages:
         box = [float(number) for number in inherited(page, "/MediaBox")]
@@ -137,8 +136,7 @@ def limits(file):
 def content_streams(file):
     for owner, resources, instructions in file.contents:
         used = {}
-        for instruction in instructions:
-            operator, operands = str(instruction.operator), instruction.operands
+        for operator, operands in instructions:
             if operator not in OPERATORS:
                 yield f"operator {operator}"
             kind = {"Tf": "/Font", "Do": "/XObject", "gs": "/ExtGState", "sh": "/Shading"}.get(operator)
@@ -196,8 +194,7 @@ def device_colours(file):
     used = set()
     for _, resources, instructions in file.contents:
         defaults = (resources or {}).get("/ColorSpace", {})
-        for instruction in instructions:
-            operator, operands = str(instruction.operator), instruction.operands
+        for operator, operands in instructions:
             name = {"rg": "RGB", "RG": "RGB", "k": "CMYK", "K": "CMYK", "g": "Gray", "G": "Gray"}.get(operator)
             if operator in ("cs", "CS"):
                 name = str(operands[0]).removeprefix("/Device") if str(operands[0]).startswith("/Device") else None
@@ -232,8 +229,7 @@ def states_of(file):
 def rendering_intents(file):
     intents = [found.get("/Intent") for found in file.streams if found.get("/Subtype") == "/Image"]
     intents += [found.get("/RI") for found in states_of(file)]
-    intents += [instruction.operands[0] for _, _, instructions in file.contents for instruction in instructions
-                if str(instruction.operator) == "ri"]
+    intents += [operands[0] for _, _, instructions in file.contents for operator, operands in instructions if operator == "ri"]
     for intent in intents:
         if intent is not None and str(intent) not in ("/RelativeColorimetric", "/AbsoluteColorimetric", "/Perceptual",
                                                       "/Saturation"):
@@ -289,7 +285,7 @@ def composite_fonts(file):
     for found in file.fonts:
         if found.get("/Subtype") != "/Type0":
             continue
-        encoding, descendant = found.get("/Encoding"), found.DescendantFonts[0]
+        encoding, descendant = found.get("/Encoding"), found["/DescendantFonts"][0]
         if str(encoding) not in ("/Identity-H", "/Identity-V") and not isinstance(encoding, pikepdf.Stream):
             yield f"encoding {encoding} is not in the file"
         if descendant.get("/Subtype") == "/CIDFontType2" and not isinstance(
@@ -394,8 +390,8 @@ def forms(file):
 def actions(file):
     for found in file.dictionaries:
         if "/S" in found and (found.get("/Type") == "/Action" or "/URI" in found or "/JS" in found):
-            if str(found.S) not in ACTIONS:
-                yield f"action {found.S}"
+            if str(found["/S"]) not in ACTIONS:
+                yield f"action {found['/S']}"
     if "/JavaScript" in file.root.get("/Names", {}):
         yield "scripts"
 
@@ -482,7 +478,7 @@ def embedded_files(file):
             yield "an embedded file does not say what it is to the document"
         if "/F" not in found or "/UF" not in found:
             yield "an embedded file has no name"
-        if "/Subtype" not in found.EF.F.keys():
+        if "/Subtype" not in found["/EF"].F.keys():
             yield "an embedded file does not say its kind"
         if found.objgen not in associated:
             yield "an embedded file belongs to nothing"

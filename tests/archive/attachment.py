@@ -17,6 +17,7 @@ import unittest
 import pikepdf
 
 from check import findings_of, level_of
+from pdf_file import PdfFile
 
 PROGRAM, LAYOUTS, DATABASE, VALUES = sys.argv[1:]
 KINDS = {"csv": "/text/csv", "json": "/application/json",
@@ -51,15 +52,15 @@ class AttachmentTest(unittest.TestCase):
                 with self.subTest(f"{report}, {kind}"):
                     pdf = self.print(report, "out.pdf", "--beilage", kind, *options)
                     exported = self.print(report, f"out.{kind}", *options).read_bytes()
-                    with pikepdf.open(pdf) as file:
-                        filespec = file.Root.AF[0]
-                        self.assertEqual(filespec.AFRelationship, "/Data")
-                        self.assertEqual(str(filespec.UF), f"{report}.{kind}")
-                        self.assertEqual(filespec.EF.F.Subtype, name)
-                        self.assertEqual(filespec.EF.F.Params.Size, len(exported))
-                        self.assertEqual(filespec.EF.F.read_bytes(), exported)
-                    self.assertEqual(findings_of(pdf), [])
-                    self.assertEqual(level_of(pdf), "PDF/A-3u")
+                    file = PdfFile(pdf)
+                    filespec = file.root.AF[0]
+                    self.assertEqual(filespec.AFRelationship, "/Data")
+                    self.assertEqual(str(filespec.UF), f"{report}.{kind}")
+                    self.assertEqual(filespec.EF.F.Subtype, name)
+                    self.assertEqual(filespec.EF.F.Params.Size, len(exported))
+                    self.assertEqual(filespec.EF.F.read_bytes(), exported)
+                    self.assertEqual(findings_of(file), [])
+                    self.assertEqual(level_of(file), "PDF/A-3u")
 
     def test_readers_give_it_out(self):
         pdf = self.print("GemeinK", "out.pdf", "--beilage", "csv", "--jahr", "2024")

@@ -7,9 +7,8 @@ from archive_rules import ARCHIVE, PDFAID, property_of
 from pdf_file import PdfFile
 
 
-def findings_of(path, every=1):
-    """`every`: of the pages only each so many-th has its content read; that goes for files without structure alone."""
-    file = PdfFile(path, every)
+def findings_of(file):
+    """What is wrong with a PdfFile by the standards that it promises to keep."""
     standards = [ARCHIVE]
     if property_of(file, f"{PDFAID}conformance") == "A":
         standards += [LEVEL_A, STRUCTURE]
@@ -18,9 +17,8 @@ def findings_of(path, every=1):
     return [finding for standard in standards for finding in standard.findings(file)]
 
 
-def level_of(path):
-    """What the file promises: "PDF/A-3u", "PDF/A-3a, PDF/UA-1", or nothing."""
-    file = PdfFile(path)
+def level_of(file):
+    """What a PdfFile promises: "PDF/A-3u", "PDF/A-3a, PDF/UA-1", or nothing."""
     conformance = property_of(file, f"{PDFAID}conformance")
     part = property_of(file, f"{PDFUAID}part")
     return ", ".join(level for level in (conformance and f"PDF/A-3{conformance.lower()}", part and f"PDF/UA-{part}") if level)
@@ -29,8 +27,9 @@ def level_of(path):
 if __name__ == "__main__":
     found = 0
     for path in sys.argv[1:]:
-        for finding in findings_of(path):
+        file = PdfFile(path)
+        for finding in findings_of(file):
             found += 1
             print(f"{path}: {finding.clause}: {finding.text}")
-        print(path, level_of(path) or "plain")
+        print(path, level_of(file) or "plain")
     sys.exit(found > 0)

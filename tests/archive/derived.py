@@ -7,6 +7,7 @@ import sys
 import tempfile
 
 from check import findings_of, level_of
+from pdf_file import PdfFile
 
 LISTS = ["Umsatz", "MitUeber", "KalkKo", "MaKost"]
 CASES = {
@@ -23,10 +24,11 @@ def failures_in(program, database, values, folder):
             pdf = folder / "out.pdf"
             subprocess.run([program, "drucken", *words, pdf, "--datenbank", database, "--ordner", folder, *options], check=True,
                            capture_output=True, cwd=values)
-            if level_of(pdf) != level:
-                yield f"{case}: the level is „{level_of(pdf)}“ and not „{level}“"
+            file = PdfFile(pdf)
+            if level_of(file) != level:
+                yield f"{case}: the level is „{level_of(file)}“ and not „{level}“"
             if level:
-                yield from (f"{case}: {finding.clause}: {finding.text}" for finding in findings_of(pdf))
+                yield from (f"{case}: {finding.clause}: {finding.text}" for finding in findings_of(file))
             check = subprocess.run(["qpdf", "--check", pdf], capture_output=True, text=True)
             if check.returncode != 0:
                 yield f"{case}: {check.stdout}{check.stderr}"

@@ -9,6 +9,7 @@ import pikepdf
 from pikepdf import Array, Dictionary, Name, Stream, String
 
 from check import findings_of
+from pdf_file import PdfFile
 
 FAULTS = []
 
@@ -698,15 +699,15 @@ def planted(function, in_bytes, sound, target):
 
 
 def failures_of(path, faults, folder):
-    failures = [f"the sound file: {finding}" for finding in findings_of(path)]
+    failures = [f"the sound file: {finding}" for finding in findings_of(PdfFile(path))]
     sound = pathlib.Path(path)
     target = pathlib.Path(folder) / "planted.pdf"
     planted(None, False, sound, target)
-    failures += [f"the sound file, saved again: {finding}" for finding in findings_of(target)]
+    failures += [f"the sound file, saved again: {finding}" for finding in findings_of(PdfFile(target))]
     for clause, function, in_bytes in faults:
         planted(function, in_bytes, sound, target)
         try:
-            found = findings_of(target)
+            found = findings_of(PdfFile(target))
         except Exception as error:
             failures.append(f"{function.__name__}: {error!r}")
             continue

@@ -71,7 +71,7 @@ class Metadata(unittest.TestCase):
 
     def test_plain_file_has_nothing_of_the_archive(self):
         pdf = self.print("Umsatz", "--pdf", "einfach")
-        self.assertEqual(level_of(pdf), "")
+        self.assertEqual(level_of(PdfFile(pdf)), "")
         root = pikepdf.open(pdf).Root
         self.assertNotIn("/Metadata", root)
         self.assertNotIn("/OutputIntents", root)

@@ -14,6 +14,7 @@ sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "cli"))
 
 import hostile_data  # noqa: E402
 from check import findings_of, level_of  # noqa: E402
+from pdf_file import PdfFile  # noqa: E402
 
 # Scripts from both sides, joined letters, a picture, a character of nobody's, no character at all, markup, addresses.
 STRANGE = "Müller & <Söhne> שלום مرحبا हिन्दी ไทยกำ 漢字 👍 \U000f1234 \ufeff \ufffe \x07 e\u0301 info@muster.de, www.muster.de/a?b=1&c."
@@ -51,9 +52,10 @@ def main():
                 check = subprocess.run(["qpdf", "--check", pdf], capture_output=True, text=True)
                 if check.returncode != 0:
                     failures.append(f"{name}: {check.stdout}{check.stderr}")
-                failures += [f"{name}: {finding.clause}: {finding.text}" for finding in findings_of(pdf)]
-                if level_of(pdf) != level:
-                    failures.append(f"{name}: the level is „{level_of(pdf)}“")
+                file = PdfFile(pdf)
+                failures += [f"{name}: {finding.clause}: {finding.text}" for finding in findings_of(file)]
+                if level_of(file) != level:
+                    failures.append(f"{name}: the level is „{level_of(file)}“")
                 files += 1
     print("\n".join(failures) or f"{report}: {files} files as they say")
     return len(failures)

@@ -6,10 +6,10 @@ from pdf_file import PdfFile
 from structure import Structure
 
 
-def said_in(path):
-    structure = Structure(PdfFile(path))
+def said_in(file):
+    structure = Structure(file)
     return [text for text in map(structure.said, structure.elements) if text]
 
 
 if __name__ == "__main__":
-    print("\n".join(said_in(sys.argv[1])))
+    print("\n".join(said_in(PdfFile(sys.argv[1]))))

@@ -4,7 +4,7 @@ import functools
 
 import pikepdf
 
-from pdf_file import SHOWING, inherited, shown_in, unicode_map
+from pdf_file import SHOWING, inherited, kind_of, shown_in, unicode_map
 
 # ISO 32000-1, 14.8.4, what this writer uses and what checkers know
 GROUPING = {"Document", "Part", "Art", "Sect", "Div", "BlockQuote", "Caption", "TOC", "TOCI", "Index", "NonStruct", "Private"}
@@ -25,19 +25,19 @@ class Element:
         self.dictionary, self.parent = dictionary, parent
         self.kids, self.contents, self.objects = [], [], []
 
-    @property
+    @functools.cached_property
     def type(self):
         return str(self.dictionary.get("/S", "/?"))[1:]
 
-    @property
+    @functools.cached_property
     def id(self):
         return bytes(self.dictionary["/ID"]) if "/ID" in self.dictionary else None
 
     def attribute(self, owner, name):
         """An attribute's value, or None."""
         attributes = self.dictionary.get("/A")
-        for found in attributes if isinstance(attributes, pikepdf.Array) else [attributes]:
-            if isinstance(found, pikepdf.Dictionary) and found.get("/O") == f"/{owner}" and f"/{name}" in found:
+        for found in listed(attributes):
+            if kind_of(found) == "dictionary" and found.get("/O") == f"/{owner}" and f"/{name}" in found:
                 return found[f"/{name}"]
         return None
 
@@ -73,7 +73,7 @@ class Structure:
         for kid in listed(dictionary.get("/K")):
             if isinstance(kid, int):
                 element.contents.append((page, kid))
-            elif not isinstance(kid, pikepdf.Dictionary):
+            elif kind_of(kid) != "dictionary":
                 self.wrong.append(f"a kid of {element.type} is {kid!r}")
             elif kid.get("/Type") == "/MCR":
                 element.contents.append((kid.get("/Pg", page), int(kid.MCID)))
@@ -102,10 +102,8 @@ class Structure:
         found = []
         for page in self.file.pages:
             marks = []
-            for instruction in pikepdf.parse_content_stream(page):
-                operator = str(instruction.operator)
+            for operator, operands in self.file.content_of(page):
                 if operator in ("BMC", "BDC"):
-                    operands = list(instruction.operands)
                     marks.append(Mark(str(operands[0])[1:], operands[1] if len(operands) > 1 else pikepdf.Dictionary()))
                 elif operator == "EMC":
                     marks = marks[:-1]
@@ -118,7 +116,7 @@ class Structure:
         """What each mark says: (page, number of the mark)."""
         found, maps = collections.defaultdict(str), {}
         for page in self.file.pages:
-            for text in shown_in(inherited(page, "/Resources"), pikepdf.parse_content_stream(page)):
+            for text in shown_in(inherited(page, "/Resources"), self.file.content_of(page)):
                 properties = next((mark[1] for mark in reversed(text.marks) if len(mark) > 1 and "/MCID" in mark[1]), None)
                 if properties is None:
                     continue
@@ -157,7 +155,7 @@ class Structure:
 def listed(value):
     if value is None:
         return []
-    return list(value) if isinstance(value, pikepdf.Array) else [value]
+    return list(value) if kind_of(value) == "array" else [value]
 
 
 def numbers_of(node, key):

@@ -2,21 +2,19 @@
 """What a layout shows in Inkscape is what it prints: the page's head, one row, the page's foot and every chart, compared as
 pictures with the sample company's print.
 
-usage: canvas_pictures.py PROGRAM LAYOUTS DATABASE LIST [OPTION…]
+usage: canvas_pictures.py PROGRAM LAYOUTS DATABASE DRAWN LIST [OPTION…], with what Inkscape draws in DRAWN, in_inkscape.py's
 """
-import os
 import pathlib
 import shutil
 import subprocess
 import sys
 import tempfile
-import xml.etree.ElementTree
 
 from PIL import Image, ImageChops, ImageFilter, ImageStat
 
 from layout_file import SVG, layers_of
 
-RESOLUTION = 127  # five points to the millimetre
+RESOLUTION = 127  # five points to the millimetre, as in_inkscape.py draws
 MILLIMETRE = RESOLUTION / 25.4
 # What two renderers make of the same page: the mean difference of an area in shades of 256, and the largest anywhere in it,
 # each point taken together with those around it.
@@ -28,31 +26,7 @@ FLOWING = ("Gruppen", "Summe", "Übertrag", "Vortrag")
 
 
 def fail(text):
-    sys.exit(f"{sys.argv[4]}: {text}")
-
-
-def without_guides(layout, copy):
-    """The layout without the frames of its bands, which are there for its author."""
-    tree = xml.etree.ElementTree.parse(layout)
-    for rect in tree.iter(SVG + "rect"):
-        if "band" in rect.get("class", "").split():
-            rect.set("style", "stroke:none")
-    tree.write(copy, encoding="utf-8")
-
-
-def drawn(layout, scratch):
-    """The layout as Inkscape draws it: the page, and below it as much of the canvas again."""
-    copy, picture = layout.parent / "ohne-hilfslinien.svg", scratch / "drawn.png"
-    without_guides(layout, copy)
-    page = xml.etree.ElementTree.parse(layout).getroot()
-    width, height = (float(page.get(side).removesuffix("mm")) / 25.4 * 96 for side in ("width", "height"))
-    environment = {**os.environ, "HOME": str(scratch), "XDG_CONFIG_HOME": str(scratch)}
-    environment.pop("DISPLAY", None)
-    subprocess.run(["inkscape", "--export-type=png", f"--export-filename={picture}", f"--export-dpi={RESOLUTION}",
-                    f"--export-area=0:0:{width}:{2 * height}", "--export-background=#ffffff", "--export-background-opacity=1", copy],
-                   env=environment, capture_output=True, check=True)
-    copy.unlink()
-    return Image.open(picture).convert("L")
+    sys.exit(f"{sys.argv[5]}: {text}")
 
 
 def printed(program, database, report, options, scratch, whole):
@@ -62,9 +36,9 @@ def printed(program, database, report, options, scratch, whole):
                           "--druckdatum", "2025-01-31", "--ausgabe", pdf, *options], capture_output=True, text=True)
     if run.returncode != 0:
         fail(run.stderr)
-    subprocess.run(["pdftoppm", "-r", str(RESOLUTION), "-gray", "-png", *([] if whole else ["-l", "1"]), pdf, scratch / "page"],
+    subprocess.run(["pdftoppm", "-r", str(RESOLUTION), "-gray", *([] if whole else ["-l", "1"]), pdf, scratch / "page"],
                    check=True)
-    return [Image.open(page).convert("L") for page in sorted(scratch.glob("page*.png"))]
+    return [Image.open(page) for page in sorted(scratch.glob("page*.pgm"))]
 
 
 def box_of(rect):
@@ -101,10 +75,10 @@ def difference(one, other):
 
 def compare(what, one, other):
     mean, largest = difference(one, other)
-    print(f"{sys.argv[4]}: {what}: {mean:.2f} on average, {largest:.0f} at most")
+    print(f"{sys.argv[5]}: {what}: {mean:.2f} on average, {largest:.0f} at most")
     if mean > MEAN or largest > LARGEST:
         for name, picture in (("drawn", one), ("printed", other)):
-            picture.save(f"canvas-{sys.argv[4]}-{what.split()[0]}-{name}.png")
+            picture.save(f"canvas-{sys.argv[5]}-{what.split()[0]}-{name}.png")
         fail(f"{what} looks different in Inkscape and in print: {mean:.2f} on average, {largest:.0f} at most")
 
 
@@ -124,13 +98,13 @@ def place_of(chart, box, pages):
 
 
 def main():
-    program, layouts, database, report, *options = sys.argv[1:]
+    program, layouts, database, drawn, report, *options = sys.argv[1:]
     with tempfile.TemporaryDirectory() as scratch:
         scratch = pathlib.Path(scratch)
         folder = scratch / "app" / "DB" / "BerichteLLVT"
         shutil.copytree(layouts, folder)
         layout = folder / f"{report}.svg"
-        picture = drawn(layout, scratch)
+        picture = Image.open(pathlib.Path(drawn) / f"{report}.png").convert("L")
         bottom, footer, charts = areas_of(layout)
         flows = any(label.startswith(FLOWING) for label, _ in charts)
         pages = printed(program, database, report, options, scratch, flows)

@@ -2,13 +2,12 @@
 """Reads a printed report back: every value that its layout shows of every record stands on the record's page, in German
 form, beside what the layout puts on the same line, records follow one another down the page, and no text is cut.
 
-usage: printed_values.py PROGRAM LAYOUTS DATABASE LIST [OPTION…]
+usage: printed_values.py PROGRAM LAYOUTS DATABASE DRAWN LIST [OPTION…], with what Inkscape saves in DRAWN, in_inkscape.py's
 
 Prints the report with its layout and with the layout as Inkscape saves it, and compares. What the engine was given comes
 from the program's own record of engine calls; numbers are formatted once more.
 """
 import json
-import os
 import pathlib
 import re
 import shutil
@@ -28,7 +27,7 @@ ENGINE_NAMES = {"Seite", "Seiten", "Druckdatum", "Seitenzeile", "Zeile"}
 
 
 def fail(text):
-    sys.exit(f"{sys.argv[4]}: {text}")
+    sys.exit(f"{sys.argv[5]}: {text}")
 
 
 def records_by_page(record):
@@ -135,13 +134,12 @@ def check_page(number, text, records, bands):
     return count
 
 
-def text_of(pdf, page=None):
-    pages = ["-f", str(page), "-l", str(page)] if page else []
-    return subprocess.run(["pdftotext", "-layout", *pages, pdf, "-"], capture_output=True, text=True, check=True).stdout
+def text_of(pdf):
+    return subprocess.run(["pdftotext", "-layout", pdf, "-"], capture_output=True, text=True, check=True).stdout
 
 
 def main():
-    program, layouts, database, report, *options = sys.argv[1:]
+    program, layouts, database, drawn, report, *options = sys.argv[1:]
     with tempfile.TemporaryDirectory() as scratch:
         scratch = pathlib.Path(scratch)
 
@@ -161,29 +159,24 @@ def main():
         pdf = printed("own", layout)
         pages = records_by_page(scratch / "own.txt")
         bands = shown_lines(layout)
-        count = sum(check_page(number, text_of(pdf, number), records, bands)
+        shown = text_of(pdf)
+        printed_pages = shown.split("\f")[:-1]
+        if len(printed_pages) < len(pages):
+            fail(f"there are not {len(pages)} pages")
+        count = sum(check_page(number, printed_pages[number - 1], records, bands)
                     for number, records in enumerate(pages, 1) if records)
         if count == 0:
             fail("the layout shows nothing that could be read back")
-        if "…" in text_of(pdf):
+        if "…" in shown:
             fail("a text of the sample company is cut")
-        printed_pages = text_of(pdf).split("\f")[:-1]
         for number, text in enumerate(printed_pages, 1):
             if f"Seite {number} von {len(printed_pages)}" not in text:
                 fail(f"page {number} of {len(printed_pages)} is not numbered")
-        if len(printed_pages) < len(pages):
-            fail(f"there are not {len(pages)} pages")
 
-        drawn = scratch / "drawn"  # what the layout shares with others lies beside it
-        shutil.copytree(layouts, drawn)
-        saved = drawn / "saved.svg"
-        environment = {**os.environ, "HOME": str(scratch), "XDG_CONFIG_HOME": str(scratch)}
-        environment.pop("DISPLAY", None)
-        subprocess.run(["inkscape", "--export-type=svg", f"--export-filename={saved}", drawn / layout.name], env=environment,
-                       capture_output=True, check=True)
+        saved = pathlib.Path(drawn) / f"{report}-saved.svg"
         if "sodipodi" not in saved.read_text(encoding="utf-8"):
             fail("Inkscape has not saved the layout as its own")
-        if text_of(printed("saved", saved)) != text_of(pdf):
+        if text_of(printed("saved", saved)) != shown:
             fail("the layout does not print the same after Inkscape has saved it")
         print(f"{report}: {count} values on {len(pages)} pages")
 

@@ -93,12 +93,17 @@ class Scenario:
 
     def state(self):
         """Every path with what tells whether it has changed."""
-        found = {}
-        for folder, folders, files in os.walk(self.place):
-            for name in folders + files:
-                path = os.path.join(folder, name)
-                info = os.lstat(path)
-                found[os.path.relpath(path, self.place)] = None if name in folders else (info.st_ino, info.st_size, info.st_mtime_ns)
+        found, folders = {}, [""]
+        for folder in folders:
+            with os.scandir(f"{self.place}/{folder}") as entries:
+                for entry in entries:
+                    path = folder + entry.name
+                    if entry.is_dir(follow_symlinks=False):
+                        found[path] = None
+                        folders.append(f"{path}/")
+                    else:
+                        info = entry.stat(follow_symlinks=False)
+                        found[path] = info.st_ino, info.st_size, info.st_mtime_ns
         return found
 
     def changes(self):
@@ -111,18 +116,22 @@ class Scenario:
                 if path not in after or path not in self.before or self.content(path) != self.contents[path]}
 
     def restore(self):
-        for path in sorted(self.state().keys() - self.before.keys(), reverse=True):
+        now = self.state()
+        if now == self.before:
+            return
+        for path in sorted(now.keys() - self.before.keys(), reverse=True):
             file = self.place / path
-            file.rmdir() if file.is_dir() and not file.is_symlink() else file.unlink()
+            file.rmdir() if now[path] is None else file.unlink()
         for path, content in self.contents.items():
+            if now.get(path, 0) == self.before[path]:
+                continue
             file = self.place / path
             if content is None:
-                file.mkdir(exist_ok=True)
-            elif not file.exists() or file.read_bytes() != content:
+                file.mkdir()
+            else:
                 file.write_bytes(content)
-        for path in self.contents:
-            if path.startswith("bin/"):
-                (self.place / path).chmod(0o755)
+                if path.startswith("bin/"):
+                    file.chmod(0o755)
         self.before = self.state()
 
     def remove(self):
