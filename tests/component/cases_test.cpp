@@ -3,6 +3,7 @@
 #include "values/conversion.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace kvtdruck::test {
 namespace {
