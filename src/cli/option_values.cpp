@@ -3,6 +3,7 @@
 #include "catalog/report_catalog.h"
 #include "catalog/usage_error.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <ctime>
@@ -110,10 +111,21 @@ druckwerk::PrintDate dateIn(const std::string& text) {
     return date;
 }
 
+// Without a regular expression: the library's take a part of the stack for every character.
 std::string pagesIn(const std::string& text) {
-    static const std::regex pattern(R"([1-9]\d{0,8}(-[1-9]\d{0,8})?(,[1-9]\d{0,8}(-[1-9]\d{0,8})?)*)");
-    if (!std::regex_match(text, pattern))
-        refuse("--seiten: „" + text + "“ ist kein Seitenbereich wie 1-3,7.");
+    const auto isPage = [](std::string_view page) {
+        constexpr std::int64_t kLast = 999'999'999;
+        const auto number = numberIn(page);
+        return number && *number >= 1 && *number <= kLast && page.front() != '0';
+    };
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const auto end = std::min(text.find(',', begin), text.size());
+        const auto range = std::string_view(text).substr(begin, end - begin);
+        const auto dash = range.find('-');
+        if (!isPage(range.substr(0, dash)) || (dash != range.npos && !isPage(range.substr(dash + 1))))
+            refuse("--seiten: „" + text + "“ ist kein Seitenbereich wie 1-3,7.");
+        begin = end + 1;
+    }
     return text;
 }
 
