@@ -1,6 +1,8 @@
 #include "cli/error_report.h"
 
-#include <regex>
+#include <algorithm>
+#include <cctype>
+#include <string_view>
 
 namespace kvtdruck::cli {
 namespace {
@@ -30,8 +32,17 @@ class ErrorReport final : public clsFehler {
 } // namespace
 
 std::string forUsers(StringView description) {
-    static const std::regex className("clsZug(\\w+)");
-    return std::regex_replace(toUtf8(description), className, "„$1“");
+    constexpr std::string_view kPrefix = "clsZug";
+    auto text = toUtf8(description);
+    for (auto at = text.find(kPrefix); at != std::string::npos; at = text.find(kPrefix, at)) {
+        const auto isPart = [](unsigned char c) { return c == '_' || (c < 0x80 && std::isalnum(c) != 0); };
+        const auto begin = text.begin() + static_cast<std::ptrdiff_t>(at + kPrefix.size());
+        const std::string name(begin, std::find_if_not(begin, text.end(), isPart));
+        const auto shown = name.empty() ? std::string(kPrefix) : "„" + name + "“";
+        text.replace(at, kPrefix.size() + name.size(), shown);
+        at += shown.size();
+    }
+    return text;
 }
 
 std::unique_ptr<clsFehler> ErrorReports::create() {

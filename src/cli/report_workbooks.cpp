@@ -127,12 +127,12 @@ constexpr std::array kCostKinds{
     PlanColumn{"Anteil %", "@1/(DAfa+DWag+DSons+MMieteJahr+UPausch+ZDMZins)*100", Percent},
 };
 constexpr std::array kCosts{
-    PlanFact{{}, "Abschreibungen", Amount, {}, "DAfa"},
-    PlanFact{{}, "Miete", Amount, {}, "MMieteJahr"},
-    PlanFact{{}, "Unternehmerlohn", Amount, {}, "UPausch"},
-    PlanFact{{}, "Zinsen auf das Eigenkapital", Amount, {}, "ZDMZins"},
-    PlanFact{{}, "Wagnisse", Amount, {}, "DWag"},
-    PlanFact{{}, "Sonstige", Amount, {}, "DSons"},
+    PlanFact{{}, "Abschreibungen", Amount, {}, {"DAfa"}},
+    PlanFact{{}, "Miete", Amount, {}, {"MMieteJahr"}},
+    PlanFact{{}, "Unternehmerlohn", Amount, {}, {"UPausch"}},
+    PlanFact{{}, "Zinsen auf das Eigenkapital", Amount, {}, {"ZDMZins"}},
+    PlanFact{{}, "Wagnisse", Amount, {}, {"DWag"}},
+    PlanFact{{}, "Sonstige", Amount, {}, {"DSons"}},
 };
 constexpr std::array kCostBases{
     PlanFact{"Kalkulatorische Miete", "Fläche", Amount, "m²", {"QM"}},
@@ -286,9 +286,9 @@ constexpr std::array kRates{
     PlanColumn{"Abweichung", "=@2-@1", AmountDeviation},
 };
 constexpr std::array kRateFacts{
-    PlanFact{{}, "Verrechnungssatz", Amount, {}, "SVer", "IVer"},
-    PlanFact{{}, "Produktive Mitarbeiter", Amount, {}, "UPMa", "WMa"},
-    PlanFact{{}, "Berechenbare Stunden", Amount, {}, "UStd", "WStd"},
+    PlanFact{{}, "Verrechnungssatz", Amount, {}, {"SVer", "IVer"}},
+    PlanFact{{}, "Produktive Mitarbeiter", Amount, {}, {"UPMa", "WMa"}},
+    PlanFact{{}, "Berechenbare Stunden", Amount, {}, {"UStd", "WStd"}},
 };
 constexpr std::array kAssumptions{
     PlanColumn{"Jahr", "Jahr", Whole},

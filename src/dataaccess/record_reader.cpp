@@ -3,7 +3,7 @@
 namespace kvtdruck {
 
 RecordReader::RecordReader(ComponentState& state, const DataClass& dataClass)
-    : state_(state), dataClass_(dataClass), object_(state.dataLibrary().create(dataClass.name)) {}
+    : state_(state), object_(state.dataLibrary().create(dataClass.name)) {}
 
 bool RecordReader::connect(const ObjectRef& pADOCon) {
     return read(kVerbinde, {pADOCon, state_.pSelmoraFuer});

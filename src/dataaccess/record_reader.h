@@ -24,11 +24,8 @@ class RecordReader {
     /// The current record's value, until `getter` is read again; `getter` belongs to this reader.
     const Variant& value(Member& getter) { return getter.read(object_, state_.locale()); }
 
-    const DataClass& dataClass() const { return dataClass_; }
-
   private:
     ComponentState& state_;
-    const DataClass& dataClass_;
     ObjectRef object_;
     Member eof_{kEOF, ValueType::Boolean};
     Member moveFirst_{kMoveFirst, ValueType::Variant};

@@ -17,7 +17,7 @@ Table eachName(std::initializer_list<StringView> names, std::int32_t type, const
 
 /// Appends the members that a row's value is read from, under the names that the reader gives them.
 void appendGetters(std::vector<Member>& getters, const TableRow& row, const DataClass* dataClass) {
-    const auto named = [&](StringView name) { return dataClass ? dataClass->getter(name) : name; };
+    const auto named = [&](StringView name) { return dataClass->getter(name); };
     if (const auto* single = std::get_if<FromGetter>(&row.source)) {
         getters.emplace_back(named(row.name), single->type);
     } else if (std::holds_alternative<FromDateGetter>(row.source)) {

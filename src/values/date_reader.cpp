@@ -12,7 +12,7 @@ namespace {
 /// Takes up to `limit` numbers, each followed by one of `separators` but for the last, off the front of `text`.
 std::vector<int> takeNumbers(StringView& text, StringView separators, std::size_t limit) {
     std::vector<int> numbers;
-    while (numbers.size() < limit && !text.empty() && isDigit(text.front())) {
+    while (!text.empty() && isDigit(text.front())) {
         int number = 0;
         for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1))
             number = std::min(number * 10 + (text.front() - u'0'), 100000);

@@ -49,7 +49,7 @@ class NumberReader {
         if (take(separator))
             return true;
         const bool blankSeparator = separator.size() == 1 && isBlank(separator.front());
-        return blankSeparator && rest_.size() > 1 && isBlank(rest_[0]) && isDigit(rest_[1]) && takeBlank();
+        return blankSeparator && rest_.size() > 1 && isDigit(rest_[1]) && takeBlank();
     }
 
     void readSymbolsInFront() {

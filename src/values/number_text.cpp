@@ -89,7 +89,7 @@ String plainForm(const Digits& number, const Locale& locale) {
     String text;
     text.reserve(static_cast<std::size_t>(std::max(number.point, 1) + places) + (number.negative ? 1 : 0) +
                  (places > 0 ? 1 : 0));
-    if (number.negative && count > 0)
+    if (number.negative)
         text += u'-';
     if (number.point <= 0)
         text += u'0';

@@ -26,6 +26,50 @@ class Adapter : public ::testing::Test {
     clsDruckFormular adapter{host.state, host.world.forms()};
 };
 
+class Recording : public ::testing::Test {
+  protected:
+    World& world() { return host.world; }
+
+    Host host;
+    std::vector<std::string> lines;
+    RecordingFormFactory forms{host.world.forms(), [this](std::string_view line) { lines.emplace_back(line); }};
+    clsDruckFormular adapter{host.state, forms};
+};
+
+TEST_F(Recording, WritesWhatTheEngineGetsAndAnswers) {
+    world().results[{Operation::LlPrint, 0}] = kEnginePageFull;
+    world().formVisible = true;
+    adapter.fkt_Starte_Form();
+    EXPECT_TRUE(adapter.LlDefineVariableExt(u"Name", u"\"Größe\"\t\\ \U0001F600", kTypeText));
+    EXPECT_TRUE(adapter.LlDefineLayout(u"Titel", 2, u"C:\\Liste"));
+    EXPECT_EQ(adapter.LlPrint(), kEnginePageFull);
+    adapter.LlPrintAbort();
+    adapter.fkt_Form_Hide();
+    EXPECT_THAT(lines,
+                ElementsAre("[3] = -1", R"(LlDefineVariableExt("Name", "\"Größe\"\u0009\\ 😀", 268435456) = 0)",
+                            R"(LlDefineLayout(hWnd, "Titel", 2, "C:\\Liste") = 0)", "LlPrint() = -998"));
+    EXPECT_EQ(lines, world().engineCalls) << "the engine got the same";
+    EXPECT_FALSE(world().formVisible);
+}
+
+TEST_F(Recording, HalvesOfPairsAreWrittenAsEscapes) {
+    std::string line;
+    appendQuoted(line, String{u'a', u'\xDE00', u'\xD83D'});
+    EXPECT_EQ(line, R"("a\ude00\ud83d")");
+}
+
+TEST_F(Recording, WhatFailsIsWrittenWithItsNumber) {
+    world().outside.failAt = 1; // the property, after the form
+    EXPECT_EQ(adapter.fkt_Starte_Form(), Variant(false));
+    EXPECT_THAT(lines, ElementsAre("[3] ! 4711"));
+    world().outside.failAt.reset();
+    lines.clear();
+    adapter.fkt_Starte_Form();
+    world().outside.failAt = world().outside.calls.size();
+    adapter.LlPrintFields();
+    EXPECT_THAT(lines, ElementsAre("[3] = -1", "LlPrintFields() ! 4711"));
+}
+
 ErrorReport engineError(int code, const std::string& operation) {
     return message("clsDruckFormular", "PrFehler",
                    "List & Label\r\nFehler " + std::to_string(code) + " bei " + operation +

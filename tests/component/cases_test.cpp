@@ -3,6 +3,7 @@
 #include "values/conversion.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace kvtdruck::test {
 namespace {
@@ -89,10 +90,21 @@ TEST_F(Cases, TheCompanyReportReadsARangeAsGiven) {
     EXPECT_TRUE(print("Firma", {false, 2010.0, 2012.4}));
     EXPECT_EQ(array->cells[0], (Cells{false, 2010.0, 2012.4}));
     EXPECT_EQ(read("Firma"), (Cells{7.0, std::int16_t{2010}, std::int16_t{2012}}));
+    EXPECT_TRUE(print("Firma", {false, 0.0, 2012.0}));
+    EXPECT_EQ(read("Firma"), (Cells{7.0, std::int16_t{0}, std::int16_t{2012}}));
     EXPECT_TRUE(print("Firma", {false, 0.0, 0.0}));
     EXPECT_EQ(array->cells[0][0], Variant(true));
     EXPECT_FALSE(print("Firma", {false, 1.0, 40000.0}));
     EXPECT_THAT(reports(), ElementsAre(runtimeError("clsDruck_Firma", "Lese_Firmendaten", ErrorNumber::Overflow)));
+}
+
+TEST_F(Cases, AGroupBeginsWhereAKeyGrowsOrShrinks) {
+    auto& months = host.world.readers[named("MaKost").reader];
+    months.count = 6;
+    months.values[u"FJahr"] = {2024.0, 2024.0, 2023.0, 2025.0, std::numeric_limits<double>::quiet_NaN(), 2020.0};
+    EXPECT_TRUE(print("MaKost", {true, 0.0, 0.0, true, 0.0, 0.0}));
+    EXPECT_EQ(std::count(calls().begin(), calls().end(), field("Seitenwechsel", "2")), 2)
+        << "what is no number differs from nothing";
 }
 
 TEST_F(Cases, OnlyTrueAllowsTheEmployeeList) {

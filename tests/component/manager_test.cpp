@@ -387,6 +387,31 @@ INSTANTIATE_TEST_SUITE_P(
         Disturbance{"EndOfPreviews", [](Host& host) { EXPECT_TRUE(host.manager.Terminate_Preview(kWindow)); }}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
+TEST_F(Manager, RowsThatAreForgottenWhileTheyAreLookedThroughAreNoLongerLookedAt) {
+    preview();
+    preview(43);
+    host.engineWritesPreview();
+    host.world.whilePumping = [this] { host.manager.fkt_Init(nullptr); };
+    EXPECT_TRUE(host.print({.mode = 1, .array = allYears()}));
+    EXPECT_EQ(host.jobs.rowCount(), 1);
+    EXPECT_EQ(host.world.started.size(), 3u);
+    EXPECT_THAT(host.world.reports, IsEmpty());
+}
+
+TEST_F(Manager, AViewerIsStartedForARowThatThereIs) {
+    preview();
+    host.world.files.insert(kPreviews + "\\Umsatz.ll");
+    EXPECT_TRUE(host.jobs.fkt_Aktiviere_Preview(u"Umsatz", fromUtf8(kPreviews), 1));
+    EXPECT_EQ(row(1).process.id, 1002);
+    for (const std::int16_t missing : {std::int16_t{-1}, std::int16_t{2}}) {
+        host.world.reports.clear();
+        EXPECT_FALSE(host.jobs.fkt_Aktiviere_Preview(u"Umsatz", fromUtf8(kPreviews), missing));
+        EXPECT_THAT(host.world.reports, ElementsAre(runtimeError("basLL80", "fkt_Aktiviere_Preview",
+                                                                 ErrorNumber::SubscriptOutOfRange)));
+    }
+    EXPECT_EQ(host.world.started.size(), 2u);
+}
+
 TEST_F(Manager, ClosingAWindowAnswersWithItsLastRow) {
     preview();
     host.jobs.appendRow();

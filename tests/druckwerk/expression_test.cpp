@@ -61,6 +61,21 @@ TEST_F(ExpressionTest, ComparesAndCombines) {
     EXPECT_EQ(value("Seitenwechsel % 2 = 0 und Seitenwechsel <> 13"), 1);
 }
 
+TEST_F(ExpressionTest, CombinesByBothSides) {
+    EXPECT_EQ(value("1=1 und 1=0"), 0);
+    EXPECT_EQ(value("1=0 und 1=1"), 0);
+    EXPECT_EQ(value("1=0 oder 0=1"), 0);
+    EXPECT_EQ(value("3 >= 4"), 0);
+    EXPECT_EQ(value("4 <= 3"), 0);
+    EXPECT_DOUBLE_EQ(value("wenn(1=0; 10; 20)"), 20);
+    EXPECT_DOUBLE_EQ(value("+5 - -2"), 7);
+    EXPECT_DOUBLE_EQ(value("+-+5"), -5);
+    EXPECT_DOUBLE_EQ(value(",5 + .25"), 0.75);
+    EXPECT_DOUBLE_EQ(value("1234.567 + .123 + 0.125"), 1234.815) << "no thousands are meant";
+    EXPECT_DOUBLE_EQ(value("max(wenn(1=1; 4; 5); 3)"), 4);
+    EXPECT_DOUBLE_EQ(value("min(wenn('a;b' = \")\"; 4; 5); 6)"), 5) << "texts separate nothing";
+}
+
 TEST_F(ExpressionTest, ComparesTexts) {
     define("Art", "Müller & Söhne", false);
     define("Leer", "  ", false);
@@ -123,6 +138,8 @@ TEST_F(ExpressionTest, TwoNamesAreEqualAsNumbersOrAsTexts) {
     EXPECT_EQ(value("Ort = Land"), 0);
     EXPECT_EQ(value("Ort <> Land"), 1);
     EXPECT_EQ(value("Ort = Ort"), 1);
+    EXPECT_EQ(value("A = Ort"), 0);
+    EXPECT_EQ(value("Ort = A"), 0);
 }
 
 TEST_F(ExpressionTest, GivesTexts) {
@@ -181,6 +198,35 @@ TEST_F(ExpressionTest, RefusesWithReason) {
     EXPECT_NE(refusal("").find("Ungültiger Ausdruck"), std::string::npos);
     EXPECT_NE(refusal(std::string(3000, '1')).find("zu lang"), std::string::npos);
     EXPECT_NE(refusal(std::string(1990, '(')), "");
+    for (const auto& [source, reason] : {std::pair("1 + oder", "unerwartetes „oder“"),
+                                         {"1 + und", "unerwartetes „und“"},
+                                         {"2 * nicht", "unerwartetes „nicht“"},
+                                         {"1=1 und", "unerwartetes Ende"},
+                                         {"1=1 undA", "Operator fehlt"},
+                                         {"1 'a'", "Operator fehlt"},
+                                         {"1 (2)", "Operator fehlt"},
+                                         {"abs(1 2)", "Operator fehlt"},
+                                         {"abs(1;2)", "zu viele Argumente"},
+                                         {"min(1;2", "Klammer fehlt"},
+                                         {"runden(1", "unerwartetes Ende"},
+                                         {"runden(1 2)", "Operator fehlt"},
+                                         {"leer()", "Name erwartet"},
+                                         {"leer(1)", "Name erwartet"},
+                                         {"leer(A;B)", "leer() braucht genau einen Namen"},
+                                         {"1,2,3", "ungültige Zahl"},
+                                         {",", "ungültige Zahl"}})
+        EXPECT_NE(refusal(source).find(reason), std::string::npos) << source << ": " << refusal(source);
+    EXPECT_NE(refusal(std::string(400, '9')).find("Zahl ist zu groß"), std::string::npos);
+    std::string powers = "2";
+    for (int i = 0; i < 500; ++i)
+        powers += "^2";
+    EXPECT_NE(refusal(powers).find("zu tief verschachtelt"), std::string::npos);
+    try {
+        const Expression outside(u"sum(A)", definitions, nullptr, kTableScope);
+        FAIL() << "nothing is summed there";
+    } catch (const Fault& fault) {
+        EXPECT_NE(std::string(fault.what()).find("sum() ist hier nicht möglich"), std::string::npos);
+    }
 }
 
 TEST_F(ExpressionTest, AggregatesRunOverTheirScope) {
@@ -271,8 +317,21 @@ TEST_F(ExpressionTest, TheMarkForThePageCountComesFromThePlaceholderAlone) {
     EXPECT_EQ(fromUtf8(filled("{{Seiten}}")), String(1, kPageCountMark));
 }
 
+TEST_F(ExpressionTest, CountsPagesAndLines) {
+    EXPECT_EQ(filled("Seite {{Seite}}, Zeile {{Zeilennummer}}, auf der Seite {{Seitenzeile}}"),
+              "Seite 3, Zeile 12, auf der Seite 2");
+    define("Tag", "07.03.2024", false);
+    EXPECT_EQ(filled("{{Tag|JJJJ}}"), "2024");
+    const std::string much(61, 'x');
+    define("Betrag", much.c_str());
+    EXPECT_EQ(filled("{{Betrag|0,00}}"), much);
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_NE(warnings[0].find("„" + much.substr(1) + "…“ ist keine Zahl"), std::string::npos) << warnings[0];
+}
+
 TEST_F(ExpressionTest, RefusesTemplatesWithReason) {
-    for (const char* source : {"{{Name", "{{}}", "{{a b}}", "{{Name|x}}", "{{=}}", "{{Name|tt.MM.JJJJ}}"})
+    for (const char* source : {"{{Name", "{{}}", "{{a b}}", "{{Name|x}}", "{{=}}", "{{Name|tt.MM.JJJJ}}", "{{a@}}",
+                               "{{a[}}", "{{a`b}}", "{{a~b}}", "{{a-b}}"})
         EXPECT_THROW(filled(source), Fault) << source;
 }
 

@@ -35,6 +35,12 @@ TEST(Number, ReadsGermanText) {
     EXPECT_EQ(parsed(u"1,5E-07").value, 1.5e-7);
     EXPECT_EQ(parsed(u" 7 ").value, 7);
     EXPECT_EQ(parsed(u"+7").value, 7);
+    EXPECT_EQ(parsed(u"1,5e3").value, 1500);
+    EXPECT_EQ(parsed(u"15e-1").value, 1.5);
+    EXPECT_EQ(parsed(u"-1.234,5").digits, -12345);
+    EXPECT_EQ(parsed(u"-1.234,5").scale, 1);
+    for (const StringView none : {u"1E+400", u"1E", u"1e-", u"1,", u",5", u"-", u"1234.567"})
+        EXPECT_EQ(parsed(none).kind, Number::Kind::None) << toUtf8(none);
 }
 
 TEST(Number, ReadsTheOneNotationThatItIsTold) {
@@ -47,6 +53,8 @@ TEST(Number, ReadsTheOneNotationThatItIsTold) {
     EXPECT_EQ(Number::parse(u"1’234.5", swiss).value, 1234.5);
     EXPECT_EQ(Number::parse(u"1\u202F234,5", french).value, 1234.5);
     EXPECT_EQ(Number::parse(u"1.5E+20", english).value, 1.5e20);
+    EXPECT_EQ(Number::parse(u"1··5", Locale{.decimalSign = u"··"}).value, 1.5);
+    EXPECT_EQ(Number::parse(u"15", Locale{.decimalSign = u""}).value, 15);
     for (const auto& [text, locale] : {std::pair(StringView(u"12,345"), swiss),
                                        {u"1,5", english},
                                        {u"1.5", french},
@@ -89,6 +97,9 @@ TEST(Number, KeepsDigitsOfComputedValues) {
     EXPECT_EQ(third.kind, Number::Kind::Exact);
     EXPECT_EQ(third.digits, 333333333333333);
     EXPECT_EQ(third.scale, 15);
+    EXPECT_EQ(Number::of(-1.0 / 3).digits, -333333333333333);
+    EXPECT_EQ(Number::of(123456789012345.6).digits, 123456789012346);
+    EXPECT_EQ(Number::of(123456789012345.6).scale, 0);
     EXPECT_EQ(Number::of(1e300).kind, Number::Kind::Large);
     EXPECT_EQ(Number::of(std::nan("")).kind, Number::Kind::None);
     EXPECT_EQ(Number::of(HUGE_VAL).kind, Number::Kind::None);
@@ -134,6 +145,11 @@ TEST(NumberPattern, PercentAndLiterals) {
     EXPECT_EQ(formatted(u"3", u"0 \"%\""), "3 %");
     EXPECT_EQ(formatted(u"3", u"0 \\%"), "3 %");
     EXPECT_EQ(formatted(u"3,5", u"\"Summe: \"0,00 €"), "Summe: 3,50 €");
+    EXPECT_EQ(formatted(u"3", u"Nr. 0"), "Nr. 3");
+    EXPECT_EQ(formatted(u"3", u"0 Std."), "3 Std.");
+    EXPECT_EQ(formatted(u"3", u"0 \"a;\\b\""), "3 a;\\b");
+    EXPECT_EQ(formatted(u"3", u"0\\"), "3\\");
+    EXPECT_EQ(formatted(u"0", u"0,0 %"), "0,0 %");
 }
 
 TEST(NumberPattern, LargeNumbersKeepTheirSize) {
@@ -141,6 +157,9 @@ TEST(NumberPattern, LargeNumbersKeepTheirSize) {
     EXPECT_EQ(formatted(u"-1E+20", u"0,0"), "-100000000000000000000,0");
     EXPECT_EQ(formatted(u"1E-20", u"0,00"), "0,00");
     EXPECT_EQ(formatted(u"1E+15", u"0,0 %"), "100000000000000000,0 %");
+    EXPECT_EQ(formatted(u"1E+18", u"0,0##"), "1000000000000000000,0");
+    EXPECT_EQ(formatted(u"-1E+18", u"0;(0)"), "(1000000000000000000)");
+    EXPECT_EQ(formatted(u"-1E+18", u"0;minus"), "minus");
     EXPECT_EQ(formatted(u"1,7E+307", u"0 %").size(), std::string("17").size() + 308 + 2);
     EXPECT_EQ(formatted(u"1,7E+307", u"0 %").substr(0, 15), "169999999999999");
 }
@@ -173,8 +192,8 @@ TEST(NumberPattern, PrintsTheSignsOfTheLocale) {
 }
 
 TEST(NumberPattern, RefusesWithReason) {
-    for (const StringView pattern :
-         {u"abc", u"0,0,0", u"0;0;0;0", u"0#", u"0,#0", u"0 0", u"\"0", u"0,0.0", u"0,0000000000000000"}) {
+    for (const StringView pattern : {u"abc", u"0,0,0", u"0;0;0;0", u"0#", u"0,#0", u"0 0", u"\"0", u"0,0.0",
+                                     u"0,0000000000000000", u"0000000000000000"}) {
         try {
             const NumberPattern refused(pattern);
             FAIL() << toUtf8(pattern);
@@ -192,6 +211,7 @@ TEST(DatePattern, ShowsPartsOfADate) {
     EXPECT_EQ(formattedDate(date, u"dddd, d.M.yy"), "Donnerstag, 7.3.24");
     EXPECT_EQ(formattedDate(date, u"ddd MMM"), "Do Mär");
     EXPECT_EQ(formattedDate(date, u"HH:mm:ss \"Uhr\""), "08:05:09 Uhr");
+    EXPECT_EQ(formattedDate(date, u"{d. 'den' M}[@MM@]"), "{7. den 3}[@03@]");
     EXPECT_EQ(formattedDate(dateOf(2000, 2, 29), u"dddd"), "Dienstag");
     EXPECT_EQ(formattedDate(dateOf(1899, 12, 31), u"dddd"), "Sonntag");
 }
@@ -218,11 +238,12 @@ TEST(DatePattern, ADateOfNumbersHasTheOrderOfTheLocale) {
     EXPECT_EQ(printed(u"TT.MM.", "de-AT"), "07.03.");
     EXPECT_EQ(printed(u"T. MMMM JJJJ", "en-US"), "7. März 2024");
     EXPECT_EQ(printed(u"JJJJ-MM-TT", "en-US"), "2024-03-07");
+    EXPECT_EQ(formattedDate(date, u"TT.MM.JJJJ", Locale{.shortDate = u"MMddyyyy"}), "03072024");
 }
 
 TEST(DatePattern, RefusesWithReason) {
     for (const StringView pattern :
-         {u"tt.MM.JJJJ", u"dd.MM.yyy", u"ddddd", u"MM/YYYY", u"TT.MM.JJJJ Uhr", u"T. \"von", u"HHH"}) {
+         {u"tt.MM.JJJJ", u"dd.MM.yyy", u"ddddd", u"MM/YYYY", u"TT.MM.JJJJ Uhr", u"T. \"von", u"HHH", u"TT ö"}) {
         try {
             const DatePattern refused(pattern);
             FAIL() << toUtf8(pattern);

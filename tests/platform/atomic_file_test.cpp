@@ -1,5 +1,6 @@
 #include "platform/posix/atomic_file.h"
 
+#include "platform/as_anybody.h"
 #include "platform/posix/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <sys/stat.h>
 #include <system_error>
 #include <thread>
@@ -124,9 +126,101 @@ TEST_F(AtomicFileTest, ARingOfLinksIsRefused) {
     EXPECT_EQ(codeOf([&] { AtomicFile file(folder.path() / "a"); }), ELOOP);
 }
 
+TEST_F(AtomicFileTest, MuchContentAndSmallPiecesKeepTheirOrder) {
+    AtomicFile file(target);
+    std::string text;
+    for (int i = 0; i < 30'000; ++i) {
+        const std::string piece = std::to_string(i) + "\n";
+        file.write(piece);
+        text += piece;
+    }
+    file.commit();
+    EXPECT_EQ(contentOf(target), text);
+}
+
+TEST_F(AtomicFileTest, ANameAloneIsOfTheCurrentFolder) {
+    const auto before = fs::current_path();
+    fs::current_path(folder.path());
+    writeAtomically("Umsatz.pdf", "neu", AtomicFile::Access::Owner);
+    fs::current_path(before);
+    EXPECT_EQ(contentOf(target), "neu");
+    EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(AtomicFileTest, APlaceThatIsTakenMeanwhileStaysAndNothingIsLeftBesideIt) {
+    std::optional<AtomicFile> file(target);
+    file->write("neu");
+    fs::create_directory(target);
+    EXPECT_EQ(codeOf([&] { file->commit(); }), EISDIR);
+    file.reset();
+    EXPECT_TRUE(fs::is_directory(target));
+    EXPECT_EQ(filesInFolder(), 1U);
+    const auto gone = folder / "gone";
+    fs::create_directory(gone);
+    AtomicFile other(gone / "Umsatz.pdf");
+    fs::remove(gone);
+    EXPECT_EQ(codeOf([&] { other.commit(); }), ENOENT);
+}
+
+/// A user who may not see the descriptors of this process gives the content a name from the start.
+TEST_F(AtomicFileTest, AFileOfSomebodyElseLosesTheGroupsRightsThatWereMeantForAnother) {
+    put(target, "alt");
+    if (::chown(target.c_str(), 12345, 23456) != 0)
+        GTEST_SKIP() << "only root gives files away";
+    const auto writeAsAnybody = [&] {
+        ASSERT_EQ(::chmod(target.c_str(), 0666), 0);
+        ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+        const AsAnybody user;
+        writeAtomically(folder / "aktuell.pdf", "neu", AtomicFile::Access::Owner);
+    };
+    fs::create_symlink("Umsatz.pdf", folder / "aktuell.pdf"); // root's, which may be followed
+    writeAsAnybody();
+    EXPECT_EQ(contentOf(target), "neu");
+    EXPECT_EQ(statusOf(target).st_uid, AsAnybody::kNobody);
+    EXPECT_EQ(statusOf(target).st_mode & 07777, 0606U);
+    ASSERT_EQ(::chown(target.c_str(), 12345, ::getegid()), 0);
+    writeAsAnybody();
+    EXPECT_EQ(statusOf(target).st_uid, AsAnybody::kNobody);
+    EXPECT_EQ(statusOf(target).st_mode & 07777, 0666U) << "a group that can be kept keeps its rights";
+    EXPECT_EQ(filesInFolder(), 2U);
+}
+
+TEST_F(AtomicFileTest, WithoutTheRightToWriteNothingChanges) {
+    put(target, "alt");
+    ASSERT_EQ(::chmod(target.c_str(), 0444), 0);
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+    {
+        const AsAnybody user;
+        EXPECT_EQ(codeOf([&] { AtomicFile file(target); }), EACCES) << "a file that is read-only";
+    }
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0555), 0);
+    {
+        const AsAnybody user;
+        EXPECT_EQ(codeOf([&] { AtomicFile file(folder / "neu.pdf"); }), EACCES) << "a folder that is";
+    }
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0700), 0);
+    EXPECT_EQ(contentOf(target), "alt");
+    EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(AtomicFileTest, OneFileHasManyNames) {
+    put(target, "alt");
+    fs::create_symlink(target, folder / "Verweis");
+    fs::create_hard_link(target, folder / "zweiter Name");
+    put(folder / "andere", "alt");
+    EXPECT_TRUE(isSameFile(target, folder / "Verweis"));
+    EXPECT_TRUE(isSameFile(target, folder / "zweiter Name"));
+    EXPECT_FALSE(isSameFile(target, folder / "andere"));
+    EXPECT_FALSE(isSameFile(target, folder / "fehlt"));
+    EXPECT_FALSE(isSameFile(folder / "fehlt", folder / "fehlt"));
+}
+
 TEST_F(AtomicFileTest, AFolderOrAMissingOneIsAnError) {
     EXPECT_EQ(codeOf([&] { AtomicFile file(folder.path()); }), EISDIR);
     EXPECT_EQ(codeOf([&] { AtomicFile file(folder.path() / "fehlt" / "a"); }), ENOENT);
+    EXPECT_EQ(codeOf([&] { AtomicFile file("/proc/self/fd/"); }), EISDIR);
+    EXPECT_EQ(codeOf([&] { AtomicFile file("/proc/self/fd/1x"); }), ENOENT) << "no descriptor has such a name";
+    EXPECT_EQ(codeOf([&] { AtomicFile file("/proc/self/fd/98765"); }), EBADF);
 }
 
 TEST_F(AtomicFileTest, APipeWithANameIsWrittenToAndStays) {
@@ -158,6 +252,19 @@ TEST_F(AtomicFileTest, ADescriptorOfThisProcessIsWrittenToWhereItStands) {
     EXPECT_EQ(contentOf(target), "davor neu!");
     EXPECT_EQ(statusOf(target).st_ino, before);
     EXPECT_TRUE(fs::is_symlink(link));
+}
+
+TEST_F(AtomicFileTest, AMinusIsStandardOutput) {
+    put(target, "davor ");
+    const int before = ::dup(STDOUT_FILENO);
+    const int file = ::open(target.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    ASSERT_EQ(::dup2(file, STDOUT_FILENO), STDOUT_FILENO);
+    writeAtomically("-", "neu", AtomicFile::Access::Owner);
+    ASSERT_EQ(::dup2(before, STDOUT_FILENO), STDOUT_FILENO);
+    ::close(before);
+    ::close(file);
+    EXPECT_EQ(contentOf(target), "davor neu");
+    EXPECT_FALSE(fs::exists("-"));
 }
 
 } // namespace

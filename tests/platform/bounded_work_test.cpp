@@ -1,9 +1,16 @@
 #include "platform/posix/bounded_work.h"
 
+#include "platform/as_anybody.h"
+#include "platform/posix/memory_watch.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace kvtdruck {
@@ -56,7 +63,81 @@ TEST(BoundedWork, ACrashIsNoResult) {
 TEST(BoundedWork, MemoryHasAnEnd) {
     EXPECT_THROW(runBounded(kLimits, [] { return std::string(std::size_t{1} << 31, 'x'); }), WorkFailed);
 }
+
+/// Libraries that go on with what they have then give something else than they should.
+TEST(BoundedWork, MemoryThatWasRefusedIsNoResultThoughNobodyMinded) {
+    constexpr std::size_t kMuch = std::size_t{1} << 31;
+    void* (*const asked[])() = {[] { return std::malloc(kMuch); }, [] { return std::calloc(kMuch / 16, 16); },
+                                [] { return std::realloc(nullptr, kMuch); },
+                                [] { return std::aligned_alloc(64, kMuch); },
+                                []() -> void* {
+                                    void* memory = nullptr;
+                                    return ::posix_memalign(&memory, 64, kMuch) == 0 ? memory : nullptr;
+                                }};
+    for (const auto ask : asked)
+        EXPECT_THROW(runBounded(kLimits, [&] { return std::string(ask() == nullptr ? "weiter" : "genug"); }),
+                     WorkFailed);
+    EXPECT_FALSE(memoryWasRefused()) << "not to this process";
+}
+
+TEST(BoundedWork, GivingUpForWantOfMemorySaysSo) {
+    EXPECT_EXIT(giveUpForWantOfMemory(), testing::KilledBySignal(SIGABRT),
+                "Fehler: Der Arbeitsspeicher reicht nicht aus");
+}
 #endif
+
+/// Lowers a limit of this process until it goes.
+class Lowered {
+  public:
+    Lowered(__rlimit_resource resource, rlim_t most) : resource_(resource) {
+        EXPECT_EQ(::getrlimit(resource, &before_), 0);
+        const rlimit lowered{most, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(resource, &lowered), 0);
+    }
+    Lowered(const Lowered&) = delete;
+    Lowered& operator=(const Lowered&) = delete;
+    ~Lowered() { EXPECT_EQ(::setrlimit(resource_, &before_), 0); }
+
+  private:
+    __rlimit_resource resource_;
+    rlimit before_{};
+};
+
+TEST(BoundedWork, WhereNoProcessCanBeHadTheSystemSaysWhy) {
+    const auto code = [] {
+        try {
+            runBounded(kLimits, [] { return std::string(); });
+        } catch (const std::system_error& error) {
+            return error.code().value();
+        }
+        return 0;
+    };
+    {
+        const Lowered files(RLIMIT_NOFILE, 0);
+        EXPECT_EQ(code(), EMFILE);
+    }
+    const AsAnybody user;
+    const Lowered processes(RLIMIT_NPROC, 0);
+    EXPECT_EQ(code(), EAGAIN);
+}
+
+TEST(BoundedWork, SignalsDoNotEndTheWait) {
+    struct sigaction before {};
+    struct sigaction ignoring {};
+    ignoring.sa_handler = [](int) {};
+    ASSERT_EQ(::sigaction(SIGALRM, &ignoring, &before), 0);
+    const itimerval often{{0, 2000}, {0, 2000}};
+    ASSERT_EQ(::setitimer(ITIMER_REAL, &often, nullptr), 0);
+    EXPECT_EQ(runBounded(kLimits,
+                         [] {
+                             ::usleep(30'000);
+                             return std::string("fertig");
+                         }),
+              "fertig");
+    const itimerval never{};
+    ASSERT_EQ(::setitimer(ITIMER_REAL, &never, nullptr), 0);
+    ASSERT_EQ(::sigaction(SIGALRM, &before, nullptr), 0);
+}
 
 TEST(BoundedWork, WhatTheWorkChangesStaysThere) {
     int changed = 0;

@@ -102,6 +102,7 @@ TEST_F(Files, Remove) {
     EXPECT_EQ(removing(folder.path()), 53);
     EXPECT_TRUE(fs::exists(folder.path()));
     EXPECT_EQ(removing(folder.write("Datei") / "darunter"), 76);
+    EXPECT_EQ(removing("kein Ordner im Namen und keine Datei"), 53);
 }
 
 TEST_F(Files, RemoveReadOnlyOnlyByForce) {
@@ -154,9 +155,10 @@ TEST_F(Files, LongAndDeepPaths) {
 }
 
 TEST(SystemErrors, BecomeRuntimeErrors) {
-    const std::vector<std::pair<int, long>> cases{
-        {ENOENT, 53}, {ENOTDIR, 76}, {EEXIST, 58}, {ENOSPC, 61}, {EDQUOT, 61}, {EFBIG, 61},        {EACCES, 70},
-        {EPERM, 70},  {EROFS, 70},   {EBUSY, 70},  {EIO, 57},    {ENOMEM, 7},  {ENAMETOOLONG, 75}, {ELOOP, 75}};
+    const std::vector<std::pair<int, long>> cases{{ENOENT, 53}, {ENOTDIR, 76}, {EEXIST, 58},       {ENOSPC, 61},
+                                                  {EDQUOT, 61}, {EFBIG, 61},   {EACCES, 70},       {EPERM, 70},
+                                                  {EROFS, 70},  {EBUSY, 70},   {ETXTBSY, 70},      {EIO, 57},
+                                                  {ENOMEM, 7},  {EAGAIN, 7},   {ENAMETOOLONG, 75}, {ELOOP, 75}};
     for (const auto& [code, number] : cases)
         EXPECT_EQ(runtimeErrorOf(code).number(), number) << code;
 }
@@ -292,8 +294,17 @@ TEST_F(RealProcesses, PreviewViewerByPathAndInAnyCase) {
     EXPECT_EQ(writtenArguments(), "/tmp/x.ll\n");
 }
 
+TEST_F(RealProcesses, PreviewViewersAreLookedForOnTheUsualPathOrWhereTheyAreSaidToBe) {
+    const fs::path own = folder.script("eigener", "exit 0");
+    EXPECT_EQ(PosixProcesses({"sh", own.string()}).viewer(), "sh");
+    EXPECT_EQ(PosixProcesses({(folder / "fehlt").string(), own.string()}).viewer(), own.string());
+    unsetenv("PATH");
+    EXPECT_EQ(PosixProcesses({"eigener", "sh"}).viewer(), "sh");
+}
+
 TEST_F(RealProcesses, NoViewerInstalledNamesWhatWasLookedFor) {
     fs::create_directories(folder / "betrachter"); // a folder is no program
+    folder.write("kein-betrachter");               // nor is a file that can't be run
     try {
         processes.start(uR"(llview12.exe "\tmp\x.ll")");
         FAIL() << "no viewer is installed";

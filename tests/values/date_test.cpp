@@ -87,6 +87,9 @@ TEST(Dates, PatternsOfTheLocale) {
     EXPECT_EQ(textOf(dateOf(2009, 3, 7, 0, 5), englishLocale()), u"3/7/2009 12:05:00 AM");
     EXPECT_EQ(textOf(dateOf(2009, 3, 7, 12, 5), englishLocale()), u"3/7/2009 12:05:00 PM");
     EXPECT_EQ(textOf(Date{0}, englishLocale()), u"12:00:00 AM");
+    Locale initials = englishLocale();
+    initials.time = u"h:mm t";
+    EXPECT_EQ(textOf(date, initials), u"3/7/2009 3:04 P");
 }
 
 TEST(Dates, InText) {
@@ -108,6 +111,10 @@ TEST(Dates, InText) {
         EXPECT_EQ(dateIn(text, german), date) << toUtf8(text);
     EXPECT_EQ(dateIn(u"2/1/2000 1:30 PM", englishLocale()), dateOf(2000, 2, 1, 13, 30));
     EXPECT_EQ(dateIn(u"12:30 AM", englishLocale()), dateOf(1899, 12, 30, 0, 30));
+    Locale yearFirst = german;
+    yearFirst.shortDate = u"yyyy-MM-dd";
+    EXPECT_EQ(dateIn(u"24-03-07", yearFirst), dateOf(2024, 3, 7))
+        << "the locale's order where no year of four digits is first";
 }
 
 TEST(Dates, NotInText) {
@@ -130,9 +137,12 @@ TEST(Dates, NotInText) {
                                   u"13:00 PM",
                                   u"1.2.99999",
                                   u"12345",
-                                  u"1.2.3.4"})
+                                  u"1.2.3.4",
+                                  u"1.2.x"})
         EXPECT_EQ(dateIn(text, german), std::nullopt) << toUtf8(text);
     EXPECT_EQ(dateIn(u"13:00 PM", englishLocale()), std::nullopt);
+    EXPECT_EQ(dateIn(u"0:30 PM", englishLocale()), std::nullopt);
+    EXPECT_EQ(dateIn(u"1:30 XM", englishLocale()), std::nullopt);
 }
 
 TEST(Dates, TheShortFormLeavesTheTimeOut) {

@@ -81,9 +81,10 @@ TEST(NumberInText, English) {
 
 TEST(NumberInText, NoNumber) {
     for (const StringView text :
-         {u"",    u" ",  u"abc", u"1a",  u"a1",  u"1 2",  u"1,2,3", u".",    u",",     u"-",   u"--1", u"++1",
-          u"-1-", u"(5", u"5)",  u"()",  u"E3",  u"1E",   u"1E+",   u"1E-",  u"1E3,5", u"&H",  u"&HG", u"&H1G",
-          u"&O8", u"&",  u"€",   u"€€5", u"€5€", u"Wahr", u"1D3",   u"0x10", u"inf",   u"nan", u"1٫5", u"１"})
+         {u"",     u" ",     u"abc",  u"1a",  u"a1",   u"1 2", u"1,2,3", u".",  u",",   u"-",
+          u"--1",  u"++1",   u"-1-",  u"(5",  u"5)",   u"()",  u"E3",    u"1E", u"1E+", u"1E-",
+          u"1Ex",  u"1E3,5", u"&H",   u"&HG", u"&H1G", u"&O8", u"&",     u"€",  u"€€5", u"€5€",
+          u"Wahr", u"1D3",   u"0x10", u"inf", u"nan",  u"1٫5", u"１"})
         EXPECT_EQ(numberIn(text, germanLocale()), std::nullopt) << toUtf8(text);
     EXPECT_EQ(numberIn(StringView(u"1\0", 2), germanLocale()), std::nullopt);
     EXPECT_EQ(numberIn(u"&H1\u0131", germanLocale()), std::nullopt);

@@ -1,6 +1,8 @@
 #include "values/text.h"
 
 #include "values/characters.h"
+#include "values/code_points.h"
+#include "values/letters.h"
 #include "values/locale.h"
 
 #include <gtest/gtest.h>
@@ -99,6 +101,28 @@ TEST(Characters, LettersAToZAreTheSameInBothCases) {
     EXPECT_FALSE(sameWord(u"Wahr", u"Wah"));
     EXPECT_FALSE(sameWord(u"Wah", u"Wahr"));
     EXPECT_TRUE(sameWord(u"", u""));
+}
+
+TEST(Characters, PairsOfSurrogatesStayTogetherAndHalvesAreReplaced) {
+    const String text{u'a', u'\xD83D', u'\xDE00', u'\xD83D', u'\xFFE5', u'\xDE00'};
+    EXPECT_EQ(wholeCharacters(text, 0), 0U);
+    EXPECT_EQ(wholeCharacters(text, 1), 1U);
+    EXPECT_EQ(wholeCharacters(text, 2), 1U) << "not between the halves of a pair";
+    EXPECT_EQ(wholeCharacters(text, 3), 3U);
+    EXPECT_EQ(wholeCharacters(text, 4), 4U) << "a half without its other";
+    EXPECT_EQ(wholeCharacters(text, 6), 6U);
+    EXPECT_EQ(wellFormed(text), u"a\U0001F600\uFFFD\uFFE5\uFFFD");
+    EXPECT_EQ(wellFormed(String{u'\xD83D'}), u"\uFFFD");
+}
+
+TEST(Letters, DistanceOfWordsIsTheNumberOfChangesInAnyCase) {
+    EXPECT_EQ(editDistance("Umsatz", "umsatz"), 0U);
+    EXPECT_EQ(editDistance("Umsatz", "Umsaz"), 1U);
+    EXPECT_EQ(editDistance("Umsatz", "Umsatze"), 1U);
+    EXPECT_EQ(editDistance("Umsatz", "Unsatz"), 1U);
+    EXPECT_EQ(editDistance("", "Bilanz"), 6U);
+    EXPECT_EQ(editDistance("MaKost", "MaZeit"), 3U);
+    EXPECT_EQ(asciiLower("@AZ[ÄÖ"), "@az[ÄÖ");
 }
 
 TEST(Locales, WordsOfTruthFollowTheLanguage) {

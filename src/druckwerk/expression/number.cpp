@@ -90,7 +90,7 @@ Number exactOf(const std::string& plain) {
     Number number;
     number.kind = Number::Kind::None;
     const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), number.value);
-    if (error != std::errc() || !std::isfinite(number.value))
+    if (error != std::errc()) // no double is so large
         return number;
     const auto digits = std::count_if(plain.begin(), plain.end(), [](char c) { return c >= '0' && c <= '9'; });
     if (digits > kMaximumDigits || plain.find('e') != std::string::npos)
@@ -169,7 +169,7 @@ Number Number::of(double value) {
         if (*c >= '0' && *c <= '9')
             digits = digits * 10 + (*c - '0');
     int scale = 14 - exponent;
-    for (; scale > 0 && digits != 0 && digits % 10 == 0; --scale)
+    for (; scale > 0 && digits % 10 == 0; --scale)
         digits /= 10;
     for (; scale > kMaximumDigits; --scale)
         digits /= 10;

@@ -30,8 +30,8 @@ Number rounded(const Number& number, bool percent, int decimals) {
     const int surplus = result.scale - decimals;
     if (surplus <= 0)
         return result;
-    const std::int64_t divisor = surplus <= kMaximumDigits ? kIntegerPowers[static_cast<std::size_t>(surplus)] : 0;
-    result.digits = divisor == 0 ? 0 : result.digits / divisor + (result.digits % divisor * 2 >= divisor ? 1 : 0);
+    const std::int64_t divisor = kIntegerPowers[static_cast<std::size_t>(surplus)];
+    result.digits = result.digits / divisor + (result.digits % divisor * 2 >= divisor ? 1 : 0);
     result.scale = decimals;
     return result;
 }
@@ -40,7 +40,7 @@ Number rounded(const Number& number, bool percent, int decimals) {
 class ExactDigits {
   public:
     ExactDigits(std::int64_t digits, int zeros) : rest_(static_cast<std::uint64_t>(digits)), zeros_(zeros) {}
-    bool areLeft() const { return rest_ != 0 || zeros_ > 0; }
+    bool areLeft() const { return rest_ != 0; }
     char16_t next() {
         if (zeros_ > 0) {
             --zeros_;

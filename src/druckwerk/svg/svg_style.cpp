@@ -105,15 +105,13 @@ bool setDashes(Style& style, std::string_view text) {
 }
 
 std::optional<double> parseFontSize(std::string_view text, double inherited) {
-    static const std::map<std::string_view, double> kWords = {{"xx-small", 9.6},
-                                                              {"x-small", 12},
-                                                              {"small", 14.2222},
-                                                              {"medium", 16},
-                                                              {"large", 19.2},
-                                                              {"x-large", 24},
-                                                              {"xx-large", 32},
-                                                              {"larger", inherited * 1.2},
-                                                              {"smaller", inherited / 1.2}};
+    static const std::map<std::string_view, double> kWords = {
+        {"xx-small", 9.6}, {"x-small", 12}, {"small", 14.2222}, {"medium", 16},
+        {"large", 19.2},   {"x-large", 24}, {"xx-large", 32}};
+    if (text == "larger")
+        return inherited * 1.2;
+    if (text == "smaller")
+        return inherited / 1.2;
     if (const auto word = kWords.find(text); word != kWords.end())
         return word->second;
     const bool percentage = text.ends_with('%');

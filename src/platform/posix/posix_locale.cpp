@@ -46,9 +46,10 @@ String patternOf(std::string_view format, StringView fallback) {
             pattern += static_cast<char16_t>(format[position]);
             continue;
         }
+        bool withoutZero = false;
         while (++position < format.size() &&
-               std::string_view("-_0EO").find(format[position]) != std::string_view::npos) {
-        }
+               std::string_view("-_0EO").find(format[position]) != std::string_view::npos)
+            withoutZero = withoutZero || format[position] == '-';
         static constexpr std::array<std::pair<char, StringView>, 14> parts{{{'d', u"dd"},
                                                                             {'e', u"d"},
                                                                             {'m', u"MM"},
@@ -68,7 +69,7 @@ String patternOf(std::string_view format, StringView fallback) {
             std::find_if(parts.begin(), parts.end(), [&](const auto& it) { return it.first == letter; });
         if (part == parts.end())
             return String(fallback);
-        pattern += part->second;
+        pattern += withoutZero && part->second.size() == 2 ? part->second.substr(1) : part->second; // d for dd
     }
     return pattern;
 }
