@@ -125,6 +125,16 @@ TEST_F(TextTest, UmlautsQuotesAndNoBreakSpacesComeBackAsTheyWere) {
     EXPECT_THAT(report.warnings, IsEmpty());
 }
 
+TEST_F(TextTest, WhatHasNoShapeIsNotShownAndSeparatorsAreBlanks) {
+    print(field(10, 10, 80, "{{T}}"), "a\u2028b\u2029c\x7F"
+                                      "d|Wort\u00ADteil|x\u200By|\uFEFFz|\u2060k|v\uFE0F|w\u202A|e\u0301");
+    const auto text = rawTextOf(pdf);
+    EXPECT_THAT(text, HasSubstr("a b c d|"));
+    for (const char* shown : {"teil|x", "y|", "z|", "k|v", "|w"})
+        EXPECT_THAT(text, HasSubstr(shown));
+    EXPECT_THAT(report.warnings, IsEmpty());
+}
+
 TEST_F(TextTest, ParenthesesAndBackslashesSurvive) {
     const std::string value = "a(b)c\\d)e((f";
     print(field(10, 10, 80, "{{T}}"), value);
