@@ -32,6 +32,7 @@ class CommandLines : public ::testing::Test {
             words.push_back(word);
         }
         std::vector<const char*> arguments;
+        arguments.reserve(words.size());
         for (const auto& word : words)
             arguments.push_back(word.c_str());
         return parseCommandLine(static_cast<int>(arguments.size()), arguments.data());

@@ -223,7 +223,7 @@ TEST(StyleSheet, TheMoreSpecificRuleAndTheLaterOneGoesBefore) {
 TEST(Picture, ExtentFromItsHeadAndContentFromItsAddress) {
     const std::string png = std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\1\2\0\0\0\3", 24) + "x";
     EXPECT_EQ(imageExtent(png), std::pair(258U, 3U));
-    const std::string jpeg("\xff\xd8\xff\xe0\0\4ab\xff\xc4\0\2\xff\xc0\0\x11\10\1\0\2\0\3", 23);
+    const std::string jpeg("\xff\xd8\xff\xe0\0\4ab\xff\xc4\0\2\xff\xc0\0\x11\10\1\0\2\0\3", 22);
     EXPECT_EQ(imageExtent(jpeg), std::pair(512U, 256U));
     for (const std::string& other : {png.substr(0, 24), std::string(30, 'x'), std::string("\xff\xd8"),
                                      std::string("\xff\xd8\xff\xe0\0\2\xff\xd9\0\0\0\0\0\0", 14)})

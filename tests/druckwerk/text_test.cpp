@@ -1,3 +1,5 @@
+#include "druckwerk/common/xml_text.h"
+#include "druckwerk/page/addresses.h"
 #include "layout_text.h"
 #include "pdf_reader.h"
 #include "report_driver.h"
@@ -123,6 +125,16 @@ TEST_F(TextTest, UmlautsQuotesAndNoBreakSpacesComeBackAsTheyWere) {
     EXPECT_THAT(report.warnings, IsEmpty());
 }
 
+TEST_F(TextTest, WhatHasNoShapeIsNotShownAndSeparatorsAreBlanks) {
+    print(field(10, 10, 80, "{{T}}"), "a\u2028b\u2029c\x7F"
+                                      "d|Wort\u00ADteil|x\u200By|\uFEFFz|\u2060k|v\uFE0F|w\u202A|e\u0301");
+    const auto text = rawTextOf(pdf);
+    EXPECT_THAT(text, HasSubstr("a b c d|"));
+    for (const char* shown : {"teil|x", "y|", "z|", "k|v", "|w"})
+        EXPECT_THAT(text, HasSubstr(shown));
+    EXPECT_THAT(report.warnings, IsEmpty());
+}
+
 TEST_F(TextTest, ParenthesesAndBackslashesSurvive) {
     const std::string value = "a(b)c\\d)e((f";
     print(field(10, 10, 80, "{{T}}"), value);
@@ -207,6 +219,34 @@ TEST_F(TextTest, TheNumberOfPagesKeepsToTheSideOfItsText) {
     check(pdf);
     EXPECT_NEAR(boxOf(boxes(), "12", "xMax"), 95 * kMillimetre, 0.05);
     EXPECT_THAT(textOf(pdf, 3), HasSubstr("Seite 3 von 12"));
+}
+
+TEST(Addresses, LeadWhereTheyAreShownToLead) {
+    const auto uris = [](StringView text) {
+        std::string all;
+        for (const Address& address : addressesIn(text)) {
+            const auto shown = toUtf8(text.substr(address.begin, address.end - address.begin));
+            all += (all.empty() ? "" : " ") + address.uri;
+            EXPECT_TRUE(address.uri.ends_with(shown)) << address.uri << " for " << shown;
+        }
+        return all;
+    };
+    EXPECT_EQ(uris(u"Siehe www.beispiel.de, oder (HTTPS://a-b.Example.com/x?y=1#z)."),
+              "http://www.beispiel.de HTTPS://a-b.Example.com/x?y=1#z");
+    EXPECT_EQ(uris(u"vor.name+x_1-2@firma.example: ja"), "mailto:vor.name+x_1-2@firma.example");
+    EXPECT_EQ(uris(u"http://firma.example:8080/a http://firma.example?x"),
+              "http://firma.example:8080/a http://firma.example?x");
+    EXPECT_EQ(uris(u"www.beispiel.de\u00A0und"), "http://www.beispiel.de");
+    for (const StringView none :
+         {u"1.234,5", u"z.B. und", u"www.", u"www.x", u"www..de", u"www.bei_spiel.de", u"www.beispiel.d3",
+          u"http://de", u"http://.de", u"http://a..de", u"http://a.d", u"www.müller.de", u"www.beispiel.deü",
+          u"a@b", u"a@b.1c", u"a!b@firma.de", u"a(b)@firma.de", u"@firma.de", u"ohne Punkt"})
+        EXPECT_EQ(uris(none), "") << toUtf8(none);
+}
+
+TEST(XmlText, HoldsWhatXmlCanHold) {
+    EXPECT_EQ(xmlText(u"a<b> & \t\n\r\u0001\uFFFE\uFFFF"), "a&lt;b&gt; &amp; \t\n&#13;\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(xmlText(String{u'x', u'\xD83D'}), "x\uFFFD");
 }
 
 } // namespace

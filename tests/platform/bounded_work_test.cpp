@@ -2,6 +2,7 @@
 
 #include "platform/as_anybody.h"
 #include "platform/posix/memory_watch.h"
+#include "platform/signals.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <sys/resource.h>
-#include <sys/time.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -77,7 +78,10 @@ TEST(BoundedWork, MemoryThatWasRefusedIsNoResultThoughNobodyMinded) {
     for (const auto ask : asked)
         EXPECT_THROW(runBounded(kLimits, [&] { return std::string(ask() == nullptr ? "weiter" : "genug"); }),
                      WorkFailed);
-    EXPECT_FALSE(memoryWasRefused()) << "not to this process";
+    const volatile std::size_t nothing = 0;
+    void* const freed = std::realloc(std::malloc(1), nothing);
+    EXPECT_FALSE(memoryWasRefused()) << "not to this process, and nothing was asked for";
+    std::free(freed);
 }
 
 TEST(BoundedWork, GivingUpForWantOfMemorySaysSo) {
@@ -122,21 +126,38 @@ TEST(BoundedWork, WhereNoProcessCanBeHadTheSystemSaysWhy) {
 }
 
 TEST(BoundedWork, SignalsDoNotEndTheWait) {
-    struct sigaction before {};
-    struct sigaction ignoring {};
-    ignoring.sa_handler = [](int) {};
-    ASSERT_EQ(::sigaction(SIGALRM, &ignoring, &before), 0);
-    const itimerval often{{0, 2000}, {0, 2000}};
-    ASSERT_EQ(::setitimer(ITIMER_REAL, &often, nullptr), 0);
+    const Signals signals;
     EXPECT_EQ(runBounded(kLimits,
                          [] {
                              ::usleep(30'000);
                              return std::string("fertig");
                          }),
               "fertig");
-    const itimerval never{};
-    ASSERT_EQ(::setitimer(ITIMER_REAL, &never, nullptr), 0);
-    ASSERT_EQ(::sigaction(SIGALRM, &before, nullptr), 0);
+}
+
+/// Writes into every pipe that is open, as the process itself does when it is done, and closes it.
+void writeIntoPipes() {
+    for (int descriptor = STDERR_FILENO + 1; descriptor < 64; ++descriptor) {
+        struct stat status {};
+        if (::fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode)) {
+            EXPECT_EQ(::write(descriptor, "+halb", 5), 5);
+            ::close(descriptor);
+        }
+    }
+}
+
+TEST(BoundedWork, WhatCameOfAProcessThatFailedIsNoResult) {
+    const auto failing = [] {
+        writeIntoPipes();
+        return std::string("ganz");
+    };
+    const auto killed = []() -> std::string {
+        writeIntoPipes();
+        ::raise(SIGKILL);
+        return "";
+    };
+    EXPECT_EQ(runBounded(kLimits, failing), std::nullopt);
+    EXPECT_EQ(runBounded(kLimits, killed), std::nullopt);
 }
 
 TEST(BoundedWork, WhatTheWorkChangesStaysThere) {

@@ -1,9 +1,12 @@
 #include "platform/posix/input_file.h"
 
+#include "platform/posix/atomic_file.h"
 #include "platform/posix/temporary_folder.h"
+#include "platform/signals.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -58,6 +61,41 @@ TEST_F(InputFileTest, APipeIsReadToItsEnd) {
         ::close(file);
     });
     EXPECT_EQ(readInput(name, 100), "ab");
+    writer.join();
+}
+
+TEST_F(InputFileTest, SignalsEndNeitherReadingNorWriting) {
+    const auto name = pipe();
+    const std::string much(1'000'000, 'x'); // more than a pipe holds
+    std::string read;
+    std::thread reader([&] {
+        Signals::spareThisThread();
+        const int file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+        ::usleep(20'000);
+        std::array<char, 1 << 16> piece{};
+        for (ssize_t count = 0; (count = ::read(file, piece.data(), piece.size())) > 0;)
+            read.append(piece.data(), static_cast<std::size_t>(count));
+        ::close(file);
+    });
+    const int file = ::open(name.c_str(), O_WRONLY | O_CLOEXEC);
+    {
+        const Signals signals;
+        writeAll(file, much);
+    }
+    ::close(file);
+    reader.join();
+    EXPECT_EQ(read, much);
+    std::thread writer([&] {
+        Signals::spareThisThread();
+        const int out = ::open(name.c_str(), O_WRONLY | O_CLOEXEC);
+        ::usleep(20'000);
+        EXPECT_EQ(::write(out, "ab", 2), 2);
+        ::close(out);
+    });
+    {
+        const Signals signals;
+        EXPECT_EQ(readInput(name, 100), "ab");
+    }
     writer.join();
 }
 

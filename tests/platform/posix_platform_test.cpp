@@ -1,6 +1,7 @@
 // Files and processes on Linux: real ones.
 #include "platform/posix/posix_platform.h"
 
+#include "platform/posix/lazy_function.h"
 #include "platform/posix/temporary_folder.h"
 #include "values/conversion.h"
 #include "values/printers.h"
@@ -312,6 +313,19 @@ TEST_F(RealProcesses, NoViewerInstalledNamesWhatWasLookedFor) {
         EXPECT_EQ(error.number(), 53);
         EXPECT_EQ(error.description(), u"Datei nicht gefunden: kein PDF-Betrachter installiert (gesucht: "
                                        u"kein-betrachter, betrachter)");
+    }
+}
+
+TEST(Libraries, ThatAreMissingAreNamed) {
+    EXPECT_NE(addressOf("libm.so.6", "cos"), nullptr);
+    for (const char* library : {"libfehlt.so.9", "libm.so.6"}) {
+        try {
+            addressOf(library, "kvtdruck_gibt_es_nicht");
+            FAIL() << library;
+        } catch (const std::runtime_error& error) {
+            EXPECT_THAT(error.what(), testing::StartsWith("Die Bibliothek „" + std::string(library) +
+                                                          "“ kann nicht geladen werden: "));
+        }
     }
 }
 

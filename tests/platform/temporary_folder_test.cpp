@@ -1,6 +1,7 @@
 #include "platform/posix/temporary_folder.h"
 
 #include "platform/as_anybody.h"
+#include "platform/posix/spool_file.h"
 
 #include <gtest/gtest.h>
 
@@ -70,9 +71,10 @@ class TemporaryFilesIn {
     std::optional<std::string> before_;
 };
 
-int codeOfANewFolder() {
+template <class Temporary>
+int codeOfANew() {
     try {
-        const TemporaryFolder folder;
+        const Temporary temporary;
     } catch (const std::system_error& error) {
         return error.code().value();
     }
@@ -86,13 +88,16 @@ TEST(TemporaryFolderTest, WhereNoneCanBeMadeTheSystemSaysWhyAndNothingIsLeft) {
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
     const rlimit none{0, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    const int withoutFiles = codeOfANewFolder();
+    const int withoutFiles = codeOfANew<TemporaryFolder>();
+    const int withoutSpool = codeOfANew<SpoolFile>();
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
     EXPECT_EQ(withoutFiles, EMFILE);
+    EXPECT_EQ(withoutSpool, EMFILE);
     fs::permissions(outer.path(), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_exec);
     {
         const AsAnybody user;
-        EXPECT_EQ(codeOfANewFolder(), EACCES);
+        EXPECT_EQ(codeOfANew<TemporaryFolder>(), EACCES);
+        EXPECT_EQ(codeOfANew<SpoolFile>(), EACCES);
     }
     EXPECT_TRUE(fs::is_empty(outer.path()));
     fs::permissions(outer.path(), fs::perms::owner_all);
