@@ -1,16 +1,23 @@
 #!/usr/bin/env python3
-"""check_rooms.py: the house's rules that a compiler does not know. Fails, with a line for each breach, where
+"""check_rooms.py COMMANDS: the house's rules that a compiler does not know. Fails, with a line for each breach, where
 
 - a source includes one of a room that lies above its own, or that its room may not see (docs/architecture.md);
-- a file has more than 450 lines, or a function more than 60, without a comment "long: <reason>" beside its beginning.
+- a file has more than 450 lines, or a function more than 60, without a comment "long: <reason>" beside its beginning;
+- a source is not among the compile commands of the plain build, COMMANDS, though it is for Linux.
 """
+import json
 import pathlib
 import re
 import sys
 
-SOURCES = pathlib.Path(__file__).resolve().parent.parent / "src"
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+SOURCES = ROOT / "src"
 LONGEST_FILE = 450
 LONGEST_FUNCTION = 60
+
+# What is for Windows, or for the sanitizers.
+BUILT_ELSEWHERE = ("src/com/", "src/platform/windows/", "src/druckwerk/text/sanitized_fonts.cpp", "tests/com/", "bench/com",
+                   "tests/platform/windows_platform_test.cpp")
 
 # What each room of the house sees, beside itself. Whoever is not named is not seen.
 VALUES = {"values"}
@@ -109,6 +116,15 @@ def breaches_of_length(path, text):
             yield f"{path}:{first + 1}: a function of {length} lines, more than {LONGEST_FUNCTION}"
 
 
+def breaches_of_building(commands):
+    compiled = {entry["file"] for entry in json.loads(pathlib.Path(commands).read_text(encoding="utf-8"))}
+    for folder in ("src", "tests", "bench"):
+        for source in sorted((ROOT / folder).rglob("*.cpp")):
+            path = source.relative_to(ROOT).as_posix()
+            if str(source) not in compiled and not path.startswith(BUILT_ELSEWHERE):
+                yield f"{path}: no build compiles it"
+
+
 def main():
     breaches = []
     for file in sorted(SOURCES.rglob("*")):
@@ -118,7 +134,9 @@ def main():
         text = file.read_text(encoding="utf-8")
         breaches += breaches_of_arrows(path, text)
         breaches += breaches_of_length(path, text)
-    print("\n".join(breaches) if breaches else "every arrow points down, every file and function is short enough")
+    breaches += breaches_of_building(sys.argv[1])
+    print("\n".join(breaches) if breaches else
+          "every arrow points down, every file and function is short enough, every source is built")
     sys.exit(bool(breaches))
 
 
