@@ -229,6 +229,17 @@ TEST_F(CheckedDatabase, KeysThatAreEmptyOrNotAloneAreTold) {
                                               "kosten: 1 Schlüssel (fnr, jahr) kommen mehrmals vor."));
 }
 
+TEST_F(CheckedDatabase, AKeyThatIsAnEmptyTextIsEmpty) {
+    make("kosten", {{"fnr", "TEXT"}, {"jahr", "TEXT"}});
+    make("feiertage", {{"jahr", "TEXT"}});
+    database_.execute("INSERT INTO kosten (fnr, jahr) VALUES ('', '2024'), ('1', ' '), ('01', '2024');\n"
+                      "INSERT INTO firma (fnr) VALUES (1);\n"
+                      "INSERT INTO feiertage (bundesland, jahr, fdatum) VALUES ('', '2024', '2024-05-01');\n");
+    EXPECT_THAT(findings(), testing::UnorderedElementsAre(
+                                "kosten: 2 Zeilen haben einen leeren Schlüssel (fnr, jahr).",
+                                "feiertage: 1 Zeilen haben einen leeren Schlüssel (bundesland, jahr, fdatum)."));
+}
+
 TEST_F(CheckedDatabase, OfManyGapsTwentyAreNamedAndTheRestCounted) {
     database_.execute("INSERT INTO firma (fnr) VALUES (1), (2), (3), (4);\n"
                       "INSERT INTO umsatz (fnr, jahr) SELECT fnr, 2024 FROM firma;\n");
