@@ -56,7 +56,7 @@ class Check {
         columns(table, there);
         if (result_.findings.size() == findings) {
             contents(table, there);
-            keys(table);
+            keys(table, there);
         }
         state = result_.findings.size() > findings ? State::Faulty : State::Usable;
         if (state == State::Usable && count(table, "SELECT COUNT(*) FROM " + table.name) == 0)
@@ -166,10 +166,8 @@ class Check {
             types.push_back(isText ? CellType::Text : cellTypeOf(column->kind));
             names.push_back(column->name);
         }
-        // As a part of a larger query the table stands for itself, with its keys as it keeps them.
-        auto query = connection_.query(
-            u"Die Tabelle „" + fromUtf8(table.name) + u"“ kann nicht gelesen werden.",
-            fromUtf8("SELECT " + joined(names) + " FROM (SELECT * FROM\n" + table.name + ") alle"), types);
+        auto query = connection_.query(u"Die Tabelle „" + fromUtf8(table.name) + u"“ kann nicht gelesen werden.",
+                                       fromUtf8("SELECT " + joined(names) + " FROM " + asItIs(table)), types);
         std::map<std::size_t, std::pair<std::string, std::size_t>> wrong;
         do {
             wrong.clear();
@@ -187,6 +185,9 @@ class Check {
         return sentences;
     }
 
+    /// As a part of a larger query the table stands for itself, with its keys as it keeps them.
+    static std::string asItIs(const SchemaTable& table) { return "(SELECT * FROM\n" + table.name + ") alle"; }
+
     static void cell(Query& query, std::size_t at, CellType type, Kind kind,
                      std::map<std::size_t, std::pair<std::string, std::size_t>>& wrong) {
         if (type == CellType::Number)
@@ -197,14 +198,20 @@ class Check {
             ++wrong.try_emplace(at, toUtf8(*text), 0).first->second.second;
     }
 
-    void keys(const SchemaTable& table) {
+    void keys(const SchemaTable& table, const std::vector<SourceColumn>& there) {
         std::vector<std::string> names;
-        for (const auto& column : table.columns)
-            if (column.isKey)
-                names.push_back(column.name);
+        std::vector<std::string> none; // conditions
+        for (const auto& column : table.columns) {
+            if (!column.isKey)
+                continue;
+            names.push_back(column.name);
+            none.push_back(column.name + " IS NULL");
+            if (findIn(there, column)->type == CellType::Text) // which would pass for the number 0
+                none.push_back("LTRIM(" + column.name + ") = ''");
+        }
         const auto key = joined(names);
-        if (const double empty = count(table, "SELECT COUNT(*) FROM " + table.name + " WHERE " +
-                                                  joined(names, " IS NULL OR ") + " IS NULL");
+        if (const double empty =
+                count(table, "SELECT COUNT(*) FROM " + asItIs(table) + " WHERE " + joined(none, " OR "));
             empty > 0)
             find(true, table, numberText(empty) + " Zeilen haben einen leeren Schlüssel (" + key + ").");
         if (const double twice = count(table, "SELECT COUNT(*) FROM (SELECT 1 AS eins FROM " + table.name +

@@ -478,6 +478,39 @@ TEST_F(ManyYears, AGetterThatIsFirstUsedFarIntoTheDataGivesItsValue) {
     EXPECT_LE(queries_, before + 1) << "known from then on";
 }
 
+/// What is shown stays whole, and what follows is not lost.
+TEST_F(ManyYears, ARecordThatGoesWhileItIsInHandKeepsItsValues) {
+    const auto turnover = reader(u"clsZugUmsatz");
+    turnover.call(u"LeseUmsatzAlle", {1.0});
+    for (int year = 1; year < 2000; ++year)
+        turnover.call(u"MoveNext");
+    ASSERT_EQ(turnover.number(u"Jahr"), 2000);
+    execute("DELETE FROM umsatz WHERE jahr = 2000");
+    EXPECT_EQ(turnover.number(u"IUmsatzDM"), 0) << "nobody has asked for it in time";
+    EXPECT_EQ(turnover.number(u"SUmsatzDM"), 0);
+    EXPECT_EQ(turnover.number(u"Jahr"), 2000);
+    EXPECT_TRUE(turnover.truth(u"MoveNext"));
+    EXPECT_EQ(turnover.number(u"Jahr"), 2001);
+    EXPECT_EQ(turnover.number(u"IUmsatzDM"), 3001.5);
+}
+
+TEST_F(Readers, MoreDaysThanAreReadAtOnceComeOnceEach) {
+    const auto two = [](int number) { return std::to_string(100 + number).substr(1); };
+    std::string rows;
+    Values days;
+    for (const int year : {2021, 2022, 2023, 2024})
+        for (int month = 1; month <= 12; ++month)
+            for (int day = 1; day <= 28; ++day) {
+                rows += (rows.empty() ? "('Sachsen', 2024, '" : ", ('Sachsen', 2024, '") + std::to_string(year) +
+                        "-" + two(month) + "-" + two(day) + "', 'x')";
+                days.emplace_back(dateOf(year, month, day));
+            }
+    execute("INSERT INTO feiertage (bundesland, jahr, fdatum, feiertag) VALUES " + rows);
+    const auto holidays = reader(u"clsZugFeiertage");
+    holidays.call(u"LeseFeiertage", {u"Sachsen", std::int16_t(2024)});
+    EXPECT_EQ(holidays.column(u"FDatum"), days);
+}
+
 TEST_F(ManyYears, ReadersWalkIndependently) {
     const auto outer = reader(u"clsZugUmsatz");
     const auto inner = reader(u"clsZugUmsatz");
@@ -635,6 +668,10 @@ TEST_F(Readers, MistakesInCallsAreRuntimeErrors) {
     EXPECT_EQ(number([&] { turnover.call(u"LeseUmsatzAlle", {u"eins"}); }), long(ErrorNumber::TypeMismatch));
     HostConnection host(u"");
     EXPECT_EQ(number([&] { host.idOf(u"State"); }), long(ErrorNumber::MemberNotFound));
+    EXPECT_EQ(number([&] { host.call(host.idOf(u"ConnectionString") + 1, {}); }),
+              long(ErrorNumber::MemberNotFound));
+    EXPECT_EQ(number([&] { host.put(host.idOf(u"ConnectionString"), {}, u"x"); }),
+              long(ErrorNumber::MemberNotFound));
 }
 
 TEST_F(Readers, AMissingDriverIsToldByName) {

@@ -1,7 +1,9 @@
-// What is SQLite's own: files and their names, logs, locks, values of any type, memory.
+// What is SQLite's own: files and their names, logs, locks, values of any type, rows that come in, memory.
 #include "kvtzug/kvtzug.h"
+#include "kvtzug/odbc.h"
 #include "kvtzug/reader_access.h"
 #include "kvtzug/sqlite_database.h"
+#include "kvtzug/table_import.h"
 #include "values/conversion.h"
 #include "values/runtime_error.h"
 
@@ -9,6 +11,7 @@
 
 #include <sys/resource.h>
 
+#include <array>
 #include <atomic>
 #include <fstream>
 #include <set>
@@ -147,7 +150,8 @@ TEST_F(SqliteFiles, AFileNameIsDataWhateverIsInIt) {
 TEST_F(SqliteFiles, ConnectionStringsOfItsOdbcDriverGoOn) {
     create(file_, "Firma");
     for (const StringView form : {u"Driver=SQLite3;Database=", u"DRIVER={SQLite3};Timeout=1000;NoCreat=0;database=",
-                                  u"Driver=SQLite;Database="})
+                                  u"Driver=SQLite;Database=", u"Driver=SQLite3;Timeout=bald;Database=",
+                                  u"Driver=SQLite3;Timeout=99999999999999999999;Database="})
         EXPECT_EQ(nameOfCompany(String(form) + fromUtf8(file_.string())), u"Firma");
 }
 
@@ -170,6 +174,15 @@ TEST_F(SqliteFiles, AWriteAheadLogIsReadAndNoneIsLeftBehind) {
         EXPECT_EQ(nameOfCompany(connection), u"in the log");
     }
     EXPECT_EQ(name(), u"in the log") << "and when the log is gone";
+}
+
+TEST_F(SqliteFiles, AFileWithAWriteAheadLogMayHaveAnyName) {
+    const std::set<std::string> names{"Jahr 2024?mode=rwc#%41.sqlite", "Grün & Söhne.sqlite"};
+    for (const auto& name : names) {
+        create(folder_.path() / name, "Firma", "PRAGMA journal_mode = WAL;");
+        EXPECT_EQ(nameOfCompany(sqliteConnection(fromUtf8((folder_.path() / name).string()))), u"Firma") << name;
+    }
+    EXPECT_EQ(files(), names);
 }
 
 TEST_F(SqliteFiles, WhatIsWrittenAndLoggedNoMoreIsSeen) {
@@ -236,7 +249,9 @@ TEST_F(SqliteFiles, NumbersMayBeTextsAndTextsNumbers) {
 TEST_F(SqliteFiles, WhatIsNoDateIsTold) {
     const Writer writer(file_);
     writer.execute("CREATE TABLE feiertage (bundesland TEXT, jahr, fdatum, feiertag TEXT)");
-    for (const std::string none : {"'01.05.2024'", "'2024-02-30'", "'2024-05'", "45292", "'2024-05-01x'"}) {
+    for (const std::string none :
+         {"'01.05.2024'", "'2024-02-30'", "'2024-05'", "45292", "'2024-05-01x'", "'2024-1x-01'", "'2024-00-10'",
+          "'Mai2-05-01'", "'2024-05-x1'", "'2024-05 01'"}) {
         writer.execute("DELETE FROM feiertage; INSERT INTO feiertage VALUES ('Sachsen', 2024, " + none + ", 'x')");
         try {
             const ReaderAccess holidays(library_, u"clsZugFeiertage", sqliteConnection(fromUtf8(file_.string())));
@@ -246,10 +261,12 @@ TEST_F(SqliteFiles, WhatIsNoDateIsTold) {
             EXPECT_THAT(error.what(), HasSubstr("das ist kein Datum (JJJJ-MM-TT).")) << none;
         }
     }
-    writer.execute("UPDATE feiertage SET fdatum = '2024-05-01 00:00:00'");
     const ReaderAccess holidays(library_, u"clsZugFeiertage", sqliteConnection(fromUtf8(file_.string())));
-    holidays.call(u"LeseFeiertage", {u"Sachsen", std::int16_t(2024)});
-    EXPECT_EQ(holidays.call(u"FDatum"), Variant(dateOf(2024, 5, 1)));
+    for (const std::string same : {"2024-05-01 00:00:00", "2024-05-01T00:00:00", "2024-05-01"}) {
+        writer.execute("UPDATE feiertage SET fdatum = '" + same + "'");
+        holidays.call(u"LeseFeiertage", {u"Sachsen", std::int16_t(2024)});
+        EXPECT_EQ(holidays.call(u"FDatum"), Variant(dateOf(2024, 5, 1))) << same;
+    }
 }
 
 TEST_F(SqliteFiles, AWalkEndsWhenTheUserAsksToStop) {
@@ -267,6 +284,137 @@ TEST_F(SqliteFiles, AWalkEndsWhenTheUserAsksToStop) {
     cancelled_ = false;
     EXPECT_FALSE(turnover.truth(u"EOF"));
     EXPECT_LE(turnover.number(u"Jahr"), year) << "the record in hand stays readable";
+}
+
+TEST_F(SqliteFiles, TextKeysAreFoundAsNumbersAndOtherTablesAreLeftAlone) {
+    Writer(file_).execute("CREATE TABLE umsatz (fnr TEXT, jahr REAL, notiz TEXT, iumsatzdm REAL);"
+                          "INSERT INTO umsatz VALUES ('07', 2024, 'vorläufig', 1);"
+                          "CREATE TABLE umsatz2 (fnr TEXT, iumsatzdm REAL); INSERT INTO umsatz2 VALUES ('07', 2);"
+                          "CREATE TABLE umsatzX (fnr TEXT, iumsatzdm REAL); INSERT INTO umsatzX VALUES ('07', 3);");
+    const auto connection = openConnection(sqliteConnection(fromUtf8(file_.string())), nullptr);
+    const auto turnover = [&](StringView table, const Parameter& number) -> std::optional<double> {
+        const auto query = connection->query(
+            u"Fehler.", u"SELECT iumsatzdm FROM " + String(table) + u" WHERE fnr = ?", {CellType::Number});
+        query->execute(std::array{number});
+        return query->step() ? query->number(0) : std::nullopt;
+    };
+    EXPECT_EQ(turnover(u"umsatz", 7.0), 1);
+    EXPECT_EQ(turnover(u"Umsatz", 7.0), 1);
+    EXPECT_EQ(turnover(u"umsatz2", String(u"07")), 2);
+    EXPECT_EQ(turnover(u"umsatzX", String(u"07")), 3);
+    EXPECT_EQ(turnover(u"umsatz2", String(u"7")), std::nullopt);
+}
+
+TEST_F(SqliteFiles, TheOdbcDriversColumnsAreOfTheirKinds) {
+    create(file_, "Firma",
+           "CREATE TABLE arten (a CHAR(3), b VARCHAR(3), c TEXT, d LONGVARCHAR, e DATE, f TIMESTAMP, "
+           "g DATETIME, h INTEGER, i SMALLINT, j TINYINT, k BIGINT, l BIT, m REAL, n FLOAT, "
+           "o DOUBLE, p NUMERIC, q BLOB);");
+    const auto connection = std::make_shared<OdbcConnection>(u"Driver={" + fromUtf8(KVT_SQLITE_ODBC) +
+                                                             u"};Database=" + fromUtf8(file_.string()));
+    std::string kinds;
+    for (const auto& column : connection->columnsOf(u"arten"))
+        kinds += !column.type ? '?' : "zdt"[std::size_t(*column.type)];
+    EXPECT_EQ(kinds, "ttttdddzzzzzzzzz?");
+    try {
+        connection->columnsOf(u"fehlt");
+        ADD_FAILURE() << "no run-time error";
+    } catch (const RuntimeError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("„fehlt“ kann nicht gelesen werden."));
+    }
+}
+
+TEST_F(SqliteFiles, ThroughOdbcAMissingFileIsMadeOnlyWhereTheConnectionSaysSo) {
+    const auto driver = u"Driver={" + fromUtf8(KVT_SQLITE_ODBC) + u"};Database=";
+    const auto file = folder_.path() / "Grün.sqlite";
+    const auto connection = driver + fromUtf8(file.string());
+    EXPECT_THAT(errorOf(connection),
+                HasSubstr("Die Datenbank „" + file.string() + "“ konnte nicht geöffnet werden."));
+    EXPECT_FALSE(std::filesystem::exists(file));
+    const auto wanted = folder_.path() / "neu.sqlite";
+    const OdbcConnection opened(driver + fromUtf8(wanted.string()) + u";NoCreat=0");
+    EXPECT_TRUE(std::filesystem::exists(wanted));
+    EXPECT_THAT(errorOf(driver + String(20000, u'ü')), HasSubstr("konnte nicht geöffnet werden."))
+        << "32767 bytes are less than it takes";
+}
+
+// --- Rows that come in
+
+class SqliteImport : public SqliteFiles {
+  protected:
+    using Rows = std::vector<std::vector<TableImport::Value>>;
+
+    /// What one says to rows of `table`; "" where all of them came in.
+    std::string told(const std::string& table, const std::vector<std::string>& columns, const Rows& rows,
+                     bool creates = true, bool tries = false) const {
+        try {
+            TableImport import(file_, *findTable(table), columns, creates, tries, nullptr);
+            for (const auto& row : rows)
+                import.put(row);
+            import.commit();
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return "";
+    }
+};
+
+TEST_F(SqliteImport, NothingStaysOfADatabaseThatCouldNotBeMade) {
+    EXPECT_EQ(told("firma", {"fnr"}, {}, false),
+              "Die Datenbank „" + file_.string() + "“ gibt es nicht; --anlegen legt sie an.");
+    EXPECT_EQ(told("umsatz", {"fnr", "jahr"}, {{7.0, 2024.0}}), "Es gibt keine Zeile in firma, zu der sie gehört.");
+    EXPECT_EQ(files(), std::set<std::string>());
+    EXPECT_EQ(told("firma", {"fnr"}, {{7.0}}, true, true), "");
+    EXPECT_EQ(files(), std::set<std::string>()) << "it was tried alone";
+    file_ = folder_.path() / "fehlt" / "test.sqlite";
+    EXPECT_EQ(told("firma", {"fnr"}, {}), "Die Datenbank „" + file_.string() + "“ kann nicht angelegt werden.");
+}
+
+TEST_F(SqliteImport, WhatIsNoDatabaseIsToldAndStays) {
+    const std::string letter(5000, 'x');
+    std::ofstream(file_) << letter;
+    EXPECT_EQ(told("firma", {"fnr"}, {{1.0}}), "Das ist keine SQLite-Datenbank.");
+    EXPECT_EQ(std::filesystem::file_size(file_), letter.size());
+    file_ = folder_.path();
+    EXPECT_EQ(told("firma", {"fnr"}, {{1.0}}), "Die Datenbank meldet: unable to open database file");
+}
+
+TEST_F(SqliteImport, ForeignTablesAndViewsAreTold) {
+    Writer(file_).execute("CREATE VIEW firma AS SELECT 1 AS fnr; CREATE TABLE umsatz (fnr, jahr)");
+    EXPECT_EQ(told("firma", {"fnr"}, {{1.0}}),
+              "„firma“ ist in dieser Datenbank eine Sicht; eingelesen wird nur in Tabellen.");
+    EXPECT_EQ(told("kosten", {"fnr", "jahr"}, {}, false),
+              "Die Tabelle „kosten“ fehlt in der Datenbank; --anlegen legt sie an.");
+    EXPECT_EQ(told("umsatz", {"fnr", "jahr", "iumsatzdm"}, {}, false),
+              "Die Datenbank meldet: table umsatz has no column named iumsatzdm");
+    EXPECT_EQ(told("umsatz", {"fnr", "jahr"}, {{1.0, 2024.0}}, false), "");
+}
+
+TEST_F(SqliteImport, RowsOfKeysAloneAndEmptyCellsComeInAndChange) {
+    ASSERT_EQ(told("firma", {"fnr"}, {{7.0}}), "");
+    {
+        TableImport keys(file_, *findTable("firma"), {"fnr"}, false, false, nullptr);
+        EXPECT_EQ(keys.put({7.0}), TableImport::Effect::Changed);
+        EXPECT_EQ(keys.put({8.0}), TableImport::Effect::Added);
+        keys.commit();
+    }
+    const std::vector<std::string> columns{"fnr", "name1", "plz"};
+    ASSERT_EQ(told("firma", columns, {{1.0, std::string("Grün"), 4109.0}}), "");
+    const auto connection = sqliteConnection(fromUtf8(file_.string()));
+    EXPECT_EQ(nameOfCompany(connection), u"Grün");
+    ASSERT_EQ(told("firma", columns, {{1.0, std::monostate(), 4109.0}}), "");
+    EXPECT_EQ(nameOfCompany(connection), u"");
+}
+
+TEST_F(SqliteImport, EndsWhenTheUserAsks) {
+    TableImport import(file_, *findTable("firma"), {"fnr"}, true, true, &cancelled_);
+    import.put({0.0});
+    cancelled_ = true;
+    const auto many = [&] {
+        for (int number = 1; number < 100'000; ++number)
+            import.put({double(number)});
+    };
+    EXPECT_THAT(many, testing::ThrowsMessage<std::runtime_error>("Der Vorgang wurde abgebrochen."));
 }
 
 #ifndef KVT_SANITIZED // a sanitizer's own memory grows with every allocation

@@ -160,6 +160,20 @@ TEST(BoundedWork, WhatCameOfAProcessThatFailedIsNoResult) {
     EXPECT_EQ(runBounded(kLimits, killed), std::nullopt);
 }
 
+/// A process that may have no open files can't wait for one either (poll(2), EINVAL).
+TEST(BoundedWork, WhereWaitingIsRefusedThereIsNoResult) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const auto refusing = [&] {
+        const rlimit none{0, before.rlim_max};
+        EXPECT_EQ(::prlimit(::getppid(), RLIMIT_NOFILE, &none, nullptr), 0);
+        return std::string("fertig");
+    };
+    const auto result = runBounded(kLimits, refusing);
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(result, std::nullopt);
+}
+
 TEST(BoundedWork, WhatTheWorkChangesStaysThere) {
     int changed = 0;
     runBounded(kLimits, [&] {

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -97,6 +98,24 @@ TEST_F(InputFileTest, SignalsEndNeitherReadingNorWriting) {
         EXPECT_EQ(readInput(name, 100), "ab");
     }
     writer.join();
+}
+
+/// A process that may have no open files can't wait for one either (poll(2), EINVAL).
+TEST_F(InputFileTest, WhereWaitingIsRefusedTheSystemSaysWhy) {
+    const auto name = pipe();
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    int file = -1;
+    std::thread writer([&] {
+        file = ::open(name.c_str(), O_WRONLY | O_CLOEXEC); // as soon as it is being read
+        const rlimit none{0, before.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    });
+    const int error = errorOf(name);
+    writer.join();
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    ::close(file);
+    EXPECT_EQ(error, EINVAL);
 }
 
 TEST_F(InputFileTest, WaitingForAPipeCanBeCancelled) {
