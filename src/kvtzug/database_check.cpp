@@ -31,6 +31,10 @@ std::string numberText(double number) {
     return toUtf8(decimal(std::llround(number)));
 }
 
+std::string rowsHave(double count) {
+    return count == 1 ? "1 Zeile hat" : numberText(count) + " Zeilen haben";
+}
+
 CellType cellTypeOf(Kind kind) {
     return kind == Kind::Text ? CellType::Text : kind == Kind::Date ? CellType::Date : CellType::Number;
 }
@@ -74,9 +78,8 @@ class Check {
                                      "kontenart IS NULL");
                 wrong > 0)
                 find(true, *accounts,
-                     numberText(wrong) +
-                         " Zeilen haben eine andere kontenart als 1 (Gemeinkosten) und 2 (neutral); "
-                         "keine Liste druckt sie.");
+                     rowsHave(wrong) + " eine andere kontenart als 1 (Gemeinkosten) und 2 (neutral); "
+                                       "keine Liste druckt sie.");
         years();
     }
 
@@ -213,11 +216,13 @@ class Check {
         if (const double empty =
                 count(table, "SELECT COUNT(*) FROM " + asItIs(table) + " WHERE " + joined(none, " OR "));
             empty > 0)
-            find(true, table, numberText(empty) + " Zeilen haben einen leeren Schlüssel (" + key + ").");
+            find(true, table, rowsHave(empty) + " einen leeren Schlüssel (" + key + ").");
         if (const double twice = count(table, "SELECT COUNT(*) FROM (SELECT 1 AS eins FROM " + table.name +
                                                   " GROUP BY " + key + " HAVING COUNT(*) > 1) mehrfach");
             twice > 0)
-            find(true, table, numberText(twice) + " Schlüssel (" + key + ") kommen mehrmals vor.");
+            find(true, table,
+                 numberText(twice) + " Schlüssel (" + key + (twice == 1 ? ") kommt" : ") kommen") +
+                     " mehrmals vor.");
     }
 
     /// Rows that no report finds, since the row that they belong to is missing.
@@ -231,9 +236,9 @@ class Check {
                              " WHERE " + joined(conditions, " AND ") + ")");
         if (lost > 0)
             find(true, table,
-                 numberText(lost) + " Zeilen haben keine in " + parent.name +
-                     ", zu der sie gehören; sie werden nicht "
-                     "gedruckt.");
+                 rowsHave(lost) + " keine in " + parent.name +
+                     (lost == 1 ? ", zu der sie gehört; sie wird nicht gedruckt."
+                                : ", zu der sie gehören; sie werden nicht gedruckt."));
     }
 
     /// Years that a company has somewhere and not everywhere.

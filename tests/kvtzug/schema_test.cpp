@@ -226,7 +226,7 @@ TEST_F(CheckedDatabase, KeysThatAreEmptyOrNotAloneAreTold) {
     database_.execute("INSERT INTO kosten (fnr, jahr) VALUES (1, 2024), (1, 2024), (1, NULL), (NULL, 2024);\n");
     EXPECT_THAT(findings(),
                 testing::UnorderedElementsAre("kosten: 2 Zeilen haben einen leeren Schlüssel (fnr, jahr).",
-                                              "kosten: 1 Schlüssel (fnr, jahr) kommen mehrmals vor."));
+                                              "kosten: 1 Schlüssel (fnr, jahr) kommt mehrmals vor."));
 }
 
 TEST_F(CheckedDatabase, AKeyThatIsAnEmptyTextIsEmpty) {
@@ -237,7 +237,7 @@ TEST_F(CheckedDatabase, AKeyThatIsAnEmptyTextIsEmpty) {
                       "INSERT INTO feiertage (bundesland, jahr, fdatum) VALUES ('', '2024', '2024-05-01');\n");
     EXPECT_THAT(findings(), testing::UnorderedElementsAre(
                                 "kosten: 2 Zeilen haben einen leeren Schlüssel (fnr, jahr).",
-                                "feiertage: 1 Zeilen haben einen leeren Schlüssel (bundesland, jahr, fdatum)."));
+                                "feiertage: 1 Zeile hat einen leeren Schlüssel (bundesland, jahr, fdatum)."));
 }
 
 TEST_F(CheckedDatabase, OfManyGapsTwentyAreNamedAndTheRestCounted) {
