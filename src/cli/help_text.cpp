@@ -76,7 +76,7 @@ class GermanHelp final : public CLI::Formatter {
         auto line = "  " + name;
         const auto letters = lettersOf(line);
         line += letters + 1 < kOptionColumn ? std::string(kOptionColumn - letters, ' ')
-                                          : "\n" + std::string(kOptionColumn, ' ');
+                                            : "\n" + std::string(kOptionColumn, ' ');
         return line + wrapped(description, kOptionColumn, width() - kOptionColumn) + "\n";
     }
 };

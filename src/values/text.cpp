@@ -12,7 +12,6 @@ namespace kvtdruck {
 
 namespace {
 
-
 void appendUtf8(std::string& utf8, char32_t codePoint) {
     const auto continuation = [&](int shift) { utf8 += static_cast<char>(0x80 | ((codePoint >> shift) & 0x3F)); };
     if (codePoint < 0x80) {
