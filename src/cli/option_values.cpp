@@ -19,6 +19,17 @@ std::optional<std::int64_t> numberIn(std::string_view text) {
     return parsed.ec == std::errc() && parsed.ptr == end ? std::optional(number) : std::nullopt;
 }
 
+/// What stands between commas; a text without any is one part.
+std::vector<std::string_view> separated(std::string_view text) {
+    std::vector<std::string_view> parts;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const auto end = std::min(text.find(',', begin), text.size());
+        parts.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return parts;
+}
+
 /// The largest whole number up to which a Double holds every one.
 constexpr std::int64_t kLargestCompany = 9'007'199'254'740'992;
 
@@ -138,13 +149,11 @@ std::vector<double> companiesIn(const std::string& text) {
     std::vector<double> companies;
     if (text == "alle")
         return companies;
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const auto end = std::min(text.find(',', begin), text.size());
-        const auto number = numberIn(std::string_view(text).substr(begin, end - begin));
+    for (const auto part : separated(text)) {
+        const auto number = numberIn(part);
         if (!number || *number < 0 || *number > kLargestCompany)
             refuse("--firma: „" + text + "“ ist keine Firmennummer; möglich sind 7, mehrere wie 1,7,9 und alle.");
         companies.push_back(double(*number));
-        begin = end + 1;
     }
     return companies;
 }
@@ -170,20 +179,16 @@ druckwerk::PrintDate dateIn(const std::string& text) {
     return date;
 }
 
-// Without a regular expression: the library's take a part of the stack for every character.
 std::string pagesIn(const std::string& text) {
     const auto isPage = [](std::string_view page) {
         constexpr std::int64_t kLast = 999'999'999;
         const auto number = numberIn(page);
         return number && *number >= 1 && *number <= kLast && page.front() != '0';
     };
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const auto end = std::min(text.find(',', begin), text.size());
-        const auto range = std::string_view(text).substr(begin, end - begin);
+    for (const auto range : separated(text)) {
         const auto dash = range.find('-');
         if (!isPage(range.substr(0, dash)) || (dash != range.npos && !isPage(range.substr(dash + 1))))
             refuse("--seiten: „" + text + "“ ist kein Seitenbereich wie 1-3,7.");
-        begin = end + 1;
     }
     return text;
 }
