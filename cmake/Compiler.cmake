@@ -11,13 +11,13 @@ if(NOT WIN32)
 endif()
 
 # What is tested is sanitized. Its tests are compiled as for the plain build, whose results the compiler cache has by then;
-# sanitizing them would take as long as all the rest.
+# sanitizing them would take as long as all the rest. (The preset for coverage sets what counts in the sanitizers' place.)
 option(KVT_SANITIZE "build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 if(KVT_SANITIZE)
   # Of undefined behaviour, what the address sanitizer stops at as well takes a third of the build. The instrumentation
   # brings false positives, as in <regex> (https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105562).
-  set(kvt_sanitizers -O1 -g1 -fsanitize=address,undefined -fno-sanitize=null,alignment,object-size
-                     -fno-sanitize-recover=undefined -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+  set(kvt_instrumentation -O1 -g1 -fsanitize=address,undefined -fno-sanitize=null,alignment,object-size
+                          -fno-sanitize-recover=undefined -fno-omit-frame-pointer -Wno-maybe-uninitialized)
   # Of code that the sanitizer's own memory upsets.
   set(kvt_sanitized KVT_SANITIZED)
   add_link_options(-fsanitize=address,undefined)
@@ -54,7 +54,7 @@ function(kvt_library name)
   add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
   target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
   target_link_libraries(${name} PUBLIC ${arg_DEPENDS})
-  target_compile_options(${name} PRIVATE ${kvt_sanitizers})
+  target_compile_options(${name} PRIVATE ${kvt_instrumentation})
   target_compile_definitions(${name} PRIVATE ${kvt_sanitized})
   if(name STREQUAL "kvt_values")
     target_precompile_headers(${name} PRIVATE ${kvt_standard_headers})
