@@ -12,9 +12,9 @@ import tempfile
 
 from PIL import Image, ImageChops, ImageFilter, ImageStat
 
+from in_inkscape import RESOLUTION
 from layout_file import SVG, layers_of
 
-RESOLUTION = 127  # five points to the millimetre, as in_inkscape.py draws
 MILLIMETRE = RESOLUTION / 25.4
 # What two renderers make of the same page: the mean difference of an area in shades of 256, and the largest anywhere in it,
 # each point taken together with those around it.

@@ -56,4 +56,5 @@ def main(layouts, out):
     print(f"{len(names)} layouts")
 
 
-main(*sys.argv[1:])
+if __name__ == "__main__":
+    main(*sys.argv[1:])
