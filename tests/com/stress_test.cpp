@@ -1,7 +1,7 @@
 // Two apartments whose hosts and libraries do all that they should not, at random: they call back from everywhere,
 // let go of what is at work, answer with garbage and with failures, register and unregister the DLL meanwhile.
 // Nothing may crash, be called on another thread, or be left behind. KVT_STRESS_SEED repeats a run,
-// KVT_STRESS_SECONDS says how long it lasts, otherwise half a minute: a minute in both architectures.
+// KVT_STRESS_SECONDS says how long it lasts, otherwise half a minute, a minute in both architectures together.
 #include "hive.h"
 #include "stage.h"
 
