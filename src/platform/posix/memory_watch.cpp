@@ -38,8 +38,32 @@ constexpr long kMostRefusals = 1'000'000;
 
 /// The C library's function that the one of that name here stands before.
 template <class Function>
-Function next(const char* name) {
-    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+void find(Function*& function, const char* name) {
+    function = reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+/// Of the C library. All are looked for at the first allocation of the process, which the libraries' start makes:
+/// later, the dynamic linker may be who allocates, for a message that it gives back when it is asked for anything
+/// else.
+struct Allocation {
+    Allocation() {
+        find(malloc, "malloc");
+        find(calloc, "calloc");
+        find(realloc, "realloc");
+        find(aligned_alloc, "aligned_alloc");
+        find(posix_memalign, "posix_memalign");
+    }
+
+    void* (*malloc)(std::size_t);
+    void* (*calloc)(std::size_t, std::size_t);
+    void* (*realloc)(void*, std::size_t);
+    void* (*aligned_alloc)(std::size_t, std::size_t);
+    int (*posix_memalign)(void**, std::size_t, std::size_t);
+};
+
+const Allocation& allocation() {
+    static const Allocation kAllocation;
+    return kAllocation;
 }
 
 void* watched(void* memory, std::size_t size) {
@@ -56,28 +80,23 @@ void* watched(void* memory, std::size_t size) {
 extern "C" {
 
 void* malloc(std::size_t size) {
-    static const auto call = kvtdruck::next<void* (*)(std::size_t)>("malloc");
-    return kvtdruck::watched(call(size), size);
+    return kvtdruck::watched(kvtdruck::allocation().malloc(size), size);
 }
 
 void* calloc(std::size_t count, std::size_t size) {
-    static const auto call = kvtdruck::next<void* (*)(std::size_t, std::size_t)>("calloc");
-    return kvtdruck::watched(call(count, size), count * size);
+    return kvtdruck::watched(kvtdruck::allocation().calloc(count, size), count * size);
 }
 
 void* realloc(void* old, std::size_t size) {
-    static const auto call = kvtdruck::next<void* (*)(void*, std::size_t)>("realloc");
-    return kvtdruck::watched(call(old, size), size);
+    return kvtdruck::watched(kvtdruck::allocation().realloc(old, size), size);
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) {
-    static const auto call = kvtdruck::next<void* (*)(std::size_t, std::size_t)>("aligned_alloc");
-    return kvtdruck::watched(call(alignment, size), size);
+    return kvtdruck::watched(kvtdruck::allocation().aligned_alloc(alignment, size), size);
 }
 
 int posix_memalign(void** result, std::size_t alignment, std::size_t size) {
-    static const auto call = kvtdruck::next<int (*)(void**, std::size_t, std::size_t)>("posix_memalign");
-    const int error = call(result, alignment, size);
+    const int error = kvtdruck::allocation().posix_memalign(result, alignment, size);
     if (error == ENOMEM)
         kvtdruck::watched(nullptr, size);
     return error;
