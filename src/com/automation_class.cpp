@@ -10,10 +10,10 @@ namespace {
 /// Every argument of a vtable call is a pointer.
 constexpr VARTYPE kReference = VT_BYREF | VT_I4;
 
-/// The description of one operation, given back at the end.
-class Operation {
+/// Given back at the end.
+class OperationDescription {
   public:
-    Operation(ITypeInfo* info, DISPID member) : info_(info) {
+    OperationDescription(ITypeInfo* info, DISPID member) : info_(info) {
         TYPEATTR* attributes = nullptr;
         check(info->GetTypeAttr(&attributes));
         const auto count = attributes->cFuncs;
@@ -24,9 +24,9 @@ class Operation {
                 release();
         }
     }
-    Operation(const Operation&) = delete;
-    Operation& operator=(const Operation&) = delete;
-    ~Operation() { release(); }
+    OperationDescription(const OperationDescription&) = delete;
+    OperationDescription& operator=(const OperationDescription&) = delete;
+    ~OperationDescription() { release(); }
 
     explicit operator bool() const { return description_ != nullptr; }
     const FUNCDESC& operator*() const { return *description_; }
@@ -156,7 +156,7 @@ HRESULT invokeOperation(IDispatch* object, ITypeInfo* info, DISPID member, WORD 
     if ((flags & DISPATCH_METHOD) == 0)
         return DISP_E_MEMBERNOTFOUND;
     const auto view = vtableViewOf(info);
-    const Operation operation(view.get(), member);
+    const OperationDescription operation(view.get(), member);
     if (!operation)
         return DISP_E_MEMBERNOTFOUND;
 

@@ -51,7 +51,6 @@ class Columns {
     std::vector<Column> columns_;
 };
 
-using enum ColumnType;
 constexpr auto kNumber = ValueType::Double;
 constexpr auto kSingle = ValueType::Single;
 constexpr auto kInteger = ValueType::Integer;
@@ -65,6 +64,7 @@ constexpr StringView kOfYears = u"fnr = ? AND jahr BETWEEN ? AND ?";
 
 // long: one table, with an entry for each class.
 std::vector<ReaderClass> readerClasses() {
+    using enum ColumnType;
     return {
         {.name = u"clsZugFirmaAllg",
          .tables = u"firma",

@@ -20,8 +20,6 @@
 namespace kvtdruck {
 namespace {
 
-/// Steps of SQLite's virtual machine between two looks at the cancellation: well below a millisecond.
-constexpr int kStepsBetweenLooks = 10000;
 /// Between two tries to read a locked database.
 constexpr std::chrono::milliseconds kBusyPause{20};
 

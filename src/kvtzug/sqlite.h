@@ -13,6 +13,9 @@ struct sqlite3;
 
 namespace kvtdruck {
 
+/// Steps of SQLite's virtual machine between two looks at a cancellation: well below a millisecond.
+constexpr int kStepsBetweenLooks = 10000;
+
 class SqliteConnection : public Connection, public std::enable_shared_from_this<SqliteConnection> {
   public:
     /// Opens `file`, which must exist; nothing is ever written, and no file created. Where another program has

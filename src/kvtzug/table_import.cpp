@@ -1,6 +1,7 @@
 #include "kvtzug/table_import.h"
 
 #include "kvtzug/database_template.h"
+#include "kvtzug/sqlite.h"
 
 #include <algorithm>
 #include <atomic>
@@ -19,7 +20,6 @@ namespace {
 
 /// As long as a reader waits for a writer.
 constexpr int kPatience = 30000; // milliseconds
-constexpr int kStepsBetweenLooks = 10000;
 
 int onProgress(void* cancelled) {
     return *static_cast<const std::atomic<bool>*>(cancelled) ? 1 : 0;
