@@ -1,54 +1,14 @@
-#include "platform/posix/atomic_file.h"
-
 #include "platform/as_anybody.h"
-#include "platform/posix/temporary_folder.h"
-
-#include <gtest/gtest.h>
+#include "platform/atomic_file_fixture.h"
 
 #include <fcntl.h>
-#include <fstream>
-#include <functional>
 #include <optional>
 #include <sys/stat.h>
-#include <system_error>
 #include <thread>
 #include <unistd.h>
 
 namespace kvtdruck {
 namespace {
-
-namespace fs = std::filesystem;
-
-class AtomicFileTest : public ::testing::Test {
-  protected:
-    static void put(const fs::path& file, const std::string& text) {
-        std::ofstream(file, std::ios::binary) << text;
-    }
-    static std::string contentOf(const fs::path& file) {
-        std::ifstream in(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    static struct stat statusOf(const fs::path& file) {
-        struct stat status {};
-        EXPECT_EQ(::lstat(file.c_str(), &status), 0);
-        return status;
-    }
-    static int codeOf(const std::function<void()>& step) {
-        try {
-            step();
-        } catch (const std::system_error& error) {
-            return error.code().value();
-        }
-        return 0;
-    }
-    std::size_t filesInFolder() const {
-        return static_cast<std::size_t>(
-            std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()));
-    }
-
-    TemporaryFolder folder;
-    fs::path target = folder.path() / "Umsatz.pdf";
-};
 
 TEST_F(AtomicFileTest, AppearsWhenItIsCommitted) {
     AtomicFile file(target);
@@ -92,15 +52,6 @@ TEST_F(AtomicFileTest, AReplacedFileKeepsItsMode) {
     }
 }
 
-TEST_F(AtomicFileTest, AReplacedFileKeepsItsOwner) {
-    put(target, "alt");
-    if (::chown(target.c_str(), 12345, 23456) != 0)
-        GTEST_SKIP() << "only root gives files away";
-    writeAtomically(target, "neu", AtomicFile::Access::Owner);
-    EXPECT_EQ(statusOf(target).st_uid, 12345U);
-    EXPECT_EQ(statusOf(target).st_gid, 23456U);
-}
-
 TEST_F(AtomicFileTest, ALinkStaysOneAndItsFileIsReplaced) {
     const auto link = folder.path() / "aktuell.pdf";
     put(target, "alt");
@@ -108,16 +59,6 @@ TEST_F(AtomicFileTest, ALinkStaysOneAndItsFileIsReplaced) {
     writeAtomically(link, "neu", AtomicFile::Access::Owner);
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(contentOf(target), "neu");
-}
-
-TEST_F(AtomicFileTest, ALinkOfSomebodyElseIsRefused) {
-    const auto link = folder.path() / "aktuell.pdf";
-    put(target, "alt");
-    fs::create_symlink(target, link);
-    if (::lchown(link.c_str(), 12345, 12345) != 0)
-        GTEST_SKIP() << "only root gives links away";
-    EXPECT_EQ(codeOf([&] { AtomicFile file(link); }), EPERM);
-    EXPECT_EQ(contentOf(target), "alt");
 }
 
 TEST_F(AtomicFileTest, ARingOfLinksIsRefused) {
@@ -160,29 +101,6 @@ TEST_F(AtomicFileTest, APlaceThatIsTakenMeanwhileStaysAndNothingIsLeftBesideIt) 
     AtomicFile other(gone / "Umsatz.pdf");
     fs::remove(gone);
     EXPECT_EQ(codeOf([&] { other.commit(); }), ENOENT);
-}
-
-/// A user who may not see the descriptors of this process gives the content a name from the start.
-TEST_F(AtomicFileTest, AFileOfSomebodyElseLosesTheGroupsRightsThatWereMeantForAnother) {
-    put(target, "alt");
-    if (::chown(target.c_str(), 12345, 23456) != 0)
-        GTEST_SKIP() << "only root gives files away";
-    const auto writeAsAnybody = [&] {
-        ASSERT_EQ(::chmod(target.c_str(), 0666), 0);
-        ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
-        const AsAnybody user;
-        writeAtomically(folder / "aktuell.pdf", "neu", AtomicFile::Access::Owner);
-    };
-    fs::create_symlink("Umsatz.pdf", folder / "aktuell.pdf"); // root's, which may be followed
-    writeAsAnybody();
-    EXPECT_EQ(contentOf(target), "neu");
-    EXPECT_EQ(statusOf(target).st_uid, AsAnybody::kNobody);
-    EXPECT_EQ(statusOf(target).st_mode & 07777, 0606U);
-    ASSERT_EQ(::chown(target.c_str(), 12345, ::getegid()), 0);
-    writeAsAnybody();
-    EXPECT_EQ(statusOf(target).st_uid, AsAnybody::kNobody);
-    EXPECT_EQ(statusOf(target).st_mode & 07777, 0666U) << "a group that can be kept keeps its rights";
-    EXPECT_EQ(filesInFolder(), 2U);
 }
 
 TEST_F(AtomicFileTest, WithoutTheRightToWriteNothingChanges) {
