@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
-"""check_rooms.py COMMANDS: the house's rules that a compiler does not know. Fails, with a line for each breach, where
+"""check_rooms.py BUILD: the house's rules that a compiler does not know. Fails, with a line for each breach, where
 
 - a source includes one of a room that lies above its own, or that its room may not see (docs/architecture.md);
 - a file has more than 450 lines, or a function more than 60, without a comment "long: <reason>" beside its beginning;
-- a source is not among the compile commands of the plain build, COMMANDS, though it is for Linux.
+- a source is not compiled by the plain build tree, BUILD, though it is for Linux.
 """
-import json
 import pathlib
 import re
 import sys
+
+from compile_commands import compile_commands
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SOURCES = ROOT / "src"
@@ -116,8 +117,8 @@ def breaches_of_length(path, text):
             yield f"{path}:{first + 1}: a function of {length} lines, more than {LONGEST_FUNCTION}"
 
 
-def breaches_of_building(commands):
-    compiled = {entry["file"] for entry in json.loads(pathlib.Path(commands).read_text(encoding="utf-8"))}
+def breaches_of_building(build):
+    compiled = {entry["file"] for entry in compile_commands(build)}
     for folder in ("src", "tests", "bench"):
         for source in sorted((ROOT / folder).rglob("*.cpp")):
             path = source.relative_to(ROOT).as_posix()

@@ -4,7 +4,8 @@ as clean.
 
 To check them all takes longer than everything else that ./test does, so what is clean stays on record beside this script,
 in lint-clean.txt, and is committed with the sources. A source is checked again when it, a header of the project that it
-includes, its compile command, the rules or clang-tidy itself is not what it was. Lines that a merge leaves twice do no
+includes, its compile command, the rules or clang-tidy itself is not what it was. Builds compile a dozen sources as one;
+here each is read alone, so each includes what it uses. Lines that a merge leaves twice do no
 harm: a record is of no use to any other state of its source.
 """
 import concurrent.futures
@@ -18,6 +19,8 @@ import shlex
 import subprocess
 import sys
 
+from compile_commands import compile_commands
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TIDY = "clang-tidy-14"
 RECORD = pathlib.Path(__file__).with_name("lint-clean.txt")
@@ -29,34 +32,38 @@ def content_hash(path):
     return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
 
 
-def dependencies(build):
-    """The project's files that each object was made of, by the object's path, as Ninja has recorded them."""
-    lines = subprocess.run(["ninja", "-C", build, "-t", "deps"], check=True, capture_output=True, text=True).stdout
-    files, current = {}, None
-    for line in lines.splitlines():
-        if line.startswith("    "):
-            path = os.path.normpath(os.path.join(build, line.strip()))
-            if path.startswith(str(ROOT)) and "/cmake_pch.hxx" not in path:
-                current.append(path)
-        elif ":" in line:
-            current = files.setdefault(line.split(":", 1)[0], [])
+INCLUDE = re.compile(r'^\s*#\s*include\s+["<]([^">]+)[">]', re.MULTILINE)
+
+
+@functools.lru_cache(maxsize=None)
+def included_by(path, folders):
+    """The project's files that one file includes, in whatever case."""
+    names = INCLUDE.findall(pathlib.Path(path).read_text(encoding="utf-8"))
+    candidates = ([os.path.join(folder, name) for folder in (os.path.dirname(path), *folders)] for name in names)
+    found = (next(filter(os.path.isfile, paths), None) for paths in candidates)
+    return {os.path.normpath(path) for path in found if path}
+
+
+def files_of(entry):
+    """The project's files that a source is made of, itself included."""
+    words = [word.removeprefix("-I") for word in shlex.split(entry["command"])]
+    folders = tuple(word for word in words if word.startswith(str(ROOT)) and os.path.isdir(word))
+    files, unread = set(), {entry["file"]}
+    while unread:
+        path = unread.pop()
+        files.add(path)
+        unread |= included_by(path, folders) - files
     return files
 
 
-def fingerprint(entry, files, rules):
-    """Stands for everything that a finding depends on, so not for how the compiler optimises and what it tells a
-    debugger; paths count without the clone's place."""
-    words = shlex.split(entry["command"])
+def fingerprint(entry, rules):
+    """Stands for everything that a finding depends on, so not for how the compiler optimises, what it tells a debugger and
+    where it writes; paths count without the clone's place."""
+    words = shlex.split(re.sub(r" -o \S+", "", entry["command"]))
     command = [word for word in words[words.index(compiler_of(entry)):] if not re.match("-[Og]", word)]
     parts = [rules, " ".join(command)]
-    parts += [path + content_hash(path) for path in sorted(files)]
+    parts += [path + content_hash(path) for path in sorted(files_of(entry))]
     return hashlib.sha256("\n".join(parts).replace(str(ROOT), "").encode()).hexdigest()[:32]
-
-
-def object_of(entry):
-    """The object file that the compile command writes."""
-    words = shlex.split(entry["command"])
-    return words[words.index("-o") + 1]
 
 
 @functools.lru_cache(maxsize=None)
@@ -83,7 +90,7 @@ def commands_of_lint(build):
     precompiled headers of g++, and a source shall include by itself what it uses."""
     folder = pathlib.Path(build, "lint")
     folder.mkdir(exist_ok=True)
-    commands = pathlib.Path(build, "compile_commands.json").read_text()
+    commands = json.dumps(list(compile_commands(build)), indent=1)
     (folder / "compile_commands.json").write_text(re.sub(r" -Winvalid-pch -include \S+/cmake_pch\.hxx", "", commands))
     return folder
 
@@ -105,17 +112,13 @@ def sources(builds, wanted):
     """Each source of the builds, or of the wanted ones, once: its line of the record, the commands' folder, the command."""
     stated, seen = rules(), set()
     for build in builds:
-        made_of = dependencies(build)
         commands = commands_of_lint(build)
         for entry in json.loads((commands / "compile_commands.json").read_text()):
             file = entry["file"]
             if not file.startswith(CHECKED) or not file.endswith(".cpp") or file in seen or wanted and file not in wanted:
                 continue
             seen.add(file)
-            files = made_of.get(os.path.relpath(os.path.join(entry["directory"], object_of(entry)), build))
-            if not files:
-                sys.exit(f"lint: {file} has not been built")
-            yield f"{os.path.relpath(file, ROOT)} {fingerprint(entry, files, stated)}", commands, entry
+            yield f"{os.path.relpath(file, ROOT)} {fingerprint(entry, stated)}", commands, entry
 
 
 def main():

@@ -31,7 +31,7 @@ TEST(MessageFilter, TellsTheFirstTenOfAKindAndThatThereAreMore) {
     for (int i = 1; i <= 1000; ++i)
         EXPECT_EQ(filter.pass(tooWide(i)), std::nullopt);
     EXPECT_THAT(filter.pass("Zeile 5, Ebene „Übertrag“: Zahl „1“ passt nicht in das Feld"),
-                Optional(testing::HasSubstr("Zeile 5")))
+                Optional(::testing::HasSubstr("Zeile 5")))
         << "another place is another kind";
 }
 

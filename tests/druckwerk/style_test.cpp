@@ -158,8 +158,8 @@ TEST(Style, HoldsWhatWasSaid) {
     EXPECT_EQ(style.stroke.kind, Paint::Kind::None);
     EXPECT_EQ(style.fontSize, 30);
     EXPECT_EQ(style.font.weight, 700);
-    EXPECT_THAT(style.font.families, testing::ElementsAre("Noto Sans", "DejaVu Sans", "serif"));
-    EXPECT_THAT(style.dashes, testing::ElementsAre(30, 2));
+    EXPECT_THAT(style.font.families, ::testing::ElementsAre("Noto Sans", "DejaVu Sans", "serif"));
+    EXPECT_THAT(style.dashes, ::testing::ElementsAre(30, 2));
     style.apply("stroke-dasharray", "0 0");
     EXPECT_TRUE(style.dashes.empty()) << "dashes without a length are a line";
     style.apply("font-weight", "bolder");
@@ -216,8 +216,8 @@ TEST(StyleSheet, TheMoreSpecificRuleAndTheLaterOneGoesBefore) {
     EXPECT_TRUE(sheet.knows("a"));
     EXPECT_TRUE(sheet.knows("b"));
     EXPECT_FALSE(sheet.knows("rect"));
-    EXPECT_THAT(sheet.ignored(), testing::ElementsAre(".a.b", "g > rect"));
-    EXPECT_THAT(sheet.notUnderstood(), testing::ElementsAre("fill: bunt"));
+    EXPECT_THAT(sheet.ignored(), ::testing::ElementsAre(".a.b", "g > rect"));
+    EXPECT_THAT(sheet.notUnderstood(), ::testing::ElementsAre("fill: bunt"));
 }
 
 TEST(Picture, ExtentFromItsHeadAndContentFromItsAddress) {
@@ -260,7 +260,7 @@ std::string controls(const char* data) {
 }
 
 TEST(PathData, EachCommandEndsWhereItLeads) {
-    using testing::ElementsAre;
+    using ::testing::ElementsAre;
     EXPECT_THAT(steps("M1 2H5V7h-1v-2"), ElementsAre("M100,200", "L500,200", "L500,700", "L400,700", "L400,500"));
     EXPECT_THAT(steps("m1 1 2 0 +2 2"), ElementsAre("M100,100", "L300,100", "L500,300"));
     EXPECT_THAT(steps("M0 0C1 1 2 1 3 0s2-1 3 0"), ElementsAre("M0,0", "C300,0", "C600,0"));
