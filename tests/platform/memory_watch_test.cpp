@@ -16,9 +16,9 @@ namespace {
 using Block = std::unique_ptr<char, decltype([](char* text) { std::free(text); })>;
 
 std::vector<Block> smallBlocks() {
-    std::vector<Block> blocks;
-    for (int i = 0; i < 7; ++i)
-        blocks.emplace_back(::strdup("kurz"));
+    std::vector<Block> blocks(7);
+    for (auto& block : blocks)
+        block.reset(::strdup("kurz"));
     return blocks;
 }
 
