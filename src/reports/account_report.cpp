@@ -6,7 +6,7 @@ using namespace std::string_view_literals; // the length of a text without them 
 
 namespace {
 
-const Table kVariables = joined({companyNumber(), numbers(ValueType::Single, {u"FuerJahr"})});
+const Table kAccountVariables = joined({companyNumber(), numbers(ValueType::Single, {u"FuerJahr"})});
 const Table kAccount = joined({numbers(ValueType::Double, {u"VKonto", u"EKonto"}), texts({u"Bezeichnung"})});
 const Table kTraits =
     joined({numbers(ValueType::Single, {u"KtoBetrArt", u"FJahr"}), fixedNumber(u"Seitenwechsel", u"1")});
@@ -23,7 +23,7 @@ constexpr StringView kMonthNames[] = {u"Januar", u"Februar", u"März",      u"Ap
 AccountReport::AccountReport(const ReportEnvironment& environment, PrintRequest request, StringView className,
                              StringView title)
     : ReaderReport(environment, std::move(request), className, title,
-                   {clsZugKonten, kVariables, kNone, {u"FJahr"}}),
+                   {clsZugKonten, kAccountVariables, kNone, {u"FJahr"}}),
       account_(kAccount, &clsZugKonten),
       traits_(kTraits, &clsZugKonten), year_{{u"JWIst", ValueType::Double}, {u"JWSoll", ValueType::Double}} {
     for (std::size_t i = 0; i < kActualMonths.size(); ++i)

@@ -8,9 +8,9 @@ namespace {
 /// The report has no year of its own; its layouts are written for both texts.
 constexpr std::int16_t kAllYears = 0;
 
-const Table kVariables = companyNumber();
+const Table kMitarbeiterUebersichtVariables = companyNumber();
 
-const Table kFields = joined({
+const Table kMitarbeiterUebersichtFields = joined({
     texts({u"Anrede"}),
     dates({u"Austrittsdatum"}),
     texts({u"Art"}),
@@ -29,7 +29,7 @@ class clsDRuck_MitarbeiterUebersicht final : public ReaderReport {
   public:
     clsDRuck_MitarbeiterUebersicht(const ReportEnvironment& environment, PrintRequest request)
         : ReaderReport(environment, std::move(request), u"clsDruck_MitarbeiterUebersicht", u"Mitarbeiter-Übersicht",
-                       {clsZugMitarbeiter, kVariables, kFields}) {}
+                       {clsZugMitarbeiter, kMitarbeiterUebersichtVariables, kMitarbeiterUebersichtFields}) {}
 
   private:
     ReadFailure readFailure() const override {

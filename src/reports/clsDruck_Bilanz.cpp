@@ -5,7 +5,7 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kBilanzVariables = joined({
     companyNumber(),
     cells(1,
           {u"Jahr", u"Gewinn", u"EK", u"Umsatz", u"ZinsFK", u"Bilanz", u"Abschr", u"Rueckst", u"FK", u"LFK",
@@ -14,13 +14,13 @@ const Table kVariables = joined({
 });
 
 /// The sheet has no table.
-const Table kFields;
+const Table kBilanzFields;
 
 class clsDruck_Bilanz final : public ArrayReport {
   public:
     clsDruck_Bilanz(const ReportEnvironment& environment, PrintRequest request)
-        : ArrayReport(environment, std::move(request), u"clsDruck_Bilanz", u"Bilanzkennzahlen", kVariables,
-                      kFields) {}
+        : ArrayReport(environment, std::move(request), u"clsDruck_Bilanz", u"Bilanzkennzahlen", kBilanzVariables,
+                      kBilanzFields) {}
 
   private:
     bool defineAll() override { return Definiere_Übergebe_Variablen(); }

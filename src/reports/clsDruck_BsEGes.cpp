@@ -5,7 +5,7 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kBsEGesVariables = joined({
     companyNumber(),
     cells(3, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
     cells(9, {u"SStd"}, 0),
@@ -13,7 +13,7 @@ const Table kVariables = joined({
     cells(13, {u"DStd", u"DStdPr"}, 0),
 });
 
-const Table kFields = joined({
+const Table kBsEGesFields = joined({
     currency(u"FWaehr"),
     textCell(8, u"Text"),
     cells(9, {u"SDM", u"SPR", u"IDM", u"IPR", u"DDM", u"DPR"}),
@@ -22,8 +22,8 @@ const Table kFields = joined({
 class clsDruck_BsEGes final : public ArrayReport {
   public:
     clsDruck_BsEGes(const ReportEnvironment& environment, PrintRequest request)
-        : ArrayReport(environment, std::move(request), u"clsDruck_BsEGes", u"Betriebsübersicht Gesamt", kVariables,
-                      kFields) {}
+        : ArrayReport(environment, std::move(request), u"clsDruck_BsEGes", u"Betriebsübersicht Gesamt",
+                      kBsEGesVariables, kBsEGesFields) {}
 };
 
 } // namespace

@@ -5,12 +5,12 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kBsEMaVariables = joined({
     companyNumber(),
     cells(3, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
 });
 
-const Table kFields = joined({
+const Table kBsEMaFields = joined({
     currency(u"FWaehr"),
     textCell(8, u"Text"),
     cells(9, {u"SAMaDM", u"SPMaDM", u"SUMaDM", u"IAMaDM", u"IPMaDM", u"IUMaDM", u"DAMaDM", u"DPMaDM", u"DUMaDM"}),
@@ -20,7 +20,7 @@ class clsDruck_BsEMa final : public ArrayReport {
   public:
     clsDruck_BsEMa(const ReportEnvironment& environment, PrintRequest request)
         : ArrayReport(environment, std::move(request), u"clsDruck_BsEMa", u"Betriebsübersicht Mitarbeiter",
-                      kVariables, kFields) {}
+                      kBsEMaVariables, kBsEMaFields) {}
 };
 
 } // namespace

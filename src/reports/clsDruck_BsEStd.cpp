@@ -5,12 +5,12 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kBsEStdVariables = joined({
     companyNumber(),
     cells(3, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
 });
 
-const Table kFields = joined({
+const Table kBsEStdFields = joined({
     textCell(8, u"Text"),
     cells(9, {u"SDM", u"SPR", u"IDM", u"IPR", u"DDM", u"DPR"}),
     currency(u"FWaehr"),
@@ -20,7 +20,7 @@ class clsDruck_BsEStd final : public ArrayReport {
   public:
     clsDruck_BsEStd(const ReportEnvironment& environment, PrintRequest request)
         : ArrayReport(environment, std::move(request), u"clsDruck_BsEStd", u"Betriebsübersicht je Stunde",
-                      kVariables, kFields) {}
+                      kBsEStdVariables, kBsEStdFields) {}
 };
 
 } // namespace

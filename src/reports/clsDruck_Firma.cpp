@@ -6,7 +6,7 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kFirmaVariables = joined({
     companyNumber(),
     numbers(ValueType::Single, {u"AnzahlFeiertage", u"AnzahlFeiertageSon", u"AnzahlFeiertageSam", u"Jahrestage",
                                 u"AnzahlSonntage", u"AnzahlSamstage"}),
@@ -20,13 +20,13 @@ const Table kVariables = joined({
 });
 
 /// Of the holiday reader, not of the year reader.
-const Table kFields = joined({dates({u"FDatum"}), texts({u"Feiertag"})});
+const Table kFirmaFields = joined({dates({u"FDatum"}), texts({u"Feiertag"})});
 
 class clsDruck_Firma final : public ReaderReport {
   public:
     clsDruck_Firma(const ReportEnvironment& environment, PrintRequest request)
         : ReaderReport(environment, std::move(request), u"clsDruck_Firma", u"Allgemeine Firmendaten",
-                       {clsZugFirmaJahr, kVariables, kFields}) {}
+                       {clsZugFirmaJahr, kFirmaVariables, kFirmaFields}) {}
 
   private:
     ReadFailure readFailure() const override {
@@ -102,7 +102,7 @@ class clsDruck_Firma final : public ReaderReport {
 
     Member year_{clsZugFirmaJahr.getter(u"FuerJahr"), ValueType::Single};
     std::optional<RecordReader> holidays_;
-    BoundTable holidayFields_{kFields, &clsZugFeiertage};
+    BoundTable holidayFields_{kFirmaFields, &clsZugFeiertage};
 };
 
 } // namespace

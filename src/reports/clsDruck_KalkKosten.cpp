@@ -5,7 +5,7 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kKalkKostenVariables = joined({
     fixedNumber(u"Seitenwechsel", u"1"),
     companyNumber(),
     numbers(ValueType::Single, {u"FuerJahr"}),
@@ -14,14 +14,17 @@ const Table kVariables = joined({
 });
 
 /// The figures are variables; the only field is the page break.
-const Table kFields;
+const Table kKalkKostenFields;
 
 class clsDruck_KalkKosten final : public ReaderReport {
   public:
     clsDruck_KalkKosten(const ReportEnvironment& environment, PrintRequest request)
-        : ReaderReport(
-              environment, std::move(request), u"clsDruck_KalkKosten", u"Kalkulatorische Kosten",
-              {clsZugKosten, kVariables, kFields, {clsZugKosten.getter(u"FuerJahr")}, GroupChange::NewSheet}) {}
+        : ReaderReport(environment, std::move(request), u"clsDruck_KalkKosten", u"Kalkulatorische Kosten",
+                       {clsZugKosten,
+                        kKalkKostenVariables,
+                        kKalkKostenFields,
+                        {clsZugKosten.getter(u"FuerJahr")},
+                        GroupChange::NewSheet}) {}
 
   private:
     ReadFailure readFailure() const override {

@@ -5,7 +5,7 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kKalkwerteVariables = joined({
     companyNumber(),
     cells(1, {u"Jahr"}, 0),
     cells(3, {u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
@@ -15,7 +15,7 @@ const Table kVariables = joined({
           0),
 });
 
-const Table kFields = joined({
+const Table kKalkwerteFields = joined({
     textCell(2, u"Text"),
     currency(u"FWaehr"),
     cells(7, {u"SDBPr", u"SDB", u"SVerPr", u"SVer", u"IDBPr", u"IDB", u"IVerPr", u"IVer"}),
@@ -24,7 +24,8 @@ const Table kFields = joined({
 class clsDruck_Kalkwerte final : public ArrayReport {
   public:
     clsDruck_Kalkwerte(const ReportEnvironment& environment, PrintRequest request)
-        : ArrayReport(environment, std::move(request), u"clsDruck_Kalkwerte", u"", kVariables, kFields) {}
+        : ArrayReport(environment, std::move(request), u"clsDruck_Kalkwerte", u"", kKalkwerteVariables,
+                      kKalkwerteFields) {}
 
   private:
     // The switch chooses the heading alone: the host supplies the figures in the unit.

@@ -5,13 +5,13 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kMatUeberVariables = joined({
     companyNumber(),
     numbers(ValueType::Single, {u"Fuerjahr"}),
     numbers(ValueType::Double, {u"SMatVKPr", u"SUJMatDM", u"IMatVKPr", u"IUJMatDM"}),
 });
 
-const Table kFields = joined({
+const Table kMatUeberFields = joined({
     currency(u"FWaehr"),
     months(ValueType::Double, u"SUMMatDM_"),
     months(ValueType::Single, u"SUMMatpr_"),
@@ -27,9 +27,12 @@ const Table kFields = joined({
 class clsDruck_MatUeber final : public ReaderReport {
   public:
     clsDruck_MatUeber(const ReportEnvironment& environment, PrintRequest request)
-        : ReaderReport(
-              environment, std::move(request), u"clsDruck_MatUeber", u"Materialübersicht",
-              {clsZugMaterial, kVariables, kFields, {clsZugMaterial.getter(u"Fuerjahr")}, GroupChange::NewSheet}) {}
+        : ReaderReport(environment, std::move(request), u"clsDruck_MatUeber", u"Materialübersicht",
+                       {clsZugMaterial,
+                        kMatUeberVariables,
+                        kMatUeberFields,
+                        {clsZugMaterial.getter(u"Fuerjahr")},
+                        GroupChange::NewSheet}) {}
 
   private:
     ReadFailure readFailure() const override {

@@ -5,7 +5,7 @@
 namespace kvtdruck {
 namespace {
 
-const Table kFields = joined({
+const Table kMitarbeiterKostenFields = joined({
     fullName(u"Name"),
     fixedNumber(u"Seitenwechsel", u"1"),
     numbers(ValueType::Double, {u"Nummer"}),
@@ -19,7 +19,7 @@ class clsDruck_MitarbeiterKosten final : public EmployeeList {
   public:
     clsDruck_MitarbeiterKosten(const ReportEnvironment& environment, PrintRequest request)
         : EmployeeList(environment, std::move(request), u"clsDruck_MitarbeiterKosten", u"Mitarbeiter-Kosten",
-                       kFields) {}
+                       kMitarbeiterKostenFields) {}
 };
 
 } // namespace

@@ -6,7 +6,7 @@ namespace kvtdruck {
 namespace {
 
 /// "ISONST" and "SSonst" are spelled as the layouts refer to them.
-const Table kFields = joined({
+const Table kMitarbeiterStKostenFields = joined({
     numbers(ValueType::Double,
             {u"IAV", u"IBrutto", u"IBruttoGes", u"IVWL", u"IWG", u"IUrl", u"IRV", u"IKV", u"IPflege", u"IErst"}),
     numbers(ValueType::Single, {u"ISONST"}),
@@ -20,7 +20,7 @@ class clsDruck_MitarbeiterStKosten final : public MasterSheet {
   public:
     clsDruck_MitarbeiterStKosten(const ReportEnvironment& environment, PrintRequest request)
         : MasterSheet(environment, std::move(request), u"clsDruck_MitarbeiterStammKosten",
-                      u"Mitarbeiter-Stammblatt-Kosten", kFields) {}
+                      u"Mitarbeiter-Stammblatt-Kosten", kMitarbeiterStKostenFields) {}
 };
 
 } // namespace

@@ -6,7 +6,7 @@ namespace kvtdruck {
 namespace {
 
 /// "SKrank" closes the target figures, "IKrank" stands behind "Monat"; the layouts are written for this order.
-const Table kFields = joined({
+const Table kMitarbeiterStZeitenFields = joined({
     numbers(ValueType::Single, {u"SArbtage", u"SUrlT", u"SAusb", u"SSonstTage", u"SAnwTage"}),
     numbers(ValueType::Double, {u"SAnwStd", u"SAdmPr", u"SAdmStd", u"SProdStd", u"SUebStd", u"SProdAnwJahr",
                                 u"SNBerStd", u"SBerStdJahr", u"SBerStdTag"}),
@@ -20,7 +20,7 @@ class clsDruck_MitarbeiterStZeiten final : public MasterSheet {
   public:
     clsDruck_MitarbeiterStZeiten(const ReportEnvironment& environment, PrintRequest request)
         : MasterSheet(environment, std::move(request), u"clsDruck_MitarbeiterStZeiten",
-                      u"Mitarbeiter-Stammblatt-Zeiten", kFields) {}
+                      u"Mitarbeiter-Stammblatt-Zeiten", kMitarbeiterStZeitenFields) {}
 };
 
 } // namespace

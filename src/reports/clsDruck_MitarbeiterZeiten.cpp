@@ -6,7 +6,7 @@ namespace kvtdruck {
 namespace {
 
 /// "IBerSzdTag" and "SBerSzdTag" are spelled as this report's layouts refer to them.
-const Table kFields = joined({
+const Table kMitarbeiterZeitenFields = joined({
     fixedNumber(u"Seitenwechsel", u"1"),
     numbers(ValueType::Single, {u"FJahr"}),
     fullName(u"Name"),
@@ -24,7 +24,7 @@ class clsDruck_MitarbeiterZeiten final : public EmployeeList {
   public:
     clsDruck_MitarbeiterZeiten(const ReportEnvironment& environment, PrintRequest request)
         : EmployeeList(environment, std::move(request), u"clsDruck_MitarbeiterZeiten", u"Mitarbeiter-Zeiten",
-                       kFields) {}
+                       kMitarbeiterZeitenFields) {}
 };
 
 } // namespace

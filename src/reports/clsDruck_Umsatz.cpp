@@ -7,7 +7,7 @@ namespace {
 
 const Table kGeneralVariables = companyNumber();
 
-const Table kFields = joined({
+const Table kUmsatzFields = joined({
     currency(u"Waehrung"),
     numbers(ValueType::Double, {u"IUmsatzDM"}),
     months(ValueType::Double, u"IUmsatzDM_"),
@@ -19,7 +19,7 @@ class clsDruck_Umsatz final : public ReaderReport {
   public:
     clsDruck_Umsatz(const ReportEnvironment& environment, PrintRequest request)
         : ReaderReport(environment, std::move(request), u"clsDruck_Umsatz", u"Umsatz",
-                       {clsZugUmsatz, kGeneralVariables, kFields}) {}
+                       {clsZugUmsatz, kGeneralVariables, kUmsatzFields}) {}
 
   private:
     ReadFailure readFailure() const override {

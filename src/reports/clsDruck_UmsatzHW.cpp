@@ -6,12 +6,12 @@ namespace kvtdruck {
 namespace {
 
 /// The year stands in row 1, unlike in all other arrays.
-const Table kVariables = joined({
+const Table kUmsatzHWVariables = joined({
     companyNumber(),
     cells(0, {u"Jahr"}, 1),
 });
 
-const Table kFields = joined({
+const Table kUmsatzHWFields = joined({
     cells(1, {u"Taglohn", u"WartRechnungen", u"Rechnungen", u"AbgrAZ", u"OffeneAZ", u"SchlussRechnung",
               u"Gutschrift", u"Saldo"}),
     textCell(9, u"Text"),
@@ -21,8 +21,8 @@ const Table kFields = joined({
 class clsDruck_UmsatzHW final : public ArrayReport {
   public:
     clsDruck_UmsatzHW(const ReportEnvironment& environment, PrintRequest request)
-        : ArrayReport(environment, std::move(request), u"clsDruckUmsatzHW", u"Umsatz Handwerk", kVariables,
-                      kFields) {}
+        : ArrayReport(environment, std::move(request), u"clsDruckUmsatzHW", u"Umsatz Handwerk", kUmsatzHWVariables,
+                      kUmsatzHWFields) {}
 };
 
 } // namespace

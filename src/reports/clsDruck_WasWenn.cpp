@@ -5,7 +5,7 @@
 namespace kvtdruck {
 namespace {
 
-const Table kVariables = joined({
+const Table kWasWennVariables = joined({
     companyNumber(),
     cells(1, {u"Jahr", u"SVMon", u"SBMon", u"IVMon", u"IBMon"}, 0),
     cells(11, {u"UPMa",    u"UStd",      u"WMa",        u"WStd",      u"SVer",     u"IVer",      u"TVer",
@@ -17,7 +17,7 @@ const Table kVariables = joined({
           0),
 });
 
-const Table kFields = joined({
+const Table kWasWennFields = joined({
     textCell(6, u"Text"),
     cells(7, {u"SDM", u"PDM", u"DDM", u"DPr"}),
 });
@@ -28,8 +28,8 @@ constexpr std::int32_t kCurrencyColumn = 18;
 class clsDruck_WasWenn final : public ArrayReport {
   public:
     clsDruck_WasWenn(const ReportEnvironment& environment, PrintRequest request)
-        : ArrayReport(environment, std::move(request), u"clsDruck_WasWenn", u"Was Wäre Wenn", kVariables, kFields) {
-    }
+        : ArrayReport(environment, std::move(request), u"clsDruck_WasWenn", u"Was Wäre Wenn", kWasWennVariables,
+                      kWasWennFields) {}
 
   private:
     // "EUR" stands for the company's currency, as a text; anything else passes as it is, and as a number.

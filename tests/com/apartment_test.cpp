@@ -8,16 +8,6 @@ namespace {
 using testing::IsEmpty;
 using testing::SizeIs;
 
-long setting(const wchar_t* name, long otherwise) {
-    wchar_t text[16];
-    return GetEnvironmentVariableW(name, text, 16) == 0 ? otherwise : std::stol(text);
-}
-
-BOOL CALLBACK countWindow(HWND, LPARAM counter) {
-    ++*reinterpret_cast<long*>(counter);
-    return TRUE;
-}
-
 class Apartments : public HostTest {
   protected:
     /// What the engine is given for this company.
@@ -42,9 +32,7 @@ class Apartments : public HostTest {
         EXPECT_EQ(wrong, 0);
         EXPECT_THAT(stage.errors(), IsEmpty());
         manager = {};
-        long windows = 0;
-        EnumThreadWindows(GetCurrentThreadId(), countWindow, reinterpret_cast<LPARAM>(&windows));
-        EXPECT_EQ(windows, 0) << "forms were left behind";
+        EXPECT_EQ(ownWindows(), 0) << "forms were left behind";
     }
 
     static void sideBySide(long count, long prints) {

@@ -88,6 +88,21 @@ std::wstring setting(const wchar_t* name) {
     return {value, length};
 }
 
+long setting(const wchar_t* name, long otherwise) {
+    wchar_t text[16];
+    return GetEnvironmentVariableW(name, text, 16) == 0 ? otherwise : std::stol(text);
+}
+
+long ownWindows() {
+    long count = 0;
+    const auto countOne = [](HWND, LPARAM counter) -> BOOL {
+        ++*reinterpret_cast<long*>(counter);
+        return TRUE;
+    };
+    EnumThreadWindows(GetCurrentThreadId(), countOne, reinterpret_cast<LPARAM>(&count));
+    return count;
+}
+
 std::wstring dllPath() {
     return std::filesystem::path(setting(L"KVT_DLL")).make_preferred().wstring();
 }

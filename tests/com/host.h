@@ -114,6 +114,11 @@ bool eventually(const std::function<bool()>& holds);
 
 /// The value of an environment variable that the build has set; a failure where it is missing.
 std::wstring setting(const wchar_t* name);
+/// The same as a number, or `otherwise` where it is not set.
+long setting(const wchar_t* name, long otherwise);
+
+/// Top-level windows of the calling thread.
+long ownWindows();
 
 /// A parameter array of the given size.
 Ref<IDispatch> newArray(long rows, long columns);

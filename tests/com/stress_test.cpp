@@ -18,11 +18,6 @@ constexpr const wchar_t* kLists[] = {L"Umsatz",   L"MitUeber", L"Firma",    L"Ge
                                      L"MatUeber", L"Bilanz",   L"BsEMa",    L"BsEStd",    L"BsEGes",
                                      L"KalkW",    L"WasWenn",  L"UmsatzHW", L"unbekannt", L""};
 
-unsigned long setting(const wchar_t* name, unsigned long otherwise) {
-    wchar_t text[16];
-    return GetEnvironmentVariableW(name, text, 16) == 0 ? otherwise : std::stoul(text);
-}
-
 /// Registers and unregisters, one thread after another: the hives stand for the whole process.
 class Registrar {
   public:
@@ -183,7 +178,7 @@ class Rogue {
 class Stress : public HostTest {};
 
 TEST_F(Stress, RoguesInTwoApartments) {
-    const auto seed = setting(L"KVT_STRESS_SEED", GetTickCount());
+    const auto seed = static_cast<unsigned long>(setting(L"KVT_STRESS_SEED", static_cast<long>(GetTickCount())));
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(setting(L"KVT_STRESS_SECONDS", 30));
     std::atomic<long> acts = 0;
     Registrar registrar;

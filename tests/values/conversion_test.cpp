@@ -1,6 +1,7 @@
 // Numbers as text.
 #include "values/conversion.h"
 
+#include "values/expected.h"
 #include "values/printers.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +18,6 @@
 using namespace kvtdruck;
 
 namespace {
-
-const Locale& german = germanLocale();
 
 template <class Number>
 struct Case {
@@ -88,7 +87,6 @@ TEST(DoubleAsText, UsesTheLocalesSignWithAndWithoutExponent) {
 }
 
 TEST(DoubleAsText, WhatIsNoNumber) {
-    const double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(textOf(infinity, german), u"1,#INF");
     EXPECT_EQ(textOf(-infinity, german), u"-1,#INF");

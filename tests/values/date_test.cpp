@@ -1,11 +1,10 @@
 // Dates as text, text as date, calendar days.
 #include "values/conversion.h"
 
+#include "values/expected.h"
 #include "values/printers.h"
 
 #include <gtest/gtest.h>
-
-#include <array>
 
 #include <array>
 #include <cstdio>
@@ -17,8 +16,6 @@
 using namespace kvtdruck;
 
 namespace {
-
-const Locale& german = germanLocale();
 
 TEST(Dates, CalendarDays) {
     EXPECT_EQ(dateOf(1899, 12, 30).days, 0);

@@ -1,6 +1,7 @@
 // Text as number.
 #include "values/conversion.h"
 
+#include "values/expected.h"
 #include "values/printers.h"
 
 #include <gtest/gtest.h>
@@ -16,14 +17,12 @@ using namespace kvtdruck;
 
 namespace {
 
-struct Case {
+struct Reading {
     StringView text;
     std::optional<double> number;
 };
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-void expectAll(const std::vector<Case>& cases, const Locale& locale) {
+void expectAll(const std::vector<Reading>& cases, const Locale& locale) {
     for (const auto& [text, number] : cases)
         EXPECT_EQ(numberIn(text, locale), number) << toUtf8(text);
 }

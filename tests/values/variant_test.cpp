@@ -2,6 +2,7 @@
 #include "values/variant.h"
 
 #include "values/conversion.h"
+#include "values/expected.h"
 #include "values/printers.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +17,6 @@ using namespace kvtdruck;
 
 namespace {
 
-const Locale& german = germanLocale();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr auto Equal = Comparison::Equal;
 constexpr auto Unequal = Comparison::Unequal;
 constexpr auto Undecided = Comparison::Undecided;
