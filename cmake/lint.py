@@ -29,7 +29,8 @@ CHECKED = tuple(str(ROOT / folder) + os.sep for folder in ("src", "tests", "benc
 
 @functools.lru_cache(maxsize=None)
 def content_hash(path):
-    return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
+    """What is made while building names the clone's place."""
+    return hashlib.sha256(pathlib.Path(path).read_bytes().replace(bytes(ROOT), b"")).hexdigest()
 
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+["<]([^">]+)[">]', re.MULTILINE)

@@ -113,7 +113,7 @@ TEST_F(Batches, PartsAreTheWholeOnceAndDoNotOverlap) {
 
 TEST_F(Batches, CtrlCLeavesWhatIsFinished) {
     addCompanies(300);
-    Program program({KVT_PROGRAM, "drucken", "KalkKo", "-d", database(), "-f", "alle", "--nach", output("aus")},
+    Program program({kProgram, "drucken", "KalkKo", "-d", database(), "-f", "alle", "--nach", output("aus")},
                     environment);
     ASSERT_TRUE(waitUntil([&] { return names().size() > 10; }));
     program.signal(SIGTERM);
@@ -136,8 +136,8 @@ TEST_F(Batches, NamesThatMeetAreRefused) {
 
 TEST_F(Batches, AnExistingSchedulerSpreadsTheParts) {
     addCompanies(20);
-    const std::vector<std::string> work{KVT_PROGRAM, "drucken",      "KalkKo",   "-d",         database(), "-f",
-                                        "alle",      "--druckdatum", "1.1.2025", "--prozesse", "1"};
+    const std::vector<std::string> work{kProgram, "drucken",      "KalkKo",   "-d",         database(), "-f",
+                                        "alle",   "--druckdatum", "1.1.2025", "--prozesse", "1"};
     auto whole = work;
     whole.insert(whole.end(), {"--nach", output("ganz")});
     run(whole, environment);

@@ -577,7 +577,7 @@ TEST_F(CommandLine, WithoutAHomeTheUserLearnsWhatIsMissing) {
     EXPECT_THAT(outcome.errors, HasSubstr("weder HOME noch XDG_DATA_HOME ist gesetzt. --ordner nennt einen."));
     std::filesystem::create_directory(folder / "leer");
     run({"sh", "-c", "cd \"$1\" && exec \"$2\" drucken Umsatz -f 1 -d \"$3\" -o l.pdf", "sh", output("leer"),
-         KVT_PROGRAM, database()},
+         kProgram, database()},
         environment);
     EXPECT_TRUE(std::filesystem::is_empty(folder / "leer")) << "nothing in the working directory";
     EXPECT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);

@@ -13,7 +13,7 @@ using ::testing::StartsWith;
 
 class Completion : public ProgramTest {
   protected:
-    Completion() { std::filesystem::create_symlink(KVT_PROGRAM, folder / "bin" / "kvtdruck"); }
+    Completion() { std::filesystem::create_symlink(kProgram, folder / "bin" / "kvtdruck"); }
 
     /// What the program offers for words of which the last is begun.
     std::string offered(std::vector<std::string> words) const {

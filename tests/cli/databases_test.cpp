@@ -72,7 +72,7 @@ TEST_F(Databases, AnExistingSchedulerSpreadsTheWorkOverOneServer) {
     ASSERT_EQ(kvtdruck(whole).exitCode, 1) << "the second company of the sample has no costs";
     environment["KVTDRUCK_VERBINDUNG"] = toUtf8(server.connectionString());
     auto parts = work;
-    parts.insert(parts.begin(), {"parallel", "--will-cite", "-j2", KVT_PROGRAM});
+    parts.insert(parts.begin(), {"parallel", "--will-cite", "-j2", kProgram});
     parts.insert(parts.end(), {"--nach", output("teile"), "--teil", "{}/4", ":::", "1", "2", "3", "4"});
     const auto outcome = run(parts, environment);
     EXPECT_EQ(outcome.exitCode, 1) << outcome.errors;

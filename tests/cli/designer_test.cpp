@@ -67,7 +67,7 @@ TEST_F(DesignerTest, SamplesAreRefreshedWithoutOpeningTheLayout) {
     EXPECT_THAT(readFile(layout("GemeinK")), HasSubstr(">264.610</text>"));
     EXPECT_TRUE(std::filesystem::exists(layouts() / "Frueher"));
     EXPECT_EQ(run(command("pruefen", "GemeinK"), environment).errors, "");
-    EXPECT_EQ(run({KVT_PROGRAM, "layouts", "GemeinK", "--zurück"}, environment).exitCode, 0);
+    EXPECT_EQ(run({kProgram, "layouts", "GemeinK", "--zurück"}, environment).exitCode, 0);
     EXPECT_EQ(readFile(layout("GemeinK")), before);
 }
 
@@ -140,7 +140,7 @@ TEST_F(DesignerTest, AMissingLayoutBeginsAsTheGeneratedOne) {
     installDesigner("");
     const auto program = folder / "allein" / "bin" / "kvtdruck";
     std::filesystem::create_directories(program.parent_path());
-    std::filesystem::copy_file(KVT_PROGRAM, program); // without shipped layouts beside it
+    std::filesystem::copy_file(kProgram, program); // without shipped layouts beside it
     auto arguments = command("gestalten", "Umsatz");
     arguments[0] = program.string();
 
@@ -176,7 +176,7 @@ TEST_F(DesignerTest, TheGuidesOwnPageIsInOrderAndPrints) {
 
 TEST_F(DesignerTest, WhatIsCalledFromWithinAsksAboutTheSameData) {
     environment["KVTDRUCK_VERBINDUNG"] = "Driver=none";
-    installDesigner(KVT_PROGRAM " felder Umsatz > " + output("fields") + "\n");
+    installDesigner(std::string(kProgram) + " felder Umsatz > " + output("fields") + "\n");
     const auto outcome = design("Umsatz");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_THAT(readFile(output("fields")), HasSubstr("Müller & Söhne GmbH"));

@@ -140,10 +140,8 @@ INSTANTIATE_TEST_SUITE_P(All, EachFormat,
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(OutputFileTest, AFullStandardOutputIsAnErrorOfWhatOnlyTellsSomething) {
-    for (const auto& arguments :
-         std::vector<std::vector<std::string>>{{KVT_PROGRAM, "listen"},
-                                               {KVT_PROGRAM, "--help"},
-                                               {KVT_PROGRAM, "firmen", "--datenbank", database()}}) {
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {kProgram, "listen"}, {kProgram, "--help"}, {kProgram, "firmen", "--datenbank", database()}}) {
         const auto outcome = shell("\"$@\" > /dev/full", arguments);
         EXPECT_EQ(outcome.exitCode, 1) << arguments[1];
         EXPECT_THAT(outcome.errors, HasSubstr("Die Standardausgabe kann nicht geschrieben werden")) << arguments[1];

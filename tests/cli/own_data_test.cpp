@@ -71,7 +71,7 @@ TEST_F(OwnData, KeysMayBeTextsThatAreNumbers) {
         " FROM konten_alt;");
     EXPECT_EQ(check().exitCode, 0) << check().output;
     ASSERT_EQ(print("GemeinK", {"--jahr", "2024", "--ausgabe", output("a.csv")}).exitCode, 0);
-    std::filesystem::copy_file(KVT_DEMO_DATABASE, database(), std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(kDemoDatabase, database(), std::filesystem::copy_options::overwrite_existing);
     ASSERT_EQ(print("GemeinK", {"--jahr", "2024", "--ausgabe", output("b.csv")}).exitCode, 0);
     EXPECT_EQ(readFile(output("a.csv")), readFile(output("b.csv")));
 }
@@ -133,7 +133,7 @@ TEST_F(OwnData, CtrlCLeavesTheDatabaseAsItWas) {
     std::string text = "fnr;fjahr;vkonto;ekonto;kontenart\n";
     for (int account = 0; account < 300'000; ++account)
         text += "1;2030;" + std::to_string(account) + ";" + std::to_string(account) + ";1\n";
-    Program program({KVT_PROGRAM, "einlesen", "konten", file("viel.csv", text), "--datenbank", database()});
+    Program program({kProgram, "einlesen", "konten", file("viel.csv", text), "--datenbank", database()});
     ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(database() + "-journal"); }))
         << "rows are being written";
     program.signal(SIGINT);

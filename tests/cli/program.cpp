@@ -16,6 +16,10 @@
 #include <unistd.h>
 
 namespace kvtdruck::testing {
+
+const char* const kProgram = KVT_PROGRAM;
+const char* const kDemoDatabase = KVT_DEMO_DATABASE;
+
 namespace {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {

@@ -13,6 +13,10 @@
 
 namespace kvtdruck::testing {
 
+/// The program of this build, and its sample company.
+extern const char* const kProgram;
+extern const char* const kDemoDatabase;
+
 struct Outcome {
     int exitCode = -1; ///< 128 plus the signal's number where one has ended the program
     std::string output;

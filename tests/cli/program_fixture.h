@@ -14,7 +14,7 @@ class ProgramTest : public ::testing::Test {
   protected:
     ProgramTest() {
         std::filesystem::create_directory(folder / "bin");
-        std::filesystem::copy_file(KVT_DEMO_DATABASE, database());
+        std::filesystem::copy_file(kDemoDatabase, database());
         environment["XDG_DATA_HOME"] = (folder / "data").string();
         environment["PATH"] = (folder / "bin").string() + ":" + std::getenv("PATH");
     }
@@ -36,13 +36,13 @@ class ProgramTest : public ::testing::Test {
     /// The command line for a list of company 1 of the database.
     std::vector<std::string> command(const std::string& verb, const std::string& list,
                                      const std::vector<std::string>& more = {}) const {
-        std::vector<std::string> result{KVT_PROGRAM, verb, list, "--firma", "1", "--datenbank", database()};
+        std::vector<std::string> result{kProgram, verb, list, "--firma", "1", "--datenbank", database()};
         result.insert(result.end(), more.begin(), more.end());
         return result;
     }
 
     Outcome kvtdruck(std::vector<std::string> arguments, const std::string& input = {}) const {
-        arguments.insert(arguments.begin(), KVT_PROGRAM);
+        arguments.insert(arguments.begin(), kProgram);
         return run(arguments, environment, input);
     }
     Outcome print(const std::string& list, const std::vector<std::string>& more,
