@@ -22,6 +22,11 @@ std::wstring testName() {
     return name;
 }
 
+BOOL CALLBACK countWindow(HWND, LPARAM counter) {
+    ++*reinterpret_cast<long*>(counter);
+    return TRUE;
+}
+
 } // namespace
 
 HRESULT invoke(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments,
@@ -95,11 +100,7 @@ long setting(const wchar_t* name, long otherwise) {
 
 long ownWindows() {
     long count = 0;
-    const auto countOne = [](HWND, LPARAM counter) -> BOOL {
-        ++*reinterpret_cast<long*>(counter);
-        return TRUE;
-    };
-    EnumThreadWindows(GetCurrentThreadId(), countOne, reinterpret_cast<LPARAM>(&count));
+    EnumThreadWindows(GetCurrentThreadId(), countWindow, reinterpret_cast<LPARAM>(&count));
     return count;
 }
 
