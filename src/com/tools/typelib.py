@@ -96,12 +96,13 @@ def hash_of(name):
 
 
 def compile_ascii(options, idl):
+    """Works in a folder of its own, whose name the header does not tell: it is the same wherever it is made."""
     with tempfile.TemporaryDirectory() as folder:
-        source = os.path.join(folder, os.path.basename(options.idl))
-        with open(source, "w", encoding="ascii", errors="replace") as file:
+        source = os.path.basename(options.idl)
+        with open(os.path.join(folder, source), "w", encoding="ascii", errors="replace") as file:
             file.write(IDENTIFIER.sub(lambda match: match[0].translate(BASE_LETTERS), idl))
-        subprocess.check_call([options.widl, *options.arguments, "-t", "-o", options.tlb, source])
-        subprocess.check_call([options.widl, *options.arguments, "-h", "-o", options.header, source])
+        subprocess.check_call([options.widl, *options.arguments, "-t", "-o", options.tlb, source], cwd=folder)
+        subprocess.check_call([options.widl, *options.arguments, "-h", "-o", options.header, source], cwd=folder)
 
 
 def main():
