@@ -5,8 +5,8 @@ as clean.
 To check them all takes longer than everything else that ./test does, so what is clean stays on record beside this script,
 in lint-clean.txt, and is committed with the sources. A source is checked again when it, a header of the project that it
 includes, its compile command, the rules or clang-tidy itself is not what it was. Builds compile a dozen sources as one;
-here each is read alone, so each includes what it uses. Lines that a merge leaves twice do no
-harm: a record is of no use to any other state of its source.
+here each is read alone, so each includes what it uses. Lines that a merge leaves twice do no harm: a record is of no use to
+any other state of its source.
 """
 import concurrent.futures
 import functools
@@ -26,6 +26,8 @@ TIDY = "clang-tidy-14"
 RECORD = pathlib.Path(__file__).with_name("lint-clean.txt")
 CHECKED = tuple(str(ROOT / folder) + os.sep for folder in ("src", "tests", "bench"))
 
+INCLUDE = re.compile(r'^\s*#\s*include\s+["<]([^">]+)[">]', re.MULTILINE)
+
 
 @functools.lru_cache(maxsize=None)
 def content_hash(path):
@@ -33,12 +35,9 @@ def content_hash(path):
     return hashlib.sha256(pathlib.Path(path).read_bytes().replace(bytes(ROOT), b"")).hexdigest()
 
 
-INCLUDE = re.compile(r'^\s*#\s*include\s+["<]([^">]+)[">]', re.MULTILINE)
-
-
 @functools.lru_cache(maxsize=None)
 def included_by(path, folders):
-    """The project's files that one file includes, in whatever case."""
+    """The project's files that one file includes, also what a condition would leave out."""
     names = INCLUDE.findall(pathlib.Path(path).read_text(encoding="utf-8"))
     candidates = ([os.path.join(folder, name) for folder in (os.path.dirname(path), *folders)] for name in names)
     found = (next(filter(os.path.isfile, paths), None) for paths in candidates)

@@ -10,7 +10,7 @@ namespace {
 /// Every argument of a vtable call is a pointer.
 constexpr VARTYPE kReference = VT_BYREF | VT_I4;
 
-/// Given back at the end.
+/// What the type library says of one operation; given back at the end.
 class OperationDescription {
   public:
     OperationDescription(ITypeInfo* info, DISPID member) : info_(info) {

@@ -178,7 +178,7 @@ class Rogue {
 class Stress : public HostTest {};
 
 TEST_F(Stress, RoguesInTwoApartments) {
-    const auto seed = static_cast<unsigned long>(setting(L"KVT_STRESS_SEED", static_cast<long>(GetTickCount())));
+    const auto seed = setting(L"KVT_STRESS_SEED", static_cast<long>(GetTickCount()));
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(setting(L"KVT_STRESS_SECONDS", 30));
     std::atomic<long> acts = 0;
     Registrar registrar;
@@ -196,7 +196,7 @@ TEST_F(Stress, RoguesInTwoApartments) {
             stage.interrupt = nullptr;
         });
     };
-    std::printf("KVT_STRESS_SEED=%lu\n", seed);
+    std::printf("KVT_STRESS_SEED=%ld\n", seed);
     auto first = run(seed);
     auto second = run(seed + 1);
     first.join();

@@ -36,15 +36,15 @@ namespace {
 /// A library that is refused so often asks for ever, and has no other end.
 constexpr long kMostRefusals = 1'000'000;
 
-/// The C library's function that the one of that name here stands before.
+/// Finds the C library's function that the one of that name here stands before.
 template <class Function>
 void find(Function*& function, const char* name) {
     function = reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-/// Of the C library. All are looked for at the first allocation of the process, which the libraries' start makes:
-/// later, the dynamic linker may be who allocates, for a message that it gives back when it is asked for anything
-/// else.
+/// The functions of the C library. All are looked for at the first allocation of the process, which the libraries'
+/// start makes: later, the dynamic linker may be who allocates, for a message that it gives back when it is asked
+/// for anything else.
 struct Allocation {
     Allocation() {
         find(malloc, "malloc");
