@@ -112,7 +112,7 @@ long openHandles();
 /// Waits until something holds; false after ten seconds.
 bool eventually(const std::function<bool()>& holds);
 
-/// The value of an environment variable that the build has set; a failure where it is missing.
+/// The value of an environment variable that the build has set; throws where it is missing.
 std::wstring setting(const wchar_t* name);
 /// The same as a number, or `otherwise` where it is not set.
 long setting(const wchar_t* name, long otherwise);
