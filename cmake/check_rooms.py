@@ -2,7 +2,8 @@
 """check_rooms.py BUILD: the house's rules that a compiler does not know. Fails, with a line for each breach, where
 
 - a source includes one of a room that lies above its own, or that its room may not see (docs/architecture.md);
-- a file has more than 450 lines, or a function more than 60, without a comment "long: <reason>" beside its beginning;
+- a file, of C++ or Python, has more than 450 lines, or a function of C++ more than 60, without a comment "long: <reason>"
+  beside its beginning;
 - a source is not compiled by the plain build tree, BUILD, though it is for Linux.
 """
 import pathlib
@@ -13,6 +14,8 @@ from compile_commands import compile_commands
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SOURCES = ROOT / "src"
+FOLDERS = ("bench", "cmake", "demo", "inkscape", "src", "tests")
+COMMENT = {".h": "//", ".cpp": "//", ".py": "#"}
 LONGEST_FILE = 450
 LONGEST_FUNCTION = 60
 
@@ -77,14 +80,14 @@ def breaches_of_arrows(path, text):
                 yield f"{path}: {engine_room_of(path)} lies below {engine_room_of(included)} ({included})"
 
 
-def is_excused(lines, first):
+def is_excused(lines, first, comment):
     """Whether the comment above `first`, or that line itself, gives a reason for its length."""
-    while first > 0 and lines[first - 1].lstrip().startswith("//"):
+    while first > 0 and lines[first - 1].lstrip().startswith(comment):
         first -= 1
     for line in lines[first:]:
-        if "// long: " in line:
+        if f"{comment} long: " in line:
             return True
-        if not line.lstrip().startswith("//"):
+        if not line.lstrip().startswith(comment):
             return False
     return False
 
@@ -107,19 +110,19 @@ def functions(lines):
             yield first, last
 
 
-def breaches_of_length(path, text):
+def breaches_of_length(path, text, comment):
     lines = text.splitlines()
-    if len(lines) > LONGEST_FILE and not is_excused(lines, 0):
+    if len(lines) > LONGEST_FILE and not is_excused(lines, 0, comment):
         yield f"{path}: {len(lines)} lines, more than {LONGEST_FILE}"
     for first, last in functions(lines):
         length = last - first + 1
-        if length > LONGEST_FUNCTION and not is_excused(lines, first):
+        if length > LONGEST_FUNCTION and not is_excused(lines, first, comment):
             yield f"{path}:{first + 1}: a function of {length} lines, more than {LONGEST_FUNCTION}"
 
 
 def breaches_of_building(build):
     compiled = {entry["file"] for entry in compile_commands(build)}
-    for folder in ("src", "tests", "bench"):
+    for folder in FOLDERS:
         for source in sorted((ROOT / folder).rglob("*.cpp")):
             path = source.relative_to(ROOT).as_posix()
             if str(source) not in compiled and not path.startswith(BUILT_ELSEWHERE):
@@ -128,13 +131,13 @@ def breaches_of_building(build):
 
 def main():
     breaches = []
-    for file in sorted(SOURCES.rglob("*")):
-        if file.suffix not in (".h", ".cpp"):
+    for file in (file for folder in FOLDERS for file in sorted((ROOT / folder).rglob("*"))):
+        if file.suffix not in COMMENT:
             continue
-        path = file.relative_to(SOURCES).as_posix()
         text = file.read_text(encoding="utf-8")
-        breaches += breaches_of_arrows(path, text)
-        breaches += breaches_of_length(path, text)
+        if file.is_relative_to(SOURCES):
+            breaches += breaches_of_arrows(file.relative_to(SOURCES).as_posix(), text)
+        breaches += breaches_of_length(file.relative_to(ROOT).as_posix(), text, COMMENT[file.suffix])
     breaches += breaches_of_building(sys.argv[1])
     print("\n".join(breaches) if breaches else
           "every arrow points down, every file and function is short enough, every source is built")

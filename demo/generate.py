@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# long: the sample company, table by table.
 """Writes the sample company: daten.sql (for schema.sql) and the parameter arrays in werte/, beside this file or into the
 folder that is given.
 

@@ -1,3 +1,4 @@
+# long: a list, with a few lines for each clause of the standard.
 """PDF/A-3, ISO 19005-3:2012: what a file of level b and u must keep, clause by clause."""
 import re
 import struct

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# long: a list, with a few lines for each fault.
 """faults.py FILE: each fault that is planted into a sound file is found, under its clause, and the file itself is sound."""
 import pathlib
 import re

@@ -1,13 +1,13 @@
-#include "cli/program_fixture.h"
+// What the program answers to commands: pages, lists, help, and what is no command.
+#include "cli/command_line_fixture.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <csignal>
 #include <ostream>
 #include <sstream>
-
-#include <sys/stat.h>
+#include <string>
+#include <vector>
 
 namespace kvtdruck::testing {
 namespace {
@@ -16,28 +16,6 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
-
-class CommandLine : public ProgramTest {
-  protected:
-    std::string pdfText(const std::string& name) const {
-        return run({"pdftotext", "-layout", output(name), "-"}).output;
-    }
-    std::vector<std::string> toPdf(std::vector<std::string> more = {}) const {
-        more.insert(more.end(), {"--ausgabe", output("l.pdf")});
-        return more;
-    }
-    std::vector<std::string> toData(const std::string& format, std::vector<std::string> more = {}) const {
-        more.insert(more.end(), {"--format", format, "--ausgabe", output("l." + format)});
-        return more;
-    }
-    /// The files of that beginning in the test's folder.
-    std::size_t filesNamed(const std::string& beginning) const {
-        std::size_t count = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-            count += entry.path().filename().string().starts_with(beginning) ? 1 : 0;
-        return count;
-    }
-};
 
 // Printing
 
@@ -305,6 +283,18 @@ TEST_F(CommandLine, TheFormatFollowsTheEnding) {
     EXPECT_EQ(run({"jq", "-e", ".abschnitte"}, {}, readFile(output("l.JSON"))).exitCode, 0);
 }
 
+TEST_F(CommandLine, ListsAndCompaniesAsJson) {
+    const auto companies = kvtdruck({"firmen", "--datenbank", database(), "--format", "json"});
+    EXPECT_EQ(run({"jq", "-c", ".[0]"}, {}, companies.output).output,
+              "{\"nummer\":\"1\",\"name\":\"Müller & Söhne GmbH\",\"ort\":\"Dresden\"}\n");
+    const auto lists = kvtdruck({"listen", "--format", "json"});
+    EXPECT_EQ(
+        run({"jq", "-c", "[length, .[3].name, .[3].auswahl[0].option, .[17].spalten[0].name]"}, {}, lists.output)
+            .output,
+        "[18,\"GemeinK\",\"--jahr\",\"Jahr\"]\n");
+    EXPECT_EQ(run({"jq", "length"}, {}, kvtdruck({"listen", "Bilanz", "--format", "json"}).output).output, "1\n");
+}
+
 // Wrong usage
 
 struct UsageCase {
@@ -422,260 +412,6 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"BrokenPrintDate", printing({"--druckdatum", "31.2.2024"}),
                   "--druckdatum „31.2.2024“ ist kein Datum wie 31.12.2024 oder 2024-12-31 08:15."}),
     [](const auto& test) { return test.param.name; });
-
-// Bad input
-
-TEST_F(CommandLine, AnUnknownCompanyIsNamed) {
-    auto arguments = command("drucken", "Umsatz", toPdf());
-    arguments[4] = "99";
-    const auto outcome = run(arguments, environment);
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.errors, "Fehler: Die allgemeinen Firmendaten für die Firma 99 sind nicht vorhanden.\n");
-}
-
-TEST_F(CommandLine, AMissingDatabaseIsNamedAndNotCreated) {
-    std::filesystem::remove(database());
-    for (const auto& outcome : {print("Umsatz", toPdf()), kvtdruck({"firmen", "--datenbank", database()})}) {
-        EXPECT_EQ(outcome.exitCode, 1);
-        EXPECT_THAT(outcome.errors, HasSubstr("Die Datenbank „" + database() + "“ konnte nicht geöffnet werden."));
-    }
-    EXPECT_FALSE(std::filesystem::exists(database()));
-}
-
-TEST_F(CommandLine, ADatabaseWithoutTablesIsNamed) {
-    writeFile(database(), "");
-    for (const auto& outcome : {print("Umsatz", toPdf()), kvtdruck({"firmen", "--datenbank", database()})}) {
-        EXPECT_EQ(outcome.exitCode, 1);
-        EXPECT_THAT(outcome.errors,
-                    AllOf(HasSubstr("konnten nicht gelesen werden"), HasSubstr("no such table: firma")));
-    }
-}
-
-TEST_F(CommandLine, ClassNamesAndCodesAreForThoseWhoAskForThem) {
-    execute("DROP TABLE umsatz;");
-    const auto outcome = print("Umsatz", toPdf());
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("Die Daten von „Umsatz“ konnten nicht gelesen werden."),
-                                      Not(HasSubstr("cls")), Not(HasSubstr("-2147467259"))));
-    for (const char* option : {"--ausführlich", "--ausfuehrlich"})
-        EXPECT_THAT(print("Umsatz", toPdf({option})).errors,
-                    AllOf(HasSubstr("clsZugUmsatz"), HasSubstr("(-2147467259 in clsDruck_Umsatz.")));
-}
-
-TEST_F(CommandLine, NoDataIsSaid) {
-    const auto outcome = print("Umsatz", toPdf({"--jahr", "1949"}));
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.errors, "Fehler: Keine Daten für 1949; vorhanden: 2019–2025.\n");
-    execute("DELETE FROM umsatz;");
-    EXPECT_EQ(print("Umsatz", toPdf({"--jahr", "2024"})).errors,
-              "Fehler: Es sind keine Daten für den Ausdruck vorhanden.\n");
-    EXPECT_EQ(filesNamed("l.pdf"), 0u);
-}
-
-TEST_F(CommandLine, AWrongFileOfValuesIsNamedWithItsPlace) {
-    writeFile(folder / "w.csv", "Jahr;Gewinn\n2024;1.5\n");
-    const auto outcome = print("Bilanz", toPdf({"--werte", output("w.csv")}));
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors, StartsWith("Fehler: " + output("w.csv") + ", Zeile 2, Spalte 2: "));
-}
-
-class EveryFormat : public CommandLine, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(EveryFormat, AnOutputFolderThatCannotBeWrittenIsAnError) {
-    writeFile(folder / "datei", "");
-    for (const auto& file : {output("gibtsnicht/l"), output("datei/l")}) {
-        const auto outcome = print("Umsatz", {"--format", GetParam(), "--ausgabe", file});
-        EXPECT_EQ(outcome.exitCode, 1);
-        EXPECT_THAT(outcome.errors, AllOf(StartsWith("Fehler: "), HasSubstr(file)));
-    }
-}
-
-/// `fullDisk FOLDER COMMAND…`, a script: the command runs with FOLDER on a disk of 8 kB that exists for it alone;
-/// what it holds at the end is listed. Where no disk may be mounted, not even in a name space of users, files of
-/// more than 2 kB are refused instead.
-const char* const fullDisk = R"(
-    folder=$1
-    shift
-    run='"$@"; code=$?; ls "$0"; exit $code'
-    for mounting in '--map-root-user --mount' '--mount'; do
-        unshare $mounting mount -t tmpfs -o size=8k none "$folder" 2>/dev/null &&
-            exec unshare $mounting sh -c "mount -t tmpfs -o size=8k none \"\$0\"; $run" "$folder" "$@"
-    done
-    trap '' XFSZ
-    ulimit -f 4
-    exec sh -c "$run" "$folder" "$@")";
-
-TEST_P(EveryFormat, AFullDiskIsAnErrorAndLeavesNoHalfFile) {
-    const auto disk = folder / "disk";
-    std::filesystem::create_directory(disk);
-    // The first print of all fills the application folder, which is on another disk.
-    EXPECT_EQ(print("MaStKost", {"--format", GetParam(), "--ausgabe", output("l")}).exitCode, 0);
-    auto arguments = command("drucken", "MaStKost", {"--format", GetParam(), "--ausgabe", (disk / "l").string()});
-    arguments.insert(arguments.begin(), {"sh", "-c", fullDisk, "sh", disk.string()});
-    const auto outcome = run(arguments, environment);
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("Fehler: "), HasSubstr("Datenträger voll")));
-    EXPECT_EQ(outcome.output, "");
-}
-
-TEST_P(EveryFormat, ATextOfAMegabyteInANamePrints) {
-    execute("UPDATE firma SET name1 = replace(hex(zeroblob(500000)), '00', 'Aä');");
-    const auto outcome = print("Umsatz", {"--jahr", "2023", "--format", GetParam(), "--ausgabe", output("l")});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    EXPECT_GT(std::filesystem::file_size(output("l")), 0u);
-}
-
-TEST_P(EveryFormat, InfiniteFiguresPrint) {
-    execute("UPDATE umsatz SET iumsatzdm = 9e999, iumsatzdm_01 = -9e999, iumsatzdm_02 = NULL;");
-    const auto outcome = print("Umsatz", {"--jahr", "2023", "--format", GetParam(), "--ausgabe", output("l")});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    EXPECT_GT(std::filesystem::file_size(output("l")), 0u);
-}
-
-TEST_P(EveryFormat, CtrlCLeavesTheOldFile) {
-    execute(
-        "INSERT INTO mitarbeiter (fnr, nummer, name) WITH RECURSIVE n(i) AS (SELECT 10000 UNION ALL SELECT i + 1 "
-        "FROM n WHERE i < 400000) SELECT 1, i, 'Name' FROM n;");
-    const auto file = output("l");
-    writeFile(file, "alt");
-    ASSERT_EQ(::mkfifo(output("p").c_str(), 0600), 0); // shows the record's beginning while it is written
-    Program record({"sh", "-c", "{ head -c 100000; cat >/dev/null; } <\"$0\"", output("p")});
-    Program program(
-        command("drucken", "MitUeber", {"--format", GetParam(), "--ausgabe", file, "--protokoll", output("p")}),
-        environment);
-    ASSERT_TRUE(waitUntil([&] { return record.output().find("LlPrintFields()") != std::string::npos; }));
-    program.signal(SIGINT);
-    const auto outcome = program.wait();
-    EXPECT_EQ(outcome.exitCode, 130) << outcome.errors;
-    EXPECT_EQ(outcome.errors, "");
-    EXPECT_TRUE(readFile(file) == "alt");
-    EXPECT_EQ(filesNamed("l"), 1u) << "nothing unfinished is left";
-}
-
-INSTANTIATE_TEST_SUITE_P(All, EveryFormat, ::testing::Values("pdf", "csv", "xlsx", "json"),
-                         [](const auto& test) { return std::string(test.param); });
-
-TEST_F(CommandLine, ABrokenLayoutIsNamedWithFileAndReason) {
-    std::filesystem::create_directories(layouts());
-    writeFile(layouts() / "Umsatz.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\">\n<g>\n</svg>\n");
-    const auto outcome = print("Umsatz", toPdf());
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("Umsatz.svg"), HasSubstr("kein wohlgeformtes XML")));
-    EXPECT_EQ(filesNamed("l.pdf"), 0u);
-}
-
-TEST_F(CommandLine, AnApplicationFolderCanBeChosen) {
-    ASSERT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);
-    EXPECT_TRUE(std::filesystem::exists(folder / "app" / "DB" / "BerichteLLVT" / "Preview"));
-    EXPECT_FALSE(std::filesystem::exists(layouts()));
-}
-
-TEST_F(CommandLine, WithoutAHomeTheUserLearnsWhatIsMissing) {
-    environment["HOME"] = environment["XDG_DATA_HOME"] = "";
-    const auto outcome = print("Umsatz", toPdf());
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors, HasSubstr("weder HOME noch XDG_DATA_HOME ist gesetzt. --ordner nennt einen."));
-    std::filesystem::create_directory(folder / "leer");
-    run({"sh", "-c", "cd \"$1\" && exec \"$2\" drucken Umsatz -f 1 -d \"$3\" -o l.pdf", "sh", output("leer"),
-         kProgram, database()},
-        environment);
-    EXPECT_TRUE(std::filesystem::is_empty(folder / "leer")) << "nothing in the working directory";
-    EXPECT_EQ(print("Umsatz", toPdf({"--ordner", output("app")})).exitCode, 0);
-}
-
-// Preview
-
-class Preview : public ProgramTest {
-  protected:
-    /// A viewer that notes the head of what it shows, and its process, and then does what the test asks of it.
-    void installViewer(const std::string& work) const {
-        writeScript(folder / "bin" / "evince", "head -c 5 \"$1\" >" + output("kopf") + "\necho $$ >" +
-                                                   output("nummer") + ".neu\nmv " + output("nummer") + ".neu " +
-                                                   output("nummer") + "\n" + work);
-    }
-    bool viewerRuns() const {
-        const auto number = readFile(output("nummer"));
-        return !number.empty() && ::kill(std::stoi(number), 0) == 0;
-    }
-};
-
-TEST_F(Preview, StaysUntilEnterAndThenEndsTheViewerAndRemovesTheFile) {
-    installViewer("exec sleep 1000");
-    Program program(command("vorschau", "Umsatz"), environment);
-    ASSERT_TRUE(waitUntil([&] { return viewerRuns(); }));
-    EXPECT_EQ(readFile(output("kopf")), "%PDF-");
-    EXPECT_EQ(previewFiles(), 1u);
-    program.write("\n");
-    const auto outcome = program.wait();
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    EXPECT_TRUE(waitUntil([&] { return !viewerRuns(); }));
-    EXPECT_EQ(previewFiles(), 0u);
-}
-
-TEST_F(Preview, ShowsARangeInOneDocument) {
-    installViewer("cp \"$1\" " + output("gezeigt.pdf"));
-    const auto outcome = run(command("vorschau", "Umsatz", {"--von", "2023", "--bis", "2025"}), environment);
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    EXPECT_THAT(run({"pdfinfo", output("gezeigt.pdf")}).output, HasSubstr("Pages:           3\n"));
-    EXPECT_EQ(previewFiles(), 0u);
-}
-
-TEST_F(Preview, EndsWhenTheViewerIsClosed) {
-    installViewer("exit 0");
-    const auto outcome = run(command("vorschau", "Umsatz"), environment);
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    EXPECT_EQ(readFile(output("kopf")), "%PDF-");
-    EXPECT_EQ(previewFiles(), 0u);
-}
-
-TEST_F(Preview, CtrlCEndsTheViewer) {
-    installViewer("exec sleep 1000");
-    Program program(command("vorschau", "Umsatz"), environment);
-    ASSERT_TRUE(waitUntil([&] { return viewerRuns(); }));
-    program.signal(SIGINT);
-    EXPECT_EQ(program.wait().exitCode, 130);
-    EXPECT_TRUE(waitUntil([&] { return !viewerRuns(); }));
-    EXPECT_EQ(previewFiles(), 0u);
-}
-
-TEST_F(Preview, WithoutAViewerTheUserLearnsWhereTheFileIs) {
-    environment["PATH"] = (folder / "bin").string();
-    const auto outcome = run(command("vorschau", "Umsatz"), environment);
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("kein PDF-Betrachter installiert"),
-                                      HasSubstr("sie liegt in " + layouts().string())));
-    ASSERT_EQ(previewFiles(), 1u);
-    const auto file = std::filesystem::directory_iterator(layouts() / "Preview")->path();
-    EXPECT_EQ(file.extension(), ".pdf");
-    EXPECT_THAT(outcome.errors, HasSubstr(file.string()));
-    EXPECT_THAT(readFile(file), StartsWith("%PDF-"));
-}
-
-TEST_F(Preview, TwoAtOnceBothComeUp) {
-    installViewer("cp \"$1\" " + output("gezeigt-$$"));
-    Program first(command("vorschau", "Umsatz"), environment);
-    Program second(command("vorschau", "Umsatz"), environment);
-    for (auto* program : {&first, &second}) {
-        const auto outcome = program->wait();
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    }
-    std::size_t shown = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        shown += entry.path().filename().string().starts_with("gezeigt-") ? 1 : 0;
-    EXPECT_EQ(shown, 2u);
-}
-
-TEST_F(CommandLine, ListsAndCompaniesAsJson) {
-    const auto companies = kvtdruck({"firmen", "--datenbank", database(), "--format", "json"});
-    EXPECT_EQ(run({"jq", "-c", ".[0]"}, {}, companies.output).output,
-              "{\"nummer\":\"1\",\"name\":\"Müller & Söhne GmbH\",\"ort\":\"Dresden\"}\n");
-    const auto lists = kvtdruck({"listen", "--format", "json"});
-    EXPECT_EQ(
-        run({"jq", "-c", "[length, .[3].name, .[3].auswahl[0].option, .[17].spalten[0].name]"}, {}, lists.output)
-            .output,
-        "[18,\"GemeinK\",\"--jahr\",\"Jahr\"]\n");
-    EXPECT_EQ(run({"jq", "length"}, {}, kvtdruck({"listen", "Bilanz", "--format", "json"}).output).output, "1\n");
-}
 
 } // namespace
 } // namespace kvtdruck::testing

@@ -90,6 +90,7 @@ TEST_F(Adapter, JudgesResults) {
     EXPECT_THAT(world().reports, ElementsAre(engineError(-1, "x"), engineError(17, "y")));
 }
 
+// long: a table, with a line for each operation.
 TEST_F(Adapter, EveryOperationPassesItsArgumentsAndReportsUnderItsText) {
     struct Case {
         Operation operation;

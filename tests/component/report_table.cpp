@@ -27,6 +27,7 @@ const std::string kNoAccounts = "Die Konten konnten nicht gelesen werden";
 
 } // namespace
 
+// long: the table, with an entry for each report.
 const std::vector<ReportDescription>& allReports() {
     static const std::vector<ReportDescription> reports{
         {"Umsatz", "clsDruck_Umsatz", "Umsatz", "clsZugUmsatz", "Lese_Umsatz",
