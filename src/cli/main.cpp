@@ -8,15 +8,15 @@
 #include "cli/import_command.h"
 #include "cli/layouts_command.h"
 #include "cli/manual.h"
-#include "cli/option_groups.h"
 #include "cli/options.h"
 #include "cli/outcome.h"
 #include "cli/report_list.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace kvtdruck::cli {
 namespace {
@@ -57,12 +57,8 @@ int execute(Options options, Console& console) {
 
 /// What packages and shells ask for.
 std::optional<std::string> answerForTools(const Words& words, Console& console) {
-    if (words == Words{"handbuch"}) {
-        Options options;
-        CLI::App app;
-        addCommands(app, options);
-        return manualPage(app);
-    }
+    if (words == Words{"handbuch"})
+        return manualPage();
     if (!words.empty() && words.front() == "vervollstaendigen")
         return completionsOf({words.begin() + 1, words.end()}, console);
     return std::nullopt;

@@ -1,5 +1,8 @@
 #include "cli/manual.h"
 
+#include "cli/option_groups.h"
+#include "cli/options.h"
+
 #include <CLI/CLI.hpp>
 
 #include <set>
@@ -131,7 +134,10 @@ class ManualPage {
 
 } // namespace
 
-std::string manualPage(const CLI::App& app) {
+std::string manualPage() {
+    Options options;
+    CLI::App app;
+    addCommands(app, options);
     return ManualPage(app).text();
 }
 

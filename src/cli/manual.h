@@ -3,13 +3,9 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace kvtdruck::cli {
 
-/// The page for man(1), as troff in UTF-8.
-std::string manualPage(const CLI::App& app);
+/// The page of the program and all its commands for man(1), as troff in UTF-8.
+std::string manualPage();
 
 } // namespace kvtdruck::cli
