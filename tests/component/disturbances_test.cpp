@@ -12,6 +12,7 @@ namespace {
 
 using ::testing::IsEmpty;
 
+/// What a host may do while foreign code runs.
 struct Disturbance {
     const char* name;
     void (*run)(Host& host);

@@ -332,7 +332,6 @@ TEST_F(Manager, AJobForTheWindowOfARunningOneTakesARowOfItsOwn) {
     EXPECT_THAT(host.world.ended, ElementsAre(1001, 1002));
 }
 
-/// What a host may do while foreign code runs.
 TEST_F(Manager, RowsThatAreForgottenWhileTheyAreLookedThroughAreNoLongerLookedAt) {
     preview();
     preview(43);

@@ -12,6 +12,16 @@ namespace {
 using namespace testing;
 using ::testing::HasSubstr;
 
+/// Groups n1, n2, … of which each uses the one before it twice; `attribute` stands before each reference.
+std::string doublings(int count, const std::string& attribute) {
+    std::string groups = "<rect id='n0' width='1' height='1'/>";
+    for (int i = 1; i < count; ++i) {
+        const std::string use = "<use " + attribute + "href='#n" + std::to_string(i - 1) + "'/>";
+        groups.append("<g id='n").append(std::to_string(i)).append("'>").append(use).append(use).append("</g>");
+    }
+    return groups;
+}
+
 TEST_F(LayoutTest, EntityBombsAreRefused) {
     std::string bomb = "<!DOCTYPE svg [<!ENTITY a0 'ha'>";
     for (int i = 1; i < 30; ++i)
@@ -60,12 +70,7 @@ TEST_F(LayoutTest, CyclicAndMultiplyingUseIsRefused) {
     EXPECT_THAT(error(row("<g id='a'><use href='#b'/></g><g id='b'><use href='#a'/></g>"), kLayoutRefused),
                 HasSubstr("Verwendung im Kreis"));
     EXPECT_THAT(error(row("<use id='u' xlink:href='#u'/>"), kLayoutRefused), HasSubstr("Verwendung im Kreis"));
-    std::string nested = "<rect id='n0' width='1' height='1'/>";
-    for (int i = 1; i < 40; ++i) {
-        const std::string inner = "<use href='#n" + std::to_string(i - 1) + "'/>";
-        nested.append("<g id='n").append(std::to_string(i)).append("'>").append(inner).append(inner).append("</g>");
-    }
-    EXPECT_THAT(error(row("<defs>" + nested + "</defs><use href='#n39'/>"), kLayoutRefused),
+    EXPECT_THAT(error(row("<defs>" + doublings(40, "") + "</defs><use href='#n39'/>"), kLayoutRefused),
                 HasSubstr("vervielfacht"));
 }
 
@@ -84,11 +89,7 @@ TEST_F(LayoutTest, AnAttributeCannotHideBehindAnotherOfItsName) {
 }
 
 TEST_F(LayoutTest, UseCannotMultiplyBehindAnotherAttribute) {
-    std::string nested = "<rect id='n0' width='1' height='1'/>";
-    for (int i = 1; i < 25; ++i) {
-        const std::string inner = "<use xlink:href='#leer' href='#n" + std::to_string(i - 1) + "'/>";
-        nested.append("<g id='n").append(std::to_string(i)).append("'>").append(inner).append(inner).append("</g>");
-    }
+    const std::string nested = doublings(25, "xlink:href='#leer' ");
     EXPECT_THAT(error(row("<defs><g id='leer'/>" + nested + "</defs><use href='#n24'/>"), kLayoutRefused),
                 HasSubstr("vervielfacht"));
 }
