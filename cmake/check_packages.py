@@ -24,8 +24,8 @@ def names_of(relation):
 
 
 def installed_packages():
-    """What each installed package depends on; and the packages that provide a name."""
-    needs, providers = {}, {}
+    """What each installed package depends on; the packages that provide a name; and those that every Debian has."""
+    needs, providers, essential = {}, {}, set()
     for entry in STATUS.read_text(encoding="utf-8").split("\n\n"):
         fields = dict(re.findall(r"^([A-Za-z-]+): (.*)$", entry, re.MULTILINE))
         if fields.get("Status") != "install ok installed":
@@ -36,12 +36,12 @@ def installed_packages():
         for provided in names_of(fields.get("Provides", "")) | {name}:
             providers.setdefault(provided, set()).add(name)
         if fields.get("Essential") == "yes":
-            providers.setdefault("essential", set()).add(name)
-    return needs, providers
+            essential.add(name)
+    return needs, providers, essential
 
 
 def closure(names, needs, providers):
-    reached, open_names = set(), set(names) | {"essential"}
+    reached, open_names = set(), set(names)
     while open_names:
         packages = providers.get(open_names.pop(), set()) - reached
         reached |= packages
@@ -75,8 +75,8 @@ def owners_of(files):
 
 
 def main():
-    needs, providers = installed_packages()
-    for_run = named_in("packages-run.txt")
+    needs, providers, essential = installed_packages()
+    for_run = essential | named_in("packages-run.txt")
     breaches = []
     for files, names, where in zip(system_files(sys.argv[1]),
                                    (for_run, for_run | named_in("packages-test.txt")),
